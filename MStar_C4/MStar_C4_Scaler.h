@@ -1,0 +1,56 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+// The client of the display scaler's driver. One device per program, used by the window's thread
+// alone. A failed request is logged; without an open device a request is refused with a log line.
+
+#pragma pack(push, 1)
+// Which part of the scaler's input is shown where on the screen. Sent as it stands.
+struct MstarScalerWindow {
+    DWORD reserved;
+    WORD source_window[4];  // in the order of the display window
+    WORD input_width;
+    WORD input_height;
+    WORD display_x;
+    WORD display_y;
+    WORD display_width;
+    WORD display_height;
+    BYTE flags[2];  // set by Mstar_C4_Scaler_SetWindow
+    BYTE padding[2];
+};
+#pragma pack(pop)
+
+static_assert(sizeof(MstarScalerWindow) == 28 && offsetof(MstarScalerWindow, source_window) == 4);
+static_assert(offsetof(MstarScalerWindow, input_width) == 12);
+static_assert(offsetof(MstarScalerWindow, display_x) == 16);
+static_assert(offsetof(MstarScalerWindow, flags) == 24);
+
+// Opens the driver, after closing what an earlier call opened. While the driver is absent it waits:
+// until the system has been up for 12 seconds, then for up to 121 attempts 100 ms apart. FALSE,
+// with nothing open, when the driver stays absent or its event cannot be created.
+BOOL Mstar_C4_Scaler_Init();
+
+// Closes the driver, if it is open.
+void Mstar_C4_Scaler_DeInit();
+
+// Would release driver buffers mapped by the client; none are.
+void Mstar_C4_Scaler_FreeMemory();
+
+// Requests. FALSE when the device is not open or the driver refused.
+BOOL Mstar_C4_Scaler_Sw2Scaler();
+BOOL Mstar_C4_Scaler_SW2GOP();
+BOOL Mstar_C4_Scaler_SetAlpha(DWORD alpha);
+// Only the low byte of enable is sent.
+BOOL Mstar_C4_Scaler_ColorKey(DWORD enable, DWORD color);
+BOOL Mstar_C4_Scaler_ChangeDisplayWinddow(DWORD selector);
+// Sends everything up to the flags from the caller's record.
+BOOL Mstar_C4_Scaler_SetWindow(const MstarScalerWindow* window);
+// The composite input at this place of the screen; each value is truncated to 16 bits.
+BOOL Mstar_C4_Scaler_SetWindow2(DWORD x, DWORD y, DWORD width, DWORD height);
+
+// Switches the screen to the composite video behind the key colour. TRUE whenever the device is
+// open, whatever the driver answers.
+BOOL Mstar_C4_Scaler_ShowCompositeVideo();

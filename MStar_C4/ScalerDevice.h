@@ -1,0 +1,11 @@
+#pragma once
+
+#include <windows.h>
+
+// The scaler's driver, NULL while closed, and the event held while it is open.
+extern HANDLE g_hScalerDevice;
+extern HANDLE g_hAtscNotifyEvent;
+
+inline bool IsUsable(HANDLE device) {
+    return device != NULL && device != INVALID_HANDLE_VALUE;
+}

@@ -1,0 +1,16 @@
+# The program's folders: the Windows CE API, the windowing framework and each other, nothing else.
+# Reports run from the link to the wizard and commands from the wizard to the link, so the folders
+# name each other; static libraries allow that.
+tolvane_folder(app/log DEPENDS platform_api)
+tolvane_folder(app/thread DEPENDS platform_api)
+tolvane_folder(MStar_C4 DEPENDS app_log platform_api)
+tolvane_folder(power DEPENDS app_log app_thread platform_api)
+tolvane_folder(dvrlink DEPENDS app_log app_thread platform_api platform_framework wizard ui power)
+tolvane_folder(ui DEPENDS res app_log platform_api platform_framework wizard power)
+tolvane_folder(wizard DEPENDS res app_log platform_api platform_framework dvrlink ui power MStar_C4)
+tolvane_folder(app DEPENDS res app_log platform_api platform_framework wizard ui power)
+
+# The program as a whole, on this platform.
+add_library(program INTERFACE)
+target_link_libraries(program INTERFACE app platform_kernel platform_window platform_gdi
+    platform_device platform_resource platform_powermgr)

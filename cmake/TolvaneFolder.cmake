@@ -1,0 +1,54 @@
+# One target per folder, named after its path (platform/kernel -> platform_kernel). Headers are
+# included by their path from the root ("platform/kernel/clock.h"), but only through a view of the
+# tree that shows this folder alone: an include of a folder that is not in DEPENDS does not compile.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+find_package(Threads REQUIRED)
+
+add_library(tolvane_flags INTERFACE)
+target_compile_options(tolvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    -Wno-sign-conversion -Werror -fno-strict-aliasing -fstack-protector-strong)
+target_link_libraries(tolvane_flags INTERFACE Threads::Threads)
+if(TOLVANE_SANITIZE)
+    target_compile_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE}
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE})
+else()
+    target_compile_options(tolvane_flags INTERFACE -U_FORTIFY_SOURCE
+        $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+endif()
+
+# A view of the tree with the one folder in it.
+function(tolvane_view folder out)
+    string(REPLACE "/" "_" target "${folder}")
+    set(view "${CMAKE_BINARY_DIR}/include/${target}")
+    get_filename_component(parent "${view}/${folder}" DIRECTORY)
+    file(MAKE_DIRECTORY "${parent}")
+    file(CREATE_LINK "${CMAKE_SOURCE_DIR}/${folder}" "${view}/${folder}" SYMBOLIC)
+    set(${out} "${view}" PARENT_SCOPE)
+endfunction()
+
+# tolvane_folder(platform/kernel DEPENDS platform_api [LIBRARIES pkg...] [PRIVATE_LIBRARIES pkg...])
+# Every .cpp of the folder itself belongs to the target; a folder without one is headers only.
+function(tolvane_folder folder)
+    cmake_parse_arguments(ARG "" "" "DEPENDS;LIBRARIES;PRIVATE_LIBRARIES;EXCLUDE" ${ARGN})
+    string(REPLACE "/" "_" target "${folder}")
+    file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
+    foreach(excluded IN LISTS ARG_EXCLUDE)
+        list(REMOVE_ITEM sources "${CMAKE_SOURCE_DIR}/${folder}/${excluded}")
+    endforeach()
+    tolvane_view(${folder} view)
+    if(sources)
+        add_library(${target} STATIC ${sources})
+        target_include_directories(${target} PUBLIC "${view}")
+        target_link_libraries(${target} PUBLIC tolvane_flags ${ARG_DEPENDS} ${ARG_LIBRARIES}
+            PRIVATE ${ARG_PRIVATE_LIBRARIES})
+    else()
+        add_library(${target} INTERFACE)
+        target_include_directories(${target} INTERFACE "${view}")
+        target_link_libraries(${target} INTERFACE tolvane_flags ${ARG_DEPENDS} ${ARG_LIBRARIES})
+    endif()
+endfunction()

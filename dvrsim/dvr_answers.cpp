@@ -1,0 +1,156 @@
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "dvrsim/dvr.h"
+#include "dvrsim/plain_answers.h"
+
+namespace dvrsim {
+namespace {
+
+using std::chrono::microseconds;
+
+// What a small controller has memory for; requests beyond it are lost.
+constexpr std::size_t kMostWaitingAnswers = 32;
+
+std::vector<std::uint8_t> Bytes(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+std::string TwoDigits(unsigned value) {
+    std::string text = std::to_string(value % 100);
+    return text.size() < 2 ? '0' + text : text;
+}
+
+// "20140901090000": the DVR's clock, which starts with the host's at that moment.
+std::string ClockText(microseconds since_start) {
+    using namespace std::chrono;
+    const sys_seconds start = sys_days{2014y / September / 1} + hours(9);
+    const sys_seconds now = start + floor<seconds>(since_start);
+    const year_month_day date{floor<days>(now)};
+    const hh_mm_ss time{now - floor<days>(now)};
+    return std::to_string(static_cast<int>(date.year())) +
+           TwoDigits(static_cast<unsigned>(date.month())) +
+           TwoDigits(static_cast<unsigned>(date.day())) +
+           TwoDigits(static_cast<unsigned>(time.hours().count())) +
+           TwoDigits(static_cast<unsigned>(time.minutes().count())) +
+           TwoDigits(static_cast<unsigned>(time.seconds().count()));
+}
+
+}  // namespace
+
+void Dvr::Receive(std::span<const std::uint8_t> bytes) {
+    if (!processor_up_) {
+        return;
+    }
+    const std::size_t damaged_before = decoder_.DamagedFrames();
+    for (const std::uint8_t byte : bytes) {
+        decoder_.Take(byte);
+        while (const auto frame = decoder_.Next()) {
+            Accept(*frame);
+        }
+    }
+    damaged_frames_ += decoder_.DamagedFrames() - damaged_before;
+}
+
+void Dvr::Accept(const Frame& frame) {
+    const unsigned number = frame.code & ~unsigned{kQueryBit};
+    if (frame.type != static_cast<std::uint8_t>(FrameType::kRequest) || number < kFirstCommand ||
+        number > kLastCommand || waiting_answers_ == kMostWaitingAnswers) {
+        return;
+    }
+    ++waiting_answers_;
+    // One request after the other, as one processor works them off.
+    busy_until_ = std::max(busy_until_, host_.Now()) + Pick(timings_.latency);
+    actions_.After(busy_until_ - host_.Now(), [this, frame] {
+        --waiting_answers_;
+        Answer(frame);
+    });
+}
+
+void Dvr::Answer(const Frame& frame) {
+    const auto command = static_cast<Command>(frame.code & ~unsigned{kQueryBit});
+    if ((frame.code & kQueryBit) != 0) {
+        if (const auto payload = AnswerToQuery(command)) {
+            Transmit(FrameType::kAcknowledgement, frame.code, *payload);
+        }
+        return;
+    }
+    const std::uint8_t accepted[] = {0};
+    Transmit(FrameType::kAcknowledgement, frame.code, accepted);
+    FollowOrder(command, frame.payload);
+}
+
+std::optional<std::vector<std::uint8_t>> Dvr::AnswerToQuery(Command command) const {
+    switch (command) {
+        case Command::kRunningState:
+            return {{static_cast<std::uint8_t>(running_state_)}};
+        case Command::kMode:
+            return {{static_cast<std::uint8_t>(mode_)}};
+        case Command::kTime:
+            return Bytes(ClockText(host_.Now()));
+        case Command::kVideoRecord:
+            return RecordPayload();
+        case Command::kStorageCardStatus:
+            if (!settled_card_ || faults_.silent_card) {
+                return std::nullopt;
+            }
+            return {{static_cast<std::uint8_t>(*settled_card_), CardPercent(*settled_card_)}};
+        case Command::kFirmwareUpgradeVersion:
+            if (faults_.silent_version) {
+                return std::nullopt;
+            }
+            return Bytes(std::string_view(running_version_).substr(0, kMostPayloadBytes));
+        default:
+            return Bytes(PlainAnswer(command));
+    }
+}
+
+void Dvr::FollowOrder(Command command, std::span<const std::uint8_t> payload) {
+    if (command == Command::kSystemReboot) {
+        Later(timings_.reboot_report, &Dvr::Reboot);
+        return;
+    }
+    if (payload.empty()) {
+        return;
+    }
+    if (command == Command::kMode && payload[0] <= static_cast<std::uint8_t>(Mode::kPlay)) {
+        mode_ = static_cast<Mode>(payload[0]);
+        SendIndication(Command::kMode, payload.first(1));
+    }
+    if (command == Command::kVideoRecord) {
+        record_wanted_ = payload[0] == 1 || payload[0] == '1';
+    }
+}
+
+void Dvr::Reboot() {
+    // Whatever else was under way stops here, a boot or an update included.
+    actions_.CancelAll();
+    waiting_answers_ = 0;
+    SetRunningState(RunningState::kRebooting);
+    Later(timings_.reboot, &Dvr::Reset);
+}
+
+std::vector<std::uint8_t> Dvr::RecordPayload() const {
+    const std::uint32_t seconds = recorded_seconds_;
+    const std::string text = std::string(Recording() ? "1" : "0") + '\0' +
+                             TwoDigits(seconds / 3600) + TwoDigits(seconds / 60 % 60) +
+                             TwoDigits(seconds % 60);
+    return Bytes(text);
+}
+
+std::uint8_t Dvr::CardPercent(CardStatus status) const {
+    switch (status) {
+        case CardStatus::kPlugIn:
+            return 42;
+        case CardStatus::kSpaceFullNormalFile:
+        case CardStatus::kSpaceFullEventFile:
+        case CardStatus::kSpaceFullBothFile:
+            return 100;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace dvrsim

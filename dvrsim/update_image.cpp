@@ -1,0 +1,65 @@
+#include "dvrsim/update_image.h"
+
+#include <algorithm>
+#include <fstream>
+#include <system_error>
+
+namespace dvrsim {
+namespace {
+
+constexpr std::string_view kMagic = "TOLVANE DVR IMAGE ";
+constexpr std::size_t kLeastVersion = 17;
+// With the percent before it, the version still fits a frame.
+constexpr std::size_t kMostVersion = 63;
+constexpr std::size_t kFirmwareBytes = 4096;
+
+bool IsVersion(std::string_view text) {
+    return text.size() >= kLeastVersion && text.size() <= kMostVersion &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
+}
+
+std::optional<std::string> ReadVersion(const std::filesystem::path& file) {
+    std::error_code error;
+    // Opening a pipe would wait for its writer.
+    if (!std::filesystem::is_regular_file(file, error)) {
+        return std::nullopt;
+    }
+    std::string head(kMagic.size() + kMostVersion + 1, '\0');
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(stream.gcount()));
+
+    const std::size_t line_end = head.find('\n');
+    if (line_end == std::string::npos || !head.starts_with(kMagic)) {
+        return std::nullopt;
+    }
+    std::string version = head.substr(kMagic.size(), line_end - kMagic.size());
+    if (!IsVersion(version)) {
+        return std::nullopt;
+    }
+    return version;
+}
+
+}  // namespace
+
+std::optional<std::string> ReadImageVersion(const std::filesystem::path& folder) {
+    for (const std::string_view name : kImageNames) {
+        if (auto version = ReadVersion(folder / name)) {
+            return version;
+        }
+    }
+    return std::nullopt;
+}
+
+bool WriteImage(const std::filesystem::path& folder, std::string_view version,
+                std::string_view name) {
+    if (!IsVersion(version)) {
+        return false;
+    }
+    std::ofstream stream(folder / name, std::ios::binary | std::ios::trunc);
+    stream << kMagic << version << '\n' << std::string(kFirmwareBytes, '\xFF');
+    stream.close();
+    return !stream.fail();
+}
+
+}  // namespace dvrsim

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <windef.h>
+#include <winerror.h>
+#include <winnt.h>
+
+#include "errors.h"
+#include "handles.h"
+
+#define INFINITE 0xFFFFFFFFU
+
+#define WAIT_FAILED 0xFFFFFFFFU
+#define WAIT_OBJECT_0 (STATUS_WAIT_0 + 0U)
+#define WAIT_ABANDONED (STATUS_ABANDONED_WAIT_0 + 0U)
+#define WAIT_ABANDONED_0 (STATUS_ABANDONED_WAIT_0 + 0U)
+#define WAIT_IO_COMPLETION STATUS_USER_APC
+
+#define EVENT_PULSE 1U
+#define EVENT_RESET 2U
+#define EVENT_SET 3U
+
+// The fields are the kernel's, between InitializeCriticalSection and DeleteCriticalSection.
+struct CRITICAL_SECTION {
+    unsigned int LockCount;
+    HANDLE OwnerThread;
+    HANDLE hCrit;
+    DWORD needtrap;
+    DWORD dwContentions;
+};
+using PCRITICAL_SECTION = CRITICAL_SECTION*;
+using LPCRITICAL_SECTION = CRITICAL_SECTION*;
+
+extern "C" {
+
+DWORD WINAPI WaitForSingleObject(HANDLE hHandle, DWORD dwMilliseconds);
+// As on the device, fWaitAll must be FALSE: ERROR_INVALID_PARAMETER otherwise.
+DWORD WINAPI WaitForMultipleObjects(DWORD nCount, CONST HANDLE* lpHandles, BOOL fWaitAll,
+                                    DWORD dwMilliseconds);
+
+HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES lpEventAttributes, BOOL bManualReset,
+                           BOOL bInitialState, LPCWSTR lpName);
+HANDLE WINAPI OpenEventW(DWORD dwDesiredAccess, BOOL bInheritHandle, LPCWSTR lpName);
+// What SetEvent, ResetEvent and PulseEvent are made of: EVENT_SET, EVENT_RESET or EVENT_PULSE.
+// EVENT_PULSE is not supported here: ERROR_CALL_NOT_IMPLEMENTED.
+BOOL WINAPI EventModify(HANDLE hEvent, DWORD func);
+
+HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES lpMutexAttributes, BOOL bInitialOwner,
+                           LPCWSTR lpName);
+BOOL WINAPI ReleaseMutex(HANDLE hMutex);
+
+void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
+void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
+void WINAPI EnterCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
+BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
+void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
+
+}  // extern "C"
+
+inline BOOL SetEvent(HANDLE hEvent) {
+    return EventModify(hEvent, EVENT_SET);
+}
+
+inline BOOL ResetEvent(HANDLE hEvent) {
+    return EventModify(hEvent, EVENT_RESET);
+}
+
+inline BOOL PulseEvent(HANDLE hEvent) {
+    return EventModify(hEvent, EVENT_PULSE);
+}

@@ -1,0 +1,71 @@
+#include <windows.h>
+
+#include "platform/device/serial_port.h"
+#include "platform/kernel/scheduler.h"
+
+using namespace platform;
+using device::SerialPort;
+
+namespace {
+
+// Runs `request` on the port behind `handle`; a null `argument` is refused.
+template <class Request>
+BOOL OnPort(HANDLE handle, const void* argument, Request request) {
+    kernel::SchedulingPoint();
+    const std::shared_ptr<SerialPort> port = kernel::FindObjectAs<SerialPort>(handle);
+    if (!port)
+        return FALSE;
+    const DWORD error = argument ? request(*port) : ERROR_INVALID_PARAMETER;
+    if (error == ERROR_SUCCESS)
+        return TRUE;
+    SetLastError(error);
+    return FALSE;
+}
+
+}  // namespace
+
+BOOL GetCommState(HANDLE handle, LPDCB settings) {
+    return OnPort(handle, settings,
+                  [&](SerialPort& port) { return port.ReadSettings(*settings); });
+}
+
+BOOL SetCommState(HANDLE handle, LPDCB settings) {
+    return OnPort(handle, settings,
+                  [&](SerialPort& port) { return port.ApplySettings(*settings); });
+}
+
+BOOL GetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
+    return OnPort(handle, timeouts, [&](SerialPort& port) {
+        *timeouts = port.timeouts();
+        return ERROR_SUCCESS;
+    });
+}
+
+BOOL SetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
+    return OnPort(handle, timeouts, [&](SerialPort& port) {
+        port.SetTimeouts(*timeouts);
+        return ERROR_SUCCESS;
+    });
+}
+
+BOOL SetCommMask(HANDLE handle, DWORD mask) {
+    return OnPort(handle, &mask, [&](SerialPort& port) {
+        port.SetEventMask(mask);
+        return ERROR_SUCCESS;
+    });
+}
+
+BOOL GetCommMask(HANDLE handle, LPDWORD mask) {
+    return OnPort(handle, mask, [&](SerialPort& port) {
+        *mask = port.event_mask();
+        return ERROR_SUCCESS;
+    });
+}
+
+BOOL PurgeComm(HANDLE handle, DWORD actions) {
+    return OnPort(handle, &actions, [&](SerialPort& port) {
+        if ((actions & PURGE_RXCLEAR) != 0)
+            port.DropInput();
+        return ERROR_SUCCESS;
+    });
+}

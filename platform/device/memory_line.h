@@ -1,0 +1,50 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "platform/device/serial_line.h"
+#include "platform/kernel/clock.h"
+
+namespace platform::device {
+
+// A line whose other end, the attached device, is in this process. It keeps the wire's time: each
+// byte takes ten bits at the device's rate, in each direction, so an answer is never there before
+// a real one could be. A port with other settings than the device's exchanges nothing with it.
+class MemoryLine final : public SerialLine, public std::enable_shared_from_this<MemoryLine> {
+  public:
+    // What the port sends goes to `device` on the hardware's thread.
+    MemoryLine(DWORD baud_rate, Receiver device);
+
+    // The device sends. Hardware's thread.
+    void Send(std::span<const std::uint8_t> bytes);
+
+    // Pulls the plug or puts it back: while unplugged, bytes are lost, those on the wire included.
+    // Hardware's thread.
+    void SetPlugged(bool plugged);
+
+    DWORD Open(Receiver receiver) override;
+    void Close() override;
+    DWORD ReadSettings(DCB& settings) override;
+    DWORD ApplySettings(const DCB& settings) override;
+    std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
+    void OnRoom(std::function<void()>) override {}
+
+  private:
+    void DeliverNext();
+    bool SettingsFit() const;
+    kernel::Duration WireTime(std::size_t bytes) const;
+
+    const DWORD baud_rate_;
+    const Receiver device_;
+    // Guarded by the kernel lock.
+    Receiver port_;
+    DCB settings_{};
+    bool plugged_ = true;
+    std::deque<std::uint8_t> to_port_;
+    kernel::Time to_port_free_{};
+    kernel::Time to_device_free_{};
+};
+
+}  // namespace platform::device

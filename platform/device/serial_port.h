@@ -1,0 +1,67 @@
+#pragma once
+
+#include <windows.h>
+
+#include <deque>
+#include <memory>
+
+#include "platform/device/serial_line.h"
+#include "platform/device/stream_driver.h"
+#include "platform/kernel/clock.h"
+
+namespace platform::device {
+
+// The open serial port: what arrives on the line is read ahead into memory, so that a read of one
+// byte costs no call of the host. Time-outs are those of the COMMTIMEOUTS record.
+class SerialPort final : public Stream {
+  public:
+    explicit SerialPort(std::shared_ptr<SerialLine> line);
+
+    // Starts listening; ERROR_SUCCESS or the line's error.
+    DWORD Start(std::shared_ptr<SerialPort> self);
+
+    DWORD Read(std::span<std::byte> buffer, DWORD& done) override;
+    DWORD Write(std::span<const std::byte> bytes, DWORD& done) override;
+    void HandleClosed() override;
+
+    DWORD ReadSettings(DCB& settings) { return line_->ReadSettings(settings); }
+    DWORD ApplySettings(const DCB& settings);
+    COMMTIMEOUTS timeouts() const;
+    void SetTimeouts(const COMMTIMEOUTS& timeouts);
+    DWORD event_mask() const;
+    void SetEventMask(DWORD mask);
+    // PurgeComm's PURGE_RXCLEAR.
+    void DropInput();
+
+    bool IsClosed() const;
+
+  private:
+    void Receive(std::span<const std::uint8_t> bytes);
+    kernel::Time TotalDeadline(DWORD multiplier, DWORD constant, std::size_t count) const;
+
+    // More than a second of the line; what comes on top is lost, as in any driver.
+    static constexpr std::size_t kMostReadAhead = 64 * 1024;
+
+    const std::shared_ptr<SerialLine> line_;
+    // Guarded by the kernel lock.
+    std::deque<std::byte> input_;
+    kernel::Time last_arrival_{};
+    COMMTIMEOUTS timeouts_{};
+    DWORD event_mask_ = 0;
+    bool closed_ = false;
+    bool room_ = true;
+};
+
+// A serial driver over a line. One handle at a time, as the device's own driver has it.
+class SerialDriver final : public StreamDriver {
+  public:
+    explicit SerialDriver(std::shared_ptr<SerialLine> line) : line_(std::move(line)) {}
+
+    DWORD Open(DWORD access, DWORD share_mode, std::shared_ptr<Stream>& stream) override;
+
+  private:
+    const std::shared_ptr<SerialLine> line_;
+    std::weak_ptr<SerialPort> port_;
+};
+
+}  // namespace platform::device

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "platform/device/serial_line.h"
+
+namespace platform::device {
+
+// A terminal device of the host ("/dev/ttyUSB0", the end of a pseudo-terminal) as the line. Only
+// for a free-running unit: what is at its other end keeps the host's time.
+class TtyLine final : public SerialLine {
+  public:
+    // `problem` hears in one line why the device could not be opened, or that it went away. Called
+    // on any thread, without locks.
+    TtyLine(std::string path, std::function<void(const std::string&)> problem);
+    ~TtyLine() override;
+
+    DWORD Open(Receiver receiver) override;
+    void Close() override;
+    DWORD ReadSettings(DCB& settings) override;
+    DWORD ApplySettings(const DCB& settings) override;
+    std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
+    void OnRoom(std::function<void()> room) override;
+
+  private:
+    void ReadUntilClosed(int tty, const Receiver& receiver);
+    DWORD Refuse(const std::string& what, int error);
+
+    const std::string path_;
+    const std::function<void(const std::string&)> problem_;
+    std::mutex mutex_;
+    std::function<void()> room_;
+    std::atomic<int> tty_{-1};
+    int stop_event_ = -1;
+    std::atomic<bool> wants_room_{false};
+    std::thread reader_;
+};
+
+}  // namespace platform::device

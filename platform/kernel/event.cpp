@@ -1,0 +1,74 @@
+#include "platform/kernel/named_objects.h"
+#include "platform/kernel/scheduler.h"
+
+namespace platform::kernel {
+namespace {
+
+class Event final : public Object {
+  public:
+    Event(bool manual_reset, bool signalled)
+        : manual_reset_(manual_reset), signalled_(signalled) {}
+
+    bool Waitable() const override { return true; }
+    bool Signalled(const Thread&) const override { return signalled_; }
+    bool Consume(Thread&) override {
+        if (!manual_reset_)
+            signalled_ = false;
+        return false;
+    }
+    void Change(bool signalled) { signalled_ = signalled; }
+
+  private:
+    const bool manual_reset_;
+    bool signalled_;
+};
+
+}  // namespace
+}  // namespace platform::kernel
+
+using namespace platform::kernel;
+
+HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state, LPCWSTR name) {
+    SchedulingPoint();
+    KernelLock lock = LockKernel();
+    std::shared_ptr<Event> event = CreateNamed<Event>(
+        lock, name, [&] { return std::make_shared<Event>(manual_reset != 0, initial_state != 0); });
+    return event ? OpenHandle(lock, std::move(event)) : nullptr;
+}
+
+HANDLE OpenEventW(DWORD, BOOL, LPCWSTR name) {
+    SchedulingPoint();
+    if (!name) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    KernelLock lock = LockKernel();
+    const std::shared_ptr<Object> object = FindNamed(lock, name);
+    if (!object) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return nullptr;
+    }
+    auto event = std::dynamic_pointer_cast<Event>(object);
+    if (!event) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return nullptr;
+    }
+    return OpenHandle(lock, std::move(event));
+}
+
+BOOL EventModify(HANDLE handle, DWORD function) {
+    SchedulingPoint();
+    const std::shared_ptr<Event> event = FindObjectAs<Event>(handle);
+    if (!event)
+        return FALSE;
+    if (function != EVENT_SET && function != EVENT_RESET) {
+        // Nothing here pulses events.
+        SetLastError(function == EVENT_PULSE ? ERROR_CALL_NOT_IMPLEMENTED
+                                             : ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    KernelLock lock = LockKernel();
+    event->Change(function == EVENT_SET);
+    Wake(lock);
+    return TRUE;
+}

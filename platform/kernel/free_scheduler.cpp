@@ -1,0 +1,130 @@
+#include <vector>
+
+#include "platform/kernel/event_queue.h"
+#include "platform/kernel/kernel_state.h"
+
+namespace platform::kernel {
+namespace {
+
+using HostClock = std::chrono::steady_clock;
+
+// Longer than any process lives, and short enough for the host's clock to count.
+constexpr std::chrono::hours kFarAway{24 * 365 * 20};
+
+// Real threads in parallel, real time or `speed` times real time.
+class FreeScheduler final : public Scheduler {
+  public:
+    FreeScheduler(const Options& options, Thread& hardware)
+        : start_(options.start), host_start_(HostClock::now()), speed_(options.speed),
+          hardware_(hardware) {}
+
+    Time Now() const override {
+        const std::chrono::duration<double, std::micro> passed = HostClock::now() - host_start_;
+        return start_ + Time(static_cast<Time::rep>(passed.count() * speed_));
+    }
+
+    bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
+        Thread& self = CurrentThread();
+        bool answer = ready();
+        if (answer || Now() >= deadline)
+            return answer;
+        self.blocked_on = &ready;
+        waiting_.push_back(&self);
+        while (!answer && Now() < deadline) {
+            WaitUntil(self.wake, lock, deadline);
+            answer = ready();
+        }
+        std::erase(waiting_, &self);
+        self.blocked_on = nullptr;
+        return answer;
+    }
+
+    void Wake(KernelLock&) override {
+        for (Thread* thread : waiting_)
+            if ((*thread->blocked_on)())
+                thread->wake.notify_one();
+        WakeHardware();
+    }
+
+    void SchedulingPoint() override {}
+    void Adopt(KernelLock&, Thread&) override {}
+    void Enter(KernelLock&, Thread&) override {}
+    void Leave(KernelLock& lock, Thread&) override { Wake(lock); }
+
+    EventId At(KernelLock&, Time when, Action action) override {
+        WakeHardware();
+        return events_.Add(when, std::move(action));
+    }
+
+    void Cancel(KernelLock&, EventId id) override { events_.Cancel(id); }
+
+    bool RunHardware(const std::function<bool()>& done) override {
+        while (!done()) {
+            KernelLock lock = LockKernel();
+            if (Action action = events_.TakeDue(Now())) {
+                lock.unlock();
+                action();
+                continue;
+            }
+            // A wake since done() was asked counts: its state may be what done() looks at.
+            if (!hardware_woken_)
+                hardware_.wake.wait_until(
+                    lock, std::min(HostTime(events_.NextDue()), HostClock::now() + kLookAgain));
+            hardware_woken_ = false;
+        }
+        return true;
+    }
+
+    Time RunDueActions() override {
+        KernelLock lock = LockKernel();
+        while (Action action = events_.TakeDue(Now())) {
+            lock.unlock();
+            action();
+            lock.lock();
+        }
+        return events_.NextDue();
+    }
+
+  private:
+    // done() may look at anything; ask it again after this much of the host's time at the latest.
+    static constexpr HostClock::duration kLookAgain = std::chrono::milliseconds(50);
+
+    void WakeHardware() {
+        hardware_woken_ = true;
+        hardware_.wake.notify_one();
+    }
+
+    HostClock::time_point HostTime(Time time) const {
+        const std::chrono::duration<double, std::micro> unit_time = time - start_;
+        const std::chrono::duration<double, std::micro> host_time = unit_time / speed_;
+        if (time == kNever || host_time > kFarAway)
+            return host_start_ + kFarAway;
+        // The microsecond makes up for fractions cut off here and in Now().
+        return host_start_ + std::chrono::duration_cast<HostClock::duration>(host_time) +
+               std::chrono::microseconds(1);
+    }
+
+    void WaitUntil(std::condition_variable& wake, KernelLock& lock, Time deadline) {
+        if (deadline == kNever) {
+            wake.wait(lock);
+            return;
+        }
+        wake.wait_until(lock, HostTime(deadline));
+    }
+
+    const Time start_;
+    const HostClock::time_point host_start_;
+    const double speed_;
+    Thread& hardware_;
+    EventQueue events_;
+    std::vector<Thread*> waiting_;
+    bool hardware_woken_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Scheduler> MakeFreeScheduler(const Options& options, Thread& hardware) {
+    return std::make_unique<FreeScheduler>(options, hardware);
+}
+
+}  // namespace platform::kernel

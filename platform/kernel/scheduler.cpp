@@ -1,0 +1,88 @@
+#include "platform/kernel/scheduler.h"
+
+#include <windows.h>
+
+#include "platform/kernel/kernel_state.h"
+
+namespace platform::kernel {
+namespace {
+
+bool BlockHardware(KernelLock& lock, const std::function<bool()>& ready, Time deadline) {
+    // What need not wait must not start other actions in the middle of the running one.
+    if (ready())
+        return true;
+    if (Now() >= deadline)
+        return false;
+    Scheduler& scheduler = *State().scheduler;
+    const EventId alarm = deadline == kNever ? 0 : scheduler.At(lock, deadline, [] {});
+    lock.unlock();
+    scheduler.RunHardware([&] {
+        KernelLock inner = LockKernel();
+        return ready() || Now() >= deadline;
+    });
+    lock.lock();
+    scheduler.Cancel(lock, alarm);
+    return ready();
+}
+
+}  // namespace
+
+Time Now() {
+    return State().scheduler->Now();
+}
+
+Time DeadlineAfter(unsigned long milliseconds) {
+    return milliseconds == INFINITE ? kNever : Now() + std::chrono::milliseconds(milliseconds);
+}
+
+bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) {
+    if (&CurrentThread() == State().hardware.get())
+        return BlockHardware(lock, ready, deadline);
+    return State().scheduler->Block(lock, ready, deadline);
+}
+
+void Wake(KernelLock& lock) {
+    State().scheduler->Wake(lock);
+}
+
+void SchedulingPoint() {
+    State().scheduler->SchedulingPoint();
+}
+
+EventId At(KernelLock& lock, Time when, Action action) {
+    const EventId id = State().scheduler->At(lock, when, std::move(action));
+    if (State().hardware_waker)
+        State().hardware_waker();
+    return id;
+}
+
+EventId At(Time when, Action action) {
+    KernelLock lock = LockKernel();
+    return At(lock, when, std::move(action));
+}
+
+EventId After(Duration delay, Action action) {
+    return At(Now() + delay, std::move(action));
+}
+
+void Cancel(EventId id) {
+    KernelLock lock = LockKernel();
+    State().scheduler->Cancel(lock, id);
+}
+
+bool RunHardware(const std::function<bool()>& done) {
+    const bool finished = State().scheduler->RunHardware(done);
+    ReapThreads();
+    return finished;
+}
+
+Time RunDueActions() {
+    return State().scheduler->RunDueActions();
+}
+
+void SetHardwareWaker(std::function<void()> waker) {
+    KernelLock lock = LockKernel();
+    State().hardware_waker = std::move(waker);
+}
+
+}  // namespace platform::kernel

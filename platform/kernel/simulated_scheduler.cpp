@@ -1,0 +1,187 @@
+#include <atomic>
+#include <random>
+#include <vector>
+
+#include "platform/kernel/event_queue.h"
+#include "platform/kernel/kernel_state.h"
+
+namespace platform::kernel {
+namespace {
+
+const std::function<bool()> kAlways = [] { return true; };
+
+// One thread runs at a time and hands over when it blocks. When all are blocked, the clock jumps
+// to the next deadline or action. The hardware goes first, then the most urgent thread; the seed
+// chooses among equals.
+class SimulatedScheduler final : public Scheduler {
+  public:
+    SimulatedScheduler(const Options& options, Thread& hardware)
+        : now_(options.start.count()), preempt_(options.preempt), hardware_(hardware),
+          random_(options.seed) {
+        hardware_.running = true;
+    }
+
+    Time Now() const override { return Time(now_.load()); }
+
+    bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
+        Thread& self = CurrentThread();
+        if (ready())
+            return true;
+        HandOver(lock, self, ready, deadline);
+        return ready();
+    }
+
+    void Wake(KernelLock&) override { woken_ = true; }
+
+    void SchedulingPoint() override {
+        Thread& self = CurrentThread();
+        if (&self == &hardware_)
+            return;
+        KernelLock lock = LockKernel();
+        const bool taken_away = preempt_ && random_() % kPreemptOneIn == 0;
+        if (!taken_away && !(woken_ && MoreUrgentIsReady(self)))
+            return;
+        HandOver(lock, self, kAlways, kNever);
+    }
+
+    void Adopt(KernelLock&, Thread& thread) override {
+        thread.blocked_on = &kAlways;
+        threads_.push_back(&thread);
+        woken_ = true;
+    }
+
+    void Enter(KernelLock& lock, Thread& thread) override {
+        thread.wake.wait(lock, [&] { return thread.running; });
+        thread.blocked_on = nullptr;
+    }
+
+    void Leave(KernelLock&, Thread& thread) override {
+        std::erase(threads_, &thread);
+        thread.running = false;
+        hardware_asked_ = true;
+        Start(Choose());
+    }
+
+    EventId At(KernelLock&, Time when, Action action) override {
+        return events_.Add(when, std::move(action));
+    }
+
+    void Cancel(KernelLock&, EventId id) override { events_.Cancel(id); }
+
+    bool RunHardware(const std::function<bool()>& done) override {
+        while (!done()) {
+            KernelLock lock = LockKernel();
+            if (Action action = events_.TakeDue(Now())) {
+                lock.unlock();
+                action();
+                continue;
+            }
+            hardware_asked_ = false;
+            Thread& next = Choose();
+            if (&next != &hardware_) {
+                hardware_.running = false;
+                Start(next);
+                hardware_.wake.wait(lock, [&] { return hardware_.running; });
+            }
+            if (stalled_) {
+                stalled_ = false;
+                lock.unlock();
+                return done();
+            }
+        }
+        return true;
+    }
+
+    Time RunDueActions() override {
+        RunHardware([this] {
+            KernelLock lock = LockKernel();
+            return events_.NextDue() > Now();
+        });
+        KernelLock lock = LockKernel();
+        return events_.NextDue();
+    }
+
+  private:
+    static constexpr unsigned kPreemptOneIn = 8;
+
+    static bool IsReady(const Thread& thread, Time now) {
+        return thread.blocked_until <= now || (thread.blocked_on && (*thread.blocked_on)());
+    }
+
+    bool MoreUrgentIsReady(const Thread& self) {
+        woken_ = false;
+        for (const Thread* thread : threads_)
+            if (thread->priority < self.priority && IsReady(*thread, Now()))
+                return true;
+        return false;
+    }
+
+    void HandOver(KernelLock& lock, Thread& self, const std::function<bool()>& ready,
+                  Time deadline) {
+        self.blocked_on = &ready;
+        self.blocked_until = deadline;
+        self.running = false;
+        Start(Choose());
+        self.wake.wait(lock, [&] { return self.running; });
+        self.blocked_on = nullptr;
+        self.blocked_until = kNever;
+    }
+
+    static void Start(Thread& thread) {
+        thread.running = true;
+        thread.wake.notify_one();
+    }
+
+    Thread& Choose() {
+        for (;;) {
+            if (hardware_asked_ || events_.NextDue() <= Now())
+                return hardware_;
+            if (Thread* thread = ChooseReady())
+                return *thread;
+            Time next = events_.NextDue();
+            for (const Thread* thread : threads_)
+                next = std::min(next, thread->blocked_until);
+            if (next == kNever) {
+                stalled_ = true;
+                return hardware_;
+            }
+            now_.store(next.count());
+        }
+    }
+
+    Thread* ChooseReady() {
+        candidates_.clear();
+        for (Thread* thread : threads_) {
+            if (!candidates_.empty() && thread->priority > candidates_.front()->priority)
+                continue;
+            if (!IsReady(*thread, Now()))
+                continue;
+            if (!candidates_.empty() && thread->priority < candidates_.front()->priority)
+                candidates_.clear();
+            candidates_.push_back(thread);
+        }
+        if (candidates_.empty())
+            return nullptr;
+        const std::size_t choice = candidates_.size() == 1 ? 0 : random_() % candidates_.size();
+        return candidates_[choice];
+    }
+
+    std::atomic<Time::rep> now_;
+    const bool preempt_;
+    Thread& hardware_;
+    std::mt19937_64 random_;
+    EventQueue events_;
+    std::vector<Thread*> threads_;
+    std::vector<Thread*> candidates_;
+    bool hardware_asked_ = false;
+    bool stalled_ = false;
+    bool woken_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Scheduler> MakeSimulatedScheduler(const Options& options, Thread& hardware) {
+    return std::make_unique<SimulatedScheduler>(options, hardware);
+}
+
+}  // namespace platform::kernel

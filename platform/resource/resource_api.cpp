@@ -1,0 +1,95 @@
+#include <windows.h>
+
+#include <algorithm>
+
+#include "platform/kernel/text.h"
+#include "platform/resource/byte_reader.h"
+#include "platform/resource/program_module.h"
+
+namespace resource = platform::resource;
+
+namespace {
+
+constexpr UINT kStringsPerBlock = 16;
+constexpr UINT kMaxStringId = 0xFFFF;
+
+// The text of a string resource; empty with ERROR_RESOURCE_NAME_NOT_FOUND when there is none.
+std::wstring ReadString(UINT id) {
+    if (id > kMaxStringId) {
+        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
+        return {};
+    }
+    const resource::Resource* block =
+        resource::FindEntry(RT_STRING, MAKEINTRESOURCEW(id / kStringsPerBlock + 1));
+    if (!block)
+        return {};
+    resource::ByteReader reader(block->data);
+    for (UINT before = id % kStringsPerBlock; before > 0; --before)
+        reader.Bytes(std::size_t{reader.Word()} * 2);
+    std::u16string text(reader.Word(), u'\0');
+    for (char16_t& unit : text)
+        unit = reader.Word();
+    if (!reader) {
+        SetLastError(ERROR_INVALID_DATA);
+        return {};
+    }
+    if (text.empty())
+        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
+    return platform::kernel::FromUtf16(text);
+}
+
+}  // namespace
+
+HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type) {
+    if (!resource::IsProgram(module))
+        return nullptr;
+    const resource::Resource* found = resource::FindEntry(type, name);
+    return reinterpret_cast<HRSRC>(const_cast<resource::Resource*>(found));
+}
+
+HGLOBAL LoadResource(HMODULE module, HRSRC handle) {
+    if (!resource::IsProgram(module))
+        return nullptr;
+    const resource::Resource* found = resource::EntryOf(handle);
+    return found ? const_cast<std::byte*>(found->data.data()) : nullptr;
+}
+
+// A resource is always in memory: its handle is its address.
+LPVOID LockResource(HGLOBAL data) {
+    if (!data)
+        SetLastError(ERROR_INVALID_HANDLE);
+    return data;
+}
+
+DWORD SizeofResource(HMODULE module, HRSRC handle) {
+    if (!resource::IsProgram(module))
+        return 0;
+    const resource::Resource* found = resource::EntryOf(handle);
+    return found ? static_cast<DWORD>(found->data.size()) : 0;
+}
+
+int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
+    // Without room, the device returns a pointer to the resource's own text in an int. Neither the
+    // pointer nor that text of 16-bit units has the program's form here.
+    if (!buffer || size <= 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    buffer[0] = L'\0';
+    if (!resource::IsProgram(module))
+        return 0;
+    const std::wstring text = ReadString(id);
+    const std::size_t copied = std::min(text.size(), static_cast<std::size_t>(size) - 1);
+    text.copy(buffer, copied);
+    buffer[copied] = L'\0';
+    return static_cast<int>(copied);
+}
+
+// Accelerator tables are not supported: one that is there is refused.
+HACCEL LoadAcceleratorsW(HINSTANCE module, LPCWSTR name) {
+    if (!resource::IsProgram(module))
+        return nullptr;
+    SetLastError(resource::FindEntry(RT_ACCELERATOR, name) ? ERROR_NOT_SUPPORTED
+                                                           : ERROR_RESOURCE_NAME_NOT_FOUND);
+    return nullptr;
+}

@@ -1,0 +1,118 @@
+#include "platform/kernel/scheduler.h"
+#include "platform/window/activation.h"
+
+using namespace platform;
+using namespace platform::window;
+
+namespace {
+
+constexpr UINT_PTR kWithOwnedWindows = 1;
+
+// The highest visible and enabled window among a window and those it owns; itself if there is none.
+HWND HighestOf(kernel::KernelLock& lock, HWND root) {
+    for (const auto& window : TheDesktop(lock).z_order) {
+        if (!window->visible() || !window->enabled() || window->being_destroyed)
+            continue;
+        HWND each = window->handle;
+        while (each != NULL && each != root) {
+            const auto owned = FindWindowObject(lock, each);
+            each = owned ? owned->owner : NULL;
+        }
+        if (each == root)
+            return window->handle;
+    }
+    return root;
+}
+
+// A window of the calling thread, or null with the last error set.
+std::shared_ptr<Window> RequireOwnWindow(kernel::KernelLock& lock, HWND handle) {
+    auto window = RequireWindow(lock, handle);
+    if (window && !IsOwn(lock, *window)) {
+        SetLastError(ERROR_WINDOW_OF_OTHER_THREAD);
+        return nullptr;
+    }
+    return window;
+}
+
+}  // namespace
+
+// With the handle's lowest bit set the windows that it owns come forward with it, and the highest
+// of them gets the foreground: a dialog, while the window itself is disabled.
+BOOL SetForegroundWindow(HWND handle) {
+    kernel::SchedulingPoint();
+    const UINT_PTR value = reinterpret_cast<UINT_PTR>(handle);
+    const HWND root = reinterpret_cast<HWND>(value & ~kWithOwnedWindows);
+    HWND chosen = root;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        const auto window = RequireWindow(lock, root);
+        if (!window)
+            return FALSE;
+        if (window->being_destroyed) {
+            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+            return FALSE;
+        }
+        if ((value & kWithOwnedWindows) != 0)
+            chosen = HighestOf(lock, root);
+    }
+    BringForward(chosen, WA_ACTIVE);
+    return TRUE;
+}
+
+HWND GetForegroundWindow() {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    return TheDesktop(lock).foreground;
+}
+
+HWND GetActiveWindow() {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    return CurrentQueue(lock)->active;
+}
+
+// An active window is in the foreground here, whichever thread had that before.
+HWND SetActiveWindow(HWND handle) {
+    kernel::SchedulingPoint();
+    HWND previous = NULL;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        if (!RequireOwnWindow(lock, handle))
+            return NULL;
+        previous = CurrentQueue(lock)->active;
+    }
+    BringForward(handle, WA_ACTIVE);
+    return previous;
+}
+
+HWND GetFocus() {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    return CurrentQueue(lock)->focus;
+}
+
+HWND SetFocus(HWND handle) {
+    kernel::SchedulingPoint();
+    std::shared_ptr<MessageQueue> queue;
+    HWND previous = NULL;
+    bool activate = false;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        queue = CurrentQueue(lock);
+        previous = queue->focus;
+        if (handle != NULL) {
+            const auto window = RequireOwnWindow(lock, handle);
+            if (!window)
+                return NULL;
+            if (!window->enabled()) {
+                SetLastError(ERROR_INVALID_PARAMETER);
+                return NULL;
+            }
+            activate = queue->active != handle;
+        }
+    }
+    if (activate)
+        BringForward(handle, WA_ACTIVE);
+    MoveFocus(queue, handle);
+    return previous;
+}

@@ -1,0 +1,144 @@
+#include "platform/window/creation.h"
+
+#include <algorithm>
+
+#include "platform/kernel/scheduler.h"
+#include "platform/window/class_registry.h"
+#include "platform/window/destruction.h"
+#include "platform/window/position.h"
+#include "platform/window/procedure.h"
+#include "platform/window/z_order.h"
+
+namespace platform::window {
+namespace {
+
+// Everything that would need a frame around the client area.
+constexpr DWORD kFrameStyles = WS_CAPTION | WS_THICKFRAME | WS_VSCROLL | WS_HSCROLL;
+constexpr DWORD kFrameExtendedStyles =
+    WS_EX_DLGMODALFRAME | WS_EX_CLIENTEDGE | WS_EX_STATICEDGE | WS_EX_CAPTIONOKBTN;
+
+bool IsSupported(const CREATESTRUCTW& wanted) {
+    const DWORD style = static_cast<DWORD>(wanted.style);
+    const bool child = (style & WS_CHILD) != 0 && (style & WS_POPUP) == 0;
+    return !child && (style & kFrameStyles) == 0 && !wanted.hMenu &&
+           (wanted.dwExStyle & kFrameExtendedStyles) == 0;
+}
+
+// A top-level window that leaves its place to the system gets the whole screen.
+void FillDefaults(CREATESTRUCTW& wanted) {
+    if (wanted.x == CW_USEDEFAULT) {
+        wanted.x = 0;
+        wanted.y = 0;
+    }
+    if (wanted.cx == CW_USEDEFAULT) {
+        wanted.cx = kScreenWidth;
+        wanted.cy = kScreenHeight;
+    }
+    wanted.cx = std::max(wanted.cx, 0);
+    wanted.cy = std::max(wanted.cy, 0);
+}
+
+// The window with its handle, not visible; NULL with the last error set.
+HWND Build(const CREATESTRUCTW& wanted) {
+    auto surface = MakeSurface(wanted.cx, wanted.cy, nullptr);
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window_class = wanted.lpszClass ? FindClass(lock, wanted.lpszClass) : nullptr;
+    if (!window_class) {
+        SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
+        return NULL;
+    }
+    if (wanted.hwndParent && !RequireWindow(lock, wanted.hwndParent))
+        return NULL;
+
+    auto window = std::make_shared<Window>();
+    window->window_class = window_class;
+    window->queue = CurrentQueue(lock);
+    window->owner = wanted.hwndParent;
+    if (wanted.lpszName)
+        window->title = wanted.lpszName;
+    window->style = static_cast<DWORD>(wanted.style) & ~WS_VISIBLE;
+    window->extended_style = wanted.dwExStyle;
+    window->procedure = window_class->settings.lpfnWndProc;
+    window->instance = wanted.hInstance;
+    window->extra.resize(static_cast<std::size_t>(window_class->settings.cbWndExtra));
+    window->rectangle = {wanted.x, wanted.y, wanted.x + wanted.cx, wanted.y + wanted.cy};
+    window->surface = std::move(surface);
+
+    Desktop& desktop = TheDesktop(lock);
+    window->handle = reinterpret_cast<HWND>(desktop.windows.Insert(window));
+    ++window_class->windows;
+    desktop.z_order.push_back(window);
+    MoveToTop(lock, *window, false);
+    return window->handle;
+}
+
+bool Exists(HWND window) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    return FindWindowObject(lock, window) != nullptr;
+}
+
+// The messages of a birth; false when the window did not want to live.
+bool Announce(HWND window, CREATESTRUCTW& wanted) {
+    const LPARAM creation = reinterpret_cast<LPARAM>(&wanted);
+    if (!CallProcedure(window, WM_NCCREATE, 0, creation)) {
+        CallProcedure(window, WM_NCDESTROY, 0, 0);
+        Discard(window);
+        return false;
+    }
+    if (!Exists(window))
+        return false;
+    if (CallProcedure(window, WM_CREATE, 0, creation) == -1) {
+        DestroyOwn(window);
+        return false;
+    }
+    CallProcedure(window, WM_SIZE, SIZE_RESTORED, MAKELPARAM(wanted.cx, wanted.cy));
+    CallProcedure(window, WM_MOVE, 0, MAKELPARAM(wanted.x, wanted.y));
+    return Exists(window);
+}
+
+}  // namespace
+
+HWND CreateTopLevel(const CREATESTRUCTW& request) {
+    CREATESTRUCTW wanted = request;
+    if (!IsSupported(wanted)) {
+        SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
+        return NULL;
+    }
+    FillDefaults(wanted);
+    if (!IsPlaceable(wanted.x, wanted.y, wanted.cx, wanted.cy)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return NULL;
+    }
+    const HWND window = Build(wanted);
+    if (!window || !Announce(window, wanted))
+        return NULL;
+    if ((static_cast<DWORD>(wanted.style) & WS_VISIBLE) != 0)
+        ShowWindow(window, SW_SHOW);
+    return Exists(window) ? window : NULL;
+}
+
+}  // namespace platform::window
+
+using namespace platform;
+using namespace platform::window;
+
+// Sends WM_NCCREATE, WM_CREATE, WM_SIZE and WM_MOVE.
+HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
+                     int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                     LPVOID parameter) {
+    kernel::SchedulingPoint();
+    CREATESTRUCTW wanted{};
+    wanted.lpCreateParams = parameter;
+    wanted.hInstance = instance;
+    wanted.hMenu = menu;
+    wanted.hwndParent = parent;
+    wanted.cy = height;
+    wanted.cx = width;
+    wanted.y = y;
+    wanted.x = x;
+    wanted.style = static_cast<LONG>(style);
+    wanted.lpszName = title;
+    wanted.lpszClass = class_name;
+    wanted.dwExStyle = extended_style;
+    return CreateTopLevel(wanted);
+}

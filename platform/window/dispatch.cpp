@@ -1,0 +1,52 @@
+#include <algorithm>
+
+#include "platform/kernel/scheduler.h"
+#include "platform/window/desktop.h"
+#include "platform/window/procedure.h"
+
+using namespace platform;
+using namespace platform::window;
+
+namespace {
+
+// A WM_TIMER may lie about its procedure, or its timer may be gone by now.
+TIMERPROC LiveTimerProcedure(const MSG& message) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    for (const Timer& timer : CurrentQueue(lock)->timers)
+        if (timer.window == message.hwnd && timer.id == message.wParam && timer.procedure &&
+            reinterpret_cast<LPARAM>(timer.procedure) == message.lParam)
+            return timer.procedure;
+    return nullptr;
+}
+
+bool BelongsToCaller(HWND window) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto target = RequireWindow(lock, window);
+    if (target && !IsOwn(lock, *target))
+        SetLastError(ERROR_WINDOW_OF_OTHER_THREAD);
+    return target && IsOwn(lock, *target);
+}
+
+}  // namespace
+
+LRESULT DispatchMessageW(const MSG* message) {
+    kernel::SchedulingPoint();
+    if (!message) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    if (message->message == WM_TIMER && message->lParam != 0) {
+        if (const TIMERPROC procedure = LiveTimerProcedure(*message))
+            procedure(message->hwnd, WM_TIMER, message->wParam, MessageTime());
+        return 0;
+    }
+    if (message->hwnd == NULL || !BelongsToCaller(message->hwnd))
+        return 0;
+    return CallProcedure(message->hwnd, message->message, message->wParam, message->lParam);
+}
+
+// The unit has no keyboard: there is nothing to translate.
+BOOL TranslateMessage(const MSG*) {
+    kernel::SchedulingPoint();
+    return FALSE;
+}

@@ -1,0 +1,128 @@
+#include "platform/window/paint.h"
+
+#include "platform/kernel/scheduler.h"
+#include "platform/window/procedure.h"
+#include "platform/window/rectangle.h"
+#include "platform/window/retrieval.h"
+#include "platform/window/window_dc.h"
+
+namespace platform::window {
+namespace {
+
+// A window that never validates is asked again and again; the unit's clock must get on meanwhile.
+constexpr kernel::Duration kPaintAgainAfter = std::chrono::milliseconds(1);
+
+bool MustPaint(const Window& window) {
+    return window.visible() && !IsEmpty(window.update.rectangle);
+}
+
+}  // namespace
+
+void Invalidate(kernel::KernelLock& lock, Window& window, const RECT* part, bool erase) {
+    if (!window.visible())
+        return;
+    const RECT client{0, 0, window.width(), window.height()};
+    const RECT wanted = part ? Intersect(*part, client) : client;
+    if (IsEmpty(wanted))
+        return;
+    window.update.rectangle = BoundingBox(window.update.rectangle, wanted);
+    window.update.erase = window.update.erase || erase;
+    kernel::Wake(lock);
+}
+
+void Validate(Window& window) {
+    window.update = Update{};
+}
+
+std::optional<MSG> NextPaintMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                                    const MessageFilter& filter, bool remove, bool asked_for) {
+    for (const auto& window : TheDesktop(lock).z_order) {
+        Update& update = window->update;
+        if (window->queue.get() != &queue || !MustPaint(*window) ||
+            !filter.Accepts(QS_PAINT, window->handle, WM_PAINT))
+            continue;
+        if (asked_for ? !update.next : update.again > kernel::Now())
+            continue;
+        if (remove) {
+            update.next = false;
+            update.again = kernel::Now() + kPaintAgainAfter;
+        }
+        MSG message{};
+        message.hwnd = window->handle;
+        message.message = WM_PAINT;
+        message.time = MessageTime();
+        message.pt = TheDesktop(lock).touch_position;
+        return message;
+    }
+    return std::nullopt;
+}
+
+}  // namespace platform::window
+
+using namespace platform;
+using namespace platform::window;
+
+BOOL InvalidateRect(HWND window, const RECT* part, BOOL erase) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    if (window == NULL) {
+        for (const auto& each : TheDesktop(lock).z_order)
+            Invalidate(lock, *each, nullptr, true);
+        return TRUE;
+    }
+    const auto target = RequireWindow(lock, window);
+    if (!target)
+        return FALSE;
+    Invalidate(lock, *target, part, erase != FALSE);
+    return TRUE;
+}
+
+BOOL ValidateRect(HWND window, const RECT* part) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto target = RequireWindow(lock, window);
+    if (!target)
+        return FALSE;
+    Update& update = target->update;
+    update.rectangle = part ? Without(update.rectangle, *part) : RECT{};
+    if (IsEmpty(update.rectangle))
+        Validate(*target);
+    return TRUE;
+}
+
+BOOL GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto target = RequireWindow(lock, window);
+    if (!target)
+        return FALSE;
+    const RECT update = target->update.rectangle;
+    const bool erase_now =
+        erase && target->update.erase && !IsEmpty(update) && IsOwn(lock, *target);
+    lock.unlock();
+    if (rectangle)
+        *rectangle = update;
+    if (erase_now && EraseBackground(window, update)) {
+        lock.lock();
+        target->update.erase = false;
+    }
+    return !IsEmpty(update);
+}
+
+BOOL UpdateWindow(HWND window) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto target = RequireWindow(lock, window);
+    if (!target)
+        return FALSE;
+    if (!MustPaint(*target))
+        return TRUE;
+    if (!IsOwn(lock, *target)) {
+        target->update.next = true;
+        kernel::Wake(lock);
+        return TRUE;
+    }
+    lock.unlock();
+    CallProcedure(window, WM_PAINT, 0, 0);
+    return TRUE;
+}

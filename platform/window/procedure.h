@@ -1,0 +1,35 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+#include "platform/window/message_queue.h"
+
+namespace platform::window {
+
+// None of these may be called with the kernel lock held, except where they take it.
+
+// Calls the procedure of a window of the calling thread; 0 when the window is gone.
+LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+// Tells a window of any thread about a change that has happened already. Its own thread calls the
+// procedure; another thread hands the message over and does not wait. False when the window's
+// thread has let too many such messages pile up.
+bool Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+// WM_WINDOWPOSCHANGED.
+void NotifyPosition(const WINDOWPOS& position);
+
+// Runs `action` on the queue's thread, at once if that is the calling one, otherwise as that thread
+// next looks for messages.
+void RunOn(const std::shared_ptr<MessageQueue>& queue, std::function<void()> action);
+
+// Handles the first of the messages sent to the calling thread. False when there is none.
+bool HandleSentMessage(kernel::KernelLock& lock, MessageQueue& queue);
+
+// Sends to a window of any thread and waits for the answer, handling messages sent to the calling
+// thread meanwhile. False with ERROR_INVALID_WINDOW_HANDLE when none comes: there is no such
+// window, or it went before it could answer.
+bool SendAndWait(HWND window, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+
+}  // namespace platform::window

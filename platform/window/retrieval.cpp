@@ -1,0 +1,163 @@
+#include "platform/window/retrieval.h"
+
+#include <algorithm>
+
+#include "platform/kernel/scheduler.h"
+#include "platform/window/activation.h"
+#include "platform/window/procedure.h"
+
+namespace platform::window {
+namespace {
+
+std::optional<MSG> NextPosted(MessageQueue& queue, const MessageFilter& filter, bool remove) {
+    const auto entry =
+        std::find_if(queue.posted.begin(), queue.posted.end(), [&](const MSG& posted) {
+            return filter.Accepts(QS_POSTMESSAGE, posted.hwnd, posted.message);
+        });
+    if (entry == queue.posted.end())
+        return std::nullopt;
+    const MSG message = *entry;
+    if (remove)
+        queue.posted.erase(entry);
+    return message;
+}
+
+// Quitting passes every filter of windows and numbers.
+std::optional<MSG> NextQuit(kernel::KernelLock& lock, MessageQueue& queue,
+                            const MessageFilter& filter, bool remove) {
+    if (!queue.quit_code || (filter.kinds & QS_POSTMESSAGE) == 0)
+        return std::nullopt;
+    MSG message{};
+    message.message = WM_QUIT;
+    message.wParam = static_cast<WPARAM>(*queue.quit_code);
+    message.time = MessageTime();
+    message.pt = TheDesktop(lock).touch_position;
+    if (remove)
+        queue.quit_code.reset();
+    return message;
+}
+
+bool NamesNoWindow(kernel::KernelLock& lock, const MessageFilter& filter) {
+    return filter.window != NULL && !FindWindowObject(lock, filter.window);
+}
+
+// A press brings its window forward before the window learns of it.
+void ActivateByTouch(const MSG& message) {
+    if (message.message == WM_LBUTTONDOWN)
+        ActivateTouched(message.hwnd);
+}
+
+}  // namespace
+
+bool MessageFilter::Accepts(DWORD kind, HWND of_window, UINT message) const {
+    if ((kinds & kind) == 0)
+        return false;
+    if (thread_only ? of_window != NULL : window != NULL && of_window != window)
+        return false;
+    return (first == 0 && last == 0) || (message >= first && message <= last);
+}
+
+std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                               const MessageFilter& filter, bool remove) {
+    auto message = NextPaintMessage(lock, queue, filter, remove, true);
+    if (!message)
+        message = NextPosted(queue, filter, remove);
+    if (!message)
+        message = NextQuit(lock, queue, filter, remove);
+    if (!message)
+        message = NextTouchMessage(lock, queue, filter, remove);
+    if (!message)
+        message = NextTimerMessage(lock, queue, filter, remove);
+    if (!message)
+        message = NextPaintMessage(lock, queue, filter, remove, false);
+    return message;
+}
+
+BOOL WaitForMessage(MSG& message, const MessageFilter& filter, const StopCondition& stop) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    const std::shared_ptr<MessageQueue> queue = CurrentQueue(lock);
+    const auto stopped = [&] { return stop && stop(lock); };
+    kernel::Time until = kernel::kNever;
+    // A timer that was armed meanwhile may be due before the wait would end.
+    const auto ready = [&] {
+        return !queue->sent.empty() || stopped() || NamesNoWindow(lock, filter) ||
+               NextMessage(lock, *queue, filter, false) || NextTimed(lock, *queue, filter) < until;
+    };
+    message = MSG{};
+    for (;;) {
+        if (NamesNoWindow(lock, filter)) {
+            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+            return -1;
+        }
+        if (HandleSentMessage(lock, *queue))
+            continue;
+        if (stopped())
+            return FALSE;
+        if (const auto next = NextMessage(lock, *queue, filter, true)) {
+            message = *next;
+            lock.unlock();
+            ActivateByTouch(message);
+            return message.message != WM_QUIT;
+        }
+        until = NextTimed(lock, *queue, filter);
+        kernel::Block(lock, ready, until);
+    }
+}
+
+}  // namespace platform::window
+
+using namespace platform;
+using namespace platform::window;
+
+namespace {
+
+MessageFilter MakeFilter(HWND window, UINT first, UINT last) {
+    MessageFilter filter;
+    // The API's way to ask for messages of the thread alone.
+    filter.thread_only = window == reinterpret_cast<HWND>(INT_PTR{-1});
+    filter.window = filter.thread_only ? NULL : window;
+    filter.first = first;
+    filter.last = last;
+    return filter;
+}
+
+}  // namespace
+
+BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
+    kernel::SchedulingPoint();
+    if (!message) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return -1;
+    }
+    return WaitForMessage(*message, MakeFilter(window, first, last), {});
+}
+
+BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT flags) {
+    kernel::SchedulingPoint();
+    if (!message) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    MessageFilter filter = MakeFilter(window, first, last);
+    if (HIWORD(flags) != 0)
+        filter.kinds = HIWORD(flags);
+    const bool remove = (flags & PM_REMOVE) != 0;
+
+    kernel::KernelLock lock = kernel::LockKernel();
+    const std::shared_ptr<MessageQueue> queue = CurrentQueue(lock);
+    // Those that wait now; a peer that sends without end must not keep the caller here.
+    for (std::size_t waiting = queue->sent.size(); waiting > 0; --waiting)
+        HandleSentMessage(lock, *queue);
+    if (NamesNoWindow(lock, filter)) {
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+        return FALSE;
+    }
+    const auto next = NextMessage(lock, *queue, filter, remove);
+    if (!next)
+        return FALSE;
+    *message = *next;
+    lock.unlock();
+    if (remove)
+        ActivateByTouch(*message);
+    return TRUE;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <optional>
+
+#include "platform/window/desktop.h"
+
+namespace platform::window {
+
+// Which messages a retrieval may return.
+struct MessageFilter {
+    HWND window = NULL;        // NULL: the thread's own and those of all its windows
+    bool thread_only = false;  // only those of no window
+    UINT first = 0;            // both 0: all numbers
+    UINT last = 0;
+    DWORD kinds = QS_ALLINPUT;  // QS_... bits; sent messages are handled in any case
+
+    bool Accepts(DWORD kind, HWND of_window, UINT message) const;
+};
+
+// The next message for the calling thread at this moment, in the order of precedence: a paint that
+// another thread's UpdateWindow asked for, posted messages, quit, touch, timers, other paints.
+std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                               const MessageFilter& filter, bool remove);
+
+// When the queue will have something that it has not now: its next timer's due time.
+kernel::Time NextTimed(kernel::KernelLock& lock, const MessageQueue& queue,
+                       const MessageFilter& filter);
+
+// GetMessageW for a modal run: also returns, with the result 0 and WM_NULL in `message`, once
+// `stop` (may be empty) holds. The API's results otherwise.
+using StopCondition = std::function<bool(kernel::KernelLock& lock)>;
+BOOL WaitForMessage(MSG& message, const MessageFilter& filter, const StopCondition& stop);
+
+// Parts of NextMessage.
+std::optional<MSG> NextTimerMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                                    const MessageFilter& filter, bool remove);
+std::optional<MSG> NextTouchMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                                    const MessageFilter& filter, bool remove);
+// `asked_for`: only paints that another thread's UpdateWindow asked for.
+std::optional<MSG> NextPaintMessage(kernel::KernelLock& lock, MessageQueue& queue,
+                                    const MessageFilter& filter, bool remove, bool asked_for);
+
+}  // namespace platform::window

@@ -1,0 +1,64 @@
+#include <vector>
+
+#include "platform/kernel/scheduler.h"
+#include "platform/window/desktop.h"
+#include "platform/window/procedure.h"
+
+using namespace platform;
+using namespace platform::window;
+
+namespace {
+
+LRESULT SendToAll(UINT message, WPARAM wparam, LPARAM lparam) {
+    std::vector<HWND> windows;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        for (const auto& window : TheDesktop(lock).z_order)
+            windows.push_back(window->handle);
+    }
+    for (const HWND window : windows) {
+        LRESULT ignored = 0;
+        SendAndWait(window, message, wparam, lparam, ignored);
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    kernel::SchedulingPoint();
+    if (window == HWND_BROADCAST)
+        return SendToAll(message, wparam, lparam);
+    LRESULT result = 0;
+    SendAndWait(window, message, wparam, lparam, result);
+    return result;
+}
+
+BOOL SendNotifyMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    kernel::SchedulingPoint();
+    std::vector<HWND> targets;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        if (window == HWND_BROADCAST) {
+            for (const auto& each : TheDesktop(lock).z_order)
+                targets.push_back(each->handle);
+        } else if (RequireWindow(lock, window)) {
+            targets.push_back(window);
+        } else {
+            return FALSE;
+        }
+    }
+    BOOL taken = TRUE;
+    for (const HWND target : targets)
+        if (!Notify(target, message, wparam, lparam) && window != HWND_BROADCAST)
+            taken = FALSE;
+    if (!taken)
+        SetLastError(ERROR_NOT_ENOUGH_QUOTA);
+    return taken;
+}
+
+BOOL InSendMessage() {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    return !CurrentQueue(lock)->handled.empty();
+}

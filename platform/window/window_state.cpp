@@ -1,0 +1,134 @@
+#include "platform/kernel/scheduler.h"
+#include "platform/window/class_registry.h"
+
+using namespace platform;
+using namespace platform::window;
+
+BOOL IsWindow(HWND handle) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    return FindWindowObject(lock, handle) != nullptr;
+}
+
+BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
+    kernel::SchedulingPoint();
+    if (!rectangle) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window = RequireWindow(lock, handle);
+    if (!window)
+        return FALSE;
+    *rectangle = window->rectangle;
+    return TRUE;
+}
+
+BOOL GetClientRect(HWND handle, LPRECT rectangle) {
+    if (!GetWindowRect(handle, rectangle))
+        return FALSE;
+    *rectangle = {0, 0, rectangle->right - rectangle->left, rectangle->bottom - rectangle->top};
+    return TRUE;
+}
+
+BOOL ScreenToClient(HWND handle, LPPOINT point) {
+    RECT rectangle{};
+    if (!point) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    if (!GetWindowRect(handle, &rectangle))
+        return FALSE;
+    *point = {point->x - rectangle.left, point->y - rectangle.top};
+    return TRUE;
+}
+
+BOOL ClientToScreen(HWND handle, LPPOINT point) {
+    RECT rectangle{};
+    if (!point) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    if (!GetWindowRect(handle, &rectangle))
+        return FALSE;
+    *point = {point->x + rectangle.left, point->y + rectangle.top};
+    return TRUE;
+}
+
+// Case does not count in either name. Leaves the last error alone when only the window is missing.
+HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window_class = class_name ? FindClass(lock, class_name) : nullptr;
+    if (class_name && !window_class) {
+        SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
+        return NULL;
+    }
+    for (const auto& window : TheDesktop(lock).z_order)
+        if ((!window_class || window->window_class == window_class) &&
+            (!title || EqualIgnoringCase(window->title, title)))
+            return window->handle;
+    return NULL;
+}
+
+HWND GetWindow(HWND handle, UINT relation) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window = RequireWindow(lock, handle);
+    if (!window)
+        return NULL;
+    const auto& order = TheDesktop(lock).z_order;
+    const auto at = std::find(order.begin(), order.end(), window);
+    switch (relation) {
+        case GW_HWNDFIRST:
+            return order.front()->handle;
+        case GW_HWNDLAST:
+            return order.back()->handle;
+        case GW_HWNDNEXT:
+            return at + 1 == order.end() ? NULL : (*(at + 1))->handle;
+        case GW_HWNDPREV:
+            return at == order.begin() ? NULL : (*(at - 1))->handle;
+        case GW_OWNER:
+            return window->owner;
+        case GW_CHILD:
+            return NULL;
+        default:
+            SetLastError(ERROR_INVALID_PARAMETER);
+            return NULL;
+    }
+}
+
+// The owner, as far as a window is a popup.
+HWND GetParent(HWND handle) {
+    kernel::SchedulingPoint();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window = RequireWindow(lock, handle);
+    return window && (window->style & WS_POPUP) != 0 ? window->owner : NULL;
+}
+
+int GetClassNameW(HWND handle, LPWSTR name, int size) {
+    kernel::SchedulingPoint();
+    if (!name || size <= 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window = RequireWindow(lock, handle);
+    if (!window)
+        return 0;
+    const std::wstring& text = window->window_class->name;
+    const std::size_t copied = text.copy(name, static_cast<std::size_t>(size) - 1);
+    name[copied] = L'\0';
+    return static_cast<int>(copied);
+}
+
+DWORD GetWindowThreadProcessId(HWND handle, LPDWORD process_id) {
+    const DWORD own_process = GetCurrentProcessId();
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto window = RequireWindow(lock, handle);
+    if (!window)
+        return 0;
+    if (process_id)
+        *process_id = own_process;
+    return window->queue->thread_id;
+}

@@ -1,0 +1,27 @@
+#include "platform/kernel/scheduler.h"
+#include "platform/window/desktop.h"
+#include "platform/window/procedure.h"
+
+using namespace platform;
+using namespace platform::window;
+
+// A window's text is what its procedure says it is.
+int GetWindowTextW(HWND window, LPWSTR text, int size) {
+    kernel::SchedulingPoint();
+    if (!text || size <= 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    *text = L'\0';
+    LRESULT length = 0;
+    SendAndWait(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text),
+                length);
+    return static_cast<int>(length);
+}
+
+BOOL SetWindowTextW(HWND window, LPCWSTR text) {
+    kernel::SchedulingPoint();
+    LRESULT taken = FALSE;
+    SendAndWait(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text), taken);
+    return taken != FALSE;
+}

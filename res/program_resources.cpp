@@ -1,0 +1,13 @@
+#include "res/program_resources.h"
+
+// Where program_resources.S puts the compiled resources.
+extern "C" const std::byte tolvane_resources_begin[];
+extern "C" const std::byte tolvane_resources_end[];
+
+namespace res {
+
+std::span<const std::byte> ProgramResources() {
+    return {tolvane_resources_begin, tolvane_resources_end};
+}
+
+}  // namespace res

@@ -1,0 +1,77 @@
+#include "app/thread/ThreadEnd.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "platform/kernel/kernel.h"
+#include "tests/support/platform_fixture.h"
+
+namespace tests {
+namespace {
+
+constexpr UINT kSent = WM_USER + 1;
+constexpr UINT kPosted = WM_USER + 2;
+constexpr UINT kTimer = 9;
+
+std::vector<UINT> g_seen;
+
+LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kSent || message == kPosted || message == WM_TIMER || message == WM_PAINT)
+        g_seen.push_back(message);
+    return message == kSent ? 42 : DefWindowProcW(window, message, wParam, lParam);
+}
+
+// Sends to the window of the thread that waits for it, which must answer, and posts to it, which
+// must not be looked at.
+DWORD WINAPI SendAndPost(LPVOID parameter) {
+    const auto window = static_cast<HWND>(parameter);
+    Sleep(50);
+    PostMessageW(window, kPosted, 0, 0);
+    InvalidateRect(window, NULL, TRUE);
+    LRESULT answers = 0;
+    for (int count = 0; count < 3; ++count) {
+        answers += SendMessageW(window, kSent, 0, 0);
+        Sleep(20);
+    }
+    return static_cast<DWORD>(answers);
+}
+
+TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
+    g_seen.clear();
+    Platform platform;
+    platform.Run([] {
+        WNDCLASSW window_class{};
+        window_class.lpfnWndProc = Record;
+        window_class.lpszClassName = L"Waiting";
+        RegisterClassW(&window_class);
+        const HWND window =
+            CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100, NULL, NULL, NULL, NULL);
+        ASSERT_NE(window, nullptr);
+        SetTimer(window, kTimer, 10, NULL);
+        g_seen.clear();
+        const HANDLE thread = CreateThread(NULL, 0, SendAndPost, window, 0, NULL);
+        ASSERT_NE(thread, nullptr);
+        WaitForThreadEnd(thread);
+        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+        DWORD answers = 0;
+        EXPECT_TRUE(GetExitCodeThread(thread, &answers));
+        EXPECT_EQ(answers, 3U * 42U);
+        EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent, kSent}));
+        MSG message{};
+        EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE))
+            << "the posted message is still there";
+        CloseHandle(thread);
+        DestroyWindow(window);
+    });
+}
+
+TEST(WaitForThreadEnd, ReturnsFromWhatIsNoThread) {
+    Platform platform;
+    platform.Run([] { WaitForThreadEnd(NULL); }, std::chrono::seconds(1));
+}
+
+}  // namespace
+}  // namespace tests

@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include "bench.h"
+
+namespace dvrsim {
+namespace {
+
+using State = Dvr::State;
+
+constexpr const char* kOld = "14.06.12.V1.00.05";
+constexpr const char* kNew = "14.09.01.V1.02.03";
+
+struct UpdateBench : Bench {
+    explicit UpdateBench(Options options = {}) : Bench(std::move(options)) {
+        EXPECT_TRUE(WriteImage(card.path, kNew));
+        BootToNormal();
+        dvr.InsertCard(card.path);
+        host.Run(milliseconds(2000));
+        dvr.Reset();
+        reset_at = host.Now();
+        host.sent.clear();
+    }
+    std::vector<int> Percents() const {
+        std::vector<int> percents;
+        for (const Sent& report : Only(0x80, 0x002E)) {
+            percents.push_back(report.payload[0]);
+        }
+        return percents;
+    }
+    std::string AskVersion() {
+        dvr.Receive(Request(0x802E));
+        During(milliseconds(15));
+        const auto answers = Only(0x20, 0x802E);
+        return answers.empty() ? ""
+                               : std::string(answers[0].payload.begin(), answers[0].payload.end());
+    }
+
+    microseconds reset_at{};
+};
+
+TEST(DvrUpdate, TheWholeRoad) {
+    for (std::uint32_t seed = 0; seed < 20; ++seed) {
+        SCOPED_TRACE(seed);
+        UpdateBench bench({.seed = seed});
+        bench.host.Run(milliseconds(60000));
+        const auto reports = bench.Only(0x80, 0x002E);
+        ASSERT_EQ(reports.size(), 100U);
+        for (std::size_t i = 0; i < reports.size(); ++i) {
+            EXPECT_EQ(reports[i].payload[0], i + 1);
+            EXPECT_EQ(std::string(reports[i].payload.begin() + 1, reports[i].payload.end()), kNew);
+        }
+        EXPECT_LT(reports[0].time - bench.reset_at, milliseconds(3500));
+        EXPECT_GT(reports[99].time - reports[0].time, milliseconds(20000));
+        EXPECT_LT(reports[99].time - reports[0].time, milliseconds(40000));
+        // Neither INIT_OK nor NORMAL: the unit would take the update for finished.
+        EXPECT_EQ(bench.Only(0x80, 0x0010).size(), 1U);
+        // The card is reported once, when the unit knows of the update already.
+        ASSERT_EQ(bench.Only(0x80, 0x0026).size(), 1U);
+        EXPECT_GT(bench.Only(0x80, 0x0026)[0].time, reports[0].time);
+
+        EXPECT_EQ(bench.dvr.GetState(), State::kUpdateFinished);
+        EXPECT_EQ(bench.AskVersion(), kOld);
+        bench.dvr.RemoveCard();
+        bench.During(milliseconds(20000));
+        ASSERT_EQ(bench.host.sent.size(), 1U);
+        EXPECT_EQ(bench.host.sent[0].code, 0x0026);
+        EXPECT_EQ(bench.host.sent[0].payload[0], 0);
+
+        bench.dvr.Reset();
+        bench.host.Run(milliseconds(4000));
+        EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
+        EXPECT_EQ(bench.AskVersion(), kNew);
+        EXPECT_EQ(bench.dvr.FirmwareVersion(), kNew);
+    }
+}
+
+TEST(DvrUpdate, ACardWithoutAReadableImageBootsNormally) {
+    const auto boots_normally = [](UpdateBench& bench) {
+        bench.host.Run(milliseconds(10000));
+        EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
+        EXPECT_TRUE(bench.Percents().empty());
+    };
+    UpdateBench cut;
+    std::filesystem::resize_file(cut.card.path / "gp_cardvr_upgrade.bin", 20);
+    boots_normally(cut);
+    UpdateBench broken;
+    broken.dvr.ReportCard(CardStatus::kBroken);
+    boots_normally(broken);
+}
+
+TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
+    // At three moments: the image found but nothing reported yet, early, late.
+    for (const int moment : {0, 1, 2}) {
+        for (const bool pull_card : {true, false}) {
+            SCOPED_TRACE(testing::Message() << "moment " << moment << " card " << pull_card);
+            UpdateBench bench;
+            while (bench.dvr.GetState() != State::kUpdating) {
+                bench.host.Run(milliseconds(1));
+            }
+            bench.host.Run(milliseconds(moment * 12000));
+            ASSERT_EQ(bench.dvr.GetState(), State::kUpdating);
+            ASSERT_EQ(bench.dvr.Percent() == 0, moment == 0);
+            bench.host.sent.clear();
+            if (pull_card) {
+                bench.dvr.RemoveCard();
+                EXPECT_EQ(bench.dvr.GetState(), State::kUpdateFailed);
+                bench.host.Run(milliseconds(60000));
+                EXPECT_EQ(bench.Only(0x80, 0x0026).size(), 1U);
+                EXPECT_EQ(bench.AskVersion(), kOld);
+                bench.dvr.Reset();
+            } else {
+                bench.dvr.PowerOff();
+                bench.host.Run(milliseconds(60000));
+                bench.dvr.RemoveCard();
+                bench.dvr.PowerOn();
+            }
+            EXPECT_TRUE(bench.Percents().empty());
+            bench.host.Run(milliseconds(4000));
+            EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
+            EXPECT_EQ(bench.AskVersion(), kOld);
+        }
+    }
+}
+
+TEST(DvrUpdate, ARebootOrderBeginsItAnew) {
+    Options options;
+    options.timings.update = Milliseconds(19800, 19800);
+    UpdateBench bench(options);
+    bench.host.Run(milliseconds(10000));
+    bench.dvr.Receive(Request(0x001C));
+    bench.host.Run(milliseconds(100));
+    const std::size_t before = bench.Percents().size();
+    bench.host.Run(milliseconds(1500));
+    EXPECT_EQ(bench.Percents().size(), before);
+    bench.host.Run(milliseconds(27000));
+    EXPECT_EQ(bench.Percents().size(), before + 100);
+    // And, with the card left in, after an update that went well.
+    bench.dvr.Reset();
+    bench.host.Run(milliseconds(3000));
+    EXPECT_EQ(bench.dvr.FirmwareVersion(), kNew);
+    EXPECT_EQ(bench.Percents()[before + 100], 1);
+}
+
+TEST(DvrFaults, EachLeavesOutItsPart) {
+    const struct {
+        const char* name;
+        Faults faults;
+        bool states, card, version;
+        std::size_t percents;
+        State end;
+    } cases[] = {
+        {"none", {}, true, true, true, 100, State::kUpdateFinished},
+        {"silent", {.silent = true}, false, false, false, 0, State::kUpdateFinished},
+        {"card", {.silent_card = true}, true, false, true, 100, State::kUpdateFinished},
+        {"version", {.silent_version = true}, true, true, false, 100, State::kUpdateFinished},
+        {"stop at 37", {.stop_at_percent = 37}, true, true, true, 37, State::kUpdating},
+        {"stop at 0", {.stop_at_percent = 0}, true, true, true, 0, State::kUpdating},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        UpdateBench bench({.faults = c.faults});
+        bench.host.Run(milliseconds(60000));
+        EXPECT_EQ(bench.dvr.GetState(), c.end);
+        EXPECT_EQ(bench.Percents().size(), c.percents);
+        EXPECT_EQ(bench.Only(0x80, 0x0010).empty(), !c.states);
+        EXPECT_EQ(bench.Only(0x80, 0x0026).empty(), !c.card);
+        bench.dvr.Receive(Request(0x8026));
+        bench.During(milliseconds(15));
+        EXPECT_EQ(bench.Only(0x20, 0x8026).empty(), !c.card);
+        EXPECT_EQ(bench.AskVersion().empty(), !c.version);
+    }
+}
+
+}  // namespace
+}  // namespace dvrsim

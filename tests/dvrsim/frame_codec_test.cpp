@@ -1,0 +1,138 @@
+#include "dvrsim/frame_codec.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <random>
+#include <stdexcept>
+
+namespace dvrsim {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+const Bytes kState2{0xA5, 0x5A, 0x20, 0x80, 0x10, 0x00, 0x01, 0x02, 0x01, 0xB2};
+const Bytes kReboot{0xA5, 0x5A, 0x10, 0x00, 0x1C, 0x00, 0x01, 0x00, 0x01, 0x2C};
+const Bytes kEmpty{0xA5, 0x5A, 0x80, 0x00, 0x10, 0x00, 0x00, 0x01, 0x8F};
+const Bytes kFull = [] {
+    Bytes bytes{0xA5, 0x5A, 0x10, 0x00, 0x10, 0x00, 0x40};
+    bytes.insert(bytes.end(), 64, 0xFF);
+    bytes.insert(bytes.end(), {0x41, 0x1F});
+    return bytes;
+}();
+// The payload is a sync pair.
+const Bytes kSyncInside{0xA5, 0x5A, 0x10, 0x00, 0x20, 0x00, 0x02, 0xA5, 0x5A, 0x02, 0x30};
+
+struct Case {
+    const char* name;
+    FrameType type;
+    std::uint16_t code;
+    Bytes payload;
+    Bytes wire;
+};
+
+const Case kCases[] = {
+    {"acknowledgement", FrameType::kAcknowledgement, 0x8010, {0x02}, kState2},
+    {"order", FrameType::kRequest, 0x001C, {0x00}, kReboot},
+    {"no payload", FrameType::kIndication, 0x0010, {}, kEmpty},
+    {"largest, sum above 16 bits", FrameType::kRequest, 0x0010, Bytes(64, 0xFF), kFull},
+    {"sync pair in the payload", FrameType::kRequest, 0x0020, {0xA5, 0x5A}, kSyncInside},
+};
+
+Bytes Joined(std::initializer_list<Bytes> parts) {
+    Bytes all;
+    for (const Bytes& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+std::vector<std::uint16_t> Codes(FrameDecoder& decoder, const Bytes& bytes) {
+    std::vector<std::uint16_t> codes;
+    for (const std::uint8_t byte : bytes) {
+        decoder.Take(byte);
+        while (const auto frame = decoder.Next()) {
+            codes.push_back(frame->code);
+        }
+    }
+    return codes;
+}
+
+TEST(FrameCodec, EncodesAndDecodesKnownFrames) {
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(EncodeFrame(c.type, c.code, c.payload), c.wire);
+        FrameDecoder decoder;
+        for (std::size_t i = 0; i < c.wire.size(); ++i) {
+            EXPECT_FALSE(decoder.Next()) << "before byte " << i;
+            decoder.Take(c.wire[i]);
+        }
+        EXPECT_EQ(decoder.Next(), (Frame{static_cast<std::uint8_t>(c.type), c.code, c.payload}));
+        EXPECT_FALSE(decoder.Next());
+        EXPECT_EQ(decoder.DamagedFrames(), 0U);
+    }
+    EXPECT_THROW(EncodeFrame(FrameType::kIndication, 0x0010, Bytes(65)), std::length_error);
+}
+
+TEST(FrameDecoder, FindsFramesAmongDamage) {
+    const Bytes bad_sum{0xA5, 0x5A, 0x20, 0x80, 0x10, 0x00, 0x01, 0x02, 0x01, 0xB3};
+    const Bytes bad_high_sum{0xA5, 0x5A, 0x20, 0x80, 0x10, 0x00, 0x01, 0x02, 0x00, 0xB2};
+    const Bytes too_long{0xA5, 0x5A, 0x10, 0x00, 0x10, 0x00, 0x41};
+    const Bytes far_too_long{0xA5, 0x5A, 0x10, 0x00, 0x10, 0x01, 0x00};
+    // The next frame's first byte makes its length 165.
+    const Bytes cut(kState2.begin(), kState2.begin() + 6);
+    // Claims 20 payload bytes and so swallows the two frames that follow.
+    const Bytes greedy{0xA5, 0x5A, 0x10, 0x00, 0x10, 0x00, 0x14};
+
+    const struct {
+        const char* name;
+        Bytes stream;
+        std::vector<std::uint16_t> codes;
+        std::size_t damaged;
+    } cases[] = {
+        {"noise before and between",
+         Joined({{0, 0x5A, 1}, kState2, {0xFF}, kReboot}),
+         {0x8010, 0x001C},
+         0},
+        {"first sync byte doubled", Joined({{0xA5}, kState2}), {0x8010}, 0},
+        {"second sync byte first", Joined({{0x5A}, kState2}), {0x8010}, 0},
+        {"sum wrong", Joined({bad_sum, kReboot}), {0x001C}, 1},
+        {"sum's high byte wrong", Joined({bad_high_sum, kReboot}), {0x001C}, 1},
+        {"length 65", Joined({too_long, kReboot}), {0x001C}, 1},
+        {"length 256", Joined({far_too_long, kReboot}), {0x001C}, 1},
+        {"cut short", Joined({cut, kReboot}), {0x001C}, 1},
+        {"one frame swallowed so far", Joined({greedy, kReboot}), {}, 0},
+        {"two frames swallowed", Joined({greedy, kState2, kEmpty, {0, 0, 0}}), {0x8010, 0x0010}, 1},
+        {"false sync before the true one",
+         Joined({{0xA5, 0x5A}, kFull, kFull}),
+         {0x0010, 0x0010},
+         1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        FrameDecoder decoder;
+        EXPECT_EQ(Codes(decoder, c.stream), c.codes);
+        EXPECT_EQ(decoder.DamagedFrames(), c.damaged);
+    }
+}
+
+TEST(FrameDecoder, FindsAFrameAfterAnyNoise) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        FrameDecoder decoder;
+        Bytes stream;
+        for (int i = 0; i < 200; ++i) {
+            // Sync bytes are made frequent.
+            const auto draw = static_cast<unsigned>(random());
+            stream.push_back(draw % 8 == 0 ? 0xA5 : draw % 8 == 1 ? 0x5A : draw >> 8U & 0xFFU);
+        }
+        // The longest false frame that noise can begin is over after this many quiet bytes.
+        stream = Joined({stream, kReboot, Bytes(80, 0)});
+        const auto codes = Codes(decoder, stream);
+        ASSERT_FALSE(codes.empty()) << "round " << round;
+        EXPECT_EQ(codes.back(), 0x001C) << "round " << round;
+    }
+}
+
+}  // namespace
+}  // namespace dvrsim

@@ -1,0 +1,232 @@
+#include <msgqueue.h>
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <vector>
+
+#include "platform/kernel/scheduler.h"
+#include "tests/support/crew.h"
+#include "tests/support/platform_fixture.h"
+#include "tests/support/run_modes.h"
+
+namespace {
+
+namespace kernel = platform::kernel;
+using tests::Crew;
+using tests::Platform;
+
+class Wait : public tests::InEveryMode {
+  protected:
+    Platform platform{GetParam().options};
+};
+
+TEST_P(Wait, LowestSignalledIndexWinsAndOnlyItIsConsumed) {
+    platform.Run([] {
+        const HANDLE events[] = {CreateEventW(nullptr, FALSE, FALSE, nullptr),
+                                 CreateEventW(nullptr, FALSE, TRUE, nullptr),
+                                 CreateEventW(nullptr, TRUE, TRUE, nullptr)};
+        const auto wait = [&] { return WaitForMultipleObjects(3, events, FALSE, 0); };
+        EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1);
+        EXPECT_EQ(wait(), WAIT_OBJECT_0 + 2);
+        EXPECT_EQ(wait(), WAIT_OBJECT_0 + 2) << "a manual-reset event stays";
+        SetEvent(events[1]);
+        SetEvent(events[1]);
+        SetEvent(events[0]);
+        EXPECT_EQ(wait(), WAIT_OBJECT_0);
+        EXPECT_EQ(wait(), WAIT_OBJECT_0 + 1);
+        ResetEvent(events[2]);
+        EXPECT_EQ(wait(), WAIT_TIMEOUT) << "signals of an event do not add up";
+        for (const HANDLE event : events)
+            CloseHandle(event);
+    });
+}
+
+TEST_P(Wait, AutoResetEventLetsExactlyOneWaiterThrough) {
+    platform.Run([] {
+        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        std::atomic<int> through = 0;
+        Crew crew;
+        for (int index = 0; index < 4; ++index)
+            crew.Start([&] {
+                WaitForSingleObject(event, INFINITE);
+                ++through;
+            });
+        Sleep(20);
+        for (int expected = 1; expected <= 4; ++expected) {
+            SetEvent(event);
+            while (through < expected)
+                Sleep(1);
+            Sleep(20);
+            EXPECT_EQ(through, expected);
+        }
+        crew.Join();
+        CloseHandle(event);
+    });
+}
+
+// A lost wake-up would stop the ball.
+TEST_P(Wait, PingPong) {
+    platform.Run([] {
+        const HANDLE ping = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        const HANDLE pong = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        constexpr int kRounds = 2000;
+        int ball = 0;
+        Crew crew;
+        crew.Start([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                WaitForSingleObject(ping, INFINITE);
+                ++ball;
+                SetEvent(pong);
+            }
+        });
+        for (int round = 0; round < kRounds; ++round) {
+            SetEvent(ping);
+            WaitForSingleObject(pong, INFINITE);
+            EXPECT_EQ(ball, round + 1);
+        }
+        crew.Join();
+        CloseHandle(ping);
+        CloseHandle(pong);
+    });
+}
+
+TEST_P(Wait, MutexIsRecursiveAndOwned) {
+    platform.Run([] {
+        const HANDLE mutex = CreateMutexW(nullptr, TRUE, nullptr);
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        std::atomic<bool> other_has_it = false;
+        Crew crew;
+        crew.Start([&] {
+            EXPECT_EQ(WaitForSingleObject(mutex, 5), WAIT_TIMEOUT);
+            SetLastError(0);
+            EXPECT_FALSE(ReleaseMutex(mutex));
+            EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+            EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
+            other_has_it = true;
+            EXPECT_TRUE(ReleaseMutex(mutex));
+        });
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        Sleep(50);
+        EXPECT_FALSE(other_has_it) << "taken twice, released once";
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        crew.Join();
+        EXPECT_TRUE(other_has_it);
+        EXPECT_FALSE(ReleaseMutex(mutex));
+        CloseHandle(mutex);
+    });
+}
+
+TEST_P(Wait, MutexOfAThreadThatEndedIsAbandonedOnce) {
+    platform.Run([] {
+        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
+        Crew crew;
+        crew.Start([&] {
+            WaitForSingleObject(mutex, INFINITE);
+            WaitForSingleObject(mutex, INFINITE);
+            Sleep(20);
+        });
+        Sleep(5);
+        const HANDLE both[] = {event, mutex};
+        EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, INFINITE), WAIT_ABANDONED_0 + 1);
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_TRUE(ReleaseMutex(mutex));
+        EXPECT_FALSE(ReleaseMutex(mutex)) << "the dead thread's takes do not count";
+        crew.Join();
+        CloseHandle(event);
+        CloseHandle(mutex);
+    });
+}
+
+TEST_P(Wait, CriticalSectionExcludesAndRecurses) {
+    platform.Run([] {
+        CRITICAL_SECTION section;
+        InitializeCriticalSection(&section);
+        int inside = 0;
+        int total = 0;
+        {
+            Crew crew;
+            for (int index = 0; index < 3; ++index)
+                crew.Start([&] {
+                    for (int round = 0; round < 50; ++round) {
+                        EnterCriticalSection(&section);
+                        EXPECT_TRUE(TryEnterCriticalSection(&section));
+                        EXPECT_EQ(++inside, 1);
+                        ++total;
+                        Sleep(round % 10 == 0 ? 1 : 0);
+                        --inside;
+                        LeaveCriticalSection(&section);
+                        LeaveCriticalSection(&section);
+                    }
+                });
+        }
+        EXPECT_EQ(total, 150);
+        Crew other;
+        EnterCriticalSection(&section);
+        other.Start([&] {
+            EXPECT_FALSE(TryEnterCriticalSection(&section));
+            LeaveCriticalSection(&section);
+            EXPECT_FALSE(TryEnterCriticalSection(&section)) << "left by one who was not in";
+        });
+        other.Join();
+        LeaveCriticalSection(&section);
+        EXPECT_TRUE(TryEnterCriticalSection(&section));
+        LeaveCriticalSection(&section);
+        DeleteCriticalSection(&section);
+    });
+}
+
+TEST_P(Wait, ThreadIsSignalledOnceItHasEnded) {
+    platform.Run([] {
+        const auto body = [](LPVOID value) -> DWORD {
+            Sleep(20);
+            return *static_cast<DWORD*>(value);
+        };
+        DWORD value = 42;
+        DWORD id = 0;
+        const HANDLE thread = CreateThread(nullptr, 0, body, &value, 0, &id);
+        ASSERT_NE(thread, nullptr);
+        EXPECT_NE(id, GetCurrentThreadId());
+        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_TIMEOUT);
+        DWORD code = 0;
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, STILL_ACTIVE);
+        EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, 42U);
+        CloseHandle(thread);
+    });
+}
+
+// Threads that end while others are started: none is joined twice, lost or left.
+TEST_P(Wait, ManyShortThreads) {
+    std::atomic<int> ran = 0;
+    platform.Run([&] {
+        Crew crew;
+        for (int starter = 0; starter < 2; ++starter)
+            crew.Start([&ran] {
+                for (int index = 0; index < 100; ++index) {
+                    const auto body = [](LPVOID counter) -> DWORD {
+                        ++*static_cast<std::atomic<int>*>(counter);
+                        return 0;
+                    };
+                    const HANDLE thread = CreateThread(nullptr, 0, body, &ran, 0, nullptr);
+                    if (index % 2 == 0)
+                        WaitForSingleObject(thread, INFINITE);
+                    CloseHandle(thread);
+                }
+            });
+    });
+    platform.RunFor(std::chrono::seconds(1));
+    while (kernel::ThreadCount() != 0)
+        platform.RunFor(std::chrono::seconds(1));
+    EXPECT_EQ(ran, 200);
+}
+
+INSTANTIATE_IN_EVERY_MODE(Wait);
+
+}  // namespace

@@ -1,0 +1,279 @@
+#include "power/CPowerDetector.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+#include <msgqueue.h>
+#include <pm.h>
+
+#include <algorithm>
+
+#include "platform/kernel/scheduler.h"
+#include "platform/powermgr/power_notifications.h"
+#include "tests/support/platform_fixture.h"
+#include "tests/support/program_log.h"
+
+namespace tests {
+namespace {
+
+using namespace std::chrono_literals;
+namespace kernel = platform::kernel;
+
+using Log = std::vector<std::string>;
+
+const wchar_t* const kRequests[] = {L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
+                                    L"_KESTA_Technology,Inc._All_APP_PowerResume_Request_",
+                                    L"_KESTA_Technology,Inc._All_APP_PowerOFF_Request_"};
+const wchar_t* const kMessages[] = {L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_",
+                                    L"_KESTA_Technology,Inc._Sodrey_PowerResume_Acknowledge_",
+                                    L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_",
+                                    L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_"};
+const wchar_t kQueue[] = L"_KESTA_Technology_Inc_Lumarin_PowerNotify";
+
+// A broadcast as an application of the unit hears it; `message` is an index of kMessages.
+struct Heard {
+    int message;
+    WPARAM wParam;
+    LPARAM lParam;
+
+    bool operator==(const Heard&) const = default;
+};
+
+void PrintTo(const Heard& heard, std::ostream* out) {
+    *out << heard.message << "(" << heard.wParam << ", " << heard.lParam << ")";
+}
+
+std::vector<Heard> g_heard;
+
+LRESULT CALLBACK Listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    for (int index = 0; index < 4; ++index)
+        if (message == RegisterWindowMessageW(kMessages[index]))
+            g_heard.push_back({index, wParam, lParam});
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// An application of the unit: a top-level window, and the request events by name.
+class Coordinator {
+  public:
+    Coordinator() {
+        g_heard.clear();
+        WNDCLASSW window_class{};
+        window_class.lpfnWndProc = Listen;
+        window_class.lpszClassName = L"Coordinator";
+        RegisterClassW(&window_class);
+        window_ = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10, NULL, NULL, NULL, NULL);
+    }
+    Coordinator(const Coordinator&) = delete;
+    Coordinator& operator=(const Coordinator&) = delete;
+    ~Coordinator() { DestroyWindow(window_); }
+
+    static void Raise(int request) {
+        const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[request]);
+        ASSERT_NE(event, nullptr) << "request " << request;
+        SetEvent(event);
+        CloseHandle(event);
+    }
+
+    // What has been broadcast since the last call, after the detector had time to.
+    static std::vector<Heard> Hear() {
+        Sleep(10);
+        MSG message{};
+        while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))
+            DispatchMessageW(&message);
+        return std::exchange(g_heard, {});
+    }
+
+  private:
+    HWND window_;
+};
+
+TEST(PowerDetector, AnswersEveryRequest) {
+    Platform platform;
+    platform.Run([] {
+        Coordinator coordinator;
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        for (int request = 0; request < 3; ++request) {
+            Coordinator::Raise(request);
+            EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{request, 0, 0}}));
+        }
+        EXPECT_EQ(Coordinator::Hear(), std::vector<Heard>{}) << "the events reset themselves";
+    });
+}
+
+TEST(PowerDetector, AnswersRequestsOfOneMomentInOrder) {
+    Platform platform;
+    platform.Run([] {
+        Coordinator coordinator;
+        // The coordinator was there first: its events are used as it made them.
+        HANDLE events[3];
+        for (int request = 0; request < 3; ++request)
+            events[request] = CreateEventW(NULL, FALSE, TRUE, kRequests[request]);
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}));
+        for (const HANDLE event : events)
+            CloseHandle(event);
+    });
+}
+
+TEST(PowerDetector, BroadcastsAChangeOfTheSupply) {
+    Platform platform;
+    platform.Run([&] {
+        Coordinator coordinator;
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        platform.board.supply = {.ac_line_status = 0, .battery_flag = 2};
+        platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{3, 0, 2}}));
+        platform.board.supply = {.ac_line_status = 255, .battery_flag = 128};
+        platform::powermgr::Notify(PBT_RESUME);
+        platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{3, 255, 128}, {3, 255, 128}}));
+        platform::powermgr::Notify(PBT_RESUME);
+        EXPECT_EQ(Coordinator::Hear(), std::vector<Heard>{});
+    });
+}
+
+TEST(PowerDetector, UnreadableSupplyIsLogged) {
+    Platform platform;
+    platform.Run([&] {
+        Coordinator coordinator;
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        Sleep(10);
+        platform.board.ClearOutput();
+        platform.board.supply_readable = false;
+        platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        EXPECT_EQ(Coordinator::Hear(), std::vector<Heard>{});
+        const Log log = ProgramLog(platform.board);
+        ASSERT_EQ(log.size(), 1U);
+        EXPECT_TRUE(
+            log[0].starts_with("\tCPowerDetector::ThreadProc_PowerDetector, "
+                               "GetSystemPowerStatusEx2() fail!!!, ErrorCode("))
+            << log[0];
+        platform.board.supply_readable = true;
+        platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{3, 1, 1}}));
+    });
+}
+
+TEST(PowerDetector, StopReleasesEverythingAndASecondOneNothing) {
+    Platform platform;
+    platform.Run([&] {
+        const std::size_t handles = kernel::HandleCount();
+        const std::size_t threads = kernel::ThreadCount();
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        Sleep(10);
+        EXPECT_EQ(kernel::ThreadCount(), threads + 2);
+        detector.DeInit();
+        EXPECT_EQ(kernel::ThreadCount(), threads);
+        EXPECT_EQ(kernel::HandleCount(), handles);
+        platform.board.ClearOutput();
+        detector.DeInit();
+    });
+    // The second stop and the destructor's.
+    EXPECT_EQ(ProgramLog(platform.board),
+              (Log{"+++CPowerDetector::DeInit", "---CPowerDetector::DeInit",
+                   "+++CPowerDetector::DeInit", "---CPowerDetector::DeInit"}));
+}
+
+// The processor changes hands between any two calls, so some stops come before a thread's first.
+TEST(PowerDetector, StopRightAfterTheStartWins) {
+    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+        Platform platform({.seed = seed, .preempt = true});
+        platform.Run([] {
+            CPowerDetector detector;
+            EXPECT_TRUE(detector.Init());
+        });
+        const Log log = ProgramLog(platform.board);
+        EXPECT_EQ(
+            std::count(log.begin(), log.end(), "---CPowerDetector::ThreadProc_PowerCommonCtrl"), 1)
+            << "seed " << seed;
+    }
+}
+
+TEST(PowerDetector, StopsUnderAFloodOfNotifications) {
+    Platform platform;
+    platform.Run([] {
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        for (int count = 0; count < 3; ++count)
+            platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+        const kernel::Time before = kernel::Now();
+        detector.DeInit();
+        EXPECT_LE(kernel::Now() - before, 1s);
+    });
+}
+
+TEST(PowerDetector, MissingRequestEventCostsOnlyItsOwnAnswer) {
+    Platform platform;
+    platform.Run([&] {
+        Coordinator coordinator;
+        // Something else has the name.
+        const HANDLE mutex = CreateMutexW(NULL, FALSE, kRequests[1]);
+        {
+            CPowerDetector detector;
+            EXPECT_TRUE(detector.Init());
+            Coordinator::Raise(2);
+            Coordinator::Raise(0);
+            EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{0, 0, 0}, {2, 0, 0}}));
+        }
+        CloseHandle(mutex);
+    });
+    const Log log = ProgramLog(platform.board);
+    EXPECT_EQ(std::count(log.begin(), log.end(),
+                         "\tCPowerDetector::Init, CreateEvent() fail!!!, ErrorCode(6), "
+                         "CPowerDetector.cpp(#)"),
+              1);
+}
+
+TEST(PowerDetector, WithoutItsQueueReleasesWhatItHad) {
+    Platform platform;
+    platform.Run([&] {
+        const HANDLE mutex = CreateMutexW(NULL, FALSE, kQueue);
+        const std::size_t handles = kernel::HandleCount();
+        const std::size_t threads = kernel::ThreadCount();
+        CPowerDetector detector;
+        EXPECT_FALSE(detector.Init());
+        EXPECT_EQ(kernel::HandleCount(), handles);
+        EXPECT_EQ(kernel::ThreadCount(), threads);
+        CloseHandle(mutex);
+    });
+    const Log log = ProgramLog(platform.board);
+    const auto failure = std::find_if(log.begin(), log.end(), [](const std::string& line) {
+        return line.starts_with(
+            "\tCPowerDetector::Init, CreateMsgQueue() fail!!!, ErrorCode(6), "
+            "CPowerDetector.cpp(#)");
+    });
+    EXPECT_NE(failure, log.end());
+}
+
+TEST(PowerDetector, ThreadsWithoutAnObjectEndAtOnce) {
+    Platform platform;
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(NULL), 0U);
+    EXPECT_EQ(CPowerDetector::ThreadProc_PowerCommonCtrl_static(NULL), 0U);
+    const std::string rest =
+        ", (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), PowerThreads.cpp(#)";
+    EXPECT_EQ(ProgramLog(platform.board),
+              (Log{"\tCPowerDetector::ThreadProc_PowerDetector_static" + rest,
+                   "\tCPowerDetector::ThreadProc_PowerCommonCtrl_static" + rest}));
+}
+
+// Without handles a wait fails; a thread that tried again would never come back.
+TEST(PowerDetector, ThreadsEndWhenTheirWaitFails) {
+    Platform platform;
+    platform.Run(
+        [] {
+            CPowerDetector detector;
+            EXPECT_EQ(detector.ThreadProc_PowerDetector(), 0U);
+            EXPECT_EQ(detector.ThreadProc_PowerCommonCtrl(), 0U);
+        },
+        1s);
+}
+
+}  // namespace
+}  // namespace tests

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "unit/debug_log.h"
+#include "unit/screen_reader.h"
+#include "unit/temporary_card.h"
+#include "unit/virtual_unit.h"
+
+namespace tests {
+
+// The whole program on the whole unit with the simulated DVR, in simulated time unless told
+// otherwise. Ends the program in order and expects that nothing is left.
+class WizardRun {
+  public:
+    explicit WizardRun(const unit::VirtualUnit::Options& options = {});
+    ~WizardRun();
+    WizardRun(const WizardRun&) = delete;
+    WizardRun& operator=(const WizardRun&) = delete;
+
+    unit::VirtualUnit& unit() { return *unit_; }
+
+    void RunFor(std::chrono::milliseconds time);
+    // Runs until it holds, looking every 20 ms of unit time; false when it did not come in time.
+    bool RunUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
+    bool WaitForText(const std::wstring& text, std::chrono::seconds limit);
+
+    // Presses the button with that caption for 100 ms; false when it is not on the screen.
+    bool Tap(const std::wstring& caption);
+    void TapAt(int x, int y);
+
+    // The usual road up to where the named screen stands; each fails the test when it does not.
+    void GoToCheckCard();
+    void GoToInsertCard();
+    void GoToUpdating();
+    void GoToRemoveCard();
+
+    void InsertImage() { unit_->InsertCard(card_.path()); }
+
+    // Closes the window and waits for the end; the destructor does it otherwise. What was left
+    // open is a failure.
+    void Close();
+
+    // The debug output so far, a line an entry.
+    std::vector<std::string> lines() const;
+    bool Logged(const std::string& part) const;
+    std::string output() const;
+
+  private:
+    unit::TemporaryCard card_;
+    mutable std::mutex mutex_;
+    std::vector<std::string> lines_;
+    unit::DebugLog log_;
+    std::unique_ptr<unit::VirtualUnit> unit_;
+    bool closed_ = false;
+};
+
+}  // namespace tests

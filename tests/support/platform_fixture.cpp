@@ -1,0 +1,97 @@
+#include "tests/support/platform_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/gdi/device_context.h"
+#include "platform/kernel/scheduler.h"
+#include "platform/kernel/thread.h"
+#include "platform/window/screen.h"
+
+namespace tests {
+
+namespace kernel = platform::kernel;
+
+std::wstring PlainBoard::debug_output() const {
+    const std::scoped_lock lock(mutex_);
+    return output_;
+}
+
+std::vector<std::wstring> PlainBoard::lines() const {
+    const std::wstring output = debug_output();
+    std::vector<std::wstring> lines;
+    for (std::size_t start = 0; start < output.size();) {
+        const std::size_t end = output.find(L"\r\n", start);
+        if (end == std::wstring::npos)
+            break;
+        lines.push_back(output.substr(start, end - start));
+        start = end + 2;
+    }
+    return lines;
+}
+
+void PlainBoard::ClearOutput() {
+    const std::scoped_lock lock(mutex_);
+    output_.clear();
+}
+
+std::shared_ptr<platform::device::StreamDriver> PlainBoard::FindDriver(std::wstring_view name) {
+    const auto driver = drivers.find(name);
+    return driver == drivers.end() ? nullptr : driver->second;
+}
+
+bool PlainBoard::ReadPowerSupply(platform::PowerSupply& out) {
+    out = supply;
+    return supply_readable;
+}
+
+DWORD PlainBoard::HalRequest(DWORD code, std::span<const std::byte>, std::span<std::byte>, DWORD&) {
+    hal_codes.push_back(code);
+    return hal_answer;
+}
+
+DWORD PlainBoard::ChangeSystemPower(DWORD state_flags, DWORD) {
+    power_states.push_back(state_flags);
+    return ERROR_SUCCESS;
+}
+
+void PlainBoard::DebugOutput(std::wstring_view text) {
+    const std::scoped_lock lock(mutex_);
+    output_ += text;
+}
+
+Platform::Platform(const kernel::Options& options) {
+    kernel::Boot(options, board);
+    platform::window::Start();
+}
+
+Platform::~Platform() {
+    EXPECT_EQ(platform::window::End(), 0U) << "windows left";
+    const kernel::Leftovers leftovers = kernel::Shutdown();
+    EXPECT_EQ(leftovers.threads, 0U) << "threads left";
+    EXPECT_EQ(leftovers.handles, allowed_handles_) << "handles left";
+    EXPECT_EQ(platform::gdi::DeviceContextCount(), 0U) << "device contexts left";
+}
+
+void Platform::Run(std::function<void()> body, kernel::Duration limit) {
+    const auto thread = kernel::StartThread([body = std::move(body)] {
+        body();
+        return DWORD{0};
+    });
+    const kernel::Time deadline = kernel::Now() + limit;
+    kernel::At(deadline, [] {});
+    const auto ended = [&] {
+        kernel::KernelLock lock = kernel::LockKernel();
+        return thread->ended;
+    };
+    kernel::RunHardware([&] { return ended() || kernel::Now() >= deadline; });
+    ASSERT_TRUE(ended()) << "still running after its unit time";
+}
+
+void Platform::RunFor(kernel::Duration time) {
+    // An action of its own, so that what is due by then has run before.
+    bool passed = false;
+    kernel::After(time, [&] { passed = true; });
+    kernel::RunHardware([&] { return passed; });
+}
+
+}  // namespace tests

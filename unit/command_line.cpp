@@ -1,0 +1,98 @@
+#include "unit/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+namespace unit {
+namespace {
+
+constexpr int kWrongUsage = 2;
+constexpr double kSlowest = 0.1;
+constexpr double kFastest = 1000;
+
+void SetLine(CommandLine& command_line, const std::string& com9) {
+    if (com9 == "sim") {
+        command_line.line = DvrBay::Line::kMemory;
+    } else if (com9 == "pty") {
+        command_line.line = DvrBay::Line::kPseudoTerminal;
+    } else {
+        command_line.line = DvrBay::Line::kTty;
+        command_line.tty = com9;
+    }
+}
+
+// "sim", "pty" or a path: a bare word is more likely a slip than a file in this folder.
+std::string CheckCom9(const std::string& value) {
+    if (value == "sim" || value == "pty" || value.find('/') != std::string::npos)
+        return {};
+    return "'" + value +
+           "' is not allowed; allowed are sim, pty and the path of a tty "
+           "such as /dev/ttyUSB0";
+}
+
+std::string OneLine(std::string text) {
+    for (char& character : text)
+        if (character == '\n')
+            character = ' ';
+    while (!text.empty() && text.back() == ' ')
+        text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
+                                           int& exit_status) {
+    CommandLine command_line;
+    std::string com9 = "sim";
+    double speed = 1.0;
+    CLI::App app(
+        "Tolvane on a virtual in-car unit: a wizard that leads through the firmware update of the "
+        "dash camera (DVR).\nWithout options: a window with the unit's screen; the mouse is the "
+        "finger, and the window tells the keys for what hands do in the car.",
+        "tolvane");
+    app.set_help_flag("-h,--help", "Show this help and end");
+    app.add_flag("--headless", command_line.headless, "No window; ends on Ctrl-C or SIGTERM");
+    app.add_flag("--auto", command_line.automatic,
+                 "A built-in user walks the whole update without a window; ends with 0 when the "
+                 "success screen was reached, else with 1");
+    app.add_option("--com9", com9,
+                   "What is at the serial port: sim (a simulated DVR in memory), pty (the same "
+                   "behind a pseudo-terminal) or the path of a tty with a real DVR")
+        ->check(CheckCom9)
+        ->type_name("sim|pty|PATH");
+    app.add_option("--card", command_line.card,
+                   "Folder that acts as the SD card; without it one with an update image is made")
+        ->check(CLI::ExistingDirectory)
+        ->type_name("DIR");
+    CLI::Option* const speed_option =
+        app.add_option("--speed", speed, "Run N times as fast as the clock, 0.1 to 1000")
+            ->check(CLI::Range(kSlowest, kFastest))
+            ->type_name("N");
+    app.add_option("--seed", command_line.seed,
+                   "Number that the simulation's chances come from (default 1)")
+        ->type_name("N");
+    app.add_option("--screens", command_line.screens,
+                   "Folder for the pictures of --auto (default out/screens)")
+        ->type_name("DIR");
+    app.add_option("--log", command_line.log, "File that takes the program's debug output")
+        ->type_name("FILE");
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(app.help().c_str(), stdout);
+        exit_status = 0;
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        std::fprintf(stderr, "tolvane: %s (tolvane --help lists what is allowed)\n",
+                     OneLine(error.what()).c_str());
+        exit_status = kWrongUsage;
+        return std::nullopt;
+    }
+    SetLine(command_line, com9);
+    if (*speed_option)
+        command_line.speed = speed;
+    return command_line;
+}
+
+}  // namespace unit

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "unit/dvr_bay.h"
+
+namespace unit {
+
+// What the command line asks for.
+struct CommandLine {
+    bool headless = false;
+    bool automatic = false;
+    DvrBay::Line line = DvrBay::Line::kMemory;
+    std::string tty;
+    std::string card;
+    std::optional<double> speed;
+    std::uint32_t seed = 1;
+    std::string screens;
+    std::string log;
+};
+
+// Reads the command line. On --help and on a wrong option or value it has printed what is to be
+// said and sets `exit_status` (0 and 2).
+std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
+                                           int& exit_status);
+
+}  // namespace unit

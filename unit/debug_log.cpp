@@ -1,0 +1,38 @@
+#include "unit/debug_log.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/kernel/text.h"
+
+namespace unit {
+
+bool DebugLog::OpenFile(const std::string& path, std::string& problem) {
+    const std::scoped_lock lock(mutex_);
+    file_.reset(std::fopen(path.c_str(), "w"));
+    if (!file_)
+        problem = path + ": " + std::strerror(errno);
+    return file_ != nullptr;
+}
+
+void DebugLog::Write(std::wstring_view text, std::chrono::microseconds time) {
+    const std::string bytes = platform::kernel::ToUtf8(text);
+    const std::scoped_lock lock(mutex_);
+    if (file_) {
+        std::fwrite(bytes.data(), 1, bytes.size(), file_.get());
+        std::fflush(file_.get());
+    }
+    unfinished_ += bytes;
+    for (;;) {
+        const std::size_t end = unfinished_.find('\n');
+        if (end == std::string::npos)
+            return;
+        std::string line = unfinished_.substr(0, end);
+        unfinished_.erase(0, end + 1);
+        if (line.ends_with('\r'))
+            line.pop_back();
+        listener_(time, line);
+    }
+}
+
+}  // namespace unit

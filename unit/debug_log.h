@@ -1,0 +1,37 @@
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace unit {
+
+// Where the program's debug output goes: whole lines with the unit's time to a listener, and every
+// byte as the program wrote it to a file. Any thread.
+class DebugLog {
+  public:
+    using Listener = std::function<void(std::chrono::microseconds time, const std::string& line)>;
+
+    explicit DebugLog(Listener listener) : listener_(std::move(listener)) {}
+
+    // False with one line in `problem` when the file cannot be written.
+    bool OpenFile(const std::string& path, std::string& problem);
+
+    void Write(std::wstring_view text, std::chrono::microseconds time);
+
+  private:
+    struct Closer {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+
+    const Listener listener_;
+    std::mutex mutex_;
+    std::unique_ptr<std::FILE, Closer> file_;
+    std::string unfinished_;
+};
+
+}  // namespace unit

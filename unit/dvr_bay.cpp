@@ -1,0 +1,83 @@
+#include "unit/dvr_bay.h"
+
+#include "platform/device/tty_line.h"
+#include "platform/kernel/scheduler.h"
+
+namespace unit {
+
+namespace kernel = platform::kernel;
+using platform::device::MemoryLine;
+using platform::device::TtyLine;
+
+namespace {
+
+constexpr DWORD kBaudRate = 460800;
+
+}  // namespace
+
+DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> say)
+    : say_(std::move(say)) {
+    if (options.line == Line::kTty) {
+        line_ = std::make_shared<TtyLine>(options.tty, say_);
+        return;
+    }
+    dvrsim::Host& host = *this;
+    dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
+    Attach(options);
+}
+
+DvrBay::~DvrBay() = default;
+
+void DvrBay::Attach(const Options& options) {
+    if (options.line == Line::kMemory) {
+        memory_line_ = std::make_shared<MemoryLine>(
+            kBaudRate, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+        line_ = memory_line_;
+        return;
+    }
+    pty_ =
+        std::make_unique<PtyPeer>([this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+    if (!pty_->path().empty())
+        line_ = std::make_shared<TtyLine>(pty_->path(), say_);
+    else
+        say_(pty_->problem());
+}
+
+void DvrBay::Reset() {
+    if (dvr_)
+        dvr_->Reset();
+    else
+        say_("The program resets the DVR: switch the DVR's power off and on.");
+}
+
+void DvrBay::SetPlugged(bool plugged) {
+    plugged_ = plugged;
+    if (memory_line_)
+        memory_line_->SetPlugged(plugged);
+}
+
+void DvrBay::Receive(std::span<const std::uint8_t> bytes) {
+    if (plugged_)
+        dvr_->Receive(bytes);
+}
+
+void DvrBay::Transmit(std::span<const std::uint8_t> bytes) {
+    if (memory_line_)
+        memory_line_->Send(bytes);
+    else if (pty_ && plugged_)
+        pty_->Send(bytes);
+}
+
+std::chrono::microseconds DvrBay::Now() const {
+    return kernel::Now();
+}
+
+std::uint64_t DvrBay::After(std::chrono::microseconds delay, std::function<void()> action) {
+    return kernel::After(delay, std::move(action));
+}
+
+void DvrBay::Cancel(std::uint64_t id) {
+    kernel::Cancel(id);
+}
+
+}  // namespace unit

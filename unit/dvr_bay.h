@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "dvrsim/dvr.h"
+#include "platform/device/memory_line.h"
+#include "platform/device/serial_line.h"
+#include "unit/pty_peer.h"
+
+namespace unit {
+
+// Where the DVR is attached: the simulated one on a memory line or behind a pseudo-terminal, or a
+// real one on a tty of the host. All on the hardware's thread, while the platform is booted.
+class DvrBay final : private dvrsim::Host {
+  public:
+    enum class Line { kMemory, kPseudoTerminal, kTty };
+
+    struct Options {
+        Line line = Line::kMemory;
+        // For kTty.
+        std::string tty;
+        dvrsim::Options dvr;
+    };
+
+    DvrBay(const Options& options, std::function<void(const std::string&)> say);
+    ~DvrBay() override;
+
+    // What the serial driver of "COM9:" drives; null when the host gave no pseudo-terminal.
+    std::shared_ptr<platform::device::SerialLine> line() const { return line_; }
+
+    // The simulated DVR, or null when a real one is attached.
+    dvrsim::Dvr* dvr() { return dvr_.get(); }
+
+    // The reset wire: resets the simulated DVR; for a real one the operator is told to.
+    void Reset();
+
+    // Pulls the serial plug of the simulated DVR or puts it back.
+    void SetPlugged(bool plugged);
+    bool plugged() const { return plugged_; }
+
+  private:
+    // dvrsim::Host
+    std::chrono::microseconds Now() const override;
+    std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action) override;
+    void Cancel(std::uint64_t id) override;
+    void Transmit(std::span<const std::uint8_t> bytes) override;
+
+    void Attach(const Options& options);
+    void Receive(std::span<const std::uint8_t> bytes);
+
+    const std::function<void(const std::string&)> say_;
+    std::shared_ptr<platform::device::SerialLine> line_;
+    std::shared_ptr<platform::device::MemoryLine> memory_line_;
+    std::unique_ptr<dvrsim::Dvr> dvr_;
+    std::unique_ptr<PtyPeer> pty_;
+    bool plugged_ = true;
+};
+
+}  // namespace unit

@@ -1,0 +1,34 @@
+#include "unit/program_host.h"
+
+#include <windows.h>
+
+namespace unit {
+namespace {
+
+// The program's window class and mutex, as its string resource 128 names them.
+constexpr wchar_t kName[] = L"Tolvane";
+
+}  // namespace
+
+void ProgramHost::Start(Entry entry) {
+    ended_ = false;
+    thread_ = platform::kernel::StartThread([this, entry = std::move(entry)] {
+        exit_code_ = entry();
+        ended_ = true;
+        return static_cast<DWORD>(exit_code_);
+    });
+}
+
+void ProgramHost::CloseWindow() {
+    if (const HWND window = FindWindowW(kName, nullptr))
+        PostMessageW(window, WM_CLOSE, 0, 0);
+}
+
+std::size_t ProgramHost::HandlesKept() {
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, kName);
+    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
+    CloseHandle(mutex);
+    return existed ? 1 : 0;
+}
+
+}  // namespace unit

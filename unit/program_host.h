@@ -1,0 +1,37 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <memory>
+
+#include "platform/kernel/thread.h"
+
+namespace unit {
+
+// Starts the program on a thread of the unit and sees to its end. Hardware's thread.
+class ProgramHost {
+  public:
+    using Entry = std::function<int()>;
+
+    void Start(Entry entry);
+
+    bool started() const { return thread_ != nullptr; }
+    bool running() const { return started() && !ended_; }
+    // What the program's entry returned, once it has ended.
+    int exit_code() const { return exit_code_; }
+
+    // Closes the program's window in order, as a tap on its close button would; a program without
+    // a window is left alone.
+    static void CloseWindow();
+
+    // Handles that the program means to keep until its process ends: the single-instance mutex.
+    static std::size_t HandlesKept();
+
+  private:
+    std::shared_ptr<platform::kernel::Thread> thread_;
+    std::atomic<bool> ended_{false};
+    std::atomic<int> exit_code_{0};
+};
+
+}  // namespace unit

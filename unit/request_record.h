@@ -1,0 +1,20 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstring>
+#include <span>
+
+namespace unit {
+
+// Reads the fixed record of a driver request: exactly its size, or ERROR_INVALID_PARAMETER.
+template <class Record>
+DWORD ReadRecord(std::span<const std::byte> input, Record& record) {
+    if (input.size() != sizeof record)
+        return ERROR_INVALID_PARAMETER;
+    std::memcpy(&record, input.data(), sizeof record);
+    return ERROR_SUCCESS;
+}
+
+}  // namespace unit

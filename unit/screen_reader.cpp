@@ -1,0 +1,53 @@
+#include "unit/screen_reader.h"
+
+#include <algorithm>
+
+#include "platform/window/screen.h"
+
+namespace unit {
+namespace {
+
+// Where the close button is, and what its normal face looks like there.
+constexpr RECT kCloseButton = {720, 8, 795, 44};
+constexpr std::uint32_t kCloseFace = 0xE70010;
+constexpr POINT kCloseSample = {735, 26};
+
+POINT Middle(const RECT& box) {
+    return {(box.left + box.right) / 2, (box.top + box.bottom) / 2};
+}
+
+}  // namespace
+
+ScreenReader::ScreenReader() : surface_(platform::window::ComposeScreen()) {}
+
+const platform::gdi::PlacedText* ScreenReader::Find(std::wstring_view text) const {
+    const auto found = std::ranges::find(surface_.texts(), text, &platform::gdi::PlacedText::text);
+    return found == surface_.texts().end() ? nullptr : &*found;
+}
+
+std::wstring ScreenReader::TextStartingWith(std::wstring_view start) const {
+    for (const platform::gdi::PlacedText& placed : surface_.texts())
+        if (placed.text.starts_with(start))
+            return placed.text;
+    return {};
+}
+
+std::optional<POINT> ScreenReader::PlaceOf(std::wstring_view text) const {
+    const platform::gdi::PlacedText* placed = Find(text);
+    return placed ? std::optional(Middle(placed->box)) : std::nullopt;
+}
+
+std::optional<POINT> ScreenReader::CloseButton() const {
+    if (surface_.row(kCloseSample.y)[kCloseSample.x] != kCloseFace)
+        return std::nullopt;
+    return Middle(kCloseButton);
+}
+
+std::vector<std::wstring> ScreenReader::Texts() const {
+    std::vector<std::wstring> texts;
+    for (const platform::gdi::PlacedText& placed : surface_.texts())
+        texts.push_back(placed.text);
+    return texts;
+}
+
+}  // namespace unit

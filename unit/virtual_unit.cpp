@@ -1,0 +1,204 @@
+#include "unit/virtual_unit.h"
+
+#include <pm.h>
+
+#include <algorithm>
+
+#include "platform/device/serial_port.h"
+#include "platform/gdi/device_context.h"
+#include "platform/kernel/scheduler.h"
+#include "platform/powermgr/power_notifications.h"
+#include "platform/resource/module.h"
+#include "unit/dvr_reset_driver.h"
+#include "unit/request_record.h"
+#include "unit/screen_mixer.h"
+#include "unit/task_bar.h"
+#include "unit/video_scene.h"
+
+namespace unit {
+
+namespace kernel = platform::kernel;
+namespace window = platform::window;
+
+namespace {
+
+constexpr wchar_t kProgramPath[] = L"\\Tolvane\\Tolvane.exe";
+
+// The HAL's request to enter suspend, and the word that goes with it.
+constexpr DWORD kEnterSuspend = 0x01012020;
+constexpr DWORD kSuspendWord = 0x5A5A;
+
+// How often a program that has not closed is asked again.
+constexpr auto kAskAgain = std::chrono::seconds(1);
+
+}  // namespace
+
+VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
+                         std::function<void(const std::string&)> say)
+    : image_(std::move(program)), log_(log), say_(std::move(say)) {
+    kernel::Boot(options.kernel, *this);
+    window::Start();
+    supply_.ac_line_status = options.external_power ? 1 : 0;
+    scaler_ = std::make_shared<Scaler>([this] { ScreenChanged(); });
+    dvr_ = std::make_unique<DvrBay>(options.dvr, say_);
+    LoadDrivers(options.missing_drivers);
+
+    std::string problem;
+    if (!platform::resource::SetModule(image_.resources, kProgramPath, problem))
+        Say("the program's resources cannot be used: " + problem);
+    for (const WORD id : options.missing_bitmaps)
+        platform::resource::Hide(RT_BITMAP, MAKEINTRESOURCEW(id));
+}
+
+VirtualUnit::~VirtualUnit() {
+    window::End();
+    dvr_.reset();
+    drivers_.clear();
+    kernel::Shutdown();
+}
+
+void VirtualUnit::LoadDrivers(const std::vector<std::wstring>& missing) {
+    missing_drivers_ = missing;
+    if (const auto line = dvr_->line())
+        drivers_[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
+    drivers_[L"DVR1:"] = std::make_shared<DvrResetDriver>(
+        [this] { kernel::At(kernel::Now(), [this] { dvr_->Reset(); }); });
+    drivers_[L"SCA0:"] = scaler_;
+}
+
+void VirtualUnit::Start() {
+    if (dvr_->dvr())
+        dvr_->dvr()->PowerOn();
+    StartTaskBar();
+    program_.Start(image_.entry);
+}
+
+bool VirtualUnit::RunUntil(const std::function<bool()>& done, std::chrono::seconds limit) {
+    const kernel::Time deadline = kernel::Now() + limit;
+    const kernel::EventId alarm = kernel::At(deadline, [] {});
+    kernel::RunHardware([&] { return done() || kernel::Now() >= deadline; });
+    kernel::Cancel(alarm);
+    return done();
+}
+
+bool VirtualUnit::Close(std::chrono::seconds limit) {
+    const auto program_ended = [this] { return !program_.running(); };
+    for (auto waited = std::chrono::seconds(0); waited < limit && !program_ended();
+         waited += kAskAgain) {
+        ProgramHost::CloseWindow();
+        RunUntil(program_ended, kAskAgain);
+    }
+    CloseTaskBar();
+    const bool all_ended = RunUntil([] { return kernel::ThreadCount() == 0; }, kAskAgain);
+    const std::pair<const char*, std::size_t> counts[] = {
+        {"threads", kernel::ThreadCount()},
+        {"handles", kernel::HandleCount() - ProgramHost::HandlesKept()},
+        {"windows", window::TopLevelWindows().size()},
+        {"device contexts", platform::gdi::DeviceContextCount()},
+        {"drawing objects", platform::gdi::DrawingObjectCount()}};
+    for (const auto& [what, count] : counts)
+        if (count != 0)
+            leftovers_ += (leftovers_.empty() ? "" : ", ") + std::to_string(count) + " " + what;
+    return all_ended;
+}
+
+void VirtualUnit::Touch(window::Touch touch, int x, int y) {
+    if (!suspended_)
+        window::TouchScreen(touch, x, y);
+}
+
+void VirtualUnit::InsertCard(const std::string& folder) {
+    if (dvr_->dvr())
+        dvr_->dvr()->InsertCard(folder);
+}
+
+void VirtualUnit::RemoveCard() {
+    if (dvr_->dvr())
+        dvr_->dvr()->RemoveCard();
+}
+
+void VirtualUnit::SetExternalPower(bool connected) {
+    {
+        const std::scoped_lock lock(mutex_);
+        supply_.ac_line_status = connected ? 1 : 0;
+    }
+    platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+}
+
+bool VirtualUnit::external_power() const {
+    const std::scoped_lock lock(mutex_);
+    return supply_.ac_line_status == 1;
+}
+
+void VirtualUnit::SetPlugged(bool plugged) {
+    dvr_->SetPlugged(plugged);
+}
+
+Picture VirtualUnit::TakePicture() const {
+    if (suspended_)
+        return {
+            window::kScreenWidth, window::kScreenHeight,
+            std::vector<std::uint32_t>(std::size_t{window::kScreenWidth} * window::kScreenHeight)};
+    const ScalerState scaler = scaler_->state();
+    const bool feeds = dvr_->dvr() && dvr_->dvr()->HasPicture();
+    const Picture video = scaler.VideoShows() && feeds ? VideoFrame(kernel::Now()) : NoSignal();
+    return MixPlanes(window::ComposeScreen(), video, scaler);
+}
+
+void VirtualUnit::WakeUp() {
+    if (!suspended_.exchange(false))
+        return;
+    ScreenChanged();
+    platform::powermgr::Notify(PBT_RESUME);
+}
+
+void VirtualUnit::SetDriverMissing(const std::wstring& name, bool missing) {
+    const std::scoped_lock lock(mutex_);
+    std::erase(missing_drivers_, name);
+    if (missing)
+        missing_drivers_.push_back(name);
+}
+
+std::shared_ptr<platform::device::StreamDriver> VirtualUnit::FindDriver(std::wstring_view name) {
+    const std::scoped_lock lock(mutex_);
+    const auto driver = drivers_.find(name);
+    if (driver == drivers_.end() ||
+        std::ranges::find(missing_drivers_, name) != missing_drivers_.end())
+        return nullptr;
+    return driver->second;
+}
+
+bool VirtualUnit::ReadPowerSupply(platform::PowerSupply& supply) {
+    const std::scoped_lock lock(mutex_);
+    supply = supply_;
+    return !battery_driver_fails_;
+}
+
+DWORD VirtualUnit::HalRequest(DWORD code, std::span<const std::byte> input,
+                              std::span<std::byte> output, DWORD&) {
+    if (code != kEnterSuspend || hal_refuses_)
+        return ERROR_NOT_SUPPORTED;
+    DWORD word = 0;
+    if (!output.empty() || ReadRecord(input, word) != ERROR_SUCCESS || word != kSuspendWord)
+        return ERROR_INVALID_PARAMETER;
+    return ERROR_SUCCESS;
+}
+
+DWORD VirtualUnit::ChangeSystemPower(DWORD state_flags, DWORD) {
+    if ((state_flags & (POWER_STATE_OFF | POWER_STATE_SUSPEND)) == 0)
+        return ERROR_INVALID_PARAMETER;
+    suspended_ = true;
+    ScreenChanged();
+    return ERROR_SUCCESS;
+}
+
+void VirtualUnit::DebugOutput(std::wstring_view text) {
+    log_.Write(text, kernel::Now());
+}
+
+void VirtualUnit::ScreenChanged() {
+    if (!screen_changed_.exchange(true) && on_screen_change_)
+        on_screen_change_();
+}
+
+}  // namespace unit

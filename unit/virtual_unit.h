@@ -1,0 +1,121 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/board.h"
+#include "platform/kernel/kernel.h"
+#include "platform/window/screen.h"
+#include "unit/debug_log.h"
+#include "unit/dvr_bay.h"
+#include "unit/picture.h"
+#include "unit/program_host.h"
+#include "unit/scaler.h"
+
+namespace unit {
+
+// The program as the unit knows it: its entry and the resources of its executable.
+struct Program {
+    ProgramHost::Entry entry;
+    std::span<const std::byte> resources;
+};
+
+// The board with everything on it: the platform's drivers and power supply, the DVR in its bay, the
+// task bar, and the program. Made, driven and destroyed on the hardware's thread, which is the one
+// that constructs it; what the platform calls (the Board part) comes on any thread.
+class VirtualUnit final : public platform::Board {
+  public:
+    struct Options {
+        platform::kernel::Options kernel;
+        DvrBay::Options dvr;
+        // Drivers that are missing ("COM9:", "DVR1:", "SCA0:") and pictures the program cannot
+        // load.
+        std::vector<std::wstring> missing_drivers;
+        std::vector<WORD> missing_bitmaps;
+        bool external_power = true;
+    };
+
+    // `say` takes one line for the operator; `log` takes the program's debug output. Any thread.
+    VirtualUnit(const Options& options, Program program, DebugLog& log,
+                std::function<void(const std::string&)> say);
+    ~VirtualUnit() override;
+
+    // Powers the unit's DVR on and starts the applications.
+    void Start();
+
+    // Closes the program's window, waits for the end of every application for `limit` of unit time,
+    // and returns whether all ended. Afterwards only the destructor may be called.
+    bool Close(std::chrono::seconds limit);
+
+    ProgramHost& program() { return program_; }
+    DvrBay& dvr() { return *dvr_; }
+    Scaler& scaler() { return *scaler_; }
+
+    // What hands do in the car.
+    void Touch(platform::window::Touch touch, int x, int y);
+    void InsertCard(const std::string& folder);
+    void RemoveCard();
+    void SetExternalPower(bool connected);
+    bool external_power() const;
+    void SetPlugged(bool plugged);
+
+    // What a person sees now.
+    Picture TakePicture() const;
+    // True once after each change of the screen.
+    bool TakeScreenChange() { return screen_changed_.exchange(false); }
+    // Called on any thread, under locks, when the screen changed. Set before Start.
+    void OnScreenChange(std::function<void()> changed) { on_screen_change_ = std::move(changed); }
+    bool suspended() const { return suspended_; }
+    // The unit's power button: wakes a suspended unit.
+    void WakeUp();
+
+    void Say(const std::string& line) const { say_(line); }
+
+    // Handles, threads, windows and drawing objects left after Close, in one line; empty when none.
+    const std::string& leftovers() const { return leftovers_; }
+
+    // Faults of the board that tests and the workbench switch. Any thread.
+    void SetDriverMissing(const std::wstring& name, bool missing);
+    void SetHalRefuses(bool refuses) { hal_refuses_ = refuses; }
+    void SetBatteryDriverFails(bool fails) { battery_driver_fails_ = fails; }
+
+    // platform::Board
+    std::shared_ptr<platform::device::StreamDriver> FindDriver(std::wstring_view name) override;
+    bool ReadPowerSupply(platform::PowerSupply& supply) override;
+    DWORD HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
+                     DWORD& returned) override;
+    DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override;
+    void DebugOutput(std::wstring_view text) override;
+    void ScreenChanged() override;
+
+  private:
+    void LoadDrivers(const std::vector<std::wstring>& missing);
+    bool RunUntil(const std::function<bool()>& done, std::chrono::seconds limit);
+
+    const Program image_;
+    DebugLog& log_;
+    const std::function<void(const std::string&)> say_;
+    ProgramHost program_;
+    std::shared_ptr<Scaler> scaler_;
+    std::unique_ptr<DvrBay> dvr_;
+
+    mutable std::mutex mutex_;
+    std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>, std::less<>> drivers_;
+    std::vector<std::wstring> missing_drivers_;
+    platform::PowerSupply supply_;
+
+    std::atomic<bool> screen_changed_{true};
+    std::atomic<bool> suspended_{false};
+    std::atomic<bool> hal_refuses_{false};
+    std::atomic<bool> battery_driver_fails_{false};
+    std::function<void()> on_screen_change_;
+    std::string leftovers_;
+};
+
+}  // namespace unit

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+
+// A version of up to seven narrow characters. Any thread may store, clear or load it; a reader
+// never sees a mixture of two texts, because the whole text is one atomic word.
+class CVersionText {
+  public:
+    static constexpr std::size_t kLength = 7;
+    // Always ends in a zero byte.
+    using Characters = std::array<char, kLength + 1>;
+
+    // Reads exactly kLength characters.
+    void Store(const char* characters) {
+        std::uint64_t packed = 0;
+        std::memcpy(&packed, characters, kLength);
+        m_packed.store(packed);
+    }
+
+    void Clear() { m_packed.store(0); }
+
+    Characters Load() const {
+        const std::uint64_t packed = m_packed.load();
+        Characters characters{};
+        std::memcpy(characters.data(), &packed, kLength);
+        return characters;
+    }
+
+  private:
+    std::atomic<std::uint64_t> m_packed{0};
+};
+
+static_assert(sizeof(CVersionText::Characters) == sizeof(std::uint64_t));
+
+// A version counts as known when its second or its fifth character is there: those are the dots
+// of "0.01.00" and survive whatever digits the DVR reports.
+inline bool IsVersionKnown(const CVersionText::Characters& version) {
+    return version[1] != 0 || version[4] != 0;
+}
