@@ -10,7 +10,10 @@ tolvane_folder(ui DEPENDS res app_log platform_api platform_framework wizard pow
 tolvane_folder(wizard DEPENDS res app_log platform_api platform_framework dvrlink ui power MStar_C4)
 tolvane_folder(app DEPENDS res app_log platform_api platform_framework wizard ui power)
 
-# The program as a whole, on this platform.
-add_library(program INTERFACE)
-target_link_libraries(program INTERFACE app platform_kernel platform_window platform_gdi
-    platform_device platform_resource platform_powermgr)
+# The program as a whole, on this platform: the folders see the API's headers alone, and only the
+# linker sees what stands behind them.
+foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
+    foreach(part kernel window gdi device resource powermgr)
+        target_link_libraries(${folder} INTERFACE $<LINK_ONLY:platform_${part}>)
+    endforeach()
+endforeach()

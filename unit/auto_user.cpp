@@ -19,6 +19,9 @@ namespace {
 constexpr auto kGlance = 50ms;
 constexpr auto kReaction = 700ms;
 constexpr auto kPress = 150ms;
+// Fetching the card takes a person longer than the DVR takes to restart. A card that is in when it
+// looks for one would start the update before "Update" is tapped.
+constexpr auto kFetchCard = 6s;
 
 // Screens that end the walk wherever they come.
 struct DeadEnd {
@@ -114,7 +117,8 @@ std::optional<std::string> AutoUser::Refusal(const ScreenReader& screen) const {
 
 void AutoUser::Arrive(const Station& station, const ScreenReader& screen) {
     SavePicture(station.name);
-    kernel::After(kReaction,
+    const kernel::Duration delay = station.act == Act::kInsertCard ? kFetchCard : kReaction;
+    kernel::After(delay,
                   [this, &station,
                    place = station.button ? screen.PlaceOf(station.button) : screen.CloseButton()] {
                       switch (station.act) {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/gdi/shutdown.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
@@ -15,8 +15,6 @@
 #include "unit/temporary_card.h"
 #include "unit/virtual_unit.h"
 #include "unit/window_host.h"
-
-int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
 
 namespace {
 

@@ -1,7 +1,5 @@
 #include "platform/device/memory_line.h"
 
-#include <algorithm>
-
 #include "platform/kernel/scheduler.h"
 
 namespace platform::device {
@@ -20,13 +18,22 @@ MemoryLine::MemoryLine(DWORD baud_rate, Receiver device)
     settings_.StopBits = ONESTOPBIT;
 }
 
-kernel::Duration MemoryLine::WireTime(std::size_t bytes) const {
+kernel::Time MemoryLine::Wire::End() const {
     constexpr std::int64_t kBitsAByte = 10;
     constexpr std::int64_t kMicrosecondsASecond = 1'000'000;
     // Rounded up: never faster than the wire.
-    return kernel::Duration(
-        (static_cast<std::int64_t>(bytes) * kBitsAByte * kMicrosecondsASecond + baud_rate_ - 1) /
-        baud_rate_);
+    return busy_since_ +
+           kernel::Duration((bytes_ * kBitsAByte * kMicrosecondsASecond + baud_rate_ - 1) /
+                            baud_rate_);
+}
+
+kernel::Time MemoryLine::Wire::Take(std::size_t bytes) {
+    if (kernel::Now() > End()) {
+        busy_since_ = kernel::Now();
+        bytes_ = 0;
+    }
+    bytes_ += static_cast<std::int64_t>(bytes);
+    return End();
 }
 
 bool MemoryLine::SettingsFit() const {
@@ -38,24 +45,18 @@ void MemoryLine::Send(std::span<const std::uint8_t> bytes) {
     if (bytes.empty())
         return;
     KernelLock lock = kernel::LockKernel();
-    const bool idle = to_port_.empty();
-    to_port_.insert(to_port_.end(), bytes.begin(), bytes.end());
-    if (!idle)
-        return;
-    to_port_free_ = std::max(to_port_free_, kernel::Now()) + WireTime(1);
-    kernel::At(lock, to_port_free_, [self = shared_from_this()] { self->DeliverNext(); });
+    const bool idle = waiting_for_port_.empty();
+    waiting_for_port_.insert(waiting_for_port_.end(), bytes.begin(), bytes.end());
+    if (idle)
+        kernel::At(lock, to_port_.Take(1), [self = shared_from_this()] { self->DeliverNext(); });
 }
 
 void MemoryLine::DeliverNext() {
     KernelLock lock = kernel::LockKernel();
-    if (to_port_.empty())
-        return;
-    const std::uint8_t byte = to_port_.front();
-    to_port_.pop_front();
-    if (!to_port_.empty()) {
-        to_port_free_ += WireTime(1);
-        kernel::At(lock, to_port_free_, [self = shared_from_this()] { self->DeliverNext(); });
-    }
+    const std::uint8_t byte = waiting_for_port_.front();
+    waiting_for_port_.pop_front();
+    if (!waiting_for_port_.empty())
+        kernel::At(lock, to_port_.Take(1), [self = shared_from_this()] { self->DeliverNext(); });
     if (!plugged_ || !SettingsFit() || !port_)
         return;
     const Receiver port = port_;
@@ -65,11 +66,13 @@ void MemoryLine::DeliverNext() {
 
 std::size_t MemoryLine::Transmit(std::span<const std::uint8_t> bytes) {
     KernelLock lock = kernel::LockKernel();
-    to_device_free_ = std::max(to_device_free_, kernel::Now()) + WireTime(bytes.size());
+    const kernel::Time arrival = to_device_.Take(bytes.size());
+    if (!plugged_)
+        return bytes.size();
     std::vector<std::uint8_t> sent(bytes.begin(), bytes.end());
-    kernel::At(lock, to_device_free_, [self = shared_from_this(), sent = std::move(sent)] {
+    kernel::At(lock, arrival, [self = shared_from_this(), sent = std::move(sent), pulls = pulls_] {
         KernelLock inner = kernel::LockKernel();
-        const bool arrives = self->plugged_ && self->SettingsFit();
+        const bool arrives = self->pulls_ == pulls && self->SettingsFit();
         inner.unlock();
         if (arrives)
             self->device_(sent);
@@ -79,6 +82,8 @@ std::size_t MemoryLine::Transmit(std::span<const std::uint8_t> bytes) {
 
 void MemoryLine::SetPlugged(bool plugged) {
     KernelLock lock = kernel::LockKernel();
+    if (plugged_ && !plugged)
+        ++pulls_;
     plugged_ = plugged;
 }
 

@@ -32,9 +32,23 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     void OnRoom(std::function<void()>) override {}
 
   private:
+    // One direction: when its bytes have passed, to the fraction of a bit over any length.
+    class Wire {
+      public:
+        explicit Wire(DWORD baud_rate) : baud_rate_(baud_rate) {}
+        // The end of `bytes` more, which start now or after those before them.
+        kernel::Time Take(std::size_t bytes);
+
+      private:
+        kernel::Time End() const;
+
+        DWORD baud_rate_;
+        kernel::Time busy_since_{};
+        std::int64_t bytes_ = 0;
+    };
+
     void DeliverNext();
     bool SettingsFit() const;
-    kernel::Duration WireTime(std::size_t bytes) const;
 
     const DWORD baud_rate_;
     const Receiver device_;
@@ -42,9 +56,10 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     Receiver port_;
     DCB settings_{};
     bool plugged_ = true;
-    std::deque<std::uint8_t> to_port_;
-    kernel::Time to_port_free_{};
-    kernel::Time to_device_free_{};
+    unsigned pulls_ = 0;
+    std::deque<std::uint8_t> waiting_for_port_;
+    Wire to_port_{baud_rate_};
+    Wire to_device_{baud_rate_};
 };
 
 }  // namespace platform::device

@@ -19,7 +19,7 @@ DWORD SerialPort::Start(std::shared_ptr<SerialPort> self) {
         if (!port)
             return;
         KernelLock lock = kernel::LockKernel();
-        port->room_ = true;
+        ++port->rooms_;
         kernel::Wake(lock);
     });
     return line_->Open([weak](std::span<const std::uint8_t> bytes) {
@@ -40,9 +40,10 @@ void SerialPort::Receive(std::span<const std::uint8_t> bytes) {
 Time SerialPort::TotalDeadline(DWORD multiplier, DWORD constant, std::size_t count) const {
     if (multiplier == 0 && constant == 0)
         return kernel::kNever;
-    const auto total = static_cast<std::int64_t>(multiplier) * static_cast<std::int64_t>(count) +
-                       static_cast<std::int64_t>(constant);
-    return kernel::Now() + milliseconds(total);
+    // 64 bits hold the greatest total, a Time does not.
+    constexpr std::uint64_t kLongest = MAXDWORD;
+    const std::uint64_t total = std::uint64_t{multiplier} * count + constant;
+    return kernel::Now() + milliseconds(std::min(total, kLongest));
 }
 
 DWORD SerialPort::Read(std::span<std::byte> buffer, DWORD& done) {
@@ -87,7 +88,7 @@ DWORD SerialPort::Write(std::span<const std::byte> bytes, DWORD& done) {
     const Time deadline = TotalDeadline(timeouts_.WriteTotalTimeoutMultiplier,
                                         timeouts_.WriteTotalTimeoutConstant, bytes.size());
     while (done < bytes.size() && !closed_) {
-        room_ = false;
+        const std::uint64_t rooms = rooms_;
         const std::span<const std::byte> rest = bytes.subspan(done);
         lock.unlock();
         const std::size_t taken = line_->Transmit(
@@ -95,7 +96,7 @@ DWORD SerialPort::Write(std::span<const std::byte> bytes, DWORD& done) {
         lock.lock();
         done += static_cast<DWORD>(taken);
         if (done < bytes.size() && taken == 0 &&
-            !kernel::Block(lock, [&] { return room_ || closed_; }, deadline))
+            !kernel::Block(lock, [&] { return rooms_ != rooms || closed_; }, deadline))
             break;
     }
     return closed_ ? ERROR_INVALID_HANDLE : ERROR_SUCCESS;
@@ -146,6 +147,7 @@ bool SerialPort::IsClosed() const {
 }
 
 DWORD SerialDriver::Open(DWORD, DWORD, std::shared_ptr<Stream>& stream) {
+    const std::scoped_lock lock(mutex_);
     const std::shared_ptr<SerialPort> open = port_.lock();
     if (open && !open->IsClosed())
         return ERROR_ACCESS_DENIED;

@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <deque>
 #include <memory>
+#include <mutex>
 
 #include "platform/device/serial_line.h"
 #include "platform/device/stream_driver.h"
@@ -49,7 +51,8 @@ class SerialPort final : public Stream {
     COMMTIMEOUTS timeouts_{};
     DWORD event_mask_ = 0;
     bool closed_ = false;
-    bool room_ = true;
+    // How often the line had room again.
+    std::uint64_t rooms_ = 0;
 };
 
 // A serial driver over a line. One handle at a time, as the device's own driver has it.
@@ -61,6 +64,7 @@ class SerialDriver final : public StreamDriver {
 
   private:
     const std::shared_ptr<SerialLine> line_;
+    std::mutex mutex_;
     std::weak_ptr<SerialPort> port_;
 };
 

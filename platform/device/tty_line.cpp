@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 namespace platform::device {
 namespace {
@@ -85,7 +86,11 @@ DWORD TtyLine::Open(Receiver receiver) {
         close(tty);
         return Refuse("cannot set up the serial device", error);
     }
-    stop_event_ = eventfd(0, EFD_CLOEXEC);
+    // What came before is nobody's.
+    tcflush(tty, TCIFLUSH);
+    const std::scoped_lock lock(mutex_);
+    reader_event_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    wants_room_ = false;
     tty_ = tty;
     reader_ = std::thread(
         [this, tty, listener = std::move(receiver)] { ReadUntilClosed(tty, listener); });
@@ -96,21 +101,22 @@ void TtyLine::ReadUntilClosed(int tty, const Receiver& receiver) {
     std::array<std::uint8_t, 4096> buffer;
     bool alive = true;
     for (;;) {
+        std::unique_lock lock(mutex_);
+        if (tty_ < 0)
+            return;
         const short output = wants_room_ ? POLLOUT : 0;
-        pollfd watched[] = {{stop_event_, POLLIN, 0},
+        pollfd watched[] = {{reader_event_, POLLIN, 0},
                             {alive ? tty : -1, static_cast<short>(POLLIN | output), 0}};
-        // The time-out bounds how long a writer that filled the line waits to be noticed.
-        if (poll(watched, std::size(watched), wants_room_ ? 1 : 20) < 0 && errno != EINTR)
-            return;
-        if (watched[0].revents != 0)
-            return;
-        if ((watched[1].revents & POLLOUT) != 0 && wants_room_.exchange(false)) {
-            std::unique_lock lock(mutex_);
-            const std::function<void()> room = room_;
-            lock.unlock();
-            if (room)
-                room();
+        lock.unlock();
+        if (poll(watched, std::size(watched), -1) < 0)
+            continue;
+        if (watched[0].revents != 0) {
+            eventfd_t count = 0;
+            eventfd_read(watched[0].fd, &count);
+            continue;
         }
+        if ((watched[1].revents & POLLOUT) != 0)
+            TellRoom();
         if ((watched[1].revents & (POLLIN | POLLHUP | POLLERR)) == 0)
             continue;
         const ssize_t count = read(tty, buffer.data(), buffer.size());
@@ -123,18 +129,30 @@ void TtyLine::ReadUntilClosed(int tty, const Receiver& receiver) {
     }
 }
 
+void TtyLine::TellRoom() {
+    std::unique_lock lock(mutex_);
+    wants_room_ = false;
+    const std::function<void()> room = room_;
+    lock.unlock();
+    if (room)
+        room();
+}
+
 void TtyLine::Close() {
-    const int tty = tty_.exchange(-1);
+    std::unique_lock lock(mutex_);
+    const int tty = std::exchange(tty_, -1);
     if (tty < 0)
         return;
-    const std::uint64_t one = 1;
-    static_cast<void>(write(stop_event_, &one, sizeof one));
+    eventfd_write(reader_event_, 1);
+    lock.unlock();
     reader_.join();
-    close(stop_event_);
+    close(reader_event_);
+    ioctl(tty, TIOCNXCL);
     close(tty);
 }
 
 DWORD TtyLine::ReadSettings(DCB& settings) {
+    const std::scoped_lock lock(mutex_);
     termios state{};
     if (tcgetattr(tty_, &state) != 0)
         return LastErrorOf(errno);
@@ -159,6 +177,7 @@ DWORD TtyLine::ReadSettings(DCB& settings) {
 }
 
 DWORD TtyLine::ApplySettings(const DCB& settings) {
+    const std::scoped_lock lock(mutex_);
     termios state{};
     if (tcgetattr(tty_, &state) != 0)
         return LastErrorOf(errno);
@@ -175,16 +194,18 @@ DWORD TtyLine::ApplySettings(const DCB& settings) {
 }
 
 std::size_t TtyLine::Transmit(std::span<const std::uint8_t> bytes) {
+    const std::scoped_lock lock(mutex_);
     const ssize_t count = write(tty_, bytes.data(), bytes.size());
     if (count > 0)
         return static_cast<std::size_t>(count);
     // A device that is gone takes nothing: the writer's time-out ends the write.
     wants_room_ = true;
+    eventfd_write(reader_event_, 1);
     return 0;
 }
 
 void TtyLine::OnRoom(std::function<void()> room) {
-    const std::unique_lock lock(mutex_);
+    const std::scoped_lock lock(mutex_);
     room_ = std::move(room);
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -28,15 +27,18 @@ class TtyLine final : public SerialLine {
 
   private:
     void ReadUntilClosed(int tty, const Receiver& receiver);
+    void TellRoom();
     DWORD Refuse(const std::string& what, int error);
 
     const std::string path_;
     const std::function<void(const std::string&)> problem_;
+    // Guards what follows, and the device's number against being closed in the middle of its use.
     std::mutex mutex_;
     std::function<void()> room_;
-    std::atomic<int> tty_{-1};
-    int stop_event_ = -1;
-    std::atomic<bool> wants_room_{false};
+    int tty_ = -1;
+    bool wants_room_ = false;
+    // Ends the reader's poll: to close, or to watch for room.
+    int reader_event_ = -1;
     std::thread reader_;
 };
 

@@ -121,11 +121,10 @@ std::shared_ptr<Surface> SurfaceOf(HANDLE handle) {
 
 }  // namespace
 
-BOOL BitBlt(HDC target, int x, int y, int width, int height, HDC source, int source_x,
-            int source_y, DWORD code) {
-    return ValidSize(width, height) &&
-           Blit(target, RectangleAt(x, y, width, height), source,
-                RectangleAt(source_x, source_y, width, height), code);
+BOOL BitBlt(HDC target, int x, int y, int width, int height, HDC source, int source_x, int source_y,
+            DWORD code) {
+    return ValidSize(width, height) && Blit(target, RectangleAt(x, y, width, height), source,
+                                            RectangleAt(source_x, source_y, width, height), code);
 }
 
 BOOL StretchBlt(HDC target, int x, int y, int width, int height, HDC source, int source_x,
@@ -144,9 +143,8 @@ BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD code) {
     return ValidSize(width, height) && Blit(dc, rectangle, NULL, rectangle, code);
 }
 
-BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE source,
-                      LONG source_x, LONG source_y, LONG source_width, LONG source_height,
-                      COLORREF transparent) {
+BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE source, LONG source_x,
+                      LONG source_y, LONG source_width, LONG source_height, COLORREF transparent) {
     if (!ValidSize(width, height) || !ValidSize(source_width, source_height))
         return FALSE;
     ContextCall context(dc);

@@ -16,7 +16,7 @@ struct DrawingContext {
     std::shared_ptr<Surface> surface;
     RECT clip{};
     // A window's: told of every drawing. Empty for a memory device context.
-    std::function<void()> drawn;
+    std::function<void()> drawn{};
     bool of_window = false;
 
     HGDIOBJ bitmap = nullptr;  // null for a window's

@@ -29,6 +29,32 @@ bool IsWide(wchar_t character) {
            (code >= 0xFF00 && code <= 0xFFEF) || (code >= 0x20000 && code <= 0x3FFFF);
 }
 
+std::size_t WithoutBlanks(std::wstring_view text, std::size_t begin, std::size_t end) {
+    while (end > begin && IsBlank(text[end - 1]))
+        --end;
+    return end;
+}
+
+// Where the line that starts at `begin` ends: the last place that fits, or the first one at all.
+std::size_t EndOfLine(std::wstring_view text, std::span<const double> edges, std::size_t begin,
+                      double width) {
+    std::size_t chosen = begin;
+    for (std::size_t index = begin + 1; index <= text.size(); ++index) {
+        if (index < text.size() && !MayBreakBefore(text, index))
+            continue;
+        const std::size_t visible = WithoutBlanks(text, begin, index);
+        const bool fits = edges[visible] - edges[begin] <= width;
+        // Blanks at the beginning stay with what follows them.
+        if (visible == begin && index < text.size())
+            continue;
+        if (fits || chosen == begin)
+            chosen = index;
+        if (!fits)
+            break;
+    }
+    return chosen;
+}
+
 }  // namespace
 
 bool MayBreakBefore(std::wstring_view text, std::size_t index) {
@@ -50,26 +76,10 @@ std::vector<LineOfText> BreakLines(std::wstring_view text, std::span<const doubl
                                    double width) {
     std::vector<LineOfText> lines;
     std::size_t begin = 0;
-    // A paragraph of blanks alone is one line.
     do {
-        std::size_t end = text.size();
-        std::size_t next = text.size();
-        for (std::size_t index = begin + 1; index <= text.size(); ++index) {
-            if (index < text.size() && !MayBreakBefore(text, index))
-                continue;
-            std::size_t visible = index;
-            while (visible > begin && IsBlank(text[visible - 1]))
-                --visible;
-            const bool fits = edges[visible] - edges[begin] <= width;
-            const bool first = next == text.size() && end == text.size();
-            if (!fits && !first)
-                break;
-            end = index == text.size() ? index : visible;
-            next = index;
-            if (!fits)
-                break;
-        }
-        lines.push_back({begin, end});
+        const std::size_t next = EndOfLine(text, edges, begin, width);
+        const bool last = next >= text.size();
+        lines.push_back({begin, last ? text.size() : WithoutBlanks(text, begin, next)});
         begin = next;
     } while (begin < text.size());
     return lines;

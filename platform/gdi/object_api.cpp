@@ -1,6 +1,7 @@
 #include <windows.h>
 
-#include <limits>
+#include <cstring>
+#include <utility>
 
 #include "platform/gdi/drawing_context.h"
 #include "platform/gdi/gdi_entry.h"

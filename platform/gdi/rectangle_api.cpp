@@ -48,8 +48,7 @@ BOOL UnionRect(LPRECT target, const RECT* a, const RECT* b) {
 BOOL EqualRect(const RECT* a, const RECT* b) {
     if (!a || !b)
         return Refuse();
-    return a->left == b->left && a->top == b->top && a->right == b->right &&
-           a->bottom == b->bottom;
+    return a->left == b->left && a->top == b->top && a->right == b->right && a->bottom == b->bottom;
 }
 
 BOOL IsRectEmpty(const RECT* rectangle) {

@@ -28,15 +28,13 @@ void Surface::AddText(PlacedText text) {
 }
 
 void Surface::CoverTexts(const RECT& rectangle) {
-    std::erase_if(texts_,
-                  [&](const PlacedText& text) { return Contains(rectangle, text.box); });
+    std::erase_if(texts_, [&](const PlacedText& text) { return Contains(rectangle, text.box); });
 }
 
 void Surface::CopyFrom(const Surface& source, const RECT& source_rectangle, int x, int y) {
     const int dx = x - source_rectangle.left;
     const int dy = y - source_rectangle.top;
-    const RECT readable =
-        Intersect(source_rectangle, {0, 0, source.width(), source.height()});
+    const RECT readable = Intersect(source_rectangle, {0, 0, source.width(), source.height()});
     if (IsEmpty(readable))
         return;
     const RECT target = Intersect(Moved(readable, dx, dy), {0, 0, width_, height_});

@@ -43,14 +43,14 @@ std::optional<Head> ReadHead(ByteReader& reader) {
         head.height < -kMaxSide)
         return Fail(ERROR_INVALID_DATA);
     constexpr std::array kKnownDepths = {1, 4, 8, 16, 24, 32};
-    if (compression != BI_RGB || std::ranges::find(kKnownDepths, head.bits_per_pixel) ==
-                                     kKnownDepths.end())
+    if (compression != BI_RGB ||
+        std::ranges::find(kKnownDepths, head.bits_per_pixel) == kKnownDepths.end())
         return Fail(ERROR_NOT_SUPPORTED);
 
     reader.Bytes(size - sizeof(BITMAPINFOHEADER));
     const DWORD most = head.bits_per_pixel <= 8 ? DWORD{1} << head.bits_per_pixel : 0;
-    const DWORD count = most != 0 && (colours_used == 0 || colours_used > most) ? most
-                                                                               : colours_used;
+    const DWORD count =
+        most != 0 && (colours_used == 0 || colours_used > most) ? most : colours_used;
     if (count > reader.left() / sizeof(RGBQUAD))
         return Fail(ERROR_INVALID_DATA);
     for (DWORD index = 0; index < count; ++index)
@@ -142,8 +142,8 @@ std::optional<DecodedImage> DecodeDib(std::span<const std::byte> bytes) {
         pixel &= kColourBits;
     // A negative height says that the rows come from the top.
     if (head->height < 0) {
-        for (auto top = image->pixels.begin(), bottom = image->pixels.end(); bottom - top >
-             image->width; top += image->width) {
+        for (auto top = image->pixels.begin(), bottom = image->pixels.end();
+             bottom - top > image->width; top += image->width) {
             bottom -= image->width;
             std::swap_ranges(top, top + image->width, bottom);
         }

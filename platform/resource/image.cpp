@@ -52,7 +52,8 @@ std::optional<std::vector<GroupEntry>> ReadGroup(std::span<const std::byte> byte
 // The nearest in size; among equals the one with most colours.
 const GroupEntry& Nearest(const std::vector<GroupEntry>& entries, int width, int height) {
     const auto distance = [&](const GroupEntry& entry) {
-        return std::tuple(std::abs(entry.width - width) + std::abs(entry.height - height),
+        return std::tuple(std::abs(std::int64_t{entry.width} - width) +
+                              std::abs(std::int64_t{entry.height} - height),
                           -entry.bits_per_pixel);
     };
     return *std::ranges::min_element(entries, {}, distance);

@@ -153,6 +153,23 @@ TEST(Link, StopEndsUnderAFloodOfReports) {
     EXPECT_EQ(log.back(), "---ThreadProc_COM_Rx");
 }
 
+// Both threads at once in earnest, for the sanitizers' eyes.
+TEST(Link, SendsWhileItReceivesInParallel) {
+    LinkFixture link({.mode = kernel::Mode::kFreeRunning, .speed = 50.0});
+    for (int report = 1; report <= 20; ++report)
+        link.DvrSends(kernel::Now() + report * 50ms, DvrFrameBytes(0x80, 0x0019, {7}));
+    link.platform.Run([&] {
+        ASSERT_TRUE(UART_Init());
+        for (int count = 0; count < 100; ++count) {
+            UART_SendCommand(0x0012, nullptr, 0);
+            Sleep(15);
+        }
+        UART_DeInit();
+    });
+    EXPECT_EQ(link.received_by_dvr.size(), kOpeningQueries.size() + 100U * 9U);
+    EXPECT_EQ(Count(ProgramLog(link.platform.board), "\tPlay_Volume_IND, (0x0019)"), 20);
+}
+
 // A silent line costs one empty read per 100 ms and a pause of 1 ms.
 TEST(Link, SilentLineIsReadTenTimesASecond) {
     LinkFixture link;

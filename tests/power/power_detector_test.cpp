@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "platform/kernel/kernel_state.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
 #include "tests/support/platform_fixture.h"
@@ -195,6 +196,22 @@ TEST(PowerDetector, StopRightAfterTheStartWins) {
     }
 }
 
+// Real threads in parallel, for the sanitizers' eyes.
+TEST(PowerDetector, StartsAndStopsInParallel) {
+    Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 50.0});
+    platform.Run([&] {
+        for (int round = 0; round < 20; ++round) {
+            CPowerDetector detector;
+            EXPECT_TRUE(detector.Init());
+            platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+            Sleep(static_cast<DWORD>(round));
+        }
+    });
+    const Log log = ProgramLog(platform.board);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "---CPowerDetector::ThreadProc_PowerCommonCtrl"),
+              20);
+}
+
 TEST(PowerDetector, StopsUnderAFloodOfNotifications) {
     Platform platform;
     platform.Run([] {
@@ -263,8 +280,43 @@ TEST(PowerDetector, ThreadsWithoutAnObjectEndAtOnce) {
                    "\tCPowerDetector::ThreadProc_PowerCommonCtrl_static" + rest}));
 }
 
-// Without handles a wait fails; a thread that tried again would never come back.
-TEST(PowerDetector, ThreadsEndWhenTheirWaitFails) {
+// Closes the detector's handle of a named event behind its back.
+void CloseDetectorsHandle(const wchar_t* name) {
+    const HANDLE own = OpenEventW(EVENT_ALL_ACCESS, FALSE, name);
+    const std::shared_ptr<kernel::Object> event = kernel::FindObject(own);
+    std::uintptr_t others = 0;
+    {
+        const kernel::KernelLock lock = kernel::LockKernel();
+        kernel::State().handles.ForEach([&](std::uintptr_t value, const auto& object) {
+            if (object == event && value != reinterpret_cast<std::uintptr_t>(own))
+                others = value;
+        });
+    }
+    EXPECT_TRUE(CloseHandle(reinterpret_cast<HANDLE>(others)));
+    CloseHandle(own);
+}
+
+// A thread that waited again at once would never come to rest.
+TEST(PowerDetector, ThreadEndsWhenItsWaitFails) {
+    Platform platform;
+    platform.Run(
+        [&] {
+            Coordinator coordinator;
+            const HANDLE suspend = CreateEventW(NULL, FALSE, FALSE, kRequests[0]);
+            CPowerDetector detector;
+            ASSERT_TRUE(detector.Init());
+            Sleep(10);
+            const std::size_t threads = kernel::ThreadCount();
+            CloseDetectorsHandle(kRequests[1]);
+            SetEvent(suspend);
+            EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{0, 0, 0}}));
+            EXPECT_EQ(kernel::ThreadCount(), threads - 1);
+            CloseHandle(suspend);
+        },
+        1s);
+}
+
+TEST(PowerDetector, ThreadsWithNothingToWaitForEnd) {
     Platform platform;
     platform.Run(
         [] {

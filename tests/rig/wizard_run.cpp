@@ -10,8 +10,6 @@
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 
-int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
-
 namespace tests {
 
 namespace kernel = platform::kernel;

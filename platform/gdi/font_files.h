@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace platform::gdi {
+
+// The font files that the platform draws with. No other font of the machine and no font setting of
+// a user takes part, so that the same screen has the same pixels everywhere.
+enum class Typeface { kSans, kSansBold, kMono, kMonoBold, kJapanese };
+
+// The directory that the system's font packages install to.
+inline constexpr const char* kFontDirectory = "/usr/share/fonts";
+
+// Finds every one of them below a directory. False, with one line that says what is missing and
+// which package has it, when one is not there.
+bool FindFontFiles(const std::filesystem::path& directory,
+                   std::map<Typeface, std::filesystem::path>& files, std::string& problem);
+
+}  // namespace platform::gdi

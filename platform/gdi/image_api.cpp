@@ -1,0 +1,163 @@
+#include <windows.h>
+
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "platform/gdi/bitmap.h"
+#include "platform/gdi/gdi_entry.h"
+#include "platform/gdi/icon.h"
+#include "platform/kernel/handle_table.h"
+#include "platform/resource/image.h"
+#include "platform/resource/module.h"
+
+namespace platform::gdi {
+namespace {
+
+// Icons and cursors. The unit shows neither: it has no pointer and its windows have no captions.
+struct Icon {
+    resource::DecodedImage image;
+    // The system's, or the one that all of a program's LoadIconW calls share.
+    bool shared = false;
+};
+
+struct Icons {
+    kernel::HandleTable<Icon> table{kernel::kIcons};
+    std::map<std::uintptr_t, HICON> cursors;
+    std::map<std::uintptr_t, HICON> loaded;
+};
+
+Icons& TheIcons() {
+    static Icons icons;
+    return icons;
+}
+
+HICON AddIcon(Icon icon) {
+    return reinterpret_cast<HICON>(
+        TheIcons().table.Insert(std::make_shared<Icon>(std::move(icon))));
+}
+
+constexpr int kSystemIconSize = 32;
+
+bool IsProgram(HINSTANCE module) {
+    if (module == NULL || module == resource::ModuleInstance())
+        return true;
+    SetLastError(ERROR_INVALID_HANDLE);
+    return false;
+}
+
+bool IsSystemCursor(LPCWSTR name) {
+    return name == IDC_ARROW || name == IDC_IBEAM || name == IDC_WAIT || name == IDC_CROSS ||
+           name == IDC_UPARROW || name == IDC_HAND;
+}
+
+HANDLE LoadBitmapImage(LPCWSTR name, int width, int height) {
+    const auto image = resource::DecodeBitmap(name);
+    if (!image)
+        return NULL;
+    const bool stretches =
+        (width != 0 && width != image->width) || (height != 0 && height != image->height);
+    if (stretches) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return NULL;
+    }
+    const auto lock = EnterGdi();
+    return AddBitmap(image->width, image->height, image->pixels.data());
+}
+
+HANDLE LoadIconImage(LPCWSTR name, int width, int height, UINT flags) {
+    if (flags & LR_DEFAULTSIZE) {
+        width = width == 0 ? kSystemIconSize : width;
+        height = height == 0 ? kSystemIconSize : height;
+    }
+    auto image = resource::DecodeIcon(name, width, height);
+    if (!image)
+        return NULL;
+    const auto lock = EnterGdi();
+    return AddIcon({.image = std::move(*image)});
+}
+
+}  // namespace
+
+std::size_t IconCount() {
+    const auto lock = LockGdi();
+    std::size_t count = 0;
+    TheIcons().table.ForEach(
+        [&](std::uintptr_t, const std::shared_ptr<Icon>& icon) { count += icon->shared ? 0 : 1; });
+    return count;
+}
+
+void DropIcons() {
+    TheIcons() = Icons();
+}
+
+}  // namespace platform::gdi
+
+using namespace platform;
+using namespace platform::gdi;
+
+// Neither stretched nor monochrome bitmaps nor files: those fail with ERROR_NOT_SUPPORTED.
+HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
+    if (!IsProgram(module))
+        return NULL;
+    if (width < 0 || height < 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return NULL;
+    }
+    if (type == IMAGE_BITMAP && (flags & ~LR_DEFAULTSIZE) == 0)
+        return LoadBitmapImage(name, width, height);
+    if (type == IMAGE_ICON && (flags & ~LR_DEFAULTSIZE) == 0)
+        return LoadIconImage(name, width, height, flags);
+    SetLastError(ERROR_NOT_SUPPORTED);
+    return NULL;
+}
+
+// By number only; the same handle every time.
+HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
+    if (!IsProgram(module))
+        return NULL;
+    if (!IS_INTRESOURCE(name)) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return NULL;
+    }
+    const auto id = reinterpret_cast<std::uintptr_t>(name);
+    {
+        const auto lock = EnterGdi();
+        const auto found = TheIcons().loaded.find(id);
+        if (found != TheIcons().loaded.end())
+            return found->second;
+    }
+    auto image = resource::DecodeIcon(name, kSystemIconSize, kSystemIconSize);
+    if (!image)
+        return NULL;
+    const auto lock = LockGdi();
+    HICON& icon = TheIcons().loaded[id];
+    if (!icon)
+        icon = AddIcon({.image = std::move(*image), .shared = true});
+    return icon;
+}
+
+BOOL DestroyIcon(HICON handle) {
+    const auto lock = EnterGdi();
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    const auto icon = TheIcons().table.Find(value);
+    if (!icon || icon->shared) {
+        SetLastError(icon ? ERROR_ACCESS_DENIED : ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    TheIcons().table.Remove(value);
+    return TRUE;
+}
+
+// The system's cursors, which nothing shows. A program has none of its own.
+HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR name) {
+    if (module != NULL || !IsSystemCursor(name)) {
+        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
+        return NULL;
+    }
+    const auto lock = EnterGdi();
+    HCURSOR& cursor = TheIcons().cursors[reinterpret_cast<std::uintptr_t>(name)];
+    if (!cursor)
+        cursor = AddIcon({.image = {}, .shared = true});
+    return cursor;
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <windows.h>
+
+#include <compare>
+#include <memory>
+
+#include "platform/gdi/font_library.h"
+
+namespace platform::gdi {
+
+// What of a LOGFONTW tells one font from another. Never 0 is `height`, negative for the height of
+// the characters instead of the cell; a width of 0 stands for natural proportions.
+struct FontKey {
+    bool monospaced = false;
+    bool bold = false;
+    int height = 0;
+    int width = 0;
+    auto operator<=>(const FontKey&) const = default;
+};
+
+// A character as a font draws it: a glyph of one of two files.
+struct Glyph {
+    unsigned index;
+    bool japanese;
+    double advance;  // in pixels
+};
+
+// Two font files as one font of a certain size: the Latin one, and the Japanese one for what the
+// first does not have. Both stand on one base line and have the same height; a given width
+// stretches each of them sideways. A full-width character is twice as wide as the width, and one
+// pixel more when it is bold, which the Japanese file has no design of its own for.
+class TextFont {
+  public:
+    TextFont(const FontKey& key, const FontLibrary& library);
+
+    const FontKey& key() const { return key_; }
+    // Of the cell, which is also the distance of two lines.
+    int height() const { return height_; }
+    int ascent() const { return ascent_; }
+    int em() const;
+    int average_width() const;
+    int full_width() const;
+
+    Glyph GlyphOf(wchar_t character) const;
+    // The outline of a glyph in 64ths of a pixel, its base line at 0; null without one. The
+    // caller's until the next call.
+    FT_Outline* OutlineOf(const Glyph& glyph) const;
+    FT_Library library() const { return library_.handle(); }
+
+  private:
+    FontKey key_;
+    const FontLibrary& library_;
+    const FontFile& latin_;
+    const FontFile& japanese_;
+    int height_;
+    int ascent_;
+    // Pixels an em.
+    double em_height_;
+    double latin_em_width_;
+    double japanese_em_width_;
+};
+
+// The font a description asks for, made once; null, with the last error set, when it cannot be had:
+// an escapement, italics, lines under or through the text, a size that no screen shows, or a
+// missing font file. With the GDI lock held.
+std::shared_ptr<const TextFont> FindTextFont(const LOGFONTW& description);
+
+}  // namespace platform::gdi

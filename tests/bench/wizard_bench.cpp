@@ -1,0 +1,347 @@
+#include "tests/bench/wizard_bench.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <numeric>
+
+#include "platform/device/serial_port.h"
+#include "platform/gdi/device_context.h"
+#include "platform/kernel/scheduler.h"
+#include "platform/kernel/text.h"
+#include "platform/kernel/thread.h"
+#include "platform/powermgr/power_notifications.h"
+#include "platform/resource/module.h"
+#include "platform/window/screen.h"
+#include "res/program_resources.h"
+#include "tests/support/program_log.h"
+#include "wizard/MainFrm.h"
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show);
+
+namespace tests {
+
+namespace kernel = platform::kernel;
+namespace window = platform::window;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::size_t kFrameOverhead = 9;
+// Any place of the close button's face that its symbol leaves free.
+constexpr POINT kCloseSample = {725, 12};
+constexpr std::uint32_t kCloseFace = 0xE70010;
+
+char ColorLetter(COLORREF color) {
+    switch (color) {
+        case 0xFFFFFF:
+            return 'W';
+        case 0x0000FF:
+            return 'R';
+        case 0xFF0000:
+            return 'B';
+        default:
+            return '?';
+    }
+}
+
+int MiddleRow(const platform::gdi::PlacedText& text) {
+    return (text.box.top + text.box.bottom) / 2;
+}
+
+}  // namespace
+
+const std::vector<std::string> WizardBench::kVideoOn = {
+    "800120B0 00 00 00 00",
+    "8001206C 01 00 00 00",
+    "80012068 01 00 00 00",
+    "80012070 3F 00 00 00",
+    "80012078 00 10 00 00 01 00 00 00",
+    "1B001B 00 00 00 00 0A 00 31 00 B7 02 77 01 D0 02 E0 01 00 00 00 00 20 03 E0 01 00 01 00 00",
+    "80012070 3F 00 00 00",
+    "80012078 00 10 00 00 01 00 00 00",
+};
+const std::vector<std::string> WizardBench::kVideoOff = {
+    "800120B0 01 00 00 00",
+    "80012070 3F 00 00 00",
+    "80012078 00 00 00 00 00 00 00 00",
+};
+
+WizardBench::WizardBench(const kernel::Options& options) : platform(options) {
+    line_ = std::make_shared<platform::device::MemoryLine>(
+        460800, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+    auto& drivers = platform.board.drivers;
+    drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line_);
+    drivers[L"DVR1:"] = reset;
+    drivers[L"SCA0:"] = scaler;
+    std::string problem;
+    EXPECT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\Windows\\Tolvane.exe",
+                                              problem))
+        << problem;
+}
+
+WizardBench::~WizardBench() {
+    if (started_ && !ended_)
+        Close();
+    EXPECT_EQ(exit_code_, expected_exit_);
+    EXPECT_EQ(from_program_.size(), 0U) << "bytes after the last frame";
+    EXPECT_EQ(reset->open_handles, 0);
+    EXPECT_EQ(scaler->open_handles, 0);
+    EXPECT_EQ(platform::gdi::DrawingObjectCount(), 0U) << "drawing objects left";
+}
+
+void WizardBench::Remove(std::wstring_view driver) {
+    platform.board.drivers.erase(std::wstring(driver));
+}
+
+void WizardBench::Hide(LPCWSTR type, WORD resource) {
+    platform::resource::Hide(type, MAKEINTRESOURCEW(resource));
+}
+
+void WizardBench::Start() {
+    started_ = true;
+    // The mutex stays to the end of the process.
+    platform.AllowHandles(1);
+    kernel::StartThread([this] {
+        wchar_t command_line[] = L"";
+        exit_code_ =
+            WinMain(platform::resource::ModuleInstance(), nullptr, command_line, SW_SHOWNORMAL);
+        ended_ = true;
+        return DWORD{0};
+    });
+    RunFor(20ms);
+}
+
+void WizardBench::GoTo(int step) {
+    if (!started_)
+        Start();
+    const auto arrive = [&](int expected) {
+        EXPECT_TRUE(Until([&] { return Step() == expected; }, 30s)) << "never at " << expected;
+        RunFor(20ms);
+    };
+    arrive(-1);
+    if (step >= 0) {
+        EXPECT_TRUE(Tap("Power On"));
+        RunFor(50ms);
+        EXPECT_TRUE(Tap("OK"));
+        RunFor(3s);
+        Card(0);
+        arrive(0);
+        // The timer hides the buttons; the answer to the query shows the one again.
+        RunFor(200ms);
+        Card(0);
+        RunFor(50ms);
+    }
+    if (step >= 1) {
+        EXPECT_TRUE(Tap("Next"));
+        arrive(1);
+        RunFor(2500ms);
+    }
+    if (step >= 2) {
+        Percent(5);
+        arrive(2);
+        RunFor(200ms);
+    }
+    if (step >= 3) {
+        Percent(100);
+        arrive(3);
+    }
+    if (step >= 4) {
+        RunFor(3200ms);
+        EXPECT_TRUE(Tap("OK"));
+        arrive(4);
+    }
+    if (step >= 5) {
+        EXPECT_TRUE(Tap("Next"));
+        RunFor(2500ms);
+        Running(2);
+        arrive(5);
+        RunFor(2100ms);
+    }
+    if (step >= 6) {
+        const DWORD answer = std::exchange(platform.board.hal_answer, ERROR_NOT_SUPPORTED);
+        Command(IDC_BTN_SUSPEND);
+        arrive(6);
+        platform.board.hal_answer = answer;
+    }
+    Mark();
+}
+
+bool WizardBench::Until(const std::function<bool()>& condition, std::chrono::seconds limit) {
+    const kernel::Time deadline = kernel::Now() + limit;
+    while (!condition()) {
+        if (kernel::Now() >= deadline)
+            return false;
+        RunFor(10ms);
+    }
+    return true;
+}
+
+bool WizardBench::Tap(const std::string& caption) {
+    const auto text = Find(caption);
+    if (text)
+        TapAt((text->box.left + text->box.right) / 2, MiddleRow(*text));
+    return text.has_value();
+}
+
+void WizardBench::TapAt(int x, int y) {
+    Press(x, y);
+    Release(x, y);
+}
+
+void WizardBench::Press(int x, int y) {
+    window::TouchScreen(window::Touch::kDown, x, y);
+    RunFor(20ms);
+}
+
+void WizardBench::Release(int x, int y) {
+    window::TouchScreen(window::Touch::kUp, x, y);
+    RunFor(5ms);
+}
+
+void WizardBench::Indicate(WORD command, const Bytes& payload) {
+    SendFrame(0x80, command, payload);
+}
+
+void WizardBench::Acknowledge(WORD command, const Bytes& payload) {
+    SendFrame(0x20, command, payload);
+}
+
+void WizardBench::SendFrame(BYTE type, WORD command, const Bytes& payload) {
+    const auto low = [](std::size_t number) { return static_cast<std::uint8_t>(number); };
+    Bytes frame = {0xA5,         0x5A, type, low(command >> 8), low(command), 0,
+                   low(payload.size())};
+    frame.insert(frame.end(), payload.begin(), payload.end());
+    const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
+    frame.push_back(low(sum >> 8));
+    frame.push_back(low(sum));
+    line_->Send(frame);
+}
+
+void WizardBench::Receive(std::span<const std::uint8_t> bytes) {
+    from_program_.insert(from_program_.end(), bytes.begin(), bytes.end());
+    while (from_program_.size() >= kFrameOverhead) {
+        const Bytes& frame = from_program_;
+        const std::size_t size = kFrameOverhead + frame[6];
+        if (frame.size() < size)
+            return;
+        const unsigned sum = std::accumulate(frame.begin(), frame.begin() + size - 2, 0U);
+        // Every frame of the program is a command with the one payload byte 0.
+        EXPECT_EQ(Bytes(frame.begin(), frame.begin() + 3), (Bytes{0xA5, 0x5A, 0x10}));
+        EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 8), (Bytes{0, 1, 0}));
+        EXPECT_EQ(frame[size - 2] * 256U + frame[size - 1], sum & 0xFFFF);
+        frames.push_back({kernel::Now(), static_cast<WORD>(frame[3] << 8 | frame[4])});
+        from_program_.erase(from_program_.begin(), from_program_.begin() + size);
+    }
+}
+
+void WizardBench::After(std::chrono::microseconds delay, std::function<void()> action) {
+    kernel::After(delay, std::move(action));
+}
+
+void WizardBench::SetAcLine(BYTE status) {
+    platform.board.supply.ac_line_status = status;
+    platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+    RunFor(50ms);
+}
+
+void WizardBench::Post(UINT message, WPARAM wparam, LPARAM lparam, LPCWSTR window_class) {
+    const HWND target = FindWindowW(window_class, nullptr);
+    ASSERT_NE(target, nullptr);
+    PostMessageW(target, message, wparam, lparam);
+}
+
+void WizardBench::Command(UINT id) {
+    Post(WM_XCOMMAND, id);
+}
+
+int WizardBench::Step() const {
+    const CMainFrame* const frame = g_pMainFrame;
+    return frame == nullptr ? kNoFrame : frame->m_nStep.load();
+}
+
+platform::gdi::Surface WizardBench::Screen() const {
+    return window::ComposeScreen();
+}
+
+std::optional<platform::gdi::PlacedText> WizardBench::Find(const std::string& text) const {
+    const platform::gdi::Surface screen = Screen();
+    const auto found = std::ranges::find(screen.texts(), kernel::FromUtf8(text),
+                                         &platform::gdi::PlacedText::text);
+    return found == screen.texts().end() ? std::nullopt : std::optional(*found);
+}
+
+std::string WizardBench::Buttons() const {
+    std::string buttons;
+    for (const std::string& line : LinesBetween(405, 471))
+        buttons += line.substr(2) + " ";
+    if (PixelAt(kCloseSample.x, kCloseSample.y) == kCloseFace)
+        buttons += "X ";
+    return buttons.substr(0, buttons.empty() ? 0 : buttons.size() - 1);
+}
+
+std::vector<std::string> WizardBench::Lines() const {
+    return LinesBetween(0, 480);
+}
+
+std::vector<std::string> WizardBench::Instructions() const {
+    return LinesBetween(130, 400);
+}
+
+std::vector<std::string> WizardBench::LinesBetween(int top, int bottom) const {
+    std::vector<platform::gdi::PlacedText> texts = Screen().texts();
+    std::erase_if(texts, [&](const platform::gdi::PlacedText& text) {
+        return MiddleRow(text) < top || MiddleRow(text) >= bottom;
+    });
+    // Texts of one row stand a few pixels above each other at most.
+    std::ranges::stable_sort(texts, {}, [](const platform::gdi::PlacedText& text) {
+        return std::pair(MiddleRow(text) / 15, text.box.left);
+    });
+    std::vector<std::string> lines;
+    for (const platform::gdi::PlacedText& text : texts)
+        lines.push_back(std::string{ColorLetter(text.color), ' '} + kernel::ToUtf8(text.text));
+    return lines;
+}
+
+std::string WizardBench::TakeFrames() {
+    std::string commands;
+    for (; taken_frames_ < frames.size(); ++taken_frames_) {
+        std::array<char, 8> text{};
+        std::snprintf(text.data(), text.size(), "%04X", frames[taken_frames_].command);
+        commands += (commands.empty() ? "" : " ") + std::string(text.data());
+    }
+    return commands;
+}
+
+std::vector<std::string> WizardBench::TakeLog(std::string_view part) {
+    std::vector<std::string> log = ProgramLog(platform.board);
+    platform.board.ClearOutput();
+    std::erase_if(log, [&](const std::string& line) { return line.find(part) == line.npos; });
+    return log;
+}
+
+void WizardBench::Mark() {
+    taken_frames_ = frames.size();
+    platform.board.ClearOutput();
+    reset->requests.clear();
+    scaler->requests.clear();
+}
+
+void WizardBench::Close() {
+    Post(WM_CLOSE);
+    WaitForEnd();
+}
+
+void WizardBench::WaitForEnd() {
+    EXPECT_TRUE(Until([this] { return ended_.load(); }, 60s)) << "the program did not end";
+}
+
+void WizardBench::ExpectExit(int code) {
+    expected_exit_ = code;
+    platform.AllowHandles(0);
+    WaitForEnd();
+}
+
+}  // namespace tests

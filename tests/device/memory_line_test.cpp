@@ -1,0 +1,136 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "platform/kernel/scheduler.h"
+#include "tests/device/memory_port.h"
+
+namespace {
+
+namespace kernel = platform::kernel;
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+using tests::kProgramTimeouts;
+using tests::MemoryPort;
+using tests::Platform;
+
+void Write(HANDLE handle, const std::string& text) {
+    DWORD written = 0;
+    EXPECT_TRUE(
+        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
+    EXPECT_EQ(written, text.size());
+}
+
+std::string Read(HANDLE handle, DWORD most) {
+    std::string text(most, '?');
+    DWORD read = 0;
+    EXPECT_TRUE(ReadFile(handle, text.data(), most, &read, nullptr));
+    return text.substr(0, read);
+}
+
+TEST(MemoryLine, KeepsTheWiresTimeInBothDirections) {
+    Platform platform;
+    MemoryPort port(platform);
+    platform.Run([&] {
+        // 46080 bytes a second.
+        const HANDLE handle = MemoryPort::Open({});
+        kernel::Time start = kernel::Now();
+        kernel::After({}, [&] {
+            port.Send(std::string(46'000, 'a'));
+            port.Send(std::string(80, 'b'));
+        });
+        EXPECT_EQ(Read(handle, 46'080), std::string(46'000, 'a') + std::string(80, 'b'));
+        EXPECT_EQ(kernel::Now() - start, milliseconds(1000));
+
+        start = kernel::Now();
+        Write(handle, std::string(4'608, 'c'));
+        EXPECT_LE(kernel::Now() - start, milliseconds(100));
+        Write(handle, "after");
+        Sleep(50);
+        EXPECT_EQ(port.heard, "") << "nothing is there before its last bit";
+        Sleep(60);
+        EXPECT_EQ(port.heard, std::string(4'608, 'c') + "after");
+        EXPECT_EQ(port.heard_at - start, microseconds(100'109));
+        CloseHandle(handle);
+    });
+}
+
+TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
+    Platform platform;
+    MemoryPort port(platform);
+    platform.Run([&] {
+        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+        DCB good{};
+        GetCommState(handle, &good);
+        const auto exchanges = [&](auto change) {
+            DCB settings = good;
+            change(settings);
+            EXPECT_TRUE(SetCommState(handle, &settings));
+            port.heard.clear();
+            Write(handle, "out");
+            kernel::After({}, [&] { port.Send("in"); });
+            const std::string in = Read(handle, 2);
+            Sleep(1);
+            EXPECT_EQ(in.empty(), port.heard.empty());
+            return in == "in" && port.heard == "out";
+        };
+        EXPECT_TRUE(exchanges([](DCB&) {}));
+        EXPECT_FALSE(exchanges([](DCB& settings) { settings.BaudRate = CBR_115200; }));
+        EXPECT_FALSE(exchanges([](DCB& settings) { settings.ByteSize = 7; }));
+        EXPECT_FALSE(exchanges([](DCB& settings) { settings.Parity = EVENPARITY; }));
+        EXPECT_FALSE(exchanges([](DCB& settings) { settings.StopBits = TWOSTOPBITS; }));
+        EXPECT_TRUE(exchanges([](DCB& settings) { settings.fRtsControl = RTS_CONTROL_DISABLE; }));
+        CloseHandle(handle);
+    });
+}
+
+TEST(MemoryLine, LosesWhatIsOnTheWireWhenUnplugged) {
+    Platform platform;
+    MemoryPort port(platform);
+    platform.Run([&] {
+        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+        const auto plug = [&](int at, bool plugged) {
+            kernel::After(microseconds(at), [&port, plugged] { port.line->SetPlugged(plugged); });
+        };
+        // The bytes arrive 22, 44, 66, 87, 109 after the start.
+        kernel::After({}, [&] { port.Send("12345"); });
+        plug(40, false);
+        plug(70, true);
+        EXPECT_EQ(Read(handle, 5), "145");
+
+        Write(handle, "cut through");
+        plug(10, false);
+        plug(20, true);
+        Sleep(1);
+        EXPECT_EQ(port.heard, "");
+
+        plug(0, false);
+        Sleep(1);
+        Write(handle, "to nobody");
+        plug(10, true);
+        Sleep(1);
+        EXPECT_EQ(port.heard, "");
+        Write(handle, "there");
+        Sleep(1);
+        EXPECT_EQ(port.heard, "there");
+        CloseHandle(handle);
+    });
+}
+
+TEST(MemoryLine, WhatArrivesWhileThePortIsClosedIsLost) {
+    Platform platform;
+    MemoryPort port(platform);
+    platform.Run([&] {
+        const HANDLE early = MemoryPort::Open(kProgramTimeouts);
+        kernel::After({}, [&] { port.Send(std::string(4'608, 'x')); });
+        CloseHandle(early);
+        Sleep(50);
+        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+        EXPECT_EQ(Read(handle, 4'608).size(), 2'304U);
+        CloseHandle(handle);
+    });
+}
+
+}  // namespace

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace tests {
+
+using Bytes = std::vector<std::byte>;
+
+// Little-endian bytes written down one field after the other.
+class ByteList {
+  public:
+    ByteList& Byte(unsigned value) {
+        bytes_.push_back(static_cast<std::byte>(value));
+        return *this;
+    }
+    ByteList& Word(unsigned value) { return Byte(value & 0xFF).Byte(value >> 8 & 0xFF); }
+    ByteList& Dword(std::uint32_t value) { return Word(value & 0xFFFF).Word(value >> 16); }
+    ByteList& Text(std::u16string_view text) {
+        for (const char16_t unit : text)
+            Word(unit);
+        return Word(0);
+    }
+    ByteList& Align() {
+        while (bytes_.size() % 4 != 0)
+            Byte(0);
+        return *this;
+    }
+    ByteList& Add(std::span<const std::byte> bytes) {
+        bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+        return *this;
+    }
+
+    const Bytes& bytes() const { return bytes_; }
+
+  private:
+    Bytes bytes_;
+};
+
+// One entry of a compiled resource file, padded; type and name are numbers.
+inline Bytes ResEntry(unsigned type, unsigned name, const Bytes& data) {
+    ByteList entry;
+    entry.Dword(static_cast<std::uint32_t>(data.size())).Dword(32);
+    entry.Word(0xFFFF).Word(type).Word(0xFFFF).Word(name);
+    entry.Dword(0).Word(0x30).Word(0x409).Dword(0).Dword(0);
+    return entry.Add(data).Align().bytes();
+}
+
+inline Bytes ResFile(const std::vector<Bytes>& entries) {
+    ByteList file;
+    file.Add(ResEntry(0, 0, {}));
+    for (const Bytes& entry : entries)
+        file.Add(entry);
+    return file.bytes();
+}
+
+// BITMAPINFOHEADER.
+inline Bytes DibHeader(std::uint32_t width, std::uint32_t height, unsigned bits_per_pixel,
+                       std::uint32_t compression = 0, std::uint32_t colours = 0) {
+    ByteList header;
+    header.Dword(40).Dword(width).Dword(height).Word(1).Word(bits_per_pixel).Dword(compression);
+    return header.Dword(0).Dword(0).Dword(0).Dword(colours).Dword(0).bytes();
+}
+
+}  // namespace tests
