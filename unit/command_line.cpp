@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 
 namespace unit {
 namespace {
@@ -28,6 +29,26 @@ std::string CheckCom9(const std::string& value) {
     return "'" + value +
            "' is not allowed; allowed are sim, pty and the path of a tty "
            "such as /dev/ttyUSB0";
+}
+
+// A check whose refusal tells the value and what is allowed.
+template <class Number>
+CLI::Validator Within(Number least, Number most, const std::string& allowed) {
+    return CLI::Validator(
+        [least, most, allowed](std::string& value) {
+            Number number{};
+            if (CLI::detail::lexical_cast(value, number) && number >= least && number <= most)
+                return std::string();
+            return "'" + value + "' is not allowed; allowed is " + allowed;
+        },
+        "");
+}
+
+std::string CheckFolder(const std::string& value) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(value, ignored))
+        return {};
+    return "'" + value + "' is not allowed; allowed is a folder that exists";
 }
 
 std::string OneLine(std::string text) {
@@ -63,14 +84,15 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         ->type_name("sim|pty|PATH");
     app.add_option("--card", command_line.card,
                    "Folder that acts as the SD card; without it one with an update image is made")
-        ->check(CLI::ExistingDirectory)
+        ->check(CheckFolder)
         ->type_name("DIR");
     CLI::Option* const speed_option =
         app.add_option("--speed", speed, "Run N times as fast as the clock, 0.1 to 1000")
-            ->check(CLI::Range(kSlowest, kFastest))
+            ->check(Within(kSlowest, kFastest, "a number from 0.1 to 1000"))
             ->type_name("N");
     app.add_option("--seed", command_line.seed,
                    "Number that the simulation's chances come from (default 1)")
+        ->check(Within<std::int64_t>(0, UINT32_MAX, "a whole number from 0 to 4294967295"))
         ->type_name("N");
     app.add_option("--screens", command_line.screens,
                    "Folder for the pictures of --auto (default out/screens)")
@@ -83,9 +105,13 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         std::fputs(app.help().c_str(), stdout);
         exit_status = 0;
         return std::nullopt;
-    } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "tolvane: %s (tolvane --help lists what is allowed)\n",
+    } catch (const CLI::ExtrasError& error) {
+        std::fprintf(stderr, "tolvane: %s; allowed are the options that tolvane --help lists\n",
                      OneLine(error.what()).c_str());
+        exit_status = kWrongUsage;
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        std::fprintf(stderr, "tolvane: %s\n", OneLine(error.what()).c_str());
         exit_status = kWrongUsage;
         return std::nullopt;
     }

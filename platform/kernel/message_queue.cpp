@@ -1,7 +1,6 @@
 #include <msgqueue.h>
 
 #include <algorithm>
-#include <cstring>
 #include <deque>
 #include <vector>
 
@@ -131,7 +130,7 @@ BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD 
     Wake(lock);
     *read = static_cast<DWORD>(std::min<std::size_t>(size, message.bytes.size()));
     *flags = message.flags;
-    std::memcpy(buffer, message.bytes.data(), *read);
+    std::copy_n(message.bytes.begin(), *read, static_cast<std::byte*>(buffer));
     if (*read < message.bytes.size()) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return FALSE;

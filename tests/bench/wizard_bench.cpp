@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <numeric>
 
+#include <pm.h>
+
 #include "platform/device/serial_port.h"
 #include "platform/gdi/device_context.h"
 #include "platform/kernel/scheduler.h"

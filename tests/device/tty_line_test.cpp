@@ -205,14 +205,15 @@ TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
 
 TEST_F(Tty, DeviceThatGoesAwayIsReportedOnceAndNothingHangs) {
     platform.Run([&] {
-        const HANDLE port = Open({0, 50, 50, 10, 100});
+        const HANDLE port = Open(kPatient);
         EXPECT_EQ(write(far_end, "last", 4), 4);
-        Sleep(100);
-        HangUp();
         char buffer[8] = {};
         DWORD count = 0;
         EXPECT_TRUE(ReadFile(port, buffer, 4, &count, nullptr));
         EXPECT_EQ(std::string(buffer, count), "last");
+        COMMTIMEOUTS short_ones{0, 50, 50, 10, 100};
+        SetCommTimeouts(port, &short_ones);
+        HangUp();
         while (Problems().empty())
             Sleep(10);
         EXPECT_TRUE(ReadFile(port, buffer, 1, &count, nullptr));

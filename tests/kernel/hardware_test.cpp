@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <mutex>
 #include <string>
+#include <thread>
 
 #include "platform/kernel/scheduler.h"
+#include "tests/support/crew.h"
 #include "tests/support/platform_fixture.h"
 #include "tests/support/run_modes.h"
 
@@ -52,10 +53,8 @@ TEST_P(Hardware, ThreadsOrderActionsThatTheHardwaresThreadRuns) {
             ++ran;
         };
         kernel::After(milliseconds(5), count);
-        const kernel::EventId cancelled = kernel::After(std::chrono::seconds(5), [&] { ran += 10; });
-        Sleep(50);
-        kernel::Cancel(cancelled);
-        Sleep(6000);
+        kernel::Cancel(kernel::After(std::chrono::seconds(10), [&] { ran += 10; }));
+        Sleep(10'100);
     });
     EXPECT_EQ(ran, 1);
 }
@@ -79,19 +78,24 @@ TEST_P(Hardware, CallWithoutWaitingStartsNoOtherAction) {
 }
 
 TEST_P(Hardware, MayWaitForThreadsAndForTime) {
-    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    const auto thread = kernel::StartThread([event] {
+    const HANDLE question = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE answer = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    tests::Crew crew;
+    crew.Start([=] {
+        WaitForSingleObject(question, INFINITE);
         Sleep(30);
-        SetEvent(event);
-        return DWORD{0};
+        SetEvent(answer);
     });
-    const kernel::Time start = kernel::Now();
-    EXPECT_EQ(WaitForSingleObject(event, 10), WAIT_TIMEOUT);
+    kernel::Time start = kernel::Now();
+    EXPECT_EQ(WaitForSingleObject(answer, 10), WAIT_TIMEOUT);
     EXPECT_GE(kernel::Now(), start + milliseconds(10));
-    EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
+    start = kernel::Now();
+    SetEvent(question);
+    EXPECT_EQ(WaitForSingleObject(answer, INFINITE), WAIT_OBJECT_0);
     EXPECT_GE(kernel::Now(), start + milliseconds(30));
-    platform.RunFor(milliseconds(1));
-    CloseHandle(event);
+    crew.Join();
+    CloseHandle(question);
+    CloseHandle(answer);
 }
 
 INSTANTIATE_IN_EVERY_MODE(Hardware);

@@ -131,7 +131,8 @@ TEST_P(MessageQueues, EndThatIsAloneIsToldUnlessItMayBe) {
                     CloseMsgQueue(queue.writer);
                 });
                 EXPECT_EQ(queue.Read(text, INFINITE), 0U);
-                EXPECT_EQ(queue.Read(text, 100), told ? ERROR_PIPE_NOT_CONNECTED : ERROR_TIMEOUT);
+                EXPECT_EQ(queue.Read(text, told ? INFINITE : 100),
+                          told ? ERROR_PIPE_NOT_CONNECTED : ERROR_TIMEOUT);
             }
             Queue queue(3, flags);
             CloseMsgQueue(queue.reader);

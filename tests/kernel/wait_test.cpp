@@ -103,6 +103,9 @@ TEST_P(Wait, MutexIsRecursiveAndOwned) {
             SetLastError(0);
             EXPECT_FALSE(ReleaseMutex(mutex));
             EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
+        });
+        crew.Join();
+        crew.Start([&] {
             EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
             other_has_it = true;
             EXPECT_TRUE(ReleaseMutex(mutex));
@@ -126,9 +129,10 @@ TEST_P(Wait, MutexOfAThreadThatEndedIsAbandonedOnce) {
         crew.Start([&] {
             WaitForSingleObject(mutex, INFINITE);
             WaitForSingleObject(mutex, INFINITE);
+            SetEvent(event);
             Sleep(20);
         });
-        Sleep(5);
+        WaitForSingleObject(event, INFINITE);
         const HANDLE both[] = {event, mutex};
         EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, INFINITE), WAIT_ABANDONED_0 + 1);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
@@ -181,24 +185,26 @@ TEST_P(Wait, CriticalSectionExcludesAndRecurses) {
 
 TEST_P(Wait, ThreadIsSignalledOnceItHasEnded) {
     platform.Run([] {
-        const auto body = [](LPVOID value) -> DWORD {
-            Sleep(20);
-            return *static_cast<DWORD*>(value);
+        const auto body = [](LPVOID gate) -> DWORD {
+            WaitForSingleObject(gate, INFINITE);
+            return 42;
         };
-        DWORD value = 42;
+        const HANDLE gate = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         DWORD id = 0;
-        const HANDLE thread = CreateThread(nullptr, 0, body, &value, 0, &id);
+        const HANDLE thread = CreateThread(nullptr, 0, body, gate, 0, &id);
         ASSERT_NE(thread, nullptr);
         EXPECT_NE(id, GetCurrentThreadId());
         EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_TIMEOUT);
         DWORD code = 0;
         EXPECT_TRUE(GetExitCodeThread(thread, &code));
         EXPECT_EQ(code, STILL_ACTIVE);
+        SetEvent(gate);
         EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
         EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
         EXPECT_TRUE(GetExitCodeThread(thread, &code));
         EXPECT_EQ(code, 42U);
         CloseHandle(thread);
+        CloseHandle(gate);
     });
 }
 

@@ -38,6 +38,16 @@ std::vector<DWORD> Heard(HANDLE queue) {
     return codes;
 }
 
+// The hardware tells of these, one after the other.
+void NotifyAll(const std::vector<DWORD>& codes) {
+    const HANDLE told = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    for (const DWORD code : codes)
+        kernel::After({}, [code] { Notify(code); });
+    kernel::After({}, [told] { SetEvent(told); });
+    WaitForSingleObject(told, INFINITE);
+    CloseHandle(told);
+}
+
 class PowerNotifications : public tests::InEveryMode {
   protected:
     Platform platform{GetParam().options};
@@ -50,15 +60,11 @@ TEST_P(PowerNotifications, ReachWhoAskedForThem) {
         const HANDLE both = RequestPowerNotifications(queues[0], 6);
         const HANDLE resumes = RequestPowerNotifications(queues[1], PBT_RESUME);
         ASSERT_TRUE(both && resumes);
-        for (const DWORD code : {PBT_POWERSTATUSCHANGE, PBT_RESUME, PBT_TRANSITION})
-            kernel::After({}, [code] { Notify(code); });
-        Sleep(10);
+        NotifyAll({PBT_POWERSTATUSCHANGE, PBT_RESUME, PBT_TRANSITION});
         EXPECT_EQ(Heard(queues[0]), (Codes{PBT_POWERSTATUSCHANGE, PBT_RESUME}));
         EXPECT_EQ(Heard(queues[1]), Codes{PBT_RESUME});
 
-        for (int count = 0; count < 5; ++count)
-            kernel::After({}, [] { Notify(PBT_POWERSTATUSCHANGE); });
-        Sleep(10);
+        NotifyAll(Codes(5, PBT_POWERSTATUSCHANGE));
         EXPECT_EQ(Heard(queues[0]).size(), 3U) << "a full queue loses the rest";
 
         EXPECT_EQ(StopPowerNotifications(both), ERROR_SUCCESS);

@@ -1,0 +1,230 @@
+#include <gtest/gtest.h>
+
+#include "tests/gdi/canvas.h"
+
+using namespace tests;
+
+namespace {
+
+constexpr COLORREF kWhite = RGB(255, 255, 255);
+
+class Text : public testing::Test {
+  protected:
+    Platform platform;
+    Canvas canvas{800, 480};
+
+    RECT InkOf(const std::wstring& text, const RECT& rectangle, UINT format) {
+        canvas.FillWith(RGB(0, 0, 0));
+        Draw(canvas.dc, text, rectangle, format);
+        return canvas.InkBox();
+    }
+};
+
+TEST_F(Text, AFullWidthCharacterIsTwiceTheWidthAndOnePixelMoreWhenBold) {
+    struct Case {
+        FontSize size;
+        int full_width;
+    };
+    constexpr Case kCases[] = {
+        {{9, 26, 500}, 18},  {{9, 26, 599}, 18},  {{9, 26, 600}, 19},  {{10, 24, 500}, 20},
+        {{10, 36, 600}, 21}, {{12, 40, 500}, 24}, {{13, 40, 600}, 27}, {{15, 44, 600}, 31},
+        {{16, 36, 600}, 33}, {{22, 44, 600}, 45}, {{22, 44, 0}, 44},
+    };
+    for (const Case& row : kCases) {
+        const FontOn font(canvas.dc, row.size);
+        for (const wchar_t* text :
+             {L"漢", L"ファームウェア", L"電源を切らないで下さい。", L"「」、。ー"})
+            EXPECT_EQ(WidthOf(canvas.dc, text), row.full_width * int(std::wcslen(text)))
+                << row.size.width << " " << row.size.weight;
+    }
+}
+
+TEST_F(Text, LatinIsAboutTheWidthACharacter) {
+    const std::wstring letters = L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    for (const FontSize& size : {FontSize{9, 26, 500}, FontSize{15, 48, 600}}) {
+        const FontOn font(canvas.dc, size);
+        EXPECT_NEAR(double(WidthOf(canvas.dc, letters)) / double(letters.size()), size.width,
+                    size.width * 0.1);
+        TEXTMETRICW metrics{};
+        ASSERT_TRUE(GetTextMetricsW(canvas.dc, &metrics));
+        EXPECT_EQ(metrics.tmAveCharWidth, size.width);
+        EXPECT_EQ(metrics.tmHeight, size.height);
+        EXPECT_EQ(metrics.tmAscent + metrics.tmDescent, size.height);
+    }
+}
+
+TEST_F(Text, WithoutAWidthProportionsAreNatural) {
+    const FontOn font(canvas.dc, {0, 40, 500});
+    const RECT ink = InkOf(L"国", {0, 0, 100, 40}, DT_SINGLELINE);
+    EXPECT_NEAR(ink.right - ink.left, ink.bottom - ink.top, 3);
+}
+
+TEST_F(Text, ANegativeHeightIsThatOfTheCharacters) {
+    const FontOn font(canvas.dc, {0, -40, 500});
+    TEXTMETRICW metrics{};
+    ASSERT_TRUE(GetTextMetricsW(canvas.dc, &metrics));
+    EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 40);
+    EXPECT_GT(metrics.tmHeight, 40);
+}
+
+TEST_F(Text, LinesAreACellHeightApart) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    const RECT first = InkOf(L"国", {0, 0, 100, 100}, 0);
+    const RECT third = InkOf(L"\n\r\n国", {0, 0, 100, 100}, 0);
+    EXPECT_EQ(third.top - first.top, 2 * 26);
+    EXPECT_EQ(Draw(canvas.dc, L"国\n国\n国", {0, 0, 100, 100}, 0), 3 * 26);
+    EXPECT_EQ(Draw(canvas.dc, L"国\n国\n国", {0, 0, 500, 100}, DT_SINGLELINE), 26);
+}
+
+TEST_F(Text, EqualCharactersLookEqual) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    Draw(canvas.dc, L"カカカカカカカカカカ", {0, 0, 800, 26}, DT_SINGLELINE);
+    for (int repeat = 1; repeat < 10; ++repeat)
+        for (int y = 0; y < 26; ++y)
+            for (int x = 0; x < 18; ++x)
+                ASSERT_EQ(canvas.At(repeat * 18 + x, y), canvas.At(x, y));
+}
+
+TEST_F(Text, BoldIsBolder) {
+    const auto ink = [&](const std::wstring& text, int weight) {
+        const FontOn font(canvas.dc, {16, 36, weight});
+        InkOf(text, {0, 0, 800, 36}, 0);
+        std::uint64_t sum = 0;
+        for (const std::uint32_t pixel : canvas.surface->pixels())
+            sum += pixel & 0xFF;
+        return double(sum);
+    };
+    for (const wchar_t* text : {L"挿入口", L"Update"})
+        EXPECT_GT(ink(text, 600), ink(text, 500) * 1.15);
+}
+
+TEST_F(Text, PlacesTheTextAsTheFormatSays) {
+    const FontOn font(canvas.dc, {10, 30, 500});
+    constexpr RECT kBox{100, 100, 300, 200};
+    const RECT at_origin = InkOf(L"国", {0, 0, 20, 30}, 0);
+    struct Case {
+        UINT format;
+        int x;
+        int y;
+    };
+    constexpr Case kCases[] = {
+        {DT_LEFT | DT_TOP, 100, 100},
+        {DT_CENTER, 190, 100},
+        {DT_RIGHT, 280, 100},
+        {DT_VCENTER, 100, 135},
+        {DT_VCENTER | DT_WORDBREAK, 100, 135},
+        {DT_VCENTER | DT_SINGLELINE | DT_CENTER, 190, 135},
+        {DT_BOTTOM | DT_SINGLELINE, 100, 170},
+    };
+    for (const Case& row : kCases) {
+        const RECT ink = InkOf(L"国", kBox, row.format);
+        EXPECT_EQ(ink.left - at_origin.left, row.x) << row.format;
+        EXPECT_EQ(ink.top - at_origin.top, row.y) << row.format;
+    }
+}
+
+TEST_F(Text, CentresSeveralLinesAsOneBlock) {
+    const FontOn font(canvas.dc, {10, 30, 500});
+    const RECT at_origin = InkOf(L"国", {0, 0, 20, 30}, 0);
+    const RECT ink = InkOf(L"国国国", {0, 0, 40, 101}, DT_VCENTER | DT_WORDBREAK);
+    EXPECT_EQ(ink.top - at_origin.top, (101 - 60) / 2);
+    EXPECT_EQ(ink.bottom - at_origin.bottom, (101 - 60) / 2 + 30);
+}
+
+TEST_F(Text, LeadingBlanksCount) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    const RECT plain = InkOf(L"国", {0, 0, 400, 26}, DT_WORDBREAK);
+    const RECT indented = InkOf(L"      国", {0, 0, 400, 26}, DT_WORDBREAK);
+    EXPECT_EQ(indented.left - plain.left, WidthOf(canvas.dc, L"      "));
+    EXPECT_GT(indented.left, plain.left + 10);
+}
+
+TEST_F(Text, CalculatesWithoutDrawing) {
+    const FontOn font(canvas.dc, {10, 30, 500});
+    RECT rectangle{50, 60, 100, 61};
+    EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", -1, &rectangle, DT_CALCRECT | DT_WORDBREAK), 60);
+    EXPECT_EQ(rectangle.right, 90);
+    EXPECT_EQ(rectangle.bottom, 120);
+    EXPECT_EQ(canvas.drawn, 0);
+    EXPECT_EQ(canvas.InkBox().right, 0);
+}
+
+TEST_F(Text, ClipsToTheRectangleUnlessToldOtherwise) {
+    const FontOn font(canvas.dc, {20, 60, 500});
+    constexpr RECT kNarrow{100, 100, 130, 120};
+    const RECT clipped = InkOf(L"国国", kNarrow, DT_SINGLELINE);
+    EXPECT_LE(clipped.right, 130);
+    EXPECT_LE(clipped.bottom, 120);
+    const RECT whole = InkOf(L"国国", kNarrow, DT_SINGLELINE | DT_NOCLIP);
+    EXPECT_GT(whole.right, 160);
+    EXPECT_GT(whole.bottom, 140);
+}
+
+TEST_F(Text, CoveredPixelsHaveExactlyTheColour) {
+    const FontOn font(canvas.dc, {22, 44, 600}, RGB(184, 131, 12));
+    Draw(canvas.dc, L"■国", {0, 0, 200, 44}, 0);
+    const auto pixels = canvas.surface->pixels();
+    EXPECT_GT(std::count(pixels.begin(), pixels.end(), 0xB8830Cu), 400);
+}
+
+TEST_F(Text, TakesPrefixMarksOutUnlessToldOtherwise) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    Draw(canvas.dc, L"a&b && c", {0, 0, 400, 26}, 0);
+    Draw(canvas.dc, L"a&b && c", {0, 30, 400, 56}, DT_NOPREFIX);
+    EXPECT_EQ(canvas.Texts(), (std::vector<std::wstring>{L"ab & c", L"a&b && c"}));
+}
+
+TEST_F(Text, DrawsAsManyCharactersAsItIsTold) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    RECT rectangle{0, 0, 400, 26};
+    EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", 2, &rectangle, 0), 26);
+    EXPECT_EQ(canvas.Texts(), std::vector<std::wstring>{L"国国"});
+    EXPECT_LE(canvas.InkBox().right, 36);
+    EXPECT_EQ(DrawTextW(canvas.dc, L"", -1, &rectangle, 0), 0);
+    EXPECT_EQ(DrawTextW(canvas.dc, nullptr, 0, &rectangle, 0), 0);
+}
+
+TEST_F(Text, AnOpaqueBackgroundFillsTheCells) {
+    const FontOn font(canvas.dc, {10, 30, 500}, kWhite);
+    SetBkMode(canvas.dc, OPAQUE);
+    SetBkColor(canvas.dc, RGB(0, 0, 255));
+    Draw(canvas.dc, L"国", {100, 100, 200, 200}, 0);
+    EXPECT_EQ(canvas.At(100, 100), 0x0000FFu);
+    EXPECT_EQ(canvas.At(119, 129), 0x0000FFu);
+    EXPECT_EQ(canvas.At(120, 129), 0u);
+    EXPECT_EQ(canvas.At(119, 130), 0u);
+}
+
+TEST_F(Text, RefusesWhatItCannotDraw) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    RECT rectangle{0, 0, 100, 26};
+    SetLastError(0);
+    EXPECT_EQ(DrawTextW(canvas.dc, L"a", -1, &rectangle, DT_EXPANDTABS), 0);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    EXPECT_EQ(DrawTextW(canvas.dc, L"a", -1, nullptr, 0), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(DrawTextW(canvas.dc, L"a", -2, &rectangle, 0), 0);
+    EXPECT_EQ(DrawTextW(canvas.dc, nullptr, 3, &rectangle, 0), 0);
+    RECT endless{0, 0, 0x7FFFFFFF, 26};
+    EXPECT_EQ(DrawTextW(canvas.dc, L"a", -1, &endless, DT_RIGHT), 0);
+
+    LOGFONTW description = Describe(L"Arial", {9, 26, 500});
+    description.lfItalic = 1;
+    EXPECT_EQ(CreateFontIndirectW(&description), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    description = Describe(L"Arial", {9, 100000, 500});
+    EXPECT_EQ(CreateFontIndirectW(&description), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(canvas.drawn, 0);
+}
+
+TEST_F(Text, ManyDifferentTextsStayRight) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    const int width = WidthOf(canvas.dc, L"Update Percent : 7%");
+    for (int round = 0; round < 2; ++round)
+        for (int i = 0; i < 500; ++i)
+            Draw(canvas.dc, L"国" + std::to_wstring(i), {0, 0, 400, 26}, 0);
+    EXPECT_EQ(WidthOf(canvas.dc, L"Update Percent : 7%"), width);
+}
+
+}  // namespace
