@@ -61,8 +61,8 @@ BOOL Send(const Request& request, const char* function, Record record,
     DWORD output = 0;
     DWORD returned = 0;
     const BOOL done = DeviceIoControl(g_hScalerDevice, request.code, &record, sizeof record,
-                                      request.output_bytes == 0 ? NULL : &output,
-                                      request.output_bytes, &returned, NULL);
+                                      request.output_bytes == 0 ? nullptr : &output,
+                                      request.output_bytes, &returned, nullptr);
     if (!done)
         LogFailure(request.failure, function, GetLastError(), source);
     return done;

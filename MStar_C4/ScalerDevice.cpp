@@ -3,8 +3,8 @@
 #include "MStar_C4/MStar_C4_Scaler.h"
 #include "app/log/DebugLog.h"
 
-HANDLE g_hScalerDevice = NULL;
-HANDLE g_hAtscNotifyEvent = NULL;
+HANDLE g_hScalerDevice = nullptr;
+HANDLE g_hAtscNotifyEvent = nullptr;
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr int kMoreAttempts = 121;
 void CloseDevice() {
     if (IsUsable(g_hScalerDevice))
         CloseHandle(g_hScalerDevice);
-    g_hScalerDevice = NULL;
+    g_hScalerDevice = nullptr;
 }
 
 // The last error of the attempt, which a success may leave as it was.
@@ -25,7 +25,7 @@ DWORD OpenDevice() {
     SetLastError(ERROR_SUCCESS);
     g_hScalerDevice =
         CreateFileW(L"SCA0:", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                    NULL, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, NULL);
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     return GetLastError();
 }
 
@@ -59,8 +59,8 @@ bool FindDevice(const char* function) {
 }
 
 bool HoldEvent(const char* function) {
-    g_hAtscNotifyEvent = CreateEventW(NULL, FALSE, FALSE, L"AtscNotify");
-    if (g_hAtscNotifyEvent != NULL)
+    g_hAtscNotifyEvent = CreateEventW(nullptr, FALSE, FALSE, L"AtscNotify");
+    if (g_hAtscNotifyEvent != nullptr)
         return true;
     LogFailure(L"%s\t%S, CreateEvent() fail!!!, ErroCode(%d), %S(%d)\r\n", function,
                GetLastError());
@@ -81,9 +81,9 @@ BOOL Mstar_C4_Scaler_Init() {
 
 void Mstar_C4_Scaler_DeInit() {
     LogEntry(__func__);
-    if (g_hAtscNotifyEvent != NULL) {
+    if (g_hAtscNotifyEvent != nullptr) {
         CloseHandle(g_hAtscNotifyEvent);
-        g_hAtscNotifyEvent = NULL;
+        g_hAtscNotifyEvent = nullptr;
     }
     CloseDevice();
     Mstar_C4_Scaler_FreeMemory();

@@ -7,5 +7,5 @@ extern HANDLE g_hScalerDevice;
 extern HANDLE g_hAtscNotifyEvent;
 
 inline bool IsUsable(HANDLE device) {
-    return device != NULL && device != INVALID_HANDLE_VALUE;
+    return device != nullptr && device != INVALID_HANDLE_VALUE;
 }

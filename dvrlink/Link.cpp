@@ -7,15 +7,15 @@
 
 namespace {
 
-HANDLE g_hReceiveThread = NULL;  // the window's thread alone
+HANDLE g_hReceiveThread = nullptr;  // the window's thread alone
 
 void StartReceiving(const char* function) {
-    if (g_hReceiveThread != NULL)
+    if (g_hReceiveThread != nullptr)
         return;
     // Set before the thread exists: a stop that comes before its first instruction must win.
     g_bReceiveRunning = TRUE;
-    const HANDLE thread = CreateThread(NULL, 0, ThreadProc_COM_Rx, NULL, 0, NULL);
-    if (thread == NULL || thread == INVALID_HANDLE_VALUE) {
+    const HANDLE thread = CreateThread(nullptr, 0, ThreadProc_COM_Rx, nullptr, 0, nullptr);
+    if (thread == nullptr || thread == INVALID_HANDLE_VALUE) {
         LogFailure(L"%s\t%S, CreateThread() fail!!!, ErrorCode(%d), %S(%d)\r\n", function,
                    GetLastError());
         g_bReceiveRunning = FALSE;
@@ -47,11 +47,11 @@ BOOL UART_Init() {
 
 BOOL UART_DeInit() {
     g_bReceiveRunning = FALSE;
-    if (g_hReceiveThread != NULL) {
+    if (g_hReceiveThread != nullptr) {
         // Port and locks must outlive the thread.
         WaitForThreadEnd(g_hReceiveThread);
         CloseHandle(g_hReceiveThread);
-        g_hReceiveThread = NULL;
+        g_hReceiveThread = nullptr;
     }
     Sleep(10);
     if (!COM_DeInit())

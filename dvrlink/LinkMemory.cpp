@@ -4,7 +4,7 @@
 #include "app/log/DebugLog.h"
 #include "dvrlink/LinkState.h"
 
-std::atomic<HANDLE> g_hComPort{NULL};
+std::atomic<HANDLE> g_hComPort{nullptr};
 std::atomic<BOOL> g_bReceiveRunning{FALSE};
 BYTE g_bySendBuffer[kMaxFrameBytes] = {};
 DWORD g_dwSendLength = 0;

@@ -9,12 +9,12 @@
 // What the parts of the link share. Locks and port come and go on the window's thread, while there
 // is no receive thread.
 
-extern std::atomic<HANDLE> g_hComPort;       // NULL while closed
+extern std::atomic<HANDLE> g_hComPort;       // nullptr while closed
 extern std::atomic<BOOL> g_bReceiveRunning;  // the receive thread reads it, the window's writes
 extern BYTE g_bySendBuffer[kMaxFrameBytes];  // guarded by the send lock
 extern DWORD g_dwSendLength;                 // guarded by the send lock
-extern std::atomic<CRITICAL_SECTION*> g_pSendLock;      // NULL until Memory_Init
-extern std::atomic<CRITICAL_SECTION*> g_pCheckSumLock;  // NULL until Memory_Init
+extern std::atomic<CRITICAL_SECTION*> g_pSendLock;      // nullptr until Memory_Init
+extern std::atomic<CRITICAL_SECTION*> g_pCheckSumLock;  // nullptr until Memory_Init
 
 // Creates the locks that do not exist yet; FALSE when one of them could not be.
 BOOL Memory_Init();

@@ -16,7 +16,7 @@ constexpr WORD kOpeningQueries[] = {
 void ReceiveByte() {
     BYTE byte = 0;
     DWORD received = 0;
-    if (ReadFile(g_hComPort, &byte, 1, &received, NULL) && received > 0)
+    if (ReadFile(g_hComPort, &byte, 1, &received, nullptr) && received > 0)
         UART_ParseData(&byte, 1);
     else
         Sleep(1);

@@ -70,7 +70,7 @@ void FW_Upgrade_Version_ACK(DvrFrame frame) {
     CMainFrame* const main_frame = g_pMainFrame;
     if (main_frame != nullptr) {
         main_frame->SetDvrVersion(version.data() + kShownVersionOffset);
-        InvalidateRect(main_frame->m_hWnd, NULL, TRUE);
+        InvalidateRect(main_frame->m_hWnd, nullptr, TRUE);
     }
     NKDbgPrintfW(L"%s\t%S, DVR Firmware : [%S]\r\n", kLogPrefix, __func__, version.data());
 }
@@ -83,7 +83,7 @@ void FW_Upgrade_Version_IND(DvrFrame frame) {
     CMainFrame* const main_frame = g_pMainFrame;
     if (main_frame != nullptr) {
         main_frame->m_byUpdatePercent = percent;
-        InvalidateRect(main_frame->m_hWnd, NULL, TRUE);
+        InvalidateRect(main_frame->m_hWnd, nullptr, TRUE);
     }
     if (frame.length < 2)
         return;

@@ -16,11 +16,11 @@ class OpenPort {
             CloseHandle(m_handle);
     }
 
-    bool IsOpen() const { return m_handle != NULL && m_handle != INVALID_HANDLE_VALUE; }
+    bool IsOpen() const { return m_handle != nullptr && m_handle != INVALID_HANDLE_VALUE; }
     HANDLE Get() const { return m_handle; }
     HANDLE Release() {
         const HANDLE handle = m_handle;
-        m_handle = NULL;
+        m_handle = nullptr;
         return handle;
     }
 
@@ -66,7 +66,7 @@ bool SetTimeouts(HANDLE port, const char* function) {
 
 bool OpenLinkPort(const char* function) {
     OpenPort port(
-        CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, NULL, OPEN_EXISTING, 0, NULL));
+        CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!port.IsOpen()) {
         LogFailure(L"%s\t%S, CreateFile() fail!!!, ErrorCode(%d), %S(%d)\r\n", function,
                    GetLastError());
@@ -82,7 +82,7 @@ bool OpenLinkPort(const char* function) {
 }  // namespace
 
 BOOL COM_Init() {
-    if (g_hComPort != NULL)
+    if (g_hComPort != nullptr)
         return TRUE;
     LogEntry(__func__);
     const BOOL opened = OpenLinkPort(__func__);
@@ -92,10 +92,10 @@ BOOL COM_Init() {
 
 BOOL COM_DeInit() {
     const HANDLE port = g_hComPort;
-    if (port == NULL)
+    if (port == nullptr)
         return TRUE;
     g_bReceiveRunning = FALSE;
     Sleep(10);
-    g_hComPort = NULL;
+    g_hComPort = nullptr;
     return CloseHandle(port);
 }

@@ -55,7 +55,7 @@ void UART_SendCommand(WORD command, const BYTE* payload, WORD length) {
     const LockScope hold(lock);
     UART_BuildFrame(command, payload, length);
     DWORD written = 0;
-    if (!WriteFile(g_hComPort, g_bySendBuffer, g_dwSendLength, &written, NULL))
+    if (!WriteFile(g_hComPort, g_bySendBuffer, g_dwSendLength, &written, nullptr))
         LogFailure(L"%s\t%S, WriteFile() fail!!!, ErrorCode(%d), %S(%d)\r\n", "UART_SendCommand",
                    GetLastError());
 }

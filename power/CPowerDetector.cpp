@@ -27,8 +27,8 @@ constexpr char kInit[] = "CPowerDetector::Init";
 constexpr char kDeInit[] = "CPowerDetector::DeInit";
 
 HANDLE CreateAutoResetEvent(const wchar_t* name) {
-    const HANDLE event = CreateEventW(NULL, FALSE, FALSE, name);
-    if (event == NULL)
+    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, name);
+    if (event == nullptr)
         LogFailure(L"%s\t%S, CreateEvent() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
                    GetLastError());
     return event;
@@ -37,8 +37,8 @@ HANDLE CreateAutoResetEvent(const wchar_t* name) {
 HANDLE StartThread(LPTHREAD_START_ROUTINE entry, CPowerDetector* detector,
                    std::atomic<BOOL>& running) {
     running = TRUE;
-    const HANDLE thread = CreateThread(NULL, 0, entry, detector, 0, NULL);
-    if (thread == NULL) {
+    const HANDLE thread = CreateThread(nullptr, 0, entry, detector, 0, nullptr);
+    if (thread == nullptr) {
         LogFailure(L"%s\t%S, CreateThread() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
                    GetLastError());
         running = FALSE;
@@ -48,18 +48,18 @@ HANDLE StartThread(LPTHREAD_START_ROUTINE entry, CPowerDetector* detector,
 
 void RequestStop(std::atomic<BOOL>& running, HANDLE stop_event) {
     running = FALSE;
-    if (stop_event != NULL)
+    if (stop_event != nullptr)
         SetEvent(stop_event);
 }
 
 void Close(HANDLE& handle) {
-    if (handle != NULL)
+    if (handle != nullptr)
         CloseHandle(handle);
-    handle = NULL;
+    handle = nullptr;
 }
 
 void JoinThread(HANDLE& thread) {
-    if (thread != NULL)
+    if (thread != nullptr)
         WaitForThreadEnd(thread);
     Close(thread);
 }
@@ -86,14 +86,14 @@ void CPowerDetector::OpenRequests() {
     for (const RequestRow& row : kRequests) {
         HANDLE& event = this->*row.event;
         event = OpenEventW(EVENT_ALL_ACCESS, FALSE, row.event_name);
-        if (event == NULL)
+        if (event == nullptr)
             event = CreateAutoResetEvent(row.event_name);
     }
 }
 
 bool CPowerDetector::StartCommonCtrl() {
-    m_hCommonCtrlStopEvent = CreateAutoResetEvent(NULL);
-    if (m_hCommonCtrlStopEvent == NULL)
+    m_hCommonCtrlStopEvent = CreateAutoResetEvent(nullptr);
+    if (m_hCommonCtrlStopEvent == nullptr)
         return false;
     m_hCommonCtrlThread =
         StartThread(ThreadProc_PowerCommonCtrl_static, this, m_bCommonCtrlRunning);
@@ -108,14 +108,14 @@ bool CPowerDetector::RequestNotifications() {
     options.cbMaxMessage = kNotificationBytes;
     options.bReadAccess = TRUE;
     m_hPowerMsgQueue = CreateMsgQueue(L"_KESTA_Technology_Inc_Lumarin_PowerNotify", &options);
-    if (m_hPowerMsgQueue == NULL) {
+    if (m_hPowerMsgQueue == nullptr) {
         LogFailure(L"%s\t%S, CreateMsgQueue() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
                    GetLastError());
         return false;
     }
     m_hPowerNotifications =
         RequestPowerNotifications(m_hPowerMsgQueue, PBT_RESUME | PBT_POWERSTATUSCHANGE);
-    if (m_hPowerNotifications == NULL) {
+    if (m_hPowerNotifications == nullptr) {
         LogFailure(L"%s\t%S, RequestPowerNotifications() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
                    GetLastError());
         return false;
@@ -126,8 +126,8 @@ bool CPowerDetector::RequestNotifications() {
 bool CPowerDetector::StartDetector() {
     m_uMsgPowerStatus =
         RegisterWindowMessageW(L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_");
-    m_hDetectorStopEvent = CreateAutoResetEvent(NULL);
-    if (m_hDetectorStopEvent == NULL)
+    m_hDetectorStopEvent = CreateAutoResetEvent(nullptr);
+    if (m_hDetectorStopEvent == nullptr)
         return false;
     m_hDetectorThread = StartThread(ThreadProc_PowerDetector_static, this, m_bDetectorRunning);
     return true;
@@ -140,17 +140,17 @@ void CPowerDetector::DeInit() {
     // What the threads wait on must outlive them.
     JoinThread(m_hDetectorThread);
     JoinThread(m_hCommonCtrlThread);
-    if (m_hPowerNotifications != NULL) {
+    if (m_hPowerNotifications != nullptr) {
         if (StopPowerNotifications(m_hPowerNotifications) != ERROR_SUCCESS)
             LogFailure(L"%s\t%S, StopPowerNotifications() fail!!!, ErrorCode(%d), %S(%d)\r\n",
                        kDeInit, GetLastError());
-        m_hPowerNotifications = NULL;
+        m_hPowerNotifications = nullptr;
     }
-    if (m_hPowerMsgQueue != NULL) {
+    if (m_hPowerMsgQueue != nullptr) {
         if (!CloseMsgQueue(m_hPowerMsgQueue))
             LogFailure(L"%s\t%S, CloseMsgQueue() fail!!!, ErrorCode(%d), %S(%d)\r\n", kDeInit,
                        GetLastError());
-        m_hPowerMsgQueue = NULL;
+        m_hPowerMsgQueue = nullptr;
     }
     Close(m_hDetectorStopEvent);
     Close(m_hCommonCtrlStopEvent);

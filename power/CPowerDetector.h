@@ -49,20 +49,20 @@ class CPowerDetector {
     void BroadcastPowerStatus();
 
     // A running flag is set before its thread exists, so that a stop always comes after it.
-    HANDLE m_hDetectorStopEvent = NULL;
+    HANDLE m_hDetectorStopEvent = nullptr;
     std::atomic<BOOL> m_bDetectorRunning{FALSE};
-    HANDLE m_hPowerMsgQueue = NULL;
-    HANDLE m_hPowerNotifications = NULL;
+    HANDLE m_hPowerMsgQueue = nullptr;
+    HANDLE m_hPowerNotifications = nullptr;
     UINT m_uMsgPowerStatus = 0;
-    HANDLE m_hCommonCtrlStopEvent = NULL;
+    HANDLE m_hCommonCtrlStopEvent = nullptr;
     std::atomic<BOOL> m_bCommonCtrlRunning{FALSE};
-    HANDLE m_hPowerSuspendRequest = NULL;
-    HANDLE m_hPowerResumeRequest = NULL;
-    HANDLE m_hPowerOffRequest = NULL;
+    HANDLE m_hPowerSuspendRequest = nullptr;
+    HANDLE m_hPowerResumeRequest = nullptr;
+    HANDLE m_hPowerOffRequest = nullptr;
     UINT m_uMsgSuspendAck = 0;
     UINT m_uMsgResumeAck = 0;
     UINT m_uMsgOffAck = 0;
     SYSTEM_POWER_STATUS_EX2 m_PowerStatus{};  // the detector thread alone
-    HANDLE m_hDetectorThread = NULL;
-    HANDLE m_hCommonCtrlThread = NULL;
+    HANDLE m_hDetectorThread = nullptr;
+    HANDLE m_hCommonCtrlThread = nullptr;
 };

@@ -19,7 +19,7 @@ constexpr DWORD kReadMilliseconds = 1000;
 
 CPowerDetector* DetectorFrom(LPVOID pThis, const char* function,
                              LogSource source = std::source_location::current()) {
-    if (pThis == NULL)
+    if (pThis == nullptr)
         LogFailure(
             L"%s\t%S, (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(%d), %S(%d)\r\n",
             function, GetLastError(), source);
@@ -31,13 +31,13 @@ CPowerDetector* DetectorFrom(LPVOID pThis, const char* function,
 DWORD WINAPI CPowerDetector::ThreadProc_PowerDetector_static(LPVOID pThis) {
     CPowerDetector* const detector =
         DetectorFrom(pThis, "CPowerDetector::ThreadProc_PowerDetector_static");
-    return detector == NULL ? 0 : detector->ThreadProc_PowerDetector();
+    return detector == nullptr ? 0 : detector->ThreadProc_PowerDetector();
 }
 
 DWORD WINAPI CPowerDetector::ThreadProc_PowerCommonCtrl_static(LPVOID pThis) {
     CPowerDetector* const detector =
         DetectorFrom(pThis, "CPowerDetector::ThreadProc_PowerCommonCtrl_static");
-    return detector == NULL ? 0 : detector->ThreadProc_PowerCommonCtrl();
+    return detector == nullptr ? 0 : detector->ThreadProc_PowerCommonCtrl();
 }
 
 DWORD CPowerDetector::ThreadProc_PowerDetector() {
@@ -88,7 +88,7 @@ DWORD CPowerDetector::ThreadProc_PowerCommonCtrl() {
     UINT acknowledges[std::size(kRequests)] = {};
     DWORD requests = 0;
     for (const RequestRow& row : kRequests) {
-        if (this->*row.event == NULL)
+        if (this->*row.event == nullptr)
             continue;
         waits[requests] = this->*row.event;
         acknowledges[requests] = this->*row.acknowledge;

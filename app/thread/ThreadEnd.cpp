@@ -6,7 +6,7 @@ constexpr DWORD kPollMilliseconds = 10;
 
 void LetSentMessagesIn() {
     MSG message{};
-    PeekMessageW(&message, NULL, 0, 0, PM_NOREMOVE);
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
 }
 
 }  // namespace

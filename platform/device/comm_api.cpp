@@ -25,8 +25,7 @@ BOOL OnPort(HANDLE handle, const void* argument, Request request) {
 }  // namespace
 
 BOOL GetCommState(HANDLE handle, LPDCB settings) {
-    return OnPort(handle, settings,
-                  [&](SerialPort& port) { return port.ReadSettings(*settings); });
+    return OnPort(handle, settings, [&](SerialPort& port) { return port.ReadSettings(*settings); });
 }
 
 BOOL SetCommState(HANDLE handle, LPDCB settings) {

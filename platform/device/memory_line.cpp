@@ -27,12 +27,17 @@ kernel::Time MemoryLine::Wire::End() const {
                             baud_rate_);
 }
 
-kernel::Time MemoryLine::Wire::Take(std::size_t bytes) {
+kernel::Time MemoryLine::Wire::Start(std::size_t bytes) {
     if (kernel::Now() > End()) {
         busy_since_ = kernel::Now();
         bytes_ = 0;
     }
     bytes_ += static_cast<std::int64_t>(bytes);
+    return End();
+}
+
+kernel::Time MemoryLine::Wire::Continue() {
+    ++bytes_;
     return End();
 }
 
@@ -48,25 +53,32 @@ void MemoryLine::Send(std::span<const std::uint8_t> bytes) {
     const bool idle = waiting_for_port_.empty();
     waiting_for_port_.insert(waiting_for_port_.end(), bytes.begin(), bytes.end());
     if (idle)
-        kernel::At(lock, to_port_.Take(1), [self = shared_from_this()] { self->DeliverNext(); });
+        kernel::At(lock, to_port_.Start(1), [self = shared_from_this()] { self->DeliverDue(); });
 }
 
-void MemoryLine::DeliverNext() {
+void MemoryLine::DeliverDue() {
     KernelLock lock = kernel::LockKernel();
-    const std::uint8_t byte = waiting_for_port_.front();
-    waiting_for_port_.pop_front();
+    // One byte, and those that passed while a free-running host was late.
+    std::vector<std::uint8_t> arrived;
+    kernel::Time next{};
+    do {
+        arrived.push_back(waiting_for_port_.front());
+        waiting_for_port_.pop_front();
+        if (!waiting_for_port_.empty())
+            next = to_port_.Continue();
+    } while (!waiting_for_port_.empty() && next <= kernel::Now());
     if (!waiting_for_port_.empty())
-        kernel::At(lock, to_port_.Take(1), [self = shared_from_this()] { self->DeliverNext(); });
+        kernel::At(lock, next, [self = shared_from_this()] { self->DeliverDue(); });
     if (!plugged_ || !SettingsFit() || !port_)
         return;
     const Receiver port = port_;
     lock.unlock();
-    port({&byte, 1});
+    port(arrived);
 }
 
 std::size_t MemoryLine::Transmit(std::span<const std::uint8_t> bytes) {
     KernelLock lock = kernel::LockKernel();
-    const kernel::Time arrival = to_device_.Take(bytes.size());
+    const kernel::Time arrival = to_device_.Start(bytes.size());
     if (!plugged_)
         return bytes.size();
     std::vector<std::uint8_t> sent(bytes.begin(), bytes.end());

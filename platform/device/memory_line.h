@@ -37,7 +37,9 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
       public:
         explicit Wire(DWORD baud_rate) : baud_rate_(baud_rate) {}
         // The end of `bytes` more, which start now or after those before them.
-        kernel::Time Take(std::size_t bytes);
+        kernel::Time Start(std::size_t bytes);
+        // The end of one more, right behind those before it.
+        kernel::Time Continue();
 
       private:
         kernel::Time End() const;
@@ -47,7 +49,7 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
         std::int64_t bytes_ = 0;
     };
 
-    void DeliverNext();
+    void DeliverDue();
     bool SettingsFit() const;
 
     const DWORD baud_rate_;

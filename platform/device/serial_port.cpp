@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 
 SerialPort::SerialPort(std::shared_ptr<SerialLine> line) : line_(std::move(line)) {}
 
-DWORD SerialPort::Start(std::shared_ptr<SerialPort> self) {
+DWORD SerialPort::Start(const std::shared_ptr<SerialPort>& self) {
     const std::weak_ptr<SerialPort> weak = self;
     line_->OnRoom([weak] {
         const std::shared_ptr<SerialPort> port = weak.lock();
@@ -51,8 +51,8 @@ DWORD SerialPort::Read(std::span<std::byte> buffer, DWORD& done) {
     const COMMTIMEOUTS limits = timeouts_;
     std::size_t wanted = buffer.size();
     const bool at_once = limits.ReadIntervalTimeout == MAXDWORD;
-    Time deadline = TotalDeadline(limits.ReadTotalTimeoutMultiplier, limits.ReadTotalTimeoutConstant,
-                                  buffer.size());
+    Time deadline = TotalDeadline(limits.ReadTotalTimeoutMultiplier,
+                                  limits.ReadTotalTimeoutConstant, buffer.size());
     if (at_once && limits.ReadTotalTimeoutMultiplier == MAXDWORD) {
         // Documented special case: whatever is there, or the first byte within the constant.
         wanted = std::min<std::size_t>(wanted, 1);
@@ -67,9 +67,7 @@ DWORD SerialPort::Read(std::span<std::byte> buffer, DWORD& done) {
         const bool gap_counts = uses_interval && !input_.empty();
         const std::size_t before = input_.size();
         const Time until = gap_counts ? std::min(deadline, last_arrival_ + interval) : deadline;
-        const auto moved = [&] {
-            return enough() || (uses_interval && input_.size() != before);
-        };
+        const auto moved = [&] { return enough() || (uses_interval && input_.size() != before); };
         const bool more = kernel::Block(lock, moved, until);
         if (!more || enough())
             break;
@@ -91,12 +89,13 @@ DWORD SerialPort::Write(std::span<const std::byte> bytes, DWORD& done) {
         const std::uint64_t rooms = rooms_;
         const std::span<const std::byte> rest = bytes.subspan(done);
         lock.unlock();
-        const std::size_t taken = line_->Transmit(
-            {reinterpret_cast<const std::uint8_t*>(rest.data()), rest.size()});
+        const std::size_t taken =
+            line_->Transmit({reinterpret_cast<const std::uint8_t*>(rest.data()), rest.size()});
         lock.lock();
         done += static_cast<DWORD>(taken);
         if (done < bytes.size() && taken == 0 &&
-            !kernel::Block(lock, [&] { return rooms_ != rooms || closed_; }, deadline))
+            !kernel::Block(
+                lock, [&] { return rooms_ != rooms || closed_; }, deadline))
             break;
     }
     return closed_ ? ERROR_INVALID_HANDLE : ERROR_SUCCESS;

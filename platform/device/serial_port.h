@@ -20,7 +20,7 @@ class SerialPort final : public Stream {
     explicit SerialPort(std::shared_ptr<SerialLine> line);
 
     // Starts listening; ERROR_SUCCESS or the line's error.
-    DWORD Start(std::shared_ptr<SerialPort> self);
+    DWORD Start(const std::shared_ptr<SerialPort>& self);
 
     DWORD Read(std::span<std::byte> buffer, DWORD& done) override;
     DWORD Write(std::span<const std::byte> bytes, DWORD& done) override;

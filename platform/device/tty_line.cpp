@@ -22,8 +22,8 @@ struct Rate {
 };
 
 constexpr Rate kRates[] = {
-    {CBR_9600, B9600},     {CBR_19200, B19200},   {CBR_38400, B38400}, {CBR_57600, B57600},
-    {CBR_115200, B115200}, {230400, B230400},     {460800, B460800},   {921600, B921600},
+    {CBR_9600, B9600},     {CBR_19200, B19200}, {CBR_38400, B38400}, {CBR_57600, B57600},
+    {CBR_115200, B115200}, {230400, B230400},   {460800, B460800},   {921600, B921600},
 };
 
 constexpr tcflag_t kSizes[] = {CS5, CS6, CS7, CS8};
@@ -33,11 +33,14 @@ DWORD LastErrorOf(int error) {
     switch (error) {
         case ENOENT:
         case ENODEV:
-        case ENXIO: return ERROR_DEV_NOT_EXIST;
+        case ENXIO:
+            return ERROR_DEV_NOT_EXIST;
         case EACCES:
         case EPERM:
-        case EBUSY: return ERROR_ACCESS_DENIED;
-        default: return ERROR_GEN_FAILURE;
+        case EBUSY:
+            return ERROR_ACCESS_DENIED;
+        default:
+            return ERROR_GEN_FAILURE;
     }
 }
 

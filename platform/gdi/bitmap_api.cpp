@@ -18,11 +18,11 @@ constexpr int kLargestArea = 64 * 1024 * 1024;
 HBITMAP AddBitmap(int width, int height, const std::uint32_t* pixels) {
     if (width < 1 || height < 1) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return NULL;
+        return nullptr;
     }
     if (width > kLargestSide || height > kLargestSide || width > kLargestArea / height) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return NULL;
+        return nullptr;
     }
     auto surface = std::make_shared<Surface>(width, height);
     if (pixels) {
@@ -40,7 +40,7 @@ using namespace platform::gdi;
 HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) {
     const ContextCall context(dc);
     if (!context)
-        return NULL;
+        return nullptr;
     // A side of 0 asks for the smallest bitmap there is.
     if (width == 0 || height == 0)
         width = height = 1;
@@ -52,7 +52,7 @@ HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bits_per_pixel, co
     const auto lock = EnterGdi();
     if (planes != 1 || bits_per_pixel != 32) {
         SetLastError(ERROR_NOT_SUPPORTED);
-        return NULL;
+        return nullptr;
     }
     return AddBitmap(width, height, static_cast<const std::uint32_t*>(bits));
 }

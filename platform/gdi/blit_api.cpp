@@ -140,7 +140,7 @@ BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD code) {
         return FALSE;
     }
     const RECT rectangle = RectangleAt(x, y, width, height);
-    return ValidSize(width, height) && Blit(dc, rectangle, NULL, rectangle, code);
+    return ValidSize(width, height) && Blit(dc, rectangle, nullptr, rectangle, code);
 }
 
 BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE source, LONG source_x,

@@ -41,7 +41,7 @@ int DeviceCapability(int index) {
 HDC CreateCompatibleDC(HDC like) {
     const auto lock = EnterGdi();
     if (like && !FindContext(like))
-        return NULL;
+        return nullptr;
     const HGDIOBJ bitmap = StockBitmap();
     return AddContext({.surface = FindObjectOfKind<Bitmap>(bitmap)->surface,
                        .clip = {0, 0, 1, 1},

@@ -40,7 +40,7 @@ HICON AddIcon(Icon icon) {
 constexpr int kSystemIconSize = 32;
 
 bool IsProgram(HINSTANCE module) {
-    if (module == NULL || module == resource::ModuleInstance())
+    if (module == nullptr || module == resource::ModuleInstance())
         return true;
     SetLastError(ERROR_INVALID_HANDLE);
     return false;
@@ -54,12 +54,12 @@ bool IsSystemCursor(LPCWSTR name) {
 HANDLE LoadBitmapImage(LPCWSTR name, int width, int height) {
     const auto image = resource::DecodeBitmap(name);
     if (!image)
-        return NULL;
+        return nullptr;
     const bool stretches =
         (width != 0 && width != image->width) || (height != 0 && height != image->height);
     if (stretches) {
         SetLastError(ERROR_NOT_SUPPORTED);
-        return NULL;
+        return nullptr;
     }
     const auto lock = EnterGdi();
     return AddBitmap(image->width, image->height, image->pixels.data());
@@ -72,7 +72,7 @@ HANDLE LoadIconImage(LPCWSTR name, int width, int height, UINT flags) {
     }
     auto image = resource::DecodeIcon(name, width, height);
     if (!image)
-        return NULL;
+        return nullptr;
     const auto lock = EnterGdi();
     return AddIcon({.image = std::move(*image)});
 }
@@ -99,26 +99,26 @@ using namespace platform::gdi;
 // Neither stretched nor monochrome bitmaps nor files: those fail with ERROR_NOT_SUPPORTED.
 HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
     if (!IsProgram(module))
-        return NULL;
+        return nullptr;
     if (width < 0 || height < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return NULL;
+        return nullptr;
     }
     if (type == IMAGE_BITMAP && (flags & ~LR_DEFAULTSIZE) == 0)
         return LoadBitmapImage(name, width, height);
     if (type == IMAGE_ICON && (flags & ~LR_DEFAULTSIZE) == 0)
         return LoadIconImage(name, width, height, flags);
     SetLastError(ERROR_NOT_SUPPORTED);
-    return NULL;
+    return nullptr;
 }
 
 // By number only; the same handle every time.
 HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
     if (!IsProgram(module))
-        return NULL;
+        return nullptr;
     if (!IS_INTRESOURCE(name)) {
         SetLastError(ERROR_NOT_SUPPORTED);
-        return NULL;
+        return nullptr;
     }
     const auto id = reinterpret_cast<std::uintptr_t>(name);
     {
@@ -129,7 +129,7 @@ HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
     }
     auto image = resource::DecodeIcon(name, kSystemIconSize, kSystemIconSize);
     if (!image)
-        return NULL;
+        return nullptr;
     const auto lock = LockGdi();
     HICON& icon = TheIcons().loaded[id];
     if (!icon)
@@ -151,9 +151,9 @@ BOOL DestroyIcon(HICON handle) {
 
 // The system's cursors, which nothing shows. A program has none of its own.
 HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR name) {
-    if (module != NULL || !IsSystemCursor(name)) {
+    if (module != nullptr || !IsSystemCursor(name)) {
         SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
-        return NULL;
+        return nullptr;
     }
     const auto lock = EnterGdi();
     HCURSOR& cursor = TheIcons().cursors[reinterpret_cast<std::uintptr_t>(name)];

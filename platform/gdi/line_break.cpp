@@ -1,5 +1,7 @@
 #include "platform/gdi/line_break.h"
 
+#include <algorithm>
+
 namespace platform::gdi {
 namespace {
 
@@ -10,8 +12,8 @@ constexpr std::wstring_view kNeverFirst =
     L"!),.:;?]}%";
 // And from its end.
 constexpr std::wstring_view kNeverLast = L"（〔［｛〈《「『【‘“￥＄｢([{$";
-// The same mark opens and closes.
-constexpr std::wstring_view kNeitherFirstNorLast = L"\"'";
+// The same mark opens and closes, in turn.
+constexpr std::wstring_view kQuotes = L"\"'";
 
 bool IsOneOf(std::wstring_view set, wchar_t character) {
     return set.find(character) != std::wstring_view::npos;
@@ -23,10 +25,28 @@ bool IsBlank(wchar_t character) {
 
 // Ideographs, kana and full-width forms, between which a line may break without a blank.
 bool IsWide(wchar_t character) {
-    const auto code = static_cast<unsigned>(character);
-    return (code >= 0x2E80 && code <= 0x9FFF) || (code >= 0xAC00 && code <= 0xD7A3) ||
-           (code >= 0xF900 && code <= 0xFAFF) || (code >= 0xFE30 && code <= 0xFE4F) ||
-           (code >= 0xFF00 && code <= 0xFFEF) || (code >= 0x20000 && code <= 0x3FFFF);
+    return (character >= 0x2E80 && character <= 0x9FFF) ||
+           (character >= 0xAC00 && character <= 0xD7A3) ||
+           (character >= 0xF900 && character <= 0xFAFF) ||
+           (character >= 0xFE30 && character <= 0xFE4F) ||
+           (character >= 0xFF00 && character <= 0xFFEF) ||
+           (character >= 0x20000 && character <= 0x3FFFF);
+}
+
+bool IsQuote(std::wstring_view text, std::size_t index, bool opening) {
+    const wchar_t mark = text[index];
+    if (!IsOneOf(kQuotes, mark))
+        return false;
+    const auto before = text.substr(0, index);
+    return (std::count(before.begin(), before.end(), mark) % 2 == 0) == opening;
+}
+
+bool NeverFirst(std::wstring_view text, std::size_t index) {
+    return IsOneOf(kNeverFirst, text[index]) || IsQuote(text, index, false);
+}
+
+bool NeverLast(std::wstring_view text, std::size_t index) {
+    return IsOneOf(kNeverLast, text[index]) || IsQuote(text, index, true);
 }
 
 std::size_t WithoutBlanks(std::wstring_view text, std::size_t begin, std::size_t end) {
@@ -62,14 +82,9 @@ bool MayBreakBefore(std::wstring_view text, std::size_t index) {
         return false;
     const wchar_t before = text[index - 1];
     const wchar_t after = text[index];
-    if (IsBlank(after))
+    if (IsBlank(after) || NeverFirst(text, index))
         return false;
-    if (IsBlank(before))
-        return !IsOneOf(kNeverFirst, after);
-    if (IsOneOf(kNeitherFirstNorLast, before) || IsOneOf(kNeitherFirstNorLast, after) ||
-        IsOneOf(kNeverFirst, after) || IsOneOf(kNeverLast, before))
-        return false;
-    return IsWide(before) || IsWide(after);
+    return IsBlank(before) || (!NeverLast(text, index - 1) && (IsWide(before) || IsWide(after)));
 }
 
 std::vector<LineOfText> BreakLines(std::wstring_view text, std::span<const double> edges,

@@ -65,12 +65,12 @@ HFONT CreateFontIndirectW(const LOGFONTW* description) {
     const auto lock = EnterGdi();
     if (!description) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return NULL;
+        return nullptr;
     }
     Font font{*description};
     font.description.lfFaceName[LF_FACESIZE - 1] = L'\0';
     if (!FindTextFont(font.description))
-        return NULL;
+        return nullptr;
     return static_cast<HFONT>(AddObject({.content = font}));
 }
 
@@ -85,12 +85,12 @@ HGDIOBJ GetStockObject(int index) {
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
     const ContextCall context(dc);
     if (!context)
-        return NULL;
+        return nullptr;
     const auto object = FindObject(handle);
     if (!object)
-        return NULL;
+        return nullptr;
     if (std::holds_alternative<Bitmap>(object->content) && !Attach(*context, handle, *object))
-        return NULL;
+        return nullptr;
     HGDIOBJ& selected = *SelectedOfType(*context, TypeOfObject(handle));
     ++object->selections;
     --FindObject(selected)->selections;
@@ -100,11 +100,11 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
 HGDIOBJ GetCurrentObject(HDC dc, UINT type) {
     const ContextCall context(dc);
     if (!context)
-        return NULL;
+        return nullptr;
     const HGDIOBJ* selected = SelectedOfType(*context, type);
     if (!selected || !*selected) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return NULL;
+        return nullptr;
     }
     return *selected;
 }

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-#include <compare>
 #include <memory>
+#include <tuple>
 
 #include "platform/gdi/font_library.h"
 
@@ -16,7 +16,13 @@ struct FontKey {
     bool bold = false;
     int height = 0;
     int width = 0;
-    auto operator<=>(const FontKey&) const = default;
+
+    bool operator<(const FontKey& other) const {
+        const auto fields = [](const FontKey& key) {
+            return std::tie(key.monospaced, key.bold, key.height, key.width);
+        };
+        return fields(*this) < fields(other);
+    }
 };
 
 // A character as a font draws it: a glyph of one of two files.

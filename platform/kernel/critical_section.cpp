@@ -17,8 +17,9 @@ struct Section {
 Section& SectionOf(LPCRITICAL_SECTION section) {
     if (!section || !section->hCrit) {
         // A genuine platform faults here as well; better loudly than on a freed lock.
-        CurrentBoard().DebugOutput(L"kernel: critical section used before Initialize or after "
-                                   L"Delete\r\n");
+        CurrentBoard().DebugOutput(
+            L"kernel: critical section used before Initialize or after "
+            L"Delete\r\n");
         std::abort();
     }
     return *static_cast<Section*>(section->hCrit);
@@ -50,7 +51,8 @@ void EnterCriticalSection(LPCRITICAL_SECTION section) {
     KernelLock lock = LockKernel();
     Section& inner = SectionOf(section);
     const Thread* self = &CurrentThread();
-    Block(lock, [&] { return inner.count == 0 || inner.owner == self; }, kNever);
+    Block(
+        lock, [&] { return inner.count == 0 || inner.owner == self; }, kNever);
     Take(inner);
 }
 

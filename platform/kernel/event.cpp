@@ -6,8 +6,7 @@ namespace {
 
 class Event final : public Object {
   public:
-    Event(bool manual_reset, bool signalled)
-        : manual_reset_(manual_reset), signalled_(signalled) {}
+    Event(bool manual_reset, bool signalled) : manual_reset_(manual_reset), signalled_(signalled) {}
 
     bool Waitable() const override { return true; }
     bool Signalled(const Thread&) const override { return signalled_; }

@@ -15,7 +15,9 @@ constexpr std::chrono::hours kFarAway{24 * 365 * 20};
 class FreeScheduler final : public Scheduler {
   public:
     FreeScheduler(const Options& options, Thread& hardware)
-        : start_(options.start), host_start_(HostClock::now()), speed_(options.speed),
+        : start_(options.start),
+          host_start_(HostClock::now()),
+          speed_(options.speed),
           hardware_(hardware) {}
 
     Time Now() const override {

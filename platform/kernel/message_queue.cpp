@@ -19,7 +19,8 @@ struct Message {
 class MessageQueue final : public Object {
   public:
     explicit MessageQueue(const MSGQUEUEOPTIONS& options)
-        : flags(options.dwFlags), capacity(options.dwMaxMessages),
+        : flags(options.dwFlags),
+          capacity(options.dwMaxMessages),
           message_size(options.cbMaxMessage) {}
 
     bool Full() const { return capacity != 0 && messages.size() >= capacity; }
@@ -117,7 +118,8 @@ BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD 
     const Time deadline = DeadlineAfter(timeout);
     KernelLock lock = LockKernel();
     const auto alone = [&] { return queue.writers == 0 && !queue.MayBeAlone(); };
-    if (!Block(lock, [&] { return !queue.messages.empty() || alone(); }, deadline)) {
+    if (!Block(
+            lock, [&] { return !queue.messages.empty() || alone(); }, deadline)) {
         SetLastError(ERROR_TIMEOUT);
         return FALSE;
     }
@@ -151,7 +153,8 @@ BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWOR
     const Time deadline = DeadlineAfter(timeout);
     KernelLock lock = LockKernel();
     const auto alone = [&] { return queue.readers == 0 && !queue.MayBeAlone(); };
-    if (!Block(lock, [&] { return !queue.Full() || alone(); }, deadline)) {
+    if (!Block(
+            lock, [&] { return !queue.Full() || alone(); }, deadline)) {
         SetLastError(ERROR_TIMEOUT);
         return FALSE;
     }
@@ -166,8 +169,7 @@ BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWOR
         queue.messages.push_front(message);
     else
         queue.messages.push_back(message);
-    queue.most_messages =
-        std::max(queue.most_messages, static_cast<DWORD>(queue.messages.size()));
+    queue.most_messages = std::max(queue.most_messages, static_cast<DWORD>(queue.messages.size()));
     Wake(lock);
     return TRUE;
 }

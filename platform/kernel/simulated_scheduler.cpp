@@ -16,7 +16,9 @@ const std::function<bool()> kAlways = [] { return true; };
 class SimulatedScheduler final : public Scheduler {
   public:
     SimulatedScheduler(const Options& options, Thread& hardware)
-        : now_(options.start.count()), preempt_(options.preempt), hardware_(hardware),
+        : now_(options.start.count()),
+          preempt_(options.preempt),
+          hardware_(hardware),
           random_(options.seed) {
         hardware_.running = true;
     }

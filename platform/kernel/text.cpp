@@ -62,7 +62,7 @@ std::string ToUtf8(std::wstring_view text) {
     std::string out;
     out.reserve(text.size());
     for (const wchar_t character : text) {
-        const auto code = static_cast<std::uint32_t>(character);
+        const auto code = static_cast<std::uint32_t>(std::int32_t{character});
         AppendUtf8(out, IsScalar(code) ? code : kReplacement);
     }
     return out;

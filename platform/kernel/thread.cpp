@@ -1,6 +1,7 @@
 #include "platform/kernel/thread.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/kernel/kernel_state.h"
 
@@ -45,12 +46,13 @@ std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority) {
     thread->priority = priority;
     state.threads.push_back(thread);
     state.scheduler->Adopt(lock, *thread);
-    thread->host_thread = std::thread([thread, entry = std::move(entry)] {
+    thread->host_thread = std::thread([thread, entry = std::move(entry)]() mutable {
         t_current = thread;
         KernelLock inner = LockKernel();
         State().scheduler->Enter(inner, *thread);
         inner.unlock();
-        const DWORD exit_code = RunToTheEnd(entry);
+        // What the entry holds goes with it, while the thread still counts as running.
+        const DWORD exit_code = RunToTheEnd(std::exchange(entry, {}));
         inner.lock();
         thread->exit_code = exit_code;
         thread->ended = true;

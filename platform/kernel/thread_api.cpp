@@ -65,6 +65,5 @@ DWORD GetCurrentProcessId() {
 
 DWORD GetTickCount() {
     SchedulingPoint();
-    return static_cast<DWORD>(
-        std::chrono::duration_cast<std::chrono::milliseconds>(Now()).count());
+    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(Now()).count());
 }

@@ -68,5 +68,6 @@ void Sleep(DWORD milliseconds) {
     SchedulingPoint();
     const Time deadline = DeadlineAfter(milliseconds);
     KernelLock lock = LockKernel();
-    Block(lock, [] { return false; }, deadline);
+    Block(
+        lock, [] { return false; }, deadline);
 }

@@ -65,12 +65,23 @@ class Formatter {
     void ParseFlags(Conversion& conversion) {
         for (;; ++at_) {
             switch (*at_) {
-                case L'-': conversion.left = true; break;
-                case L'+': conversion.plus = true; break;
-                case L' ': conversion.blank = true; break;
-                case L'#': conversion.alternate = true; break;
-                case L'0': conversion.zero = true; break;
-                default: return;
+                case L'-':
+                    conversion.left = true;
+                    break;
+                case L'+':
+                    conversion.plus = true;
+                    break;
+                case L' ':
+                    conversion.blank = true;
+                    break;
+                case L'#':
+                    conversion.alternate = true;
+                    break;
+                case L'0':
+                    conversion.zero = true;
+                    break;
+                default:
+                    return;
             }
         }
     }
@@ -104,19 +115,38 @@ class Formatter {
 
     bool Convert(const Conversion& conversion) {
         switch (conversion.type) {
-            case L'%': out_ += L'%'; return true;
+            case L'%':
+                out_ += L'%';
+                return true;
             case L'd':
-            case L'i': PutSigned(conversion); return true;
-            case L'u': PutUnsigned(conversion, 10, false); return true;
-            case L'o': PutUnsigned(conversion, 8, false); return true;
-            case L'x': PutUnsigned(conversion, 16, false); return true;
-            case L'X': PutUnsigned(conversion, 16, true); return true;
-            case L'p': PutPointer(conversion); return true;
+            case L'i':
+                PutSigned(conversion);
+                return true;
+            case L'u':
+                PutUnsigned(conversion, 10, false);
+                return true;
+            case L'o':
+                PutUnsigned(conversion, 8, false);
+                return true;
+            case L'x':
+                PutUnsigned(conversion, 16, false);
+                return true;
+            case L'X':
+                PutUnsigned(conversion, 16, true);
+                return true;
+            case L'p':
+                PutPointer(conversion);
+                return true;
             case L'c':
-            case L'C': PutCharacter(conversion); return true;
+            case L'C':
+                PutCharacter(conversion);
+                return true;
             case L's':
-            case L'S': PutText(conversion); return true;
-            default: return false;
+            case L'S':
+                PutText(conversion);
+                return true;
+            default:
+                return false;
         }
     }
 
@@ -176,9 +206,8 @@ class Formatter {
     }
 
     void PutUnsigned(const Conversion& conversion, unsigned base, bool capitals) {
-        std::uint64_t value = conversion.size == Size::kLong64
-                                  ? va_arg(arguments_, std::uint64_t)
-                                  : va_arg(arguments_, unsigned);
+        std::uint64_t value = conversion.size == Size::kLong64 ? va_arg(arguments_, std::uint64_t)
+                                                               : va_arg(arguments_, unsigned);
         if (conversion.size == Size::kNarrow)
             value = static_cast<std::uint16_t>(value);
         const wchar_t* prefix = L"";
@@ -212,8 +241,7 @@ class Formatter {
     void Pad(const Conversion& conversion, std::wstring_view prefix, const std::wstring& body,
              bool number) {
         const auto length = static_cast<int>(prefix.size() + body.size());
-        const std::size_t fill =
-            static_cast<std::size_t>(std::max(0, conversion.width - length));
+        const std::size_t fill = static_cast<std::size_t>(std::max(0, conversion.width - length));
         // A precision switches zero filling off for numbers.
         const bool zeros =
             conversion.zero && !conversion.left && !(number && conversion.precision >= 0);

@@ -64,7 +64,7 @@ std::optional<std::vector<Resource>> ReadResourceFile(std::span<const std::byte>
         if (problem.empty() && !signed_file && !IsSignature(resource))
             problem = "not the beginning of a compiled resource file";
         if (!problem.empty()) {
-            problem = "byte " + std::to_string(start) + ": " + problem;
+            problem.insert(0, "byte " + std::to_string(start) + ": ");
             return std::nullopt;
         }
         if (signed_file)

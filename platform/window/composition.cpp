@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <ranges>
 
 #include "platform/window/desktop.h"
 
@@ -28,11 +27,11 @@ gdi::Surface ComposeScreen() {
     }
     gdi::Surface screen(kScreenWidth, kScreenHeight);
     const auto lock = gdi::LockGdi();
-    for (const Layer& layer : std::views::reverse(layers)) {
+    std::for_each(layers.rbegin(), layers.rend(), [&](const Layer& layer) {
         const RECT whole{0, 0, layer.rectangle.right - layer.rectangle.left,
                          layer.rectangle.bottom - layer.rectangle.top};
         screen.CopyFrom(*layer.surface, whole, layer.rectangle.left, layer.rectangle.top);
-    }
+    });
     return screen;
 }
 

@@ -4,30 +4,19 @@
 
 #include <algorithm>
 
+#include "platform/gdi/rectangle.h"
+
 namespace platform::window {
 
 // Rectangles for use under the kernel lock, where the API must not be called.
 
-inline bool IsEmpty(const RECT& rectangle) {
-    return rectangle.left >= rectangle.right || rectangle.top >= rectangle.bottom;
-}
+using gdi::BoundingBox;
+using gdi::Intersect;
+using gdi::IsEmpty;
 
 inline bool Contains(const RECT& rectangle, POINT point) {
     return point.x >= rectangle.left && point.x < rectangle.right && point.y >= rectangle.top &&
            point.y < rectangle.bottom;
-}
-
-inline RECT Intersect(const RECT& a, const RECT& b) {
-    const RECT common{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-                      std::min(a.bottom, b.bottom)};
-    return IsEmpty(common) ? RECT{} : common;
-}
-
-inline RECT BoundingBox(const RECT& a, const RECT& b) {
-    if (IsEmpty(a) || IsEmpty(b))
-        return IsEmpty(a) ? b : a;
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
 }
 
 // What is left of `rectangle` without `part`, as far as one rectangle can tell: a part that does

@@ -24,8 +24,10 @@ std::size_t End();
 // The graphics plane: what the visible windows drew, bottom to top, on black.
 gdi::Surface ComposeScreen();
 
-// A finger on the screen: becomes WM_LBUTTONDOWN, WM_MOUSEMOVE and WM_LBUTTONUP of the topmost
-// enabled window under it. Points outside the screen are ignored.
+// A finger on the screen: becomes WM_LBUTTONDOWN, WM_MOUSEMOVE and WM_LBUTTONUP of the highest
+// visible window under it, unless that one is disabled. Which window it is, is decided when the
+// message is fetched: a touch made while the program was busy meets what the program shows then.
+// Points outside the screen are ignored.
 enum class Touch { kDown, kMove, kUp };
 void TouchScreen(Touch touch, int x, int y);
 

@@ -318,7 +318,7 @@ TEST(ScalerInit, ClosesAHandleBeforeItOpensTheNext) {
 TEST(ScalerInit, ClosesTheDriverWhenItsEventIsMissing) {
     ScalerFixture fixture;
     fixture.platform.Run([&] {
-        const HANDLE mutex = CreateMutexW(NULL, FALSE, L"AtscNotify");
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"AtscNotify");
         EXPECT_FALSE(Mstar_C4_Scaler_Init());
         EXPECT_EQ(fixture.scaler->open_handles, 0);
         CloseHandle(mutex);

@@ -30,7 +30,7 @@ DWORD WINAPI SendAndPost(LPVOID parameter) {
     const auto window = static_cast<HWND>(parameter);
     Sleep(50);
     PostMessageW(window, kPosted, 0, 0);
-    InvalidateRect(window, NULL, TRUE);
+    InvalidateRect(window, nullptr, TRUE);
     LRESULT answers = 0;
     for (int count = 0; count < 3; ++count) {
         answers += SendMessageW(window, kSent, 0, 0);
@@ -47,12 +47,12 @@ TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
         window_class.lpfnWndProc = Record;
         window_class.lpszClassName = L"Waiting";
         RegisterClassW(&window_class);
-        const HWND window =
-            CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100, NULL, NULL, NULL, NULL);
+        const HWND window = CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100, nullptr,
+                                            nullptr, nullptr, nullptr);
         ASSERT_NE(window, nullptr);
-        SetTimer(window, kTimer, 10, NULL);
+        SetTimer(window, kTimer, 10, nullptr);
         g_seen.clear();
-        const HANDLE thread = CreateThread(NULL, 0, SendAndPost, window, 0, NULL);
+        const HANDLE thread = CreateThread(nullptr, 0, SendAndPost, window, 0, nullptr);
         ASSERT_NE(thread, nullptr);
         WaitForThreadEnd(thread);
         EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
@@ -70,7 +70,7 @@ TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
 
 TEST(WaitForThreadEnd, ReturnsFromWhatIsNoThread) {
     Platform platform;
-    platform.Run([] { WaitForThreadEnd(NULL); }, std::chrono::seconds(1));
+    platform.Run([] { WaitForThreadEnd(nullptr); }, std::chrono::seconds(1));
 }
 
 }  // namespace

@@ -102,14 +102,13 @@ void WizardBench::Hide(LPCWSTR type, WORD resource) {
     platform::resource::Hide(type, MAKEINTRESOURCEW(resource));
 }
 
-void WizardBench::Start() {
+void WizardBench::Start(int show) {
     started_ = true;
     // The mutex stays to the end of the process.
     platform.AllowHandles(1);
-    kernel::StartThread([this] {
+    kernel::StartThread([this, show] {
         wchar_t command_line[] = L"";
-        exit_code_ =
-            WinMain(platform::resource::ModuleInstance(), nullptr, command_line, SW_SHOWNORMAL);
+        exit_code_ = WinMain(platform::resource::ModuleInstance(), nullptr, command_line, show);
         ended_ = true;
         return DWORD{0};
     });
@@ -123,11 +122,13 @@ void WizardBench::GoTo(int step) {
         EXPECT_TRUE(Until([&] { return Step() == expected; }, 30s)) << "never at " << expected;
         RunFor(20ms);
     };
+    const auto tap = [&](const char* caption) {
+        EXPECT_TRUE(Until([&] { return Tap(caption); }, 30s)) << "no button " << caption;
+    };
     arrive(-1);
     if (step >= 0) {
-        EXPECT_TRUE(Tap("Power On"));
-        RunFor(50ms);
-        EXPECT_TRUE(Tap("OK"));
+        tap("Power On");
+        tap("OK");
         RunFor(3s);
         Card(0);
         arrive(0);
@@ -137,7 +138,7 @@ void WizardBench::GoTo(int step) {
         RunFor(50ms);
     }
     if (step >= 1) {
-        EXPECT_TRUE(Tap("Next"));
+        tap("Next");
         arrive(1);
         RunFor(2500ms);
     }
@@ -151,12 +152,12 @@ void WizardBench::GoTo(int step) {
         arrive(3);
     }
     if (step >= 4) {
-        RunFor(3200ms);
-        EXPECT_TRUE(Tap("OK"));
+        RunFor(3s);
+        tap("OK");
         arrive(4);
     }
     if (step >= 5) {
-        EXPECT_TRUE(Tap("Next"));
+        tap("Next");
         RunFor(2500ms);
         Running(2);
         arrive(5);
@@ -209,6 +210,12 @@ void WizardBench::Indicate(WORD command, const Bytes& payload) {
 
 void WizardBench::Acknowledge(WORD command, const Bytes& payload) {
     SendFrame(0x20, command, payload);
+}
+
+void WizardBench::HoldPercent(BYTE percent) {
+    CMainFrame* const frame = g_pMainFrame;
+    ASSERT_NE(frame, nullptr);
+    frame->m_byUpdatePercent = percent;
 }
 
 void WizardBench::SendFrame(BYTE type, WORD command, const Bytes& payload) {

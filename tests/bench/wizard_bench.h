@@ -51,7 +51,7 @@ class WizardBench {
     void Hide(LPCWSTR type, WORD resource);
 
     // Starts WinMain on a thread of its own.
-    void Start();
+    void Start(int show = SW_SHOWNORMAL);
     // Starts, and walks the usual road to that step; what was seen on the way is forgotten. Buttons
     // then: -1 Power On, 0 Next, 4 Next, 5 and 6 the close button.
     void GoTo(int step);
@@ -72,6 +72,8 @@ class WizardBench {
     void Card(BYTE status) { Indicate(0x0026, {status, 0}); }
     void Running(BYTE state) { Indicate(0x0010, {state}); }
     void Percent(BYTE percent) { Indicate(0x002E, {percent}); }
+    // As if a percent had come of which the window has not been told yet.
+    void HoldPercent(BYTE percent);
     // All 17 characters.
     void Version(std::string_view text) { Acknowledge(0x802E, Bytes(text.begin(), text.end())); }
     void After(std::chrono::microseconds delay, std::function<void()> action);

@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
 #include <vector>
 
 #include "platform/kernel/scheduler.h"
-#include "tests/device/memory_port.h"
+#include "tests/support/memory_port.h"
 
 namespace {
 
@@ -18,8 +19,7 @@ using tests::Platform;
 
 void Write(HANDLE handle, const std::string& text) {
     DWORD written = 0;
-    EXPECT_TRUE(
-        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
+    EXPECT_TRUE(WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
     EXPECT_EQ(written, text.size());
 }
 
@@ -131,6 +131,22 @@ TEST(MemoryLine, WhatArrivesWhileThePortIsClosedIsLost) {
         EXPECT_EQ(Read(handle, 4'608).size(), 2'304U);
         CloseHandle(handle);
     });
+}
+
+// A free-running host that comes late finds all that has passed meanwhile, at once.
+TEST(MemoryLine, CatchesUpAfterALateHost) {
+    Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 1000});
+    MemoryPort port(platform);
+    std::vector<std::size_t> arrivals;
+    port.line->Open([&](std::span<const std::uint8_t> bytes) { arrivals.push_back(bytes.size()); });
+    DCB settings{.BaudRate = 460800, .ByteSize = 8};
+    port.line->ApplySettings(settings);
+    kernel::After({}, [&] {
+        port.Send(std::string(1'000, 'x'));
+        std::this_thread::sleep_for(microseconds(200));
+    });
+    platform.RunFor(milliseconds(200));
+    EXPECT_EQ(arrivals, std::vector<std::size_t>{1'000});
 }
 
 }  // namespace

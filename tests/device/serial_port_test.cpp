@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "platform/kernel/scheduler.h"
-#include "tests/device/memory_port.h"
 #include "tests/support/crew.h"
+#include "tests/support/memory_port.h"
 
 namespace {
 

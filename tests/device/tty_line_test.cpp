@@ -258,8 +258,8 @@ TEST_F(Tty, PathsThatCannotBeOpenedAreErrorsWithOneClearLine) {
         for (const Row& row : rows) {
             problems.clear();
             UseDevice(row.path);
-            EXPECT_EQ(CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                  OPEN_EXISTING, 0, nullptr),
+            EXPECT_EQ(CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                  0, nullptr),
                       INVALID_HANDLE_VALUE);
             EXPECT_EQ(GetLastError(), row.error) << row.path;
             ASSERT_EQ(Problems().size(), 1U);

@@ -150,14 +150,14 @@ class ReportTest : public testing::Test {
             window_class.lpszClassName = L"Plain";
             RegisterClassW(&window_class);
             CMainFrame frame;
-            frame.m_hWnd = CreateWindowExW(0, L"Plain", L"", WS_VISIBLE, 0, 0, 800, 480, NULL, NULL,
-                                           NULL, NULL);
+            frame.m_hWnd = CreateWindowExW(0, L"Plain", L"", WS_VISIBLE, 0, 0, 800, 480, nullptr,
+                                           nullptr, nullptr, nullptr);
             ASSERT_NE(frame.m_hWnd, nullptr);
             g_pMainFrame = &frame;
             body(frame);
             g_pMainFrame = nullptr;
             DestroyWindow(frame.m_hWnd);
-            frame.m_hWnd = NULL;
+            frame.m_hWnd = nullptr;
         });
     }
 
@@ -167,7 +167,7 @@ class ReportTest : public testing::Test {
         const bool invalidated = GetUpdateRect(window, &invalid, FALSE) != FALSE;
         RECT client{};
         GetClientRect(window, &client);
-        ValidateRect(window, NULL);
+        ValidateRect(window, nullptr);
         return invalidated && EqualRect(&invalid, &client);
     }
 

@@ -155,19 +155,27 @@ TEST(Link, StopEndsUnderAFloodOfReports) {
 
 // Both threads at once in earnest, for the sanitizers' eyes.
 TEST(Link, SendsWhileItReceivesInParallel) {
+    constexpr int kReports = 20;
+    constexpr int kCommands = 100;
     LinkFixture link({.mode = kernel::Mode::kFreeRunning, .speed = 50.0});
-    for (int report = 1; report <= 20; ++report)
-        link.DvrSends(kernel::Now() + report * 50ms, DvrFrameBytes(0x80, 0x0019, {7}));
     link.platform.Run([&] {
         ASSERT_TRUE(UART_Init());
-        for (int count = 0; count < 100; ++count) {
+        for (int report = 1; report <= kReports; ++report)
+            link.DvrSends(kernel::Now() + report * 50ms, DvrFrameBytes(0x80, 0x0019, {7}));
+        for (int count = 0; count < kCommands; ++count) {
             UART_SendCommand(0x0012, nullptr, 0);
             Sleep(15);
         }
+        const auto heard = [&] {
+            return Count(ProgramLog(link.platform.board), "\tPlay_Volume_IND, (0x0019)");
+        };
+        for (int tries = 0; tries < 1000 && heard() < kReports; ++tries)
+            Sleep(50);
+        EXPECT_EQ(heard(), kReports);
         UART_DeInit();
     });
-    EXPECT_EQ(link.received_by_dvr.size(), kOpeningQueries.size() + 100U * 9U);
-    EXPECT_EQ(Count(ProgramLog(link.platform.board), "\tPlay_Volume_IND, (0x0019)"), 20);
+    link.platform.RunFor(1s);
+    EXPECT_EQ(link.received_by_dvr.size(), kOpeningQueries.size() + kCommands * 9U);
 }
 
 // A silent line costs one empty read per 100 ms and a pause of 1 ms.
@@ -180,7 +188,7 @@ TEST(Link, SilentLineIsReadTenTimesASecond) {
         const kernel::Time before = kernel::Now();
         BYTE byte = 0;
         DWORD received = 1;
-        EXPECT_TRUE(ReadFile(g_hComPort, &byte, 1, &received, NULL));
+        EXPECT_TRUE(ReadFile(g_hComPort, &byte, 1, &received, nullptr));
         EXPECT_EQ(received, 0U);
         first = kernel::Now() - before;
         COM_DeInit();

@@ -116,7 +116,7 @@ TEST(SendCommand, FramesOfTwoThreadsStayWhole) {
                     UART_SendCommand(0x0011, nullptr, 0);
                 return 0;
             };
-            const HANDLE other = CreateThread(NULL, 0, send_short, NULL, 0, NULL);
+            const HANDLE other = CreateThread(nullptr, 0, send_short, nullptr, 0, nullptr);
             ASSERT_NE(other, nullptr);
             for (int count = 0; count < 20; ++count)
                 UART_SendCommand(0x0012, payload.data(), static_cast<WORD>(payload.size()));

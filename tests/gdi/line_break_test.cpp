@@ -52,7 +52,7 @@ const Case kCases[] = {
     {"LeadingBlanksStay", L"  ab cd", 20, {L"  ab", L"cd"}},
     {"LeadingBlanksAloneAreNoLine", L" ああああ", 12, {L" あ", L"あ", L"あ", L"あ"}},
     {"WordWiderThanTheLineSticksOut", L"a wonder b", 20, {L"a", L"wonder", L"b"}},
-    {"QuotesClingToTheirWord", L"ああ\"ab\"ああ", 30, {L"あ", L"あ\"ab\"", L"ああ"}},
+    {"QuotesClingToTheirWord", L"ああ\"ab\"ああ", 30, {L"ああ", L"\"ab\"あ", L"あ"}},
     {"TypographicQuotes", L"あああ“ab”あ", 40, {L"あああ", L"“ab”あ"}},
     {"NothingButBlanks", L"   ", 5, {L"   "}},
     {"Empty", L"", 5, {L""}},

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 
 #include "platform/gdi/font_files.h"
@@ -29,12 +30,12 @@ class Objects : public testing::Test {
 };
 
 TEST_F(Objects, EveryCallRefusesAHandleThatIsNone) {
-    const HDC stale_dc = CreateCompatibleDC(NULL);
+    const HDC stale_dc = CreateCompatibleDC(nullptr);
     ASSERT_TRUE(DeleteDC(stale_dc));
     const HBRUSH stale_brush = CreateSolidBrush(0);
     ASSERT_TRUE(DeleteObject(stale_brush));
     const HBRUSH brush = CreateSolidBrush(0);
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     RECT rectangle{0, 0, 1, 1};
     SIZE size{};
     TEXTMETRICW metrics{};
@@ -78,7 +79,7 @@ TEST_F(Objects, EveryCallRefusesAHandleThatIsNone) {
 }
 
 TEST_F(Objects, WhatIsSelectedCannotBeDeleted) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     const LOGFONTW description = Describe(L"Arial", {9, 26, 500});
     const HGDIOBJ objects[] = {CreateCompatibleBitmap(dc, 4, 4), CreateSolidBrush(0),
                                CreateFontIndirectW(&description)};
@@ -95,7 +96,7 @@ TEST_F(Objects, WhatIsSelectedCannotBeDeleted) {
 }
 
 TEST_F(Objects, ADeviceContextLetsGoOfItsObjects) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     const HBITMAP bitmap = CreateCompatibleBitmap(dc, 4, 4);
     const HBRUSH brush = CreateSolidBrush(0);
     SelectObject(dc, bitmap);
@@ -107,8 +108,8 @@ TEST_F(Objects, ADeviceContextLetsGoOfItsObjects) {
 }
 
 TEST_F(Objects, ABitmapIsInOneMemoryDeviceContextAtATime) {
-    const HDC first = CreateCompatibleDC(NULL);
-    const HDC second = CreateCompatibleDC(NULL);
+    const HDC first = CreateCompatibleDC(nullptr);
+    const HDC second = CreateCompatibleDC(nullptr);
     Canvas window(4, 4);
     const HBITMAP bitmap = CreateCompatibleBitmap(first, 4, 4);
     const HGDIOBJ displaced = SelectObject(first, bitmap);
@@ -122,7 +123,7 @@ TEST_F(Objects, ABitmapIsInOneMemoryDeviceContextAtATime) {
 }
 
 TEST_F(Objects, AMemoryDeviceContextStartsWithOnePixel) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     BITMAP stock{};
     EXPECT_NE(GetObjectW(GetCurrentObject(dc, OBJ_BITMAP), sizeof(stock), &stock), 0);
     EXPECT_EQ(stock.bmWidth, 1);
@@ -132,7 +133,7 @@ TEST_F(Objects, AMemoryDeviceContextStartsWithOnePixel) {
 }
 
 TEST_F(Objects, ANewBitmapIsBlackAndKnowsItsSize) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     const HBITMAP bitmap = CreateCompatibleBitmap(dc, 30, 20);
     BITMAP description{};
     EXPECT_EQ(GetObjectW(bitmap, sizeof(description), &description), int(sizeof(BITMAP)));
@@ -190,7 +191,7 @@ TEST_F(Objects, AFontRemembersItsDescription) {
 }
 
 TEST_F(Objects, DeviceContextsTellOfTheDisplay) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     EXPECT_EQ(GetDeviceCaps(dc, HORZRES), 800);
     EXPECT_EQ(GetDeviceCaps(dc, VERTRES), 480);
     EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSX), 96);
@@ -199,7 +200,7 @@ TEST_F(Objects, DeviceContextsTellOfTheDisplay) {
 }
 
 TEST_F(Objects, AfterShutdownHandlesAreStaleAndDrawingStartsAnew) {
-    const HDC dc = CreateCompatibleDC(NULL);
+    const HDC dc = CreateCompatibleDC(nullptr);
     const HBRUSH brush = CreateSolidBrush(0);
     gdi::Shutdown();
     EXPECT_REFUSED(DeleteDC(dc), FALSE, ERROR_INVALID_HANDLE);

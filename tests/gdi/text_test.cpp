@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cwchar>
+
 #include "tests/gdi/canvas.h"
 
 using namespace tests;

@@ -50,9 +50,11 @@ TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
             {"WriteMsgQueue",
              [](HANDLE handle) { return !WriteMsgQueue(handle, buffer, 16, 0, 0); },
              {event, reader}},
-            {"GetExitCodeThread", [](HANDLE handle) { return !GetExitCodeThread(handle, &count); },
+            {"GetExitCodeThread",
+             [](HANDLE handle) { return !GetExitCodeThread(handle, &count); },
              {event}},
-            {"SetThreadPriority", [](HANDLE handle) { return !SetThreadPriority(handle, 3); },
+            {"SetThreadPriority",
+             [](HANDLE handle) { return !SetThreadPriority(handle, 3); },
              {event}},
             {"GetThreadPriority",
              [](HANDLE handle) {
@@ -158,7 +160,8 @@ TEST(Handles, RunningOutIsAnErrorNotAMixUp) {
     platform.Run([] {
         std::vector<HANDLE> events;
         HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        for (; event && events.size() < 100'000; event = CreateEventW(nullptr, FALSE, FALSE, nullptr))
+        for (; event && events.size() < 100'000;
+             event = CreateEventW(nullptr, FALSE, FALSE, nullptr))
             events.push_back(event);
         EXPECT_EQ(event, nullptr);
         EXPECT_EQ(GetLastError(), ERROR_OUTOFMEMORY);

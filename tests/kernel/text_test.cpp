@@ -22,13 +22,13 @@ TEST(Text, Utf8) {
         {"\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", L"\xD7FF\xE000\xFFFF"},
         {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\x10000\x10FFFF"},
         {"\x80z", L"\xFFFDz", false},
-        {"\xC0\x80", L"\xFFFD\xFFFD", false},                          // overlong
-        {"\xE0\x9F\xBF", L"\xFFFD\xFFFD\xFFFD", false},                // overlong
-        {"\xF0\x8F\xBF\xBF", L"\xFFFD\xFFFD\xFFFD\xFFFD", false},      // overlong
-        {"\xED\xA0\x80", L"\xFFFD\xFFFD\xFFFD", false},                // a surrogate
-        {"\xF4\x90\x80\x80", L"\xFFFD\xFFFD\xFFFD\xFFFD", false},      // beyond the last
+        {"\xC0\x80", L"\xFFFD\xFFFD", false},                      // overlong
+        {"\xE0\x9F\xBF", L"\xFFFD\xFFFD\xFFFD", false},            // overlong
+        {"\xF0\x8F\xBF\xBF", L"\xFFFD\xFFFD\xFFFD\xFFFD", false},  // overlong
+        {"\xED\xA0\x80", L"\xFFFD\xFFFD\xFFFD", false},            // a surrogate
+        {"\xF4\x90\x80\x80", L"\xFFFD\xFFFD\xFFFD\xFFFD", false},  // beyond the last
         {"\xF5\xFF", L"\xFFFD\xFFFD", false},
-        {"\xE6\x9B", L"\xFFFD\xFFFD", false},                          // cut off
+        {"\xE6\x9B", L"\xFFFD\xFFFD", false},  // cut off
         {"\xE6z\xC3", L"\xFFFDz\xFFFD", false},
     };
     for (const Row& row : rows) {

@@ -62,7 +62,8 @@ class Coordinator {
         window_class.lpfnWndProc = Listen;
         window_class.lpszClassName = L"Coordinator";
         RegisterClassW(&window_class);
-        window_ = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10, NULL, NULL, NULL, NULL);
+        window_ = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10, nullptr, nullptr,
+                                  nullptr, nullptr);
     }
     Coordinator(const Coordinator&) = delete;
     Coordinator& operator=(const Coordinator&) = delete;
@@ -79,7 +80,7 @@ class Coordinator {
     static std::vector<Heard> Hear() {
         Sleep(10);
         MSG message{};
-        while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
             DispatchMessageW(&message);
         return std::exchange(g_heard, {});
     }
@@ -109,7 +110,7 @@ TEST(PowerDetector, AnswersRequestsOfOneMomentInOrder) {
         // The coordinator was there first: its events are used as it made them.
         HANDLE events[3];
         for (int request = 0; request < 3; ++request)
-            events[request] = CreateEventW(NULL, FALSE, TRUE, kRequests[request]);
+            events[request] = CreateEventW(nullptr, FALSE, TRUE, kRequests[request]);
         CPowerDetector detector;
         ASSERT_TRUE(detector.Init());
         EXPECT_EQ(Coordinator::Hear(), (std::vector<Heard>{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}));
@@ -230,7 +231,7 @@ TEST(PowerDetector, MissingRequestEventCostsOnlyItsOwnAnswer) {
     platform.Run([&] {
         Coordinator coordinator;
         // Something else has the name.
-        const HANDLE mutex = CreateMutexW(NULL, FALSE, kRequests[1]);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, kRequests[1]);
         {
             CPowerDetector detector;
             EXPECT_TRUE(detector.Init());
@@ -250,7 +251,7 @@ TEST(PowerDetector, MissingRequestEventCostsOnlyItsOwnAnswer) {
 TEST(PowerDetector, WithoutItsQueueReleasesWhatItHad) {
     Platform platform;
     platform.Run([&] {
-        const HANDLE mutex = CreateMutexW(NULL, FALSE, kQueue);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, kQueue);
         const std::size_t handles = kernel::HandleCount();
         const std::size_t threads = kernel::ThreadCount();
         CPowerDetector detector;
@@ -271,8 +272,8 @@ TEST(PowerDetector, WithoutItsQueueReleasesWhatItHad) {
 TEST(PowerDetector, ThreadsWithoutAnObjectEndAtOnce) {
     Platform platform;
     SetLastError(ERROR_SUCCESS);
-    EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(NULL), 0U);
-    EXPECT_EQ(CPowerDetector::ThreadProc_PowerCommonCtrl_static(NULL), 0U);
+    EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(nullptr), 0U);
+    EXPECT_EQ(CPowerDetector::ThreadProc_PowerCommonCtrl_static(nullptr), 0U);
     const std::string rest =
         ", (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), PowerThreads.cpp(#)";
     EXPECT_EQ(ProgramLog(platform.board),
@@ -302,7 +303,7 @@ TEST(PowerDetector, ThreadEndsWhenItsWaitFails) {
     platform.Run(
         [&] {
             Coordinator coordinator;
-            const HANDLE suspend = CreateEventW(NULL, FALSE, FALSE, kRequests[0]);
+            const HANDLE suspend = CreateEventW(nullptr, FALSE, FALSE, kRequests[0]);
             CPowerDetector detector;
             ASSERT_TRUE(detector.Init());
             Sleep(10);

@@ -25,7 +25,7 @@ struct Dib {
     DWORD error = ERROR_SUCCESS;
 };
 
-Bytes Join(const Bytes& header, ByteList rest) {
+Bytes Join(const Bytes& header, const ByteList& rest) {
     return ByteList().Add(header).Add(rest.bytes()).bytes();
 }
 
@@ -119,16 +119,15 @@ Bytes TwoIcons(std::uint32_t opacity) {
 TEST(Image, IconTakesItsOpacityFromItsPixelsElseFromItsMask) {
     const Bytes with_opacity = TwoIcons(0x80);
     SetModule(with_opacity);
-    auto icon = resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2);
-    ASSERT_TRUE(icon);
-    EXPECT_EQ(icon->bits_per_pixel, 32);
-    EXPECT_EQ(icon->pixels, Pixels(4, 0x80010203));
+    const auto decode = [] {
+        return resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2).value_or(resource::DecodedImage{});
+    };
+    EXPECT_EQ(decode().bits_per_pixel, 32);
+    EXPECT_EQ(decode().pixels, Pixels(4, 0x80010203));
 
     const Bytes without = TwoIcons(0);
     SetModule(without);
-    icon = resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2);
-    ASSERT_TRUE(icon);
-    EXPECT_EQ(icon->pixels, (Pixels{0x00010203, 0xFF010203, 0xFF010203, 0x00010203}));
+    EXPECT_EQ(decode().pixels, (Pixels{0x00010203, 0xFF010203, 0xFF010203, 0x00010203}));
 
     resource::Hide(RT_ICON, MAKEINTRESOURCEW(8));
     EXPECT_FALSE(resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2));

@@ -122,8 +122,8 @@ TEST_F(Module, HiddenResourcesAreNotFoundUntilTheNextModule) {
     EXPECT_FALSE(resource::DecodeBitmap(MAKEINTRESOURCEW(202)));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND));
     const auto other = resource::DecodeBitmap(MAKEINTRESOURCEW(203));
-    ASSERT_TRUE(other);
-    EXPECT_EQ(other->pixels, std::vector<std::uint32_t>{0x123456});
+    EXPECT_EQ(other.value_or(resource::DecodedImage{}).pixels,
+              std::vector<std::uint32_t>{0x123456});
 
     resource::Hide(RT_BITMAP, L"#203");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203)));

@@ -20,7 +20,8 @@ constexpr std::uint32_t kBlack = 0;
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 
 std::uint32_t At(const DecodedImage& image, int x, int y) {
-    return image.pixels.at(static_cast<std::size_t>(y * image.width + x));
+    return image.pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) +
+                           static_cast<std::size_t>(x));
 }
 
 int Red(std::uint32_t pixel) {

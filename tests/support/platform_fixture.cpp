@@ -44,8 +44,11 @@ bool PlainBoard::ReadPowerSupply(platform::PowerSupply& out) {
     return supply_readable;
 }
 
-DWORD PlainBoard::HalRequest(DWORD code, std::span<const std::byte>, std::span<std::byte>, DWORD&) {
+DWORD PlainBoard::HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte>,
+                             DWORD&) {
     hal_codes.push_back(code);
+    if (on_hal_request)
+        on_hal_request(input);
     return hal_answer;
 }
 
@@ -78,12 +81,13 @@ void Platform::Run(std::function<void()> body, kernel::Duration limit) {
         return DWORD{0};
     });
     const kernel::Time deadline = kernel::Now() + limit;
-    kernel::At(deadline, [] {});
+    const kernel::EventId alarm = kernel::At(deadline, [] {});
     const auto ended = [&] {
         kernel::KernelLock lock = kernel::LockKernel();
         return thread->ended;
     };
     kernel::RunHardware([&] { return ended() || kernel::Now() >= deadline; });
+    kernel::Cancel(alarm);
     ASSERT_TRUE(ended()) << "still running after its unit time";
 }
 

@@ -24,6 +24,7 @@ class PlainBoard final : public platform::Board {
     bool supply_readable = true;
     DWORD hal_answer = ERROR_SUCCESS;
     std::vector<DWORD> hal_codes;
+    std::function<void(std::span<const std::byte> input)> on_hal_request;
     std::vector<DWORD> power_states;
 
     std::wstring debug_output() const;

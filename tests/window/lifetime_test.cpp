@@ -240,7 +240,7 @@ TEST(Destruction, TakesOwnedWindowsAlongFirst) {
     Platform platform;
     platform.Run([] {
         std::vector<std::string> order;
-        const auto note = [&](std::string name) {
+        const auto note = [&](const std::string& name) {
             return [&order, name](HWND, UINT message, WPARAM, LPARAM) {
                 if (message == WM_DESTROY)
                     order.push_back(name);

@@ -15,8 +15,7 @@ namespace tests {
 // "COM9:" with a device of 460800 baud, 8N1 at the other end of its wires.
 struct MemoryPort {
     explicit MemoryPort(Platform& platform) {
-        platform.board.drivers[L"COM9:"] =
-            std::make_shared<platform::device::SerialDriver>(line);
+        platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
     }
 
     // Opens the port with the device's settings and these time-outs.
@@ -45,11 +44,11 @@ struct MemoryPort {
     platform::kernel::Time heard_at{};
 
     const std::shared_ptr<platform::device::MemoryLine> line =
-        std::make_shared<platform::device::MemoryLine>(
-            460800, [this](std::span<const std::uint8_t> bytes) {
-                heard.append(bytes.begin(), bytes.end());
-                heard_at = platform::kernel::Now();
-            });
+        std::make_shared<platform::device::MemoryLine>(460800,
+                                                       [this](std::span<const std::uint8_t> bytes) {
+                                                           heard.append(bytes.begin(), bytes.end());
+                                                           heard_at = platform::kernel::Now();
+                                                       });
 };
 
 // The program's record: 50 ms and 50 ms a byte for reads, 1 s and 10 ms a byte for writes.
