@@ -17,3 +17,6 @@ foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
         target_link_libraries(${folder} INTERFACE $<LINK_ONLY:platform_${part}>)
     endforeach()
 endforeach()
+
+# The module that the windows belong to is defined with the program's entry.
+target_link_libraries(wizard INTERFACE $<LINK_ONLY:app>)

@@ -74,7 +74,7 @@ void AutoUser::LookAgain() {
 
 void AutoUser::Look() {
     const Station& station = kStations[station_];
-    const ScreenReader screen;
+    const ScreenReader screen(unit_.Screen());
     if (AtStation(station, screen)) {
         Arrive(station, screen);
         return;

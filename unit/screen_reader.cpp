@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/window/screen.h"
-
 namespace unit {
 namespace {
 
@@ -17,8 +15,6 @@ POINT Middle(const RECT& box) {
 }
 
 }  // namespace
-
-ScreenReader::ScreenReader() : surface_(platform::window::ComposeScreen()) {}
 
 const platform::gdi::PlacedText* ScreenReader::Find(std::wstring_view text) const {
     const auto found = std::ranges::find(surface_.texts(), text, &platform::gdi::PlacedText::text);

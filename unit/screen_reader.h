@@ -15,9 +15,8 @@ namespace unit {
 // by their captions or their looks.
 class ScreenReader {
   public:
-    // Looks at the screen now.
-    ScreenReader();
-    explicit ScreenReader(platform::gdi::Surface surface) : surface_(std::move(surface)) {}
+    // Reads a picture of the graphics plane, which must outlive the reader.
+    explicit ScreenReader(const platform::gdi::Surface& surface) : surface_(surface) {}
 
     bool Shows(std::wstring_view text) const { return Find(text) != nullptr; }
     // The first text that starts so; empty when none does.
@@ -33,7 +32,7 @@ class ScreenReader {
   private:
     const platform::gdi::PlacedText* Find(std::wstring_view text) const;
 
-    platform::gdi::Surface surface_;
+    const platform::gdi::Surface& surface_;
 };
 
 }  // namespace unit

@@ -145,6 +145,14 @@ Picture VirtualUnit::TakePicture() const {
     return MixPlanes(window::ComposeScreen(), video, scaler);
 }
 
+const platform::gdi::Surface& VirtualUnit::Screen() {
+    const std::uint64_t version = screen_version_;
+    if (version != composed_version_)
+        composed_ = window::ComposeScreen();
+    composed_version_ = version;
+    return composed_;
+}
+
 void VirtualUnit::WakeUp() {
     if (!suspended_.exchange(false))
         return;
@@ -197,7 +205,8 @@ void VirtualUnit::DebugOutput(std::wstring_view text) {
 }
 
 void VirtualUnit::ScreenChanged() {
-    if (!screen_changed_.exchange(true) && on_screen_change_)
+    ++screen_version_;
+    if (on_screen_change_)
         on_screen_change_();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -67,8 +68,10 @@ class VirtualUnit final : public platform::Board {
 
     // What a person sees now.
     Picture TakePicture() const;
-    // True once after each change of the screen.
-    bool TakeScreenChange() { return screen_changed_.exchange(false); }
+    // The graphics plane now, composed anew only after a change; valid until the next call.
+    const platform::gdi::Surface& Screen();
+    // Grows with every change of the screen. Any thread.
+    std::uint64_t screen_version() const { return screen_version_; }
     // Called on any thread, under locks, when the screen changed. Set before Start.
     void OnScreenChange(std::function<void()> changed) { on_screen_change_ = std::move(changed); }
     bool suspended() const { return suspended_; }
@@ -110,7 +113,10 @@ class VirtualUnit final : public platform::Board {
     std::vector<std::wstring> missing_drivers_;
     platform::PowerSupply supply_;
 
-    std::atomic<bool> screen_changed_{true};
+    std::atomic<std::uint64_t> screen_version_{1};
+    std::uint64_t composed_version_ = 0;
+    platform::gdi::Surface composed_{platform::window::kScreenWidth,
+                                     platform::window::kScreenHeight};
     std::atomic<bool> suspended_{false};
     std::atomic<bool> hal_refuses_{false};
     std::atomic<bool> battery_driver_fails_{false};

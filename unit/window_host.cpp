@@ -71,7 +71,8 @@ void WindowHost::Run(const std::function<bool()>& asked_to_close) {
         const kernel::Time due = kernel::RunDueActions();
         const bool video = unit_.scaler().state().VideoShows();
         const Uint64 now = SDL_GetTicks64();
-        const bool changed = unit_.TakeScreenChange() || StatusLine() != shown_status_;
+        const bool changed =
+            unit_.screen_version() != shown_version_ || StatusLine() != shown_status_;
         if (changed || (video && now >= next_picture)) {
             Present();
             next_picture = now + kVideoPace;
@@ -162,6 +163,7 @@ std::string WindowHost::StatusLine() const {
 
 void WindowHost::Present() {
     shown_status_ = StatusLine();
+    shown_version_ = unit_.screen_version();
     Picture picture = unit_.TakePicture();
     AppendStatusStrip(picture,
                       L"Keys:  C card in/out   E external power   D DVR plug   R reset DVR   "

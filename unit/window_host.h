@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -42,6 +43,7 @@ class WindowHost {
     SDL_Texture* screen_ = nullptr;
     bool finger_down_ = false;
     std::string shown_status_;
+    std::uint64_t shown_version_ = 0;
 };
 
 }  // namespace unit

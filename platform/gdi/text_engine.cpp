@@ -71,7 +71,7 @@ std::shared_ptr<const TextLine> TextEngine::Line(const std::shared_ptr<const Tex
     cached.line = std::make_shared<TextLine>(font, entry->first.second);
     uses_.push_front(&entry->first);
     cached.use = uses_.begin();
-    const auto line = cached.line;
+    auto line = cached.line;
     if (lines_.size() > kCachedLines) {
         lines_.erase(lines_.find(*uses_.back()));
         uses_.pop_back();

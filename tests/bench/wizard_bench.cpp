@@ -13,7 +13,6 @@
 #include "platform/gdi/device_context.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
-#include "platform/kernel/thread.h"
 #include "platform/powermgr/power_notifications.h"
 #include "platform/resource/module.h"
 #include "platform/window/screen.h"
@@ -79,13 +78,13 @@ WizardBench::WizardBench(const kernel::Options& options) : platform(options) {
     drivers[L"DVR1:"] = reset;
     drivers[L"SCA0:"] = scaler;
     std::string problem;
-    EXPECT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\Windows\\Tolvane.exe",
-                                              problem))
+    EXPECT_TRUE(
+        platform::resource::SetModule(res::ProgramResources(), L"\\Windows\\Tolvane.exe", problem))
         << problem;
 }
 
 WizardBench::~WizardBench() {
-    if (started_ && !ended_)
+    if (program_ && !Ended())
         Close();
     EXPECT_EQ(exit_code_, expected_exit_);
     EXPECT_EQ(from_program_.size(), 0U) << "bytes after the last frame";
@@ -103,20 +102,18 @@ void WizardBench::Hide(LPCWSTR type, WORD resource) {
 }
 
 void WizardBench::Start(int show) {
-    started_ = true;
     // The mutex stays to the end of the process.
     platform.AllowHandles(1);
-    kernel::StartThread([this, show] {
+    program_ = kernel::StartThread([this, show] {
         wchar_t command_line[] = L"";
         exit_code_ = WinMain(platform::resource::ModuleInstance(), nullptr, command_line, show);
-        ended_ = true;
         return DWORD{0};
     });
     RunFor(20ms);
 }
 
 void WizardBench::GoTo(int step) {
-    if (!started_)
+    if (!program_)
         Start();
     const auto arrive = [&](int expected) {
         EXPECT_TRUE(Until([&] { return Step() == expected; }, 30s)) << "never at " << expected;
@@ -220,8 +217,7 @@ void WizardBench::HoldPercent(BYTE percent) {
 
 void WizardBench::SendFrame(BYTE type, WORD command, const Bytes& payload) {
     const auto low = [](std::size_t number) { return static_cast<std::uint8_t>(number); };
-    Bytes frame = {0xA5,         0x5A, type, low(command >> 8), low(command), 0,
-                   low(payload.size())};
+    Bytes frame = {0xA5, 0x5A, type, low(command >> 8), low(command), 0, low(payload.size())};
     frame.insert(frame.end(), payload.begin(), payload.end());
     const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
     frame.push_back(low(sum >> 8));
@@ -266,6 +262,11 @@ void WizardBench::Command(UINT id) {
     Post(WM_XCOMMAND, id);
 }
 
+bool WizardBench::Ended() const {
+    const kernel::KernelLock lock = kernel::LockKernel();
+    return program_->ended;
+}
+
 int WizardBench::Step() const {
     const CMainFrame* const frame = g_pMainFrame;
     return frame == nullptr ? kNoFrame : frame->m_nStep.load();
@@ -277,8 +278,8 @@ platform::gdi::Surface WizardBench::Screen() const {
 
 std::optional<platform::gdi::PlacedText> WizardBench::Find(const std::string& text) const {
     const platform::gdi::Surface screen = Screen();
-    const auto found = std::ranges::find(screen.texts(), kernel::FromUtf8(text),
-                                         &platform::gdi::PlacedText::text);
+    const auto found =
+        std::ranges::find(screen.texts(), kernel::FromUtf8(text), &platform::gdi::PlacedText::text);
     return found == screen.texts().end() ? std::nullopt : std::optional(*found);
 }
 
@@ -344,7 +345,7 @@ void WizardBench::Close() {
 }
 
 void WizardBench::WaitForEnd() {
-    EXPECT_TRUE(Until([this] { return ended_.load(); }, 60s)) << "the program did not end";
+    EXPECT_TRUE(Until([this] { return Ended(); }, 60s)) << "the program did not end";
 }
 
 void WizardBench::ExpectExit(int code) {

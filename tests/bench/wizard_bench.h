@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -14,6 +13,7 @@
 
 #include "platform/device/memory_line.h"
 #include "platform/gdi/surface.h"
+#include "platform/kernel/thread.h"
 #include "tests/bench/drivers.h"
 #include "tests/support/platform_fixture.h"
 
@@ -81,12 +81,13 @@ class WizardBench {
     // The unit: the power supply changes; another application posts to the wizard's window, or to
     // the first window of another class.
     void SetAcLine(BYTE status);
-    void Post(UINT message, WPARAM wparam = 0, LPARAM lparam = 0, LPCWSTR window_class = L"Tolvane");
+    void Post(UINT message, WPARAM wparam = 0, LPARAM lparam = 0,
+              LPCWSTR window_class = L"Tolvane");
     // WM_XCOMMAND, as a button sends it.
     void Command(UINT id);
 
     int Step() const;
-    bool Ended() const { return ended_; }
+    bool Ended() const;
     int ExitCode() const { return exit_code_; }
 
     // The screen now.
@@ -126,8 +127,7 @@ class WizardBench {
     std::shared_ptr<platform::device::MemoryLine> line_;
     Bytes from_program_;
     std::size_t taken_frames_ = 0;
-    bool started_ = false;
-    std::atomic<bool> ended_ = false;
+    std::shared_ptr<platform::kernel::Thread> program_;
     int exit_code_ = 0;
     int expected_exit_ = 0;
 };

@@ -139,7 +139,9 @@ TEST(MemoryLine, CatchesUpAfterALateHost) {
     MemoryPort port(platform);
     std::vector<std::size_t> arrivals;
     port.line->Open([&](std::span<const std::uint8_t> bytes) { arrivals.push_back(bytes.size()); });
-    DCB settings{.BaudRate = 460800, .ByteSize = 8};
+    DCB settings{};
+    settings.BaudRate = 460800;
+    settings.ByteSize = 8;
     port.line->ApplySettings(settings);
     kernel::After({}, [&] {
         port.Send(std::string(1'000, 'x'));

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "dvrlink/UART.h"
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_port.h"
 #include "platform/kernel/scheduler.h"
@@ -22,6 +23,9 @@ class LinkFixture {
   public:
     explicit LinkFixture(const platform::kernel::Options& options = {}) : platform(options) {
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
+        // The parser is the program's and remembers the part of a frame that an earlier test left.
+        const Bytes more_than_a_frame(80, 0x00);
+        UART_ParseData(more_than_a_frame.data(), static_cast<DWORD>(more_than_a_frame.size()));
     }
 
     // The DVR sends, at a time of the unit's clock.

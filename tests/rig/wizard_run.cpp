@@ -64,11 +64,11 @@ bool WizardRun::RunUntil(const std::function<bool()>& condition, std::chrono::se
 }
 
 bool WizardRun::WaitForText(const std::wstring& text, std::chrono::seconds limit) {
-    return RunUntil([&] { return unit::ScreenReader().Shows(text); }, limit);
+    return RunUntil([&] { return screen().Shows(text); }, limit);
 }
 
 bool WizardRun::Tap(const std::wstring& caption) {
-    const auto place = unit::ScreenReader().PlaceOf(caption);
+    const auto place = screen().PlaceOf(caption);
     if (place)
         TapAt(place->x, place->y);
     return place.has_value();

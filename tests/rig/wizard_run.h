@@ -24,6 +24,7 @@ class WizardRun {
     WizardRun& operator=(const WizardRun&) = delete;
 
     unit::VirtualUnit& unit() { return *unit_; }
+    unit::ScreenReader screen() { return unit::ScreenReader(unit_->Screen()); }
 
     void RunFor(std::chrono::milliseconds time);
     // Runs until it holds, looking every 20 ms of unit time; false when it did not come in time.

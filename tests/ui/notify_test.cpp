@@ -39,7 +39,11 @@ TEST(Notify, SaysWhatTheStepAsksFor) {
         int width;
         bool centred;
     } const rows[] = {
-        {-1, {"DVR用SDカード挿入口にSDカードが入っている場合、", 46}, {"SDカードを抜いて下さい。", 23}, 16, false},
+        {-1,
+         {"DVR用SDカード挿入口にSDカードが入っている場合、", 46},
+         {"SDカードを抜いて下さい。", 23},
+         16,
+         false},
         {3, {"DVR用SDカード挿入口から", 23}, {"SDカードを抜いて下さい。", 23}, 22, true},
     };
     for (const auto& row : rows) {

@@ -6,7 +6,6 @@ namespace tests {
 namespace {
 
 using namespace std::chrono_literals;
-using unit::ScreenReader;
 using unit::VirtualUnit;
 
 constexpr wchar_t kSuccess[] = L"ファームウェアのアップデート終了です。";
@@ -28,8 +27,8 @@ TEST(UpdateRoad, EndsWithTheNewFirmwareAndTheCloseButton) {
     FinishFromRemoveCard(run);
     ASSERT_TRUE(run.WaitForText(kSuccess, 20s));
     EXPECT_EQ(run.unit().dvr().dvr()->FirmwareVersion(), "14.09.01.V1.02.03");
-    EXPECT_TRUE(ScreenReader().Shows(L"DVR : V1.02.03"));
-    const auto close = ScreenReader().CloseButton();
+    EXPECT_TRUE(run.screen().Shows(L"DVR : V1.02.03"));
+    const auto close = run.screen().CloseButton();
     ASSERT_TRUE(close);
     run.TapAt(close->x, close->y);
     ASSERT_TRUE(run.RunUntil([&] { return !run.unit().program().running(); }, 5s));
@@ -61,8 +60,8 @@ TEST(UpdateRoad, NoCardReportAfterPowerOnShowsTheErrorScreen) {
     ASSERT_TRUE(run.WaitForText(L"OK", 2s));
     ASSERT_TRUE(run.Tap(L"OK"));
     ASSERT_TRUE(run.WaitForText(kError, 10s));
-    EXPECT_TRUE(ScreenReader().CloseButton());
-    EXPECT_FALSE(ScreenReader().Shows(L"Next"));
+    EXPECT_TRUE(run.screen().CloseButton());
+    EXPECT_FALSE(run.screen().Shows(L"Next"));
 }
 
 TEST(UpdateRoad, CardWithoutImageGivesTheNoticeAndAnotherTry) {
@@ -72,7 +71,7 @@ TEST(UpdateRoad, CardWithoutImageGivesTheNoticeAndAnotherTry) {
     ASSERT_TRUE(run.WaitForText(L"Update", 5s));
     ASSERT_TRUE(run.Tap(L"Update"));
     ASSERT_TRUE(run.WaitForText(kImageMissing, 8s));
-    EXPECT_TRUE(ScreenReader().Shows(L"4. \"gp_card_upgrade.bin\" をSDカードに入れて下さい。"));
+    EXPECT_TRUE(run.screen().Shows(L"4. \"gp_card_upgrade.bin\" をSDカードに入れて下さい。"));
     // The DVR boots, its card is reported, and the driver may try again.
     run.RunFor(4s);
     run.unit().RemoveCard();
@@ -81,7 +80,7 @@ TEST(UpdateRoad, CardWithoutImageGivesTheNoticeAndAnotherTry) {
     ASSERT_TRUE(run.WaitForText(L"Update", 5s));
     ASSERT_TRUE(run.Tap(L"Update"));
     ASSERT_TRUE(run.WaitForText(L"Update Percent : 5%", 15s));
-    EXPECT_FALSE(ScreenReader().Shows(kImageMissing));
+    EXPECT_FALSE(run.screen().Shows(kImageMissing));
 }
 
 TEST(UpdateRoad, VersionNeverReportedShowsFailure) {
@@ -91,7 +90,7 @@ TEST(UpdateRoad, VersionNeverReportedShowsFailure) {
     run.GoToRemoveCard();
     FinishFromRemoveCard(run);
     ASSERT_TRUE(run.WaitForText(kFailure, 20s));
-    EXPECT_TRUE(ScreenReader().CloseButton());
+    EXPECT_TRUE(run.screen().CloseButton());
 }
 
 TEST(UpdateRoad, PowerLostAndBackAtEveryStationRestartsAndStillUpdates) {
@@ -107,7 +106,7 @@ TEST(UpdateRoad, PowerLostAndBackAtEveryStationRestartsAndStillUpdates) {
             ASSERT_TRUE(run.WaitForText(L"Power On", 5s));
         run.unit().SetExternalPower(false);
         ASSERT_TRUE(run.WaitForText(kOffline, 3s));
-        EXPECT_FALSE(ScreenReader().Shows(L"Next"));
+        EXPECT_FALSE(run.screen().Shows(L"Next"));
         EXPECT_TRUE(run.Logged("AC_LINE_OFFLINE"));
         run.unit().RemoveCard();
         run.RunFor(1s);
@@ -148,7 +147,7 @@ TEST(UpdateRoad, MissingPartsAreLoggedAndPassedOver) {
         ASSERT_TRUE(run.Tap(L"OK"));
         run.RunFor(20s);
         EXPECT_TRUE(run.Logged(c.line)) << run.output();
-        EXPECT_FALSE(ScreenReader().Shows(kFirstScreen));
+        EXPECT_FALSE(run.screen().Shows(kFirstScreen));
     }
 }
 
@@ -157,14 +156,14 @@ TEST(UpdateRoad, ClosesInOrderFromEveryMoment) {
         SCOPED_TRACE(tenths);
         WizardRun run;
         const auto user = [&run](const wchar_t* caption) {
-            if (ScreenReader().Shows(caption))
+            if (run.screen().Shows(caption))
                 run.Tap(caption);
         };
         for (int passed = 0; passed < tenths; passed += 5) {
             run.RunFor(400ms);
             for (const wchar_t* caption : {L"Power On", L"OK", L"Next", L"Update"})
                 user(caption);
-            if (ScreenReader().Shows(L"5. DVR用SDカード挿入口にSDカードを入れて下さい。"))
+            if (run.screen().Shows(L"5. DVR用SDカード挿入口にSDカードを入れて下さい。"))
                 run.InsertImage();
         }
         run.Close();

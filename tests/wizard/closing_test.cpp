@@ -72,8 +72,7 @@ TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
         bench.Start(show);
         bench.Mark();
         bench.Close();
-        EXPECT_EQ(bench.TakeLog("CMainFrame::"),
-                  Log(show == SW_HIDE ? 2 : 0, kNothingToRelease));
+        EXPECT_EQ(bench.TakeLog("CMainFrame::"), Log(show == SW_HIDE ? 2 : 0, kNothingToRelease));
     }
 }
 

@@ -201,10 +201,18 @@ TEST(Repainting, HappensForSomeEventsAlone) {
         Act act;
         bool paints;
     } const rows[] = {
-        {-1, Timer(261), true},   {-1, Normal(), false},    {-1, Card(0), false},
-        {-1, Timer(999), false},  {0, Normal(), true},      {0, Card(1), true},
-        {1, Normal(), false},     {1, Card(0), true},       {4, Card(0), false},
-        {4, Command(kSuspend), true}, {5, Command(kUpdate), true}, {6, Card(0), true},
+        {-1, Timer(261), true},
+        {-1, Normal(), false},
+        {-1, Card(0), false},
+        {-1, Timer(999), false},
+        {0, Normal(), true},
+        {0, Card(1), true},
+        {1, Normal(), false},
+        {1, Card(0), true},
+        {4, Card(0), false},
+        {4, Command(kSuspend), true},
+        {5, Command(kUpdate), true},
+        {6, Card(0), true},
         {-1, [](WizardBench& bench) { bench.SetAcLine(1); }, false},
         {-1, [](WizardBench& bench) { bench.SetAcLine(0); }, true},
         {-1, [](WizardBench& bench) { bench.SetAcLine(255); }, false},
@@ -225,19 +233,24 @@ TEST(Reports, OfOtherValuesAreLogged) {
     struct {
         BYTE value;
         const char* name;
-    } const states[] = {
-        {0, "0, DVR_RUNNING_STATE_INITIALIZING"}, {1, "1, DVR_RUNNING_STATE_INIT_OK"},
-        {3, "3, DVR_RUNNING_STATE_REBOOTTING"},   {4, "4, DVR_RUNNING_STATE_SHUTDOWNING"},
-        {7, "7, default!!!"},                     {255, "255, default!!!"},
-    }, cards[] = {
-        {2, "DVR_STORAGE_CARD_BROKEN"},
-        {3, "DVR_STORAGE_CARD_FORMATING"},
-        {4, "DVR_STORAGE_CARD_SPACE_FULL_NORMAL_FILE"},
-        {5, "DVR_STORAGE_CARD_SPACE_FULL_EVENT_FILE"},
-        {6, "DVR_STORAGE_CARD_SPACE_FULL_BOTH_FILE"},
-        {7, "default!!!"},
-        {255, "default!!!"},
-    };
+    } const states[] =
+        {
+            {0, "0, DVR_RUNNING_STATE_INITIALIZING"},
+            {1, "1, DVR_RUNNING_STATE_INIT_OK"},
+            {3, "3, DVR_RUNNING_STATE_REBOOTTING"},
+            {4, "4, DVR_RUNNING_STATE_SHUTDOWNING"},
+            {7, "7, default!!!"},
+            {255, "255, default!!!"},
+        },
+            cards[] = {
+                {2, "DVR_STORAGE_CARD_BROKEN"},
+                {3, "DVR_STORAGE_CARD_FORMATING"},
+                {4, "DVR_STORAGE_CARD_SPACE_FULL_NORMAL_FILE"},
+                {5, "DVR_STORAGE_CARD_SPACE_FULL_EVENT_FILE"},
+                {6, "DVR_STORAGE_CARD_SPACE_FULL_BOTH_FILE"},
+                {7, "default!!!"},
+                {255, "default!!!"},
+            };
     WizardBench bench;
     bench.GoTo(4);
     for (const auto& state : states) {

@@ -48,12 +48,13 @@ const StepScreen kScreens[] = {
                 "W  Nextボタンは表示されません。"},
                {"W Next"})},
     {1, Screen(kReading, kInsert, {})},
-    {2, Screen("W DVR :",
-               {"W ファームウェアをアップデートしている間は、本体の電源を切らないで下さい。",
-                "W Update Percent : 5%",
-                "W ファームウェアをアップデートしている間は、本体のRESETボタンを押下しないで下さい。",
-                "W ファームウェアをアップデートしている間は、SDカードを抜かないで下さい。"},
-               {})},
+    {2,
+     Screen("W DVR :",
+            {"W ファームウェアをアップデートしている間は、本体の電源を切らないで下さい。",
+             "W Update Percent : 5%",
+             "W ファームウェアをアップデートしている間は、本体のRESETボタンを押下しないで下さい。",
+             "W ファームウェアをアップデートしている間は、SDカードを抜かないで下さい。"},
+            {})},
     {3, Screen("W DVR :", {"W 6. しばらくお待ち下さい。"}, {})},
     {4, Screen("W DVR :",
                {"R 7. DVR用SDカード挿入口からSDカードを抜いて下さい。",
@@ -174,8 +175,10 @@ TEST(Screens, ShowTheVersionWhenItsSecondOrFifthCharacterIsThere) {
         std::string_view characters;
         const char* shown;
     } const rows[] = {
-        {"1.02.03", "W DVR : V1.02.03"}, {"9\0\0\0\0\0\0"sv, kReading},
-        {"9.\0\0\0\0\0"sv, "W DVR : V9."}, {"90000", "W DVR : V0.01.00"},
+        {"1.02.03", "W DVR : V1.02.03"},
+        {"9\0\0\0\0\0\0"sv, kReading},
+        {"9.\0\0\0\0\0"sv, "W DVR : V9."},
+        {"90000", "W DVR : V0.01.00"},
     };
     for (const int step : {0, 1, 5, 6}) {
         WizardBench bench;
@@ -185,9 +188,9 @@ TEST(Screens, ShowTheVersionWhenItsSecondOrFifthCharacterIsThere) {
             bench.RunFor(20ms);
             EXPECT_EQ(bench.Lines()[3], row.shown);
             if (step == 5) {
-                EXPECT_EQ(bench.Instructions()[0], row.shown == kReading
-                                                       ? "W ファームウェアのアップデートに失敗しました。"
-                                                       : "W ファームウェアのアップデート終了です。");
+                EXPECT_EQ(bench.Instructions()[0],
+                          row.shown == kReading ? "W ファームウェアのアップデートに失敗しました。"
+                                                : "W ファームウェアのアップデート終了です。");
             }
         }
     }
@@ -219,7 +222,8 @@ TEST(Screens, GiveTextsTheirSizeAndPlace) {
         {0, "3.“Next” ボタンを押下して下さい。", 33, 12, 175, 50},
         {4, "7. DVR用SDカード挿入口からSDカードを抜いて下さい。", 51, 13, 235, 50},
         {5, "ファームウェアのアップデートに失敗しました。", 44, 15, 235, 50},
-        {-1, "ファームウェアをアップデートしている間は、外部電源を抜かないで下さい。", 70, 10, 70, 0},
+        {-1, "ファームウェアをアップデートしている間は、外部電源を抜かないで下さい。", 70, 10, 70,
+         0},
         {-1, "<< DVR Firmware Update Tool >>", 30, 10, 25, 0},
     };
     for (const auto& row : rows) {

@@ -45,10 +45,10 @@ TEST(Waits, PowerOnResetsAndPollsForACardReport) {
         BYTE status;
         std::chrono::milliseconds arrives;
     } const rows[] = {
-        {Driver::kWorks, 1000ms, 0, 2000ms},    {Driver::kWorks, 1000ms, 4, 2000ms},
-        {Driver::kWorks, 3050ms, 1, 3100ms},    {Driver::kWorks, 5950ms, 0, 6000ms},
-        {Driver::kWorks, kNever, 0, 6000ms},    {Driver::kMissing, 1050ms, 0, 1100ms},
-        {Driver::kMissing, kNever, 0, 4000ms},  {Driver::kRefuses, 1050ms, 0, 1100ms},
+        {Driver::kWorks, 1000ms, 0, 2000ms},   {Driver::kWorks, 1000ms, 4, 2000ms},
+        {Driver::kWorks, 3050ms, 1, 3100ms},   {Driver::kWorks, 5950ms, 0, 6000ms},
+        {Driver::kWorks, kNever, 0, 6000ms},   {Driver::kMissing, 1050ms, 0, 1100ms},
+        {Driver::kMissing, kNever, 0, 4000ms}, {Driver::kRefuses, 1050ms, 0, 1100ms},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
@@ -90,8 +90,7 @@ TEST(Waits, NextMovesOnBeforeTheReset) {
         bench.RunFor(2500ms);
         ASSERT_EQ(bench.scaler->requests.size(), WizardBench::kVideoOn.size());
         // The tap takes 20 ms, the timer 100.
-        ExpectAt(bench.scaler->requests[0].time - start,
-                 driver == Driver::kWorks ? 2120ms : 120ms);
+        ExpectAt(bench.scaler->requests[0].time - start, driver == Driver::kWorks ? 2120ms : 120ms);
         EXPECT_EQ(bench.TakeLog("CMainFrame::"), ResetLog(driver));
     }
 }

@@ -1,0 +1,202 @@
+#include <windows.h>
+
+#include <atlapp.h>
+#include <atlbase.h>
+#include <atlframe.h>
+#include <atlwin.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/resource/module.h"
+#include "res/program_resources.h"
+#include "res/resource.h"
+#include "tests/support/platform_fixture.h"
+
+CAppModule _Module;
+
+namespace tests {
+namespace {
+
+constexpr UINT kAsk = WM_USER + 1;
+
+class Frame : public CFrameWindowImpl<Frame> {
+  public:
+    DECLARE_FRAME_WND_CLASS(L"FrameUnderTest", IDR_MAINFRAME)
+
+    BEGIN_MSG_MAP(Frame)
+        MESSAGE_HANDLER(WM_CREATE, OnCreate)
+        MESSAGE_HANDLER(kAsk, OnAskFirst)
+        MESSAGE_HANDLER(kAsk, OnAskSecond)
+        COMMAND_ID_HANDLER(12, OnCommand)
+        CHAIN_MSG_MAP(CFrameWindowImpl<Frame>)
+    END_MSG_MAP()
+
+    void OnFinalMessage(HWND window) override {
+        ++final_messages;
+        EXPECT_EQ(m_hWnd, nullptr);
+        EXPECT_NE(window, nullptr);
+    }
+
+    std::function<LRESULT()> on_create = [] { return 0; };
+    std::function<void()> on_ask = [] {};
+    bool first_handles = true;
+    int final_messages = 0;
+
+  private:
+    LRESULT OnCreate(UINT, WPARAM, LPARAM, BOOL&) { return on_create(); }
+    LRESULT OnAskFirst(UINT, WPARAM, LPARAM, BOOL& bHandled) {
+        on_ask();
+        bHandled = first_handles;
+        return 1;
+    }
+    LRESULT OnAskSecond(UINT, WPARAM, LPARAM, BOOL&) { return 2; }
+    LRESULT OnCommand(WORD code, WORD id, HWND, BOOL&) { return code * 100 + id; }
+};
+
+class Dialog : public CDialogImpl<Dialog> {
+  public:
+    enum { IDD = IDD_NOTIFY };
+
+    BEGIN_MSG_MAP(Dialog)
+        MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+        MESSAGE_HANDLER(kAsk, OnAsk)
+    END_MSG_MAP()
+
+    LRESULT answer = 0;
+
+  private:
+    LRESULT OnInitDialog(UINT, WPARAM, LPARAM parameter, BOOL&) {
+        answer = SendMessageW(m_hWnd, kAsk, 0, parameter);
+        EndDialog(5);
+        return 0;
+    }
+    LRESULT OnAsk(UINT, WPARAM, LPARAM parameter, BOOL&) { return parameter + 1; }
+};
+
+class NoTemplate : public CDialogImpl<NoTemplate> {
+  public:
+    enum { IDD = 100 };
+
+    BEGIN_MSG_MAP(NoTemplate)
+    END_MSG_MAP()
+};
+
+void OnPlatform(const std::function<void()>& body) {
+    Platform platform;
+    std::string problem;
+    ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\test.exe", problem));
+    platform.Run([&] {
+        _Module.Init(platform::resource::ModuleInstance());
+        body();
+        _Module.Term();
+    });
+}
+
+TEST(Frame, EndsItsLoopAndLetsGoOfTheWindow) {
+    OnPlatform([] {
+        Frame frame;
+        ASSERT_NE(frame.CreateEx(), nullptr);
+        EXPECT_EQ(SendMessageW(frame, WM_COMMAND, MAKEWPARAM(12, 3), 0), 312);
+        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 1);
+        frame.first_handles = false;
+        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 2);
+        // It destroys itself inside a handler, whose message is the last to be let go of.
+        frame.on_ask = [&] {
+            DestroyWindow(frame);
+            EXPECT_NE(frame.m_hWnd, nullptr);
+            EXPECT_EQ(frame.final_messages, 0);
+        };
+        SendMessageW(frame, kAsk, 0, 0);
+        EXPECT_EQ(frame.m_hWnd, nullptr);
+        EXPECT_EQ(frame.final_messages, 1);
+        CMessageLoop loop;
+        EXPECT_EQ(loop.Run(), 0);
+    });
+}
+
+TEST(Frame, CreatedWithinAnothersCreationFindsItsOwnObject) {
+    OnPlatform([] {
+        Frame outer, inner, refusing;
+        inner.on_ask = [&] { inner.first_handles = false; };
+        refusing.on_create = [] { return -1; };
+        outer.on_create = [&] {
+            EXPECT_EQ(refusing.CreateEx(), nullptr);
+            EXPECT_NE(inner.CreateEx(), nullptr);
+            return 0;
+        };
+        EXPECT_NE(outer.CreateEx(), nullptr);
+        EXPECT_EQ(refusing.m_hWnd, nullptr);
+        EXPECT_NE(outer.m_hWnd, inner.m_hWnd);
+        EXPECT_EQ(SendMessageW(inner, kAsk, 0, 0), 2);
+        EXPECT_EQ(SendMessageW(outer, kAsk, 0, 0), 1);
+        EXPECT_EQ(_Module.ExtractCreateWndData(), nullptr);
+        DestroyWindow(inner);
+        DestroyWindow(outer);
+    });
+}
+
+TEST(Frame, GoneBeforeItsWindowLeavesTheWindowAlone) {
+    OnPlatform([] {
+        auto frame = std::make_unique<Frame>();
+        const HWND window = frame->CreateEx();
+        frame.reset();
+        EXPECT_EQ(SendMessageW(window, kAsk, 0, 0), 0);
+        EXPECT_TRUE(DestroyWindow(window));
+    });
+}
+
+TEST(Dialog, AnswersAndEnds) {
+    OnPlatform([] {
+        Dialog dialog;
+        EXPECT_EQ(dialog.DoModal(nullptr, 41), 5);
+        EXPECT_EQ(dialog.answer, 42);
+        EXPECT_EQ(dialog.m_hWnd, nullptr);
+        EXPECT_EQ(dialog.DoModal(nullptr, 7), 5) << "once more";
+        EXPECT_EQ(dialog.answer, 8);
+        NoTemplate missing;
+        EXPECT_EQ(missing.DoModal(nullptr), -1);
+        EXPECT_EQ(_Module.ExtractCreateWndData(), nullptr);
+    });
+}
+
+TEST(MessageLoop, AsksFiltersAndIdlesBetweenMessages) {
+    struct Filter : CMessageFilter {
+        BOOL PreTranslateMessage(MSG* message) override { return message->message == kAsk; }
+    };
+    struct Idle : CIdleHandler {
+        BOOL OnIdle() override {
+            ++rounds;
+            PostQuitMessage(9);
+            return FALSE;
+        }
+        int rounds = 0;
+    };
+    OnPlatform([] {
+        CMessageLoop loop, other;
+        EXPECT_TRUE(_Module.AddMessageLoop(&loop));
+        EXPECT_FALSE(_Module.AddMessageLoop(&other));
+        EXPECT_EQ(_Module.GetMessageLoop(), &loop);
+        Filter filter;
+        Idle idle;
+        EXPECT_TRUE(loop.AddMessageFilter(&filter));
+        EXPECT_FALSE(loop.AddMessageFilter(nullptr));
+        EXPECT_TRUE(loop.AddIdleHandler(&idle));
+        Frame frame;
+        frame.CreateEx();
+        frame.on_ask = [] { ADD_FAILURE() << "the filter had taken it"; };
+        PostMessageW(frame, kAsk, 0, 0);
+        EXPECT_EQ(loop.Run(), 9);
+        EXPECT_EQ(idle.rounds, 1);
+        EXPECT_TRUE(loop.RemoveMessageFilter(&filter));
+        EXPECT_FALSE(loop.RemoveMessageFilter(&filter));
+        EXPECT_TRUE(_Module.RemoveMessageLoop());
+        EXPECT_FALSE(_Module.RemoveMessageLoop());
+        DestroyWindow(frame);
+    });
+}
+
+}  // namespace
+}  // namespace tests
