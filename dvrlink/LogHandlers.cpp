@@ -70,8 +70,8 @@ void Time_IND(DvrFrame frame) {
     if (!LogTimeText(frame, __func__))
         return;
     NKDbgPrintfW(L"%s\t%S, [", kLogPrefix, __func__);
-    const WORD length = std::min<WORD>(frame.length, kMaxPayloadBytes);
-    for (WORD index = 0; index < length; ++index)
+    const WORD length = frame.length;  // a packed field binds to no reference
+    for (WORD index = 0; index < std::min(length, kMaxPayloadBytes); ++index)
         NKDbgPrintfW(L"%02X ", frame.payload[index]);
     NKDbgPrintfW(L"\r\n");
 }

@@ -19,9 +19,13 @@ std::uint32_t Rgb(double red, double green, double blue) {
     return channel(red) << 16 | channel(green) << 8 | channel(blue);
 }
 
+// Dusk: dark above, where the wizard's red line stands, with a glow low over the road, behind its
+// blue notice.
 std::uint32_t Sky(int y) {
     const double depth = static_cast<double>(y) / kHorizon;
-    return Rgb(8 + 26 * depth, 12 + 30 * depth, 30 + 40 * depth);
+    const double glow = std::max(0.0, (depth - 0.5) * 2);
+    return Rgb(8 + 14 * depth + 150 * glow, 12 + 16 * depth + 112 * glow,
+               30 + 24 * depth + 84 * glow);
 }
 
 // One row of the road: grass, verge lines, tarmac and the middle line, filled span by span.

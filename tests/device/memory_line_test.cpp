@@ -46,11 +46,10 @@ TEST(MemoryLine, KeepsTheWiresTimeInBothDirections) {
 
         start = kernel::Now();
         Write(handle, std::string(4'608, 'c'));
-        EXPECT_LE(kernel::Now() - start, milliseconds(100));
         Write(handle, "after");
-        Sleep(50);
+        Sleep(99);
         EXPECT_EQ(port.heard, "") << "nothing is there before its last bit";
-        Sleep(60);
+        Sleep(2);
         EXPECT_EQ(port.heard, std::string(4'608, 'c') + "after");
         EXPECT_EQ(port.heard_at - start, microseconds(100'109));
         CloseHandle(handle);
@@ -58,39 +57,42 @@ TEST(MemoryLine, KeepsTheWiresTimeInBothDirections) {
 }
 
 TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
-    Platform platform;
-    MemoryPort port(platform);
-    platform.Run([&] {
-        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
-        DCB good{};
-        GetCommState(handle, &good);
-        const auto exchanges = [&](auto change) {
-            DCB settings = good;
-            change(settings);
+    struct Row {
+        void (*change)(DCB&);
+        bool exchanges;
+    };
+    const Row rows[] = {
+        {[](DCB&) {}, true},
+        {[](DCB& settings) { settings.fRtsControl = RTS_CONTROL_DISABLE; }, true},
+        {[](DCB& settings) { settings.BaudRate = CBR_115200; }, false},
+        {[](DCB& settings) { settings.ByteSize = 7; }, false},
+        {[](DCB& settings) { settings.Parity = EVENPARITY; }, false},
+        {[](DCB& settings) { settings.StopBits = TWOSTOPBITS; }, false},
+    };
+    for (const Row& row : rows) {
+        Platform platform;
+        MemoryPort port(platform);
+        platform.Run([&] {
+            const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+            DCB settings{};
+            EXPECT_TRUE(GetCommState(handle, &settings));
+            row.change(settings);
             EXPECT_TRUE(SetCommState(handle, &settings));
-            port.heard.clear();
             Write(handle, "out");
             kernel::After({}, [&] { port.Send("in"); });
-            const std::string in = Read(handle, 2);
+            EXPECT_EQ(Read(handle, 2), row.exchanges ? "in" : "");
             Sleep(1);
-            EXPECT_EQ(in.empty(), port.heard.empty());
-            return in == "in" && port.heard == "out";
-        };
-        EXPECT_TRUE(exchanges([](DCB&) {}));
-        EXPECT_FALSE(exchanges([](DCB& settings) { settings.BaudRate = CBR_115200; }));
-        EXPECT_FALSE(exchanges([](DCB& settings) { settings.ByteSize = 7; }));
-        EXPECT_FALSE(exchanges([](DCB& settings) { settings.Parity = EVENPARITY; }));
-        EXPECT_FALSE(exchanges([](DCB& settings) { settings.StopBits = TWOSTOPBITS; }));
-        EXPECT_TRUE(exchanges([](DCB& settings) { settings.fRtsControl = RTS_CONTROL_DISABLE; }));
-        CloseHandle(handle);
-    });
+            EXPECT_EQ(port.heard, row.exchanges ? "out" : "") << &row - rows;
+            CloseHandle(handle);
+        });
+    }
 }
 
-TEST(MemoryLine, LosesWhatIsOnTheWireWhenUnplugged) {
+TEST(MemoryLine, LosesWhatIsOnTheWireWhenUnpluggedOrClosed) {
     Platform platform;
     MemoryPort port(platform);
     platform.Run([&] {
-        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+        HANDLE handle = MemoryPort::Open(kProgramTimeouts);
         const auto plug = [&](int at, bool plugged) {
             kernel::After(microseconds(at), [&port, plugged] { port.line->SetPlugged(plugged); });
         };
@@ -102,32 +104,18 @@ TEST(MemoryLine, LosesWhatIsOnTheWireWhenUnplugged) {
 
         Write(handle, "cut through");
         plug(10, false);
-        plug(20, true);
-        Sleep(1);
-        EXPECT_EQ(port.heard, "");
-
-        plug(0, false);
         Sleep(1);
         Write(handle, "to nobody");
         plug(10, true);
         Sleep(1);
-        EXPECT_EQ(port.heard, "");
         Write(handle, "there");
         Sleep(1);
         EXPECT_EQ(port.heard, "there");
-        CloseHandle(handle);
-    });
-}
 
-TEST(MemoryLine, WhatArrivesWhileThePortIsClosedIsLost) {
-    Platform platform;
-    MemoryPort port(platform);
-    platform.Run([&] {
-        const HANDLE early = MemoryPort::Open(kProgramTimeouts);
         kernel::After({}, [&] { port.Send(std::string(4'608, 'x')); });
-        CloseHandle(early);
+        CloseHandle(handle);
         Sleep(50);
-        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+        handle = MemoryPort::Open(kProgramTimeouts);
         EXPECT_EQ(Read(handle, 4'608).size(), 2'304U);
         CloseHandle(handle);
     });

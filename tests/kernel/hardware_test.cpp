@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
@@ -21,57 +22,55 @@ class Hardware : public tests::InEveryMode {
   protected:
     Platform platform{GetParam().options};
     std::string order;
-    void Then(const char* what) { order += what; }
 };
 
 TEST_P(Hardware, ActionsRunInOrderOfTimeThenOfArrival) {
     const kernel::Time start = kernel::Now();
-    kernel::At(start + milliseconds(20), [&] { Then("late "); });
-    kernel::At(start + milliseconds(10), [&] { Then("first "); });
-    kernel::At(start + milliseconds(10), [&] { Then("second "); });
+    const auto plan = [&](int milliseconds_from_start, const char* what) {
+        return kernel::At(start + milliseconds(milliseconds_from_start),
+                          [this, what] { order += what; });
+    };
+    plan(20, "late ");
+    plan(10, "first ");
+    plan(10, "second ");
     kernel::At(start - milliseconds(10), [&] {
-        Then("overdue ");
-        EXPECT_GE(kernel::Now(), start);
-        kernel::At(start, [&] { Then("nested "); });
+        order += "overdue ";
+        plan(0, "nested ");
     });
-    const kernel::EventId cancelled =
-        kernel::At(start + milliseconds(15), [&] { Then("cancelled "); });
-    kernel::Cancel(cancelled);
-    kernel::Cancel(cancelled);
-    kernel::Cancel(987654);
+    const kernel::EventId cancelled = plan(15, "cancelled ");
+    for (const kernel::EventId id : {cancelled, cancelled, kernel::EventId{987654}})
+        kernel::Cancel(id);
     platform.RunFor(milliseconds(20));
     EXPECT_EQ(order, "overdue nested first second late ");
     EXPECT_GE(kernel::Now(), start + milliseconds(20));
 }
 
-TEST_P(Hardware, ThreadsOrderActionsThatTheHardwaresThreadRuns) {
-    std::atomic<int> ran = 0;
-    const auto hardware = std::this_thread::get_id();
+TEST_P(Hardware, RunsWhatThreadsOrder) {
+    std::thread::id ran_on;
     platform.Run([&] {
-        const auto count = [&] {
-            EXPECT_EQ(std::this_thread::get_id(), hardware);
-            ++ran;
-        };
-        kernel::After(milliseconds(5), count);
-        kernel::Cancel(kernel::After(std::chrono::seconds(10), [&] { ran += 10; }));
+        kernel::Cancel(kernel::After(std::chrono::seconds(10), [&] { order += "cancelled"; }));
+        kernel::After(milliseconds(5), [&] {
+            ran_on = std::this_thread::get_id();
+            order += "ran";
+        });
         Sleep(10'100);
     });
-    EXPECT_EQ(ran, 1);
+    EXPECT_EQ(ran_on, std::this_thread::get_id());
+    EXPECT_EQ(order, "ran");
 }
 
 // The hardware's thread may call what does not wait (it puts records into message queues); that
 // must not start another action in the middle of the running one.
 TEST_P(Hardware, CallWithoutWaitingStartsNoOtherAction) {
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    const kernel::Time now = kernel::Now();
-    kernel::At(now, [&] {
-        Then("begin ");
+    kernel::After({}, [&] {
+        order += "begin ";
         EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_TIMEOUT);
         SetEvent(event);
         EXPECT_EQ(WaitForSingleObject(event, INFINITE), WAIT_OBJECT_0);
-        Then("end ");
+        order += "end ";
     });
-    kernel::At(now, [&] { Then("other "); });
+    kernel::After({}, [&] { order += "other "; });
     platform.RunFor(milliseconds(1));
     EXPECT_EQ(order, "begin end other ");
     CloseHandle(event);
@@ -86,13 +85,11 @@ TEST_P(Hardware, MayWaitForThreadsAndForTime) {
         Sleep(30);
         SetEvent(answer);
     });
-    kernel::Time start = kernel::Now();
+    const kernel::Time start = kernel::Now();
     EXPECT_EQ(WaitForSingleObject(answer, 10), WAIT_TIMEOUT);
-    EXPECT_GE(kernel::Now(), start + milliseconds(10));
-    start = kernel::Now();
     SetEvent(question);
     EXPECT_EQ(WaitForSingleObject(answer, INFINITE), WAIT_OBJECT_0);
-    EXPECT_GE(kernel::Now(), start + milliseconds(30));
+    EXPECT_GE(kernel::Now(), start + milliseconds(40));
     crew.Join();
     CloseHandle(question);
     CloseHandle(answer);
@@ -107,19 +104,14 @@ TEST(FreeRunning, WakerAndDueActionsServeAnEventLoopOutside) {
     std::atomic<bool> ran = false;
     kernel::SetHardwareWaker([&] { ++wakes; });
     EXPECT_EQ(kernel::RunDueActions(), kernel::kNever);
-    const auto thread = kernel::StartThread([&] {
-        kernel::After(milliseconds(20), [&] { ran = true; });
-        return DWORD{0};
-    });
+    tests::Crew crew;
+    crew.Start([&] { kernel::After(milliseconds(20), [&] { ran = true; }); });
     while (wakes == 0)
         std::this_thread::yield();
-    kernel::Time next = kernel::RunDueActions();
-    EXPECT_TRUE(ran || next != kernel::kNever);
     while (!ran)
-        next = kernel::RunDueActions();
+        kernel::RunDueActions();
     EXPECT_EQ(kernel::RunDueActions(), kernel::kNever);
     kernel::SetHardwareWaker({});
-    platform.Run([] {});
 }
 
 // What is signalled between the question and the wait must not be slept over. The hardware looks
@@ -148,11 +140,9 @@ TEST(FreeRunning, SleepsAreNeverShortAtAnySpeed) {
         Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = speed});
         platform.Run([&] {
             for (const DWORD duration : {0U, 1U, 3U, 10U}) {
-                const DWORD ticks = GetTickCount();
                 const kernel::Time start = kernel::Now();
                 Sleep(duration);
                 EXPECT_GE(kernel::Now() - start, milliseconds(duration)) << "speed " << speed;
-                EXPECT_GE(GetTickCount() - ticks, duration) << "speed " << speed;
             }
         });
     }

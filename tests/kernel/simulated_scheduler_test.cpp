@@ -14,8 +14,6 @@
 namespace {
 
 namespace kernel = platform::kernel;
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
 using tests::Crew;
 using tests::Platform;
 
@@ -26,32 +24,18 @@ TEST(SimulatedScheduler, TimePassesExactlyAndOnlyWhileAllWait) {
             EXPECT_EQ(GetTickCount(), 20000U) << "the unit was switched on 20 s ago";
             const HANDLE never = CreateEventW(nullptr, FALSE, FALSE, nullptr);
             for (const DWORD duration : {0U, 1U, 17U, 1000U, 12U * 60 * 60 * 1000}) {
-                kernel::Time start = kernel::Now();
+                const kernel::Time start = kernel::Now();
                 Sleep(duration);
-                EXPECT_EQ(kernel::Now() - start, milliseconds(duration)) << "Sleep";
-                start = kernel::Now();
+                EXPECT_EQ(kernel::Now() - start, std::chrono::milliseconds(duration));
                 EXPECT_EQ(WaitForSingleObject(never, duration), WAIT_TIMEOUT);
-                EXPECT_EQ(kernel::Now() - start, milliseconds(duration)) << "wait";
+                EXPECT_EQ(kernel::Now() - start, 2 * std::chrono::milliseconds(duration));
             }
             CloseHandle(never);
         },
         std::chrono::hours(48));
 }
 
-TEST(SimulatedScheduler, SignalAtTheVeryDeadlineWins) {
-    Platform platform;
-    platform.Run([] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        kernel::After(milliseconds(50), [event] { SetEvent(event); });
-        EXPECT_EQ(WaitForSingleObject(event, 50), WAIT_OBJECT_0);
-        kernel::After(microseconds(50'001), [event] { SetEvent(event); });
-        EXPECT_EQ(WaitForSingleObject(event, 50), WAIT_TIMEOUT);
-        Sleep(1);
-        CloseHandle(event);
-    });
-}
-
-// Who ran, in order, when all of these were let go at once.
+// Who ran, in order, when threads of these priorities were let go at once.
 std::string OrderOfRelease(std::uint64_t seed, const std::vector<int>& priorities) {
     Platform platform({.seed = seed});
     std::string order;
@@ -63,12 +47,11 @@ std::string OrderOfRelease(std::uint64_t seed, const std::vector<int>& prioritie
                 [&order, gate, index] {
                     WaitForSingleObject(gate, INFINITE);
                     order += static_cast<char>('a' + index);
-                    Sleep(1);
                 },
                 priorities[index]);
         Sleep(1);
         SetEvent(gate);
-        Sleep(10);
+        crew.Join();
         CloseHandle(gate);
     });
     return order;
@@ -85,54 +68,34 @@ TEST(SimulatedScheduler, UrgentThreadsGoFirstAndTheSeedChoosesAmongEquals) {
     EXPECT_EQ(orders.size(), 6U) << "twenty seeds find all orders of three";
 }
 
-TEST(SimulatedScheduler, UrgentThreadRunsBeforeItsWakersNextCall) {
+TEST(SimulatedScheduler, MoreUrgentThreadRunsBeforeTheNextCall) {
     Platform platform;
     std::string order;
     platform.Run([&] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
         Crew crew;
-        crew.Start(
-            [&] {
-                WaitForSingleObject(event, INFINITE);
-                order += "urgent ";
-            },
-            THREAD_PRIORITY_ABOVE_NORMAL);
-        Sleep(1);
-        SetEvent(event);
-        SetLastError(0);
-        GetTickCount();
-        order += "waker";
-        crew.Join();
-        CloseHandle(event);
-    });
-    EXPECT_EQ(order, "urgent waker");
-}
-
-TEST(SimulatedScheduler, ChangedPriorityCountsAtOnce) {
-    Platform platform;
-    std::string order;
-    platform.Run([&] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        Crew crew;
-        crew.Start([&] {
-            WaitForSingleObject(event, INFINITE);
-            order += "other ";
-        });
+        for (const int priority : {THREAD_PRIORITY_ABOVE_NORMAL, THREAD_PRIORITY_NORMAL})
+            crew.Start(
+                [&order, event, priority] {
+                    WaitForSingleObject(event, INFINITE);
+                    order += priority == THREAD_PRIORITY_NORMAL ? "equal " : "urgent ";
+                },
+                priority);
         Sleep(1);
         SetEvent(event);
         GetTickCount();
-        order += "still-me ";
+        order += "waker ";
         SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST);
         GetTickCount();
-        order += "me";
+        order += "lowered";
         crew.Join();
         CloseHandle(event);
     });
-    EXPECT_EQ(order, "still-me other me");
+    EXPECT_EQ(order, "urgent waker equal lowered");
 }
 
 // What three busy threads of one priority did, and when.
-std::string Trace(const kernel::Options& options) {
+std::wstring History(const kernel::Options& options) {
     Platform platform(options);
     platform.Run([&] {
         CRITICAL_SECTION section;
@@ -155,20 +118,17 @@ std::string Trace(const kernel::Options& options) {
         CloseHandle(event);
         DeleteCriticalSection(&section);
     });
-    std::string trace;
-    for (const std::wstring& line : platform.board.lines())
-        trace += std::string(line.begin(), line.end()) + "\n";
-    return trace;
+    return platform.board.debug_output();
 }
 
 TEST(SimulatedScheduler, SameSeedSameHistory) {
     for (const bool preempt : {false, true}) {
-        std::set<std::string> histories;
+        std::set<std::wstring> histories;
         for (std::uint64_t seed = 1; seed <= 10; ++seed) {
             const kernel::Options options{.seed = seed, .preempt = preempt};
-            const std::string history = Trace(options);
-            EXPECT_EQ(std::count(history.begin(), history.end(), '\n'), 30);
-            EXPECT_EQ(Trace(options), history) << "seed " << seed << " preempt " << preempt;
+            const std::wstring history = History(options);
+            EXPECT_EQ(std::count(history.begin(), history.end(), L'\n'), 30);
+            EXPECT_TRUE(History(options) == history) << "seed " << seed << " preempt " << preempt;
             histories.insert(history);
         }
         EXPECT_GT(histories.size(), 5U) << "preempt " << preempt;
@@ -189,15 +149,8 @@ TEST(SimulatedScheduler, OnlyPreemptionInterleavesThreadsThatNeverWait) {
                     }
                 });
         });
-        int changes = 0;
-        for (std::size_t index = 1; index < order.size(); ++index)
-            changes += order[index] != order[index - 1];
-        EXPECT_EQ(order.size(), 200U);
-        if (preempt) {
-            EXPECT_GT(changes, 5);
-        } else {
-            EXPECT_EQ(changes, 1);
-        }
+        order.erase(std::unique(order.begin(), order.end()), order.end());
+        EXPECT_EQ(order.size() > 2, preempt) << order;
     }
 }
 

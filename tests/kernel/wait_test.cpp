@@ -1,25 +1,21 @@
-#include <msgqueue.h>
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <vector>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/kernel.h"
 #include "tests/support/crew.h"
 #include "tests/support/platform_fixture.h"
 #include "tests/support/run_modes.h"
 
 namespace {
 
-namespace kernel = platform::kernel;
 using tests::Crew;
-using tests::Platform;
 
 class Wait : public tests::InEveryMode {
   protected:
-    Platform platform{GetParam().options};
+    tests::Platform platform{GetParam().options};
 };
 
 TEST_P(Wait, LowestSignalledIndexWinsAndOnlyItIsConsumed) {
@@ -53,7 +49,6 @@ TEST_P(Wait, AutoResetEventLetsExactlyOneWaiterThrough) {
                 WaitForSingleObject(event, INFINITE);
                 ++through;
             });
-        Sleep(20);
         for (int expected = 1; expected <= 4; ++expected) {
             SetEvent(event);
             while (through < expected)
@@ -71,22 +66,20 @@ TEST_P(Wait, PingPong) {
     platform.Run([] {
         const HANDLE ping = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         const HANDLE pong = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        constexpr int kRounds = 2000;
         int ball = 0;
-        Crew crew;
-        crew.Start([&] {
-            for (int round = 0; round < kRounds; ++round) {
-                WaitForSingleObject(ping, INFINITE);
+        const auto play = [&ball](HANDLE receive, HANDLE send) {
+            for (int round = 0; round < 2000; ++round) {
+                EXPECT_EQ(WaitForSingleObject(receive, INFINITE), WAIT_OBJECT_0);
                 ++ball;
-                SetEvent(pong);
+                SetEvent(send);
             }
-        });
-        for (int round = 0; round < kRounds; ++round) {
-            SetEvent(ping);
-            WaitForSingleObject(pong, INFINITE);
-            EXPECT_EQ(ball, round + 1);
-        }
+        };
+        Crew crew;
+        crew.Start([&] { play(ping, pong); });
+        SetEvent(ping);
+        play(pong, ping);
         crew.Join();
+        EXPECT_EQ(ball, 4000);
         CloseHandle(ping);
         CloseHandle(pong);
     });
@@ -96,26 +89,21 @@ TEST_P(Wait, MutexIsRecursiveAndOwned) {
     platform.Run([] {
         const HANDLE mutex = CreateMutexW(nullptr, TRUE, nullptr);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
-        std::atomic<bool> other_has_it = false;
         Crew crew;
-        crew.Start([&] {
-            EXPECT_EQ(WaitForSingleObject(mutex, 5), WAIT_TIMEOUT);
-            SetLastError(0);
-            EXPECT_FALSE(ReleaseMutex(mutex));
-            EXPECT_EQ(GetLastError(), ERROR_NOT_OWNER);
-        });
-        crew.Join();
-        crew.Start([&] {
-            EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
-            other_has_it = true;
-            EXPECT_TRUE(ReleaseMutex(mutex));
-        });
+        const auto others_turn = [&](DWORD result) {
+            crew.Start([=] {
+                EXPECT_EQ(WaitForSingleObject(mutex, 5), result);
+                SetLastError(0);
+                EXPECT_EQ(ReleaseMutex(mutex), result == WAIT_OBJECT_0);
+                EXPECT_EQ(GetLastError(), result == WAIT_OBJECT_0 ? 0 : ERROR_NOT_OWNER);
+            });
+            crew.Join();
+        };
+        others_turn(WAIT_TIMEOUT);
         EXPECT_TRUE(ReleaseMutex(mutex));
-        Sleep(50);
-        EXPECT_FALSE(other_has_it) << "taken twice, released once";
+        others_turn(WAIT_TIMEOUT);
         EXPECT_TRUE(ReleaseMutex(mutex));
-        crew.Join();
-        EXPECT_TRUE(other_has_it);
+        others_turn(WAIT_OBJECT_0);
         EXPECT_FALSE(ReleaseMutex(mutex));
         CloseHandle(mutex);
     });
@@ -123,61 +111,56 @@ TEST_P(Wait, MutexIsRecursiveAndOwned) {
 
 TEST_P(Wait, MutexOfAThreadThatEndedIsAbandonedOnce) {
     platform.Run([] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        const HANDLE taken = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
         Crew crew;
         crew.Start([&] {
             WaitForSingleObject(mutex, INFINITE);
             WaitForSingleObject(mutex, INFINITE);
-            SetEvent(event);
+            SetEvent(taken);
             Sleep(20);
         });
-        WaitForSingleObject(event, INFINITE);
-        const HANDLE both[] = {event, mutex};
+        WaitForSingleObject(taken, INFINITE);
+        const HANDLE both[] = {taken, mutex};
         EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, INFINITE), WAIT_ABANDONED_0 + 1);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
         EXPECT_TRUE(ReleaseMutex(mutex));
         EXPECT_TRUE(ReleaseMutex(mutex));
         EXPECT_FALSE(ReleaseMutex(mutex)) << "the dead thread's takes do not count";
         crew.Join();
-        CloseHandle(event);
+        CloseHandle(taken);
         CloseHandle(mutex);
     });
 }
 
-TEST_P(Wait, CriticalSectionExcludesAndRecurses) {
+TEST_P(Wait, CriticalSectionExcludesOthersAndRecurses) {
     platform.Run([] {
         CRITICAL_SECTION section;
         InitializeCriticalSection(&section);
         int inside = 0;
         int total = 0;
-        {
-            Crew crew;
-            for (int index = 0; index < 3; ++index)
-                crew.Start([&] {
-                    for (int round = 0; round < 50; ++round) {
-                        EnterCriticalSection(&section);
-                        EXPECT_TRUE(TryEnterCriticalSection(&section));
-                        EXPECT_EQ(++inside, 1);
-                        ++total;
-                        Sleep(round % 10 == 0 ? 1 : 0);
-                        --inside;
-                        LeaveCriticalSection(&section);
-                        LeaveCriticalSection(&section);
-                    }
-                });
-        }
+        Crew crew;
+        for (int index = 0; index < 3; ++index)
+            crew.Start([&] {
+                for (int round = 0; round < 50; ++round) {
+                    EnterCriticalSection(&section);
+                    EXPECT_TRUE(TryEnterCriticalSection(&section));
+                    LeaveCriticalSection(&section);
+                    EXPECT_EQ(++inside, 1);
+                    ++total;
+                    Sleep(round % 10 == 0 ? 1 : 0);
+                    --inside;
+                    LeaveCriticalSection(&section);
+                }
+            });
+        crew.Join();
         EXPECT_EQ(total, 150);
-        Crew other;
         EnterCriticalSection(&section);
-        other.Start([&] {
-            EXPECT_FALSE(TryEnterCriticalSection(&section));
+        crew.Start([&] {
             LeaveCriticalSection(&section);
             EXPECT_FALSE(TryEnterCriticalSection(&section)) << "left by one who was not in";
         });
-        other.Join();
-        LeaveCriticalSection(&section);
-        EXPECT_TRUE(TryEnterCriticalSection(&section));
+        crew.Join();
         LeaveCriticalSection(&section);
         DeleteCriticalSection(&section);
     });
@@ -192,7 +175,6 @@ TEST_P(Wait, ThreadIsSignalledOnceItHasEnded) {
         const HANDLE gate = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         DWORD id = 0;
         const HANDLE thread = CreateThread(nullptr, 0, body, gate, 0, &id);
-        ASSERT_NE(thread, nullptr);
         EXPECT_NE(id, GetCurrentThreadId());
         EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_TIMEOUT);
         DWORD code = 0;
@@ -212,24 +194,17 @@ TEST_P(Wait, ThreadIsSignalledOnceItHasEnded) {
 TEST_P(Wait, ManyShortThreads) {
     std::atomic<int> ran = 0;
     platform.Run([&] {
-        Crew crew;
+        Crew starters;
         for (int starter = 0; starter < 2; ++starter)
-            crew.Start([&ran] {
+            starters.Start([&ran] {
+                Crew crew;
                 for (int index = 0; index < 100; ++index) {
-                    const auto body = [](LPVOID counter) -> DWORD {
-                        ++*static_cast<std::atomic<int>*>(counter);
-                        return 0;
-                    };
-                    const HANDLE thread = CreateThread(nullptr, 0, body, &ran, 0, nullptr);
-                    if (index % 2 == 0)
-                        WaitForSingleObject(thread, INFINITE);
-                    CloseHandle(thread);
+                    crew.Start([&ran] { ++ran; });
+                    if (index % 5 == 0)
+                        crew.Join();
                 }
             });
     });
-    platform.RunFor(std::chrono::seconds(1));
-    while (kernel::ThreadCount() != 0)
-        platform.RunFor(std::chrono::seconds(1));
     EXPECT_EQ(ran, 200);
 }
 

@@ -81,20 +81,13 @@ TEST_P(PowerNotifications, ReachWhoAskedForThem) {
     EXPECT_EQ(kernel::HandleCount(), 0U);
 }
 
-TEST_P(PowerNotifications, AreRefusedWithoutQueueOrFlags) {
+TEST_P(PowerNotifications, NeedQueueAndFlagsAndLeftOpenAreClosedAtShutdown) {
     platform.Run([] {
         const HANDLE queue = MakeQueue();
         EXPECT_EQ(RequestPowerNotifications(nullptr, 6), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
         EXPECT_EQ(RequestPowerNotifications(queue, 0), nullptr);
         EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-        CloseMsgQueue(queue);
-    });
-}
-
-TEST_P(PowerNotifications, LeftOpenTheyAreClosedAtShutdown) {
-    platform.Run([] {
-        const HANDLE queue = MakeQueue();
         EXPECT_NE(RequestPowerNotifications(queue, 6), nullptr);
     });
     // The queue, the request, and the request's own end of the queue.
