@@ -24,8 +24,8 @@ std::uint32_t Rgb(double red, double green, double blue) {
 std::uint32_t Sky(int y) {
     const double depth = static_cast<double>(y) / kHorizon;
     const double glow = std::max(0.0, (depth - 0.5) * 2);
-    return Rgb(8 + 14 * depth + 150 * glow, 12 + 16 * depth + 112 * glow,
-               30 + 24 * depth + 84 * glow);
+    return Rgb(8 + 14 * depth + 105 * glow, 12 + 16 * depth + 78 * glow,
+               30 + 24 * depth + 60 * glow);
 }
 
 // One row of the road: grass, verge lines, tarmac and the middle line, filled span by span.

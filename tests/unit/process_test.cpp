@@ -1,0 +1,126 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+// The built program as an engineer starts it: options in, exit status, lines and files out.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class Process : public testing::Test {
+  protected:
+    Process() {
+        char name[] = "/tmp/tolvane-test-XXXXXX";
+        folder_ = mkdtemp(name);
+    }
+    ~Process() override { fs::remove_all(folder_); }
+
+    // Output and errors go to files "out" and "err" of the test's folder.
+    pid_t Start(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), TOLVANE_BINARY);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        const int flags = O_CREAT | O_WRONLY | O_TRUNC;
+        posix_spawn_file_actions_addopen(&files, 1, Path("out").c_str(), flags, 0600);
+        posix_spawn_file_actions_addopen(&files, 2, Path("err").c_str(), flags, 0600);
+        pid_t child = 0;
+        EXPECT_EQ(posix_spawn(&child, TOLVANE_BINARY, &files, nullptr, pointers.data(), environ),
+                  0);
+        posix_spawn_file_actions_destroy(&files);
+        return child;
+    }
+
+    static int Wait(pid_t child) {
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+    int Run(const std::vector<std::string>& arguments) { return Wait(Start(arguments)); }
+
+    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+    std::string Read(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(Path(name)).rdbuf();
+        return text.str();
+    }
+
+    std::string folder_;
+};
+
+TEST_F(Process, AutoWalksTheUpdateAlikeForTheSameSeed) {
+    std::string first;
+    for (const char* log : {"log1", "log2"}) {
+        ASSERT_EQ(Run({"--auto", "--seed", "3", "--screens", Path("screens"), "--log", Path(log)}),
+                  0)
+            << Read("err");
+        EXPECT_EQ(Read("err"), "");
+        EXPECT_NE(Read(log).find("FW_Upgrade_Version_IND, Percent:100%\r\n"), std::string::npos);
+    }
+    EXPECT_EQ(Read("log1"), Read("log2"));
+    for (const char* name : {"01-power-on", "03-notice-check-card", "11-updating-half",
+                             "13-notice-remove-card", "17-result-success"})
+        EXPECT_GT(fs::file_size(Path("screens/") + name + ".png"), 1000U) << name;
+}
+
+TEST_F(Process, AutoSaysWhereAFailedWalkStood) {
+    fs::create_directory(Path("empty"));
+    EXPECT_EQ(Run({"--auto", "--card", Path("empty"), "--screens", Path("screens")}), 1);
+    EXPECT_EQ(Read("err"),
+              "tolvane: stopped at the notice that the card holds no update image "
+              "(at station updating-start)\n");
+}
+
+TEST_F(Process, WrongOptionsAreOneLineAndStatusTwo) {
+    const std::vector<std::string> cases[] = {{"--nope"},         {"extra"},
+                                              {"--com9", "foo"},  {"--speed", "0"},
+                                              {"--speed", "1e9"}, {"--speed", "fast"},
+                                              {"--seed", "-1"},   {"--seed", "3x"},
+                                              {"--card", "/no"},  {"--log"}};
+    for (const std::vector<std::string>& arguments : cases) {
+        SCOPED_TRACE(arguments.front() + " " + arguments.back());
+        EXPECT_EQ(Run(arguments), 2);
+        const std::string said = Read("err");
+        EXPECT_TRUE(said.starts_with("tolvane: ")) << said;
+        EXPECT_EQ(said.find('\n'), said.size() - 1) << said;
+        EXPECT_EQ(Read("out"), "");
+    }
+    EXPECT_EQ(Run({"--help"}), 0);
+    EXPECT_NE(Read("out").find("--com9"), std::string::npos);
+}
+
+TEST_F(Process, SignalsCloseTheWindowInOrderAndAMissingTtyIsTold) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        fs::remove(Path("log"));
+        const pid_t child = Start(
+            {"--headless", "--speed", "100", "--com9", "/dev/no-such-tty", "--log", Path("log")});
+        while (Read("log").find("---CMainFrame::OnCreate") == std::string::npos)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        kill(child, signal);
+        EXPECT_EQ(Wait(child), 0);
+        EXPECT_EQ(Read("err"),
+                  "tolvane: /dev/no-such-tty: cannot open the serial device: No such file or "
+                  "directory\n");
+        const std::string log = Read("log");
+        EXPECT_NE(log.find("COM_Init, CreateFile() fail!!!, ErrorCode(55)"), std::string::npos);
+        EXPECT_TRUE(log.ends_with("---CPowerDetector::DeInit\r\n")) << log;
+    }
+}
+
+}  // namespace
