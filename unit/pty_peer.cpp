@@ -43,8 +43,7 @@ PtyPeer::PtyPeer(std::function<void(std::span<const std::uint8_t>)> receive)
 
 PtyPeer::~PtyPeer() {
     if (reader_.joinable()) {
-        const std::uint64_t one = 1;
-        static_cast<void>(write(stop_event_, &one, sizeof one));
+        eventfd_write(stop_event_, 1);
         reader_.join();
     }
     for (const int file : {far_end_, near_end_, stop_event_})

@@ -56,20 +56,28 @@ TEST(MemoryLine, KeepsTheWiresTimeInBothDirections) {
     });
 }
 
+enum class Outcome { kExchanges, kHearsNothing, kRefused };
+
 TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
     struct Row {
         void (*change)(DCB&);
-        bool exchanges;
+        Outcome outcome;
     };
     const Row rows[] = {
-        {[](DCB&) {}, true},
-        {[](DCB& settings) { settings.fRtsControl = RTS_CONTROL_DISABLE; }, true},
-        {[](DCB& settings) { settings.BaudRate = CBR_115200; }, false},
-        {[](DCB& settings) { settings.ByteSize = 7; }, false},
-        {[](DCB& settings) { settings.Parity = EVENPARITY; }, false},
-        {[](DCB& settings) { settings.StopBits = TWOSTOPBITS; }, false},
+        {[](DCB&) {}, Outcome::kExchanges},
+        {[](DCB& settings) { settings.fRtsControl = 0; }, Outcome::kExchanges},
+        {[](DCB& settings) { settings.BaudRate = 115200; }, Outcome::kHearsNothing},
+        {[](DCB& settings) { settings.ByteSize = 7; }, Outcome::kHearsNothing},
+        {[](DCB& settings) { settings.Parity = EVENPARITY; }, Outcome::kHearsNothing},
+        {[](DCB& settings) { settings.StopBits = TWOSTOPBITS; }, Outcome::kHearsNothing},
+        {[](DCB& settings) { settings.DCBlength = 27; }, Outcome::kRefused},
+        {[](DCB& settings) { settings.BaudRate = 0; }, Outcome::kRefused},
+        {[](DCB& settings) { settings.ByteSize = 4; }, Outcome::kRefused},
+        {[](DCB& settings) { settings.Parity = 5; }, Outcome::kRefused},
+        {[](DCB& settings) { settings.StopBits = 3; }, Outcome::kRefused},
     };
     for (const Row& row : rows) {
+        SCOPED_TRACE(&row - rows);
         Platform platform;
         MemoryPort port(platform);
         platform.Run([&] {
@@ -77,12 +85,14 @@ TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
             DCB settings{};
             EXPECT_TRUE(GetCommState(handle, &settings));
             row.change(settings);
-            EXPECT_TRUE(SetCommState(handle, &settings));
+            EXPECT_EQ(SetCommState(handle, &settings), row.outcome != Outcome::kRefused);
+            // What was refused changed nothing.
+            const bool exchanges = row.outcome != Outcome::kHearsNothing;
             Write(handle, "out");
             kernel::After({}, [&] { port.Send("in"); });
-            EXPECT_EQ(Read(handle, 2), row.exchanges ? "in" : "");
+            EXPECT_EQ(Read(handle, 2), exchanges ? "in" : "");
             Sleep(1);
-            EXPECT_EQ(port.heard, row.exchanges ? "out" : "") << &row - rows;
+            EXPECT_EQ(port.heard, exchanges ? "out" : "");
             CloseHandle(handle);
         });
     }

@@ -104,49 +104,6 @@ TEST(SerialPort, OneHandleAtATimeAndAWaitingReadEndsWithIt) {
     });
 }
 
-TEST(SerialPort, InputBeyondTheReadAheadIsLostAndPurgeDropsIt) {
-    Platform platform;
-    MemoryPort port(platform);
-    platform.Run([&] {
-        const HANDLE handle = MemoryPort::Open({MAXDWORD, 0, 0, 0, 0});
-        std::vector<char> buffer(100'000);
-        for (const DWORD kept : {65'536U, 0U}) {
-            kernel::After({}, [&] { port.Send(std::string(70'000, 'x')); });
-            Sleep(2'000);
-            EXPECT_TRUE(PurgeComm(handle, kept == 0 ? PURGE_RXCLEAR : PURGE_TXCLEAR));
-            DWORD read = 1;
-            EXPECT_TRUE(ReadFile(handle, buffer.data(), 100'000, &read, nullptr));
-            EXPECT_EQ(read, kept);
-        }
-        CloseHandle(handle);
-    });
-}
-
-TEST(SerialPort, SettingsThatMakeNoSenseAreRefused) {
-    Platform platform;
-    MemoryPort port(platform);
-    platform.Run([] {
-        const HANDLE handle = MemoryPort::Open({});
-        void (*const spoilers[])(DCB&) = {
-            [](DCB& settings) { settings.DCBlength = 27; },
-            [](DCB& settings) { settings.BaudRate = 0; },
-            [](DCB& settings) { settings.ByteSize = 4; },
-            [](DCB& settings) { settings.ByteSize = 9; },
-            [](DCB& settings) { settings.Parity = 5; },
-            [](DCB& settings) { settings.StopBits = 3; },
-        };
-        for (const auto spoil : spoilers) {
-            DCB settings{};
-            EXPECT_TRUE(GetCommState(handle, &settings));
-            spoil(settings);
-            SetLastError(0);
-            EXPECT_FALSE(SetCommState(handle, &settings));
-            EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-        }
-        CloseHandle(handle);
-    });
-}
-
 TEST(CreateFile, OpensDevicesThatAreThereAndNothingElse) {
     Platform platform;
     MemoryPort port(platform);

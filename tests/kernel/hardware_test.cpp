@@ -45,20 +45,6 @@ TEST_P(Hardware, ActionsRunInOrderOfTimeThenOfArrival) {
     EXPECT_GE(kernel::Now(), start + milliseconds(20));
 }
 
-TEST_P(Hardware, RunsWhatThreadsOrder) {
-    std::thread::id ran_on;
-    platform.Run([&] {
-        kernel::Cancel(kernel::After(std::chrono::seconds(10), [&] { order += "cancelled"; }));
-        kernel::After(milliseconds(5), [&] {
-            ran_on = std::this_thread::get_id();
-            order += "ran";
-        });
-        Sleep(10'100);
-    });
-    EXPECT_EQ(ran_on, std::this_thread::get_id());
-    EXPECT_EQ(order, "ran");
-}
-
 // The hardware's thread may call what does not wait (it puts records into message queues); that
 // must not start another action in the middle of the running one.
 TEST_P(Hardware, CallWithoutWaitingStartsNoOtherAction) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 
 #include "platform/kernel/kernel.h"
 #include "tests/support/crew.h"
@@ -39,154 +40,107 @@ TEST_P(Wait, LowestSignalledIndexWinsAndOnlyItIsConsumed) {
     });
 }
 
-TEST_P(Wait, AutoResetEventLetsExactlyOneWaiterThrough) {
+// An auto-reset event, a mutex and a critical section all serve as a lock. A lost wake-up would
+// stop this; two waiters let through by one release would meet inside.
+TEST_P(Wait, LocksLetOneInAtATimeAndForgetNobody) {
     platform.Run([] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        std::atomic<int> through = 0;
-        Crew crew;
-        for (int index = 0; index < 4; ++index)
-            crew.Start([&] {
-                WaitForSingleObject(event, INFINITE);
-                ++through;
-            });
-        for (int expected = 1; expected <= 4; ++expected) {
-            SetEvent(event);
-            while (through < expected)
-                Sleep(1);
-            Sleep(20);
-            EXPECT_EQ(through, expected);
-        }
-        crew.Join();
-        CloseHandle(event);
-    });
-}
-
-// A lost wake-up would stop the ball.
-TEST_P(Wait, PingPong) {
-    platform.Run([] {
-        const HANDLE ping = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        const HANDLE pong = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        int ball = 0;
-        const auto play = [&ball](HANDLE receive, HANDLE send) {
-            for (int round = 0; round < 2000; ++round) {
-                EXPECT_EQ(WaitForSingleObject(receive, INFINITE), WAIT_OBJECT_0);
-                ++ball;
-                SetEvent(send);
-            }
+        const HANDLE event = CreateEventW(nullptr, FALSE, TRUE, nullptr);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
+        CRITICAL_SECTION section;
+        InitializeCriticalSection(&section);
+        struct Lock {
+            std::function<void()> enter;
+            std::function<void()> leave;
         };
-        Crew crew;
-        crew.Start([&] { play(ping, pong); });
-        SetEvent(ping);
-        play(pong, ping);
-        crew.Join();
-        EXPECT_EQ(ball, 4000);
-        CloseHandle(ping);
-        CloseHandle(pong);
+        const auto wait = [](HANDLE handle) {
+            EXPECT_EQ(WaitForSingleObject(handle, INFINITE), WAIT_OBJECT_0);
+        };
+        const Lock locks[] = {
+            {[&] { wait(event); }, [&] { SetEvent(event); }},
+            {[&] { wait(mutex); }, [&] { ReleaseMutex(mutex); }},
+            {[&] { EnterCriticalSection(&section); }, [&] { LeaveCriticalSection(&section); }},
+        };
+        for (const Lock& lock : locks) {
+            int inside = 0;
+            int total = 0;
+            Crew crew;
+            for (int index = 0; index < 3; ++index)
+                crew.Start([&] {
+                    for (int round = 0; round < 500; ++round) {
+                        lock.enter();
+                        EXPECT_EQ(++inside, 1);
+                        ++total;
+                        if (round % 50 == 0)
+                            Sleep(1);
+                        --inside;
+                        lock.leave();
+                    }
+                });
+            crew.Join();
+            EXPECT_EQ(total, 1500) << "lock " << &lock - locks;
+        }
+        DeleteCriticalSection(&section);
+        CloseHandle(event);
+        CloseHandle(mutex);
     });
 }
 
-TEST_P(Wait, MutexIsRecursiveAndOwned) {
+TEST_P(Wait, LocksBelongToTheirThreadAsOftenAsItTookThem) {
     platform.Run([] {
+        CRITICAL_SECTION section;
+        InitializeCriticalSection(&section);
         const HANDLE mutex = CreateMutexW(nullptr, TRUE, nullptr);
-        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
         Crew crew;
-        const auto others_turn = [&](DWORD result) {
-            crew.Start([=] {
-                EXPECT_EQ(WaitForSingleObject(mutex, 5), result);
+        const auto others_turn = [&](bool free) {
+            crew.Start([&, free] {
+                EXPECT_EQ(WaitForSingleObject(mutex, 5), free ? WAIT_OBJECT_0 : WAIT_TIMEOUT);
                 SetLastError(0);
-                EXPECT_EQ(ReleaseMutex(mutex), result == WAIT_OBJECT_0);
-                EXPECT_EQ(GetLastError(), result == WAIT_OBJECT_0 ? 0 : ERROR_NOT_OWNER);
+                EXPECT_EQ(ReleaseMutex(mutex), free);
+                EXPECT_EQ(GetLastError(), free ? 0 : ERROR_NOT_OWNER);
+                if (!free)
+                    LeaveCriticalSection(&section);
+                EXPECT_EQ(TryEnterCriticalSection(&section), free);
+                if (free)
+                    LeaveCriticalSection(&section);
             });
             crew.Join();
         };
-        others_turn(WAIT_TIMEOUT);
-        EXPECT_TRUE(ReleaseMutex(mutex));
-        others_turn(WAIT_TIMEOUT);
-        EXPECT_TRUE(ReleaseMutex(mutex));
-        others_turn(WAIT_OBJECT_0);
-        EXPECT_FALSE(ReleaseMutex(mutex));
+        EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
+        EnterCriticalSection(&section);
+        EXPECT_TRUE(TryEnterCriticalSection(&section));
+        for (const bool free : {false, false, true}) {
+            others_turn(free);
+            EXPECT_EQ(ReleaseMutex(mutex), !free);
+            LeaveCriticalSection(&section);
+        }
         CloseHandle(mutex);
+        DeleteCriticalSection(&section);
     });
 }
 
 TEST_P(Wait, MutexOfAThreadThatEndedIsAbandonedOnce) {
     platform.Run([] {
-        const HANDLE taken = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
-        Crew crew;
-        crew.Start([&] {
-            WaitForSingleObject(mutex, INFINITE);
-            WaitForSingleObject(mutex, INFINITE);
-            SetEvent(taken);
+        const auto body = [](LPVOID taken) -> DWORD {
+            WaitForSingleObject(taken, INFINITE);
+            WaitForSingleObject(taken, INFINITE);
             Sleep(20);
-        });
-        WaitForSingleObject(taken, INFINITE);
-        const HANDLE both[] = {taken, mutex};
-        EXPECT_EQ(WaitForMultipleObjects(2, both, FALSE, INFINITE), WAIT_ABANDONED_0 + 1);
+            return 42;
+        };
+        const HANDLE thread = CreateThread(nullptr, 0, body, mutex, 0, nullptr);
+        DWORD code = 0;
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, STILL_ACTIVE);
+        EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+        EXPECT_TRUE(GetExitCodeThread(thread, &code));
+        EXPECT_EQ(code, 42U);
+        EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);
         EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
         EXPECT_TRUE(ReleaseMutex(mutex));
         EXPECT_TRUE(ReleaseMutex(mutex));
         EXPECT_FALSE(ReleaseMutex(mutex)) << "the dead thread's takes do not count";
-        crew.Join();
-        CloseHandle(taken);
-        CloseHandle(mutex);
-    });
-}
-
-TEST_P(Wait, CriticalSectionExcludesOthersAndRecurses) {
-    platform.Run([] {
-        CRITICAL_SECTION section;
-        InitializeCriticalSection(&section);
-        int inside = 0;
-        int total = 0;
-        Crew crew;
-        for (int index = 0; index < 3; ++index)
-            crew.Start([&] {
-                for (int round = 0; round < 50; ++round) {
-                    EnterCriticalSection(&section);
-                    EXPECT_TRUE(TryEnterCriticalSection(&section));
-                    LeaveCriticalSection(&section);
-                    EXPECT_EQ(++inside, 1);
-                    ++total;
-                    Sleep(round % 10 == 0 ? 1 : 0);
-                    --inside;
-                    LeaveCriticalSection(&section);
-                }
-            });
-        crew.Join();
-        EXPECT_EQ(total, 150);
-        EnterCriticalSection(&section);
-        crew.Start([&] {
-            LeaveCriticalSection(&section);
-            EXPECT_FALSE(TryEnterCriticalSection(&section)) << "left by one who was not in";
-        });
-        crew.Join();
-        LeaveCriticalSection(&section);
-        DeleteCriticalSection(&section);
-    });
-}
-
-TEST_P(Wait, ThreadIsSignalledOnceItHasEnded) {
-    platform.Run([] {
-        const auto body = [](LPVOID gate) -> DWORD {
-            WaitForSingleObject(gate, INFINITE);
-            return 42;
-        };
-        const HANDLE gate = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        DWORD id = 0;
-        const HANDLE thread = CreateThread(nullptr, 0, body, gate, 0, &id);
-        EXPECT_NE(id, GetCurrentThreadId());
-        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_TIMEOUT);
-        DWORD code = 0;
-        EXPECT_TRUE(GetExitCodeThread(thread, &code));
-        EXPECT_EQ(code, STILL_ACTIVE);
-        SetEvent(gate);
-        EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-        EXPECT_TRUE(GetExitCodeThread(thread, &code));
-        EXPECT_EQ(code, 42U);
         CloseHandle(thread);
-        CloseHandle(gate);
+        CloseHandle(mutex);
     });
 }
 
