@@ -1,68 +1,135 @@
 #include "platform/gdi/font_library.h"
 
-#include FT_ADVANCES_H
-#include FT_TRUETYPE_TABLES_H
+#include <pango/pangofc-font.h>
+#include <pango/pangofc-fontmap.h>
+
+#include <map>
+
+#include "platform/gdi/font_files.h"
 
 namespace platform::gdi {
+namespace {
 
-FontFile::~FontFile() {
-    if (face_)
-        FT_Done_Face(face_);
+// Glyphs as they are designed, in shades of grey; each family is followed by the Japanese one.
+constexpr char kConfiguration[] = R"(<?xml version="1.0"?>
+<fontconfig>
+  <match target="pattern">
+    <edit name="family" mode="append_last" binding="same"><string>IPAGothic</string></edit>
+  </match>
+  <match target="font">
+    <edit name="antialias" mode="assign"><bool>true</bool></edit>
+    <edit name="hinting" mode="assign"><bool>false</bool></edit>
+    <edit name="hintstyle" mode="assign"><const>hintnone</const></edit>
+    <edit name="autohint" mode="assign"><bool>false</bool></edit>
+    <edit name="embeddedbitmap" mode="assign"><bool>false</bool></edit>
+    <edit name="rgba" mode="assign"><const>none</const></edit>
+    <edit name="lcdfilter" mode="assign"><const>lcdnone</const></edit>
+  </match>
+</fontconfig>
+)";
+
+// Makes it the process's current one: Pango initialises that one on a thread of its own, and would
+// read the machine's if there were none.
+bool Configure(const std::map<Typeface, std::filesystem::path>& files, std::string& problem) {
+    FcConfig* const config = FcConfigCreate();
+    const auto* text = reinterpret_cast<const FcChar8*>(kConfiguration);
+    bool ready = config && FcConfigParseAndLoadFromMemory(config, text, FcTrue);
+    if (!ready)
+        problem = "the font configuration cannot be read";
+    for (const auto& [typeface, path] : files) {
+        const auto* name = reinterpret_cast<const FcChar8*>(path.c_str());
+        if (ready && !FcConfigAppFontAddFile(config, name)) {
+            problem = "the font file " + path.string() + " cannot be used";
+            ready = false;
+        }
+    }
+    ready = ready && FcConfigSetCurrent(config);
+    if (config)
+        FcConfigDestroy(config);
+    return ready;
 }
 
-bool FontFile::Open(FT_Library library, const std::string& path) {
-    if (FT_New_Face(library, path.c_str(), 0, &face_) != 0)
-        return false;
-    const auto* os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face_, FT_SFNT_OS2));
-    if (!os2 || !FT_IS_SCALABLE(face_) || os2->xAvgCharWidth <= 0)
-        return false;
-    average_width_ = os2->xAvgCharWidth;
-    ascent_ = os2->usWinAscent;
-    descent_ = os2->usWinDescent;
-    return FT_Select_Charmap(face_, FT_ENCODING_UNICODE) == 0;
+Owned<PangoContext> MakeContext(PangoFontMap* map) {
+    Owned<PangoContext> context(pango_font_map_create_context(map));
+    pango_context_set_language(context.get(), pango_language_from_string("ja"));
+    pango_context_set_base_dir(context.get(), PANGO_DIRECTION_LTR);
+    // Text is stretched after it is measured: whole pixels are ours to choose.
+    pango_context_set_round_glyph_positions(context.get(), FALSE);
+    cairo_font_options_t* const options = cairo_font_options_create();
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    pango_cairo_context_set_font_options(context.get(), options);
+    cairo_font_options_destroy(options);
+    return context;
 }
 
-unsigned FontFile::GlyphOf(wchar_t character) const {
-    return FT_Get_Char_Index(face_, static_cast<FT_ULong>(character));
+std::filesystem::path FileOf(PangoFont* font) {
+    FcChar8* file = nullptr;
+    if (!font || FcPatternGetString(pango_fc_font_get_pattern(PANGO_FC_FONT(font)), FC_FILE, 0,
+                                    &file) != FcResultMatch)
+        return {};
+    return reinterpret_cast<const char*>(file);
 }
 
-int FontFile::AdvanceOf(unsigned glyph) const {
-    FT_Fixed advance = 0;
-    if (FT_Get_Advance(face_, glyph, FT_LOAD_NO_SCALE, &advance) != 0)
-        return 0;
-    return static_cast<int>(advance);
-}
+struct Face {
+    Typeface typeface;
+    const char* description;
+};
 
-FT_Outline* FontFile::OutlineOf(unsigned glyph) const {
-    if (FT_Load_Glyph(face_, glyph, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0 ||
-        face_->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
-        return nullptr;
-    return &face_->glyph->outline;
-}
+constexpr Face kFaces[] = {
+    {Typeface::kSans, "Liberation Sans"}, {Typeface::kSansBold, "Liberation Sans Bold"},
+    {Typeface::kMono, "Liberation Mono"}, {Typeface::kMonoBold, "Liberation Mono Bold"},
+    {Typeface::kJapanese, "IPAGothic"},
+};
+
+}  // namespace
 
 FontLibrary::~FontLibrary() {
-    files_.clear();
-    if (library_)
-        FT_Done_FreeType(library_);
+    // Pango does not give the configuration back by itself.
+    if (map_)
+        pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map_.get()), nullptr);
+    context_.reset();
+    map_.reset();
+    if (configured_)
+        FcFini();
 }
 
 bool FontLibrary::Open(const std::filesystem::path& directory, std::string& problem) {
-    std::map<Typeface, std::filesystem::path> paths;
-    if (!FindFontFiles(directory, paths, problem))
+    std::map<Typeface, std::filesystem::path> files;
+    if (!FindFontFiles(directory, files, problem))
         return false;
-    if (FT_Init_FreeType(&library_) != 0) {
-        problem = "FreeType does not start";
+    configured_ = Configure(files, problem);
+    if (!configured_)
+        return false;
+    japanese_file_ = files.at(Typeface::kJapanese);
+    map_.reset(pango_cairo_font_map_new_for_font_type(CAIRO_FONT_TYPE_FT));
+    if (!map_) {
+        problem = "Pango cannot draw with FreeType";
         return false;
     }
-    for (const auto& [typeface, path] : paths) {
-        auto file = std::make_unique<FontFile>();
-        if (!file->Open(library_, path.string())) {
-            problem = "the font file " + path.string() + " cannot be used";
-            return false;
-        }
-        files_[typeface] = std::move(file);
+    pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map_.get()), FcConfigGetCurrent());
+    context_ = MakeContext(map_.get());
+    for (const Face& face : kFaces) {
+        PangoFontDescription* const description =
+            pango_font_description_from_string(face.description);
+        const std::filesystem::path file = FileOf(Load(description).get());
+        pango_font_description_free(description);
+        if (file == files.at(face.typeface))
+            continue;
+        problem =
+            "the font file " + files.at(face.typeface).string() + " is not " + face.description;
+        return false;
     }
     return true;
+}
+
+Owned<PangoFont> FontLibrary::Load(const PangoFontDescription* description) const {
+    return Owned<PangoFont>(pango_context_load_font(context_.get(), description));
+}
+
+bool FontLibrary::IsJapanese(PangoFont* font) const {
+    return FileOf(font) == japanese_file_;
 }
 
 }  // namespace platform::gdi

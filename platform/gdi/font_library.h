@@ -1,46 +1,22 @@
 #pragma once
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
+#include <fontconfig/fontconfig.h>
+#include <pango/pangocairo.h>
 
-#include <map>
+#include <filesystem>
 #include <memory>
 #include <string>
 
-#include "platform/gdi/font_files.h"
-
 namespace platform::gdi {
 
-// One open font file. Figures are in its own units.
-class FontFile {
-  public:
-    FontFile() = default;
-    FontFile(const FontFile&) = delete;
-    FontFile& operator=(const FontFile&) = delete;
-    ~FontFile();
-
-    bool Open(FT_Library library, const std::string& path);
-
-    // 0 when the font has no glyph for the character.
-    unsigned GlyphOf(wchar_t character) const;
-    int AdvanceOf(unsigned glyph) const;
-    // The outline of a glyph, the caller's to transform until the next call; null without one.
-    FT_Outline* OutlineOf(unsigned glyph) const;
-
-    int units_per_em() const { return face_->units_per_EM; }
-    // Of the font's OS/2 table, as the API's text metrics use them.
-    int average_width() const { return average_width_; }
-    int ascent() const { return ascent_; }
-    int descent() const { return descent_; }
-
-  private:
-    FT_Face face_ = nullptr;
-    int average_width_ = 0;
-    int ascent_ = 0;
-    int descent_ = 0;
+struct Unreference {
+    void operator()(gpointer object) const { g_object_unref(object); }
 };
+template <typename Object>
+using Owned = std::unique_ptr<Object, Unreference>;
 
-// All the platform's font files, open.
+// The platform's font files as Pango sees them: under a font configuration of our own, so that
+// nothing that the machine or a user has set takes part.
 class FontLibrary {
   public:
     FontLibrary() = default;
@@ -48,15 +24,24 @@ class FontLibrary {
     FontLibrary& operator=(const FontLibrary&) = delete;
     ~FontLibrary();
 
-    // False, with one line about what is wrong in `problem`.
+    // False, with one line about what is wrong in `problem`. Once for each library, and one library
+    // at a time: the font configuration is the process's.
     bool Open(const std::filesystem::path& directory, std::string& problem);
 
-    const FontFile& File(Typeface typeface) const { return *files_.at(typeface); }
-    FT_Library handle() const { return library_; }
+    PangoContext* context() const { return context_.get(); }
+    Owned<PangoFont> Load(const PangoFontDescription* description) const;
+    // Whether a font is the one for what the Latin ones do not have.
+    bool IsJapanese(PangoFont* font) const;
 
   private:
-    FT_Library library_ = nullptr;
-    std::map<Typeface, std::unique_ptr<FontFile>> files_;
+    bool configured_ = false;
+    std::filesystem::path japanese_file_;
+    Owned<PangoFontMap> map_;
+    Owned<PangoContext> context_;
 };
+
+inline constexpr const char* kSansFamily = "Liberation Sans";
+inline constexpr const char* kMonoFamily = "Liberation Mono";
+inline constexpr const char* kJapaneseFamily = "IPAGothic";
 
 }  // namespace platform::gdi

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <pango/pango.h>
+
 #include <cstddef>
 #include <span>
 #include <string_view>
@@ -7,20 +9,22 @@
 
 namespace platform::gdi {
 
-// Whether a line may end before text[index]: between Japanese characters, except that some marks
-// never begin a line and some never end one, and after blanks.
-bool MayBreakBefore(std::wstring_view text, std::size_t index);
+// Whether a character may begin a line: between two letters only when a word has no line to itself.
+enum class LineStart { kNever, kWithinWord, kAllowed };
+
+// What Pango says of text[index], and strictly so: no mark that belongs to what is before it begins
+// a line.
+LineStart StartBefore(std::wstring_view text, std::size_t index, const PangoLogAttr& attributes);
 
 // Characters begin to end of a text, without the blanks at which the line was broken.
 struct LineOfText {
     std::size_t begin;
     std::size_t end;
-    bool operator==(const LineOfText&) const = default;
 };
 
-// Breaks one paragraph into lines no wider than `width`; a word that is wider by itself sticks out.
-// edges[i] is the left edge of character i, the last one the right edge of all.
-std::vector<LineOfText> BreakLines(std::wstring_view text, std::span<const double> edges,
-                                   double width);
+// Breaks one paragraph into lines no wider than `width`, as full as can be; what cannot be broken
+// sticks out. edges[i] is the left edge of character i, the last one the right edge of all.
+std::vector<LineOfText> BreakLines(std::wstring_view text, std::span<const LineStart> starts,
+                                   std::span<const double> edges, double width);
 
 }  // namespace platform::gdi

@@ -32,8 +32,8 @@ std::uint32_t Blend(std::uint32_t target, std::uint32_t color, std::uint32_t cov
 }
 
 // Returns the box of what was drawn.
-RECT DrawInk(Surface& surface, const Ink& ink, int x, int y, const RECT& clip,
-             std::uint32_t color) {
+RECT BlendInk(Surface& surface, const Ink& ink, int x, int y, const RECT& clip,
+              std::uint32_t color) {
     const RECT box = Moved(ink.box, x, y);
     const RECT visible = Intersect(box, clip);
     for (int row_y = visible.top; row_y < visible.bottom; ++row_y) {
@@ -57,8 +57,8 @@ void Draw(DrawingContext& context, const TextLayout& layout, std::wstring text, 
                  PixelOf(context.background_color));
     RECT box{};
     for (const PlacedLine& placed : layout.lines)
-        box = BoundingBox(box, DrawInk(*context.surface, placed.line->ink(), placed.x, placed.y,
-                                       clip, PixelOf(context.text_color)));
+        box = BoundingBox(box, BlendInk(*context.surface, placed.line->ink(), placed.x, placed.y,
+                                        clip, PixelOf(context.text_color)));
     if (!IsEmpty(box))
         context.surface->AddText({std::move(text), box, context.text_color});
 }

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "platform/gdi/font_files.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/surface.h"
 

@@ -1,46 +1,33 @@
 #include "platform/gdi/text_font.h"
 
-#include FT_OUTLINE_H
-
 #include <cmath>
 
+#include "platform/gdi/font_design.h"
+
 namespace platform::gdi {
-namespace {
-
-// How much of its em a glyph grows when it is made bold.
-constexpr double kBoldenSideways = 1.0 / 20;
-constexpr double kBoldenUpwards = 1.0 / 40;
-
-const FontFile& LatinFile(const FontLibrary& library, const FontKey& key) {
-    if (key.monospaced)
-        return library.File(key.bold ? Typeface::kMonoBold : Typeface::kMono);
-    return library.File(key.bold ? Typeface::kSansBold : Typeface::kSans);
-}
-
-FT_Pos SixtyFourths(double pixels) {
-    return std::lround(pixels * 64);
-}
-
-}  // namespace
 
 TextFont::TextFont(const FontKey& key, const FontLibrary& library)
-    : key_(key),
-      library_(library),
-      latin_(LatinFile(library, key)),
-      japanese_(library.File(Typeface::kJapanese)) {
-    const double cell = latin_.ascent() + latin_.descent();
+    : key_(key), library_(library), description_(pango_font_description_new()) {
+    PangoFontDescription* const description = description_.get();
+    pango_font_description_set_family_static(description,
+                                             key.monospaced ? kMonoFamily : kSansFamily);
+    pango_font_description_set_weight(description,
+                                      key.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    const FontDesign design = DesignOf(library.Load(description).get());
     if (key.height > 0) {
         height_ = key.height;
-        em_height_ = key.height * latin_.units_per_em() / cell;
+        em_height_ = key.height / design.cell();
     } else {
         em_height_ = -key.height;
-        height_ = static_cast<int>(std::lround(em_height_ * cell / latin_.units_per_em()));
+        height_ = static_cast<int>(std::lround(em_height_ * design.cell()));
     }
-    ascent_ = static_cast<int>(std::lround(height_ * latin_.ascent() / cell));
-    latin_em_width_ = key.width == 0
-                          ? em_height_
-                          : double(key.width) * latin_.units_per_em() / latin_.average_width();
-    japanese_em_width_ = key.width == 0 ? em_height_ : 2.0 * key.width;
+    ascent_ = static_cast<int>(std::lround(height_ * design.ascent / design.cell()));
+    average_width_ = em_height_ * design.average_width;
+    if (key.width != 0) {
+        latin_stretch_ = key.width / average_width_;
+        japanese_stretch_ = 2 * key.width / em_height_;
+    }
+    pango_font_description_set_absolute_size(description, em_height_ * PANGO_SCALE);
 }
 
 int TextFont::em() const {
@@ -48,42 +35,19 @@ int TextFont::em() const {
 }
 
 int TextFont::average_width() const {
-    return static_cast<int>(
-        std::lround(latin_em_width_ * latin_.average_width() / latin_.units_per_em()));
+    return static_cast<int>(std::lround(average_width_ * latin_stretch_));
 }
 
 int TextFont::full_width() const {
-    return static_cast<int>(std::lround(japanese_em_width_)) + (key_.bold ? 1 : 0);
+    return static_cast<int>(std::lround(em_width(true))) + (key_.bold ? 1 : 0);
 }
 
-Glyph TextFont::GlyphOf(wchar_t character) const {
-    const unsigned latin = latin_.GlyphOf(character);
-    const unsigned japanese = latin == 0 ? japanese_.GlyphOf(character) : 0;
-    if (japanese == 0)
-        return {latin, false, latin_.AdvanceOf(latin) * latin_em_width_ / latin_.units_per_em()};
+double TextFont::StretchedAdvance(double advance, bool japanese) const {
+    const double stretched = advance * Stretch(japanese);
+    if (!japanese || advance == 0)
+        return stretched;
     // Whole pixels, so that equal characters look equal.
-    const double advance =
-        std::round(japanese_.AdvanceOf(japanese) * japanese_em_width_ / japanese_.units_per_em());
-    return {japanese, true, advance + (key_.bold ? 1 : 0)};
-}
-
-FT_Outline* TextFont::OutlineOf(const Glyph& glyph) const {
-    const FontFile& file = glyph.japanese ? japanese_ : latin_;
-    FT_Outline* outline = file.OutlineOf(glyph.index);
-    if (!outline)
-        return nullptr;
-    const double em_width = glyph.japanese ? japanese_em_width_ : latin_em_width_;
-    const auto scale = [&file](double em) {
-        return std::lround(em * 64 / file.units_per_em() * 0x10000);
-    };
-    const FT_Matrix matrix{scale(em_width), 0, 0, scale(em_height_)};
-    FT_Outline_Transform(outline, &matrix);
-    if (glyph.japanese && key_.bold) {
-        const FT_Pos upwards = SixtyFourths(em_height_ * kBoldenUpwards);
-        FT_Outline_EmboldenXY(outline, SixtyFourths(em_width * kBoldenSideways), upwards);
-        FT_Outline_Translate(outline, 0, -upwards / 2);
-    }
-    return outline;
+    return std::round(stretched) + (key_.bold ? 1 : 0);
 }
 
 }  // namespace platform::gdi

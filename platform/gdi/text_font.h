@@ -25,13 +25,6 @@ struct FontKey {
     }
 };
 
-// A character as a font draws it: a glyph of one of two files.
-struct Glyph {
-    unsigned index;
-    bool japanese;
-    double advance;  // in pixels
-};
-
 // Two font files as one font of a certain size: the Latin one, and the Japanese one for what the
 // first does not have. Both stand on one base line and have the same height; a given width
 // stretches each of them sideways. A full-width character is twice as wide as the width, and one
@@ -41,6 +34,7 @@ class TextFont {
     TextFont(const FontKey& key, const FontLibrary& library);
 
     const FontKey& key() const { return key_; }
+    const FontLibrary& library() const { return library_; }
     // Of the cell, which is also the distance of two lines.
     int height() const { return height_; }
     int ascent() const { return ascent_; }
@@ -48,23 +42,29 @@ class TextFont {
     int average_width() const;
     int full_width() const;
 
-    Glyph GlyphOf(wchar_t character) const;
-    // The outline of a glyph in 64ths of a pixel, its base line at 0; null without one. The
-    // caller's until the next call.
-    FT_Outline* OutlineOf(const Glyph& glyph) const;
-    FT_Library library() const { return library_.handle(); }
+    // What to shape text with, before it is stretched.
+    const PangoFontDescription* description() const { return description_.get(); }
+    // In pixels.
+    double em_height() const { return em_height_; }
+    double em_width(bool japanese) const { return em_height_ * Stretch(japanese); }
+    double Stretch(bool japanese) const { return japanese ? japanese_stretch_ : latin_stretch_; }
+    // The pixels from one character to the next, of those before stretching.
+    double StretchedAdvance(double advance, bool japanese) const;
 
   private:
+    struct FreeDescription {
+        void operator()(PangoFontDescription* it) const { pango_font_description_free(it); }
+    };
+
     FontKey key_;
     const FontLibrary& library_;
-    const FontFile& latin_;
-    const FontFile& japanese_;
+    std::unique_ptr<PangoFontDescription, FreeDescription> description_;
+    double average_width_;  // before stretching
     int height_;
     int ascent_;
-    // Pixels an em.
     double em_height_;
-    double latin_em_width_;
-    double japanese_em_width_;
+    double latin_stretch_ = 1;
+    double japanese_stretch_ = 1;
 };
 
 // The font a description asks for, made once; null, with the last error set, when it cannot be had:

@@ -73,7 +73,9 @@ TextLayout LayOut(const std::shared_ptr<const TextFont>& font, std::wstring_view
             add(std::move(whole));
             continue;
         }
-        for (const LineOfText& line : BreakLines(paragraph, whole->edges(), Width(rectangle)))
+        const ShapedText& shaped = whole->shaped();
+        for (const LineOfText& line :
+             BreakLines(paragraph, shaped.starts, shaped.edges, Width(rectangle)))
             add(FindTextLine(font,
                              std::wstring(paragraph.substr(line.begin, line.end - line.begin))));
     }

@@ -1,17 +1,11 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <chrono>
-#include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <map>
-#include <memory>
 #include <numeric>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "dvrsim/dvr.h"
 
@@ -33,6 +27,8 @@ struct Sent {
 // A host whose time stands still until it is moved by hand.
 class HandDrivenHost final : public Host {
   public:
+    ~HandDrivenHost() override { EXPECT_TRUE(Idle()) << "a DVR left something behind"; }
+
     microseconds Now() const override { return now_; }
     std::uint64_t After(microseconds delay, std::function<void()> action) override {
         due_.emplace(std::make_pair(now_ + delay, ++last_id_), std::move(action));
@@ -45,9 +41,9 @@ class HandDrivenHost final : public Host {
         // Read by fixed offsets, apart from the decoder under test.
         const std::size_t end = bytes.size() - 2;
         const auto sum = std::accumulate(bytes.begin(), bytes.begin() + end, 0U) & 0xFFFFU;
-        well_formed_ = well_formed_ && bytes[0] == 0xA5 && bytes[1] == 0x5A &&
-                       bytes[5] * 256U + bytes[6] == bytes.size() - 9 &&
-                       bytes[end] * 256U + bytes[end + 1] == sum;
+        EXPECT_TRUE(bytes[0] == 0xA5 && bytes[1] == 0x5A);
+        EXPECT_EQ(bytes[5] * 256U + bytes[6], bytes.size() - 9);
+        EXPECT_EQ(bytes[end] * 256U + bytes[end + 1], sum);
         sent.push_back({now_,
                         bytes[2],
                         static_cast<std::uint16_t>(bytes[3] * 256U + bytes[4]),
@@ -64,7 +60,6 @@ class HandDrivenHost final : public Host {
         now_ = until;
     }
     bool Idle() const { return due_.empty(); }
-    bool WellFormed() const { return well_formed_; }
 
     std::vector<Sent> sent;
 
@@ -72,7 +67,6 @@ class HandDrivenHost final : public Host {
     microseconds now_{};
     std::uint64_t last_id_ = 0;
     std::map<std::pair<microseconds, std::uint64_t>, std::function<void()>> due_;
-    bool well_formed_ = true;
 };
 
 class TemporaryFolder {
@@ -89,17 +83,11 @@ class TemporaryFolder {
 };
 
 inline Bytes Request(std::uint16_t code, std::uint8_t payload = 0) {
-    Bytes bytes{0xA5,
-                0x5A,
-                0x10,
-                static_cast<std::uint8_t>(code >> 8U),
-                static_cast<std::uint8_t>(code & 0xFFU),
-                0,
-                1,
-                payload};
+    const auto high = [](unsigned word) { return static_cast<std::uint8_t>(word >> 8U); };
+    const auto low = [](unsigned word) { return static_cast<std::uint8_t>(word & 0xFFU); };
+    Bytes bytes{0xA5, 0x5A, 0x10, high(code), low(code), 0, 1, payload};
     const auto sum = std::accumulate(bytes.begin(), bytes.end(), 0U);
-    bytes.push_back(static_cast<std::uint8_t>(sum >> 8U));
-    bytes.push_back(static_cast<std::uint8_t>(sum & 0xFFU));
+    bytes.insert(bytes.end(), {high(sum), low(sum)});
     return bytes;
 }
 
@@ -116,6 +104,12 @@ struct Bench {
         host.sent.clear();
         host.Run(duration);
         return host.sent;
+    }
+    // The answers that come within the time a device takes for one.
+    std::vector<Sent> Ask(std::uint16_t code) {
+        dvr.Receive(Request(code));
+        During(milliseconds(15));
+        return Only(0x20, code);
     }
     std::vector<Sent> Only(std::uint8_t type, std::uint16_t code) const {
         std::vector<Sent> found = host.sent;

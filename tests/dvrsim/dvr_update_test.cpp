@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "bench.h"
 
 namespace dvrsim {
@@ -28,9 +26,7 @@ struct UpdateBench : Bench {
         return percents;
     }
     std::string AskVersion() {
-        dvr.Receive(Request(0x802E));
-        During(milliseconds(15));
-        const auto answers = Only(0x20, 0x802E);
+        const auto answers = Ask(0x802E);
         return answers.empty() ? ""
                                : std::string(answers[0].payload.begin(), answers[0].payload.end());
     }
@@ -70,22 +66,7 @@ TEST(DvrUpdate, TheWholeRoad) {
         bench.host.Run(milliseconds(4000));
         EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
         EXPECT_EQ(bench.AskVersion(), kNew);
-        EXPECT_EQ(bench.dvr.FirmwareVersion(), kNew);
     }
-}
-
-TEST(DvrUpdate, ACardWithoutAReadableImageBootsNormally) {
-    const auto boots_normally = [](UpdateBench& bench) {
-        bench.host.Run(milliseconds(10000));
-        EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
-        EXPECT_TRUE(bench.Percents().empty());
-    };
-    UpdateBench cut;
-    std::filesystem::resize_file(cut.card.path / "gp_cardvr_upgrade.bin", 20);
-    boots_normally(cut);
-    UpdateBench broken;
-    broken.dvr.ReportCard(CardStatus::kBroken);
-    boots_normally(broken);
 }
 
 TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
@@ -101,20 +82,15 @@ TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
             ASSERT_EQ(bench.dvr.GetState(), State::kUpdating);
             ASSERT_EQ(bench.dvr.Percent() == 0, moment == 0);
             bench.host.sent.clear();
-            if (pull_card) {
-                bench.dvr.RemoveCard();
-                EXPECT_EQ(bench.dvr.GetState(), State::kUpdateFailed);
-                bench.host.Run(milliseconds(60000));
-                EXPECT_EQ(bench.Only(0x80, 0x0026).size(), 1U);
-                EXPECT_EQ(bench.AskVersion(), kOld);
-                bench.dvr.Reset();
-            } else {
-                bench.dvr.PowerOff();
-                bench.host.Run(milliseconds(60000));
-                bench.dvr.RemoveCard();
-                bench.dvr.PowerOn();
-            }
+            pull_card ? void(bench.dvr.RemoveCard()) : bench.dvr.PowerOff();
+            EXPECT_EQ(bench.dvr.GetState(), pull_card ? State::kUpdateFailed : State::kOff);
+            bench.host.Run(milliseconds(60000));
             EXPECT_TRUE(bench.Percents().empty());
+            EXPECT_EQ(bench.Only(0x80, 0x0026).size(), pull_card ? 1U : 0U);
+            EXPECT_EQ(bench.AskVersion(), pull_card ? kOld : "");
+            bench.dvr.RemoveCard();
+            bench.dvr.PowerOn();
+            bench.dvr.Reset();
             bench.host.Run(milliseconds(4000));
             EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
             EXPECT_EQ(bench.AskVersion(), kOld);
@@ -122,23 +98,24 @@ TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
     }
 }
 
+TEST(DvrUpdate, ABrokenCardBootsNormally) {
+    UpdateBench bench;
+    bench.dvr.ReportCard(CardStatus::kBroken);
+    bench.host.Run(milliseconds(10000));
+    EXPECT_EQ(bench.dvr.GetState(), State::kNormal);
+    EXPECT_TRUE(bench.Percents().empty());
+}
+
 TEST(DvrUpdate, ARebootOrderBeginsItAnew) {
-    Options options;
-    options.timings.update = Milliseconds(19800, 19800);
-    UpdateBench bench(options);
+    UpdateBench bench;
     bench.host.Run(milliseconds(10000));
     bench.dvr.Receive(Request(0x001C));
     bench.host.Run(milliseconds(100));
     const std::size_t before = bench.Percents().size();
     bench.host.Run(milliseconds(1500));
     EXPECT_EQ(bench.Percents().size(), before);
-    bench.host.Run(milliseconds(27000));
+    bench.host.Run(milliseconds(60000));
     EXPECT_EQ(bench.Percents().size(), before + 100);
-    // And, with the card left in, after an update that went well.
-    bench.dvr.Reset();
-    bench.host.Run(milliseconds(3000));
-    EXPECT_EQ(bench.dvr.FirmwareVersion(), kNew);
-    EXPECT_EQ(bench.Percents()[before + 100], 1);
 }
 
 TEST(DvrFaults, EachLeavesOutItsPart) {
@@ -164,9 +141,7 @@ TEST(DvrFaults, EachLeavesOutItsPart) {
         EXPECT_EQ(bench.Percents().size(), c.percents);
         EXPECT_EQ(bench.Only(0x80, 0x0010).empty(), !c.states);
         EXPECT_EQ(bench.Only(0x80, 0x0026).empty(), !c.card);
-        bench.dvr.Receive(Request(0x8026));
-        bench.During(milliseconds(15));
-        EXPECT_EQ(bench.Only(0x20, 0x8026).empty(), !c.card);
+        EXPECT_EQ(bench.Ask(0x8026).empty(), !c.card);
         EXPECT_EQ(bench.AskVersion().empty(), !c.version);
     }
 }

@@ -10,10 +10,6 @@
 namespace dvrsim {
 namespace {
 
-void WriteFile(const std::filesystem::path& file, const std::string& content) {
-    std::ofstream(file, std::ios::binary) << content;
-}
-
 TEST(UpdateImage, ReadsOnlyAWellFormedHeader) {
     const std::string longest(63, 'v');
     const struct {
@@ -22,7 +18,6 @@ TEST(UpdateImage, ReadsOnlyAWellFormedHeader) {
         std::optional<std::string> version;
     } cases[] = {
         {"whole", "TOLVANE DVR IMAGE 14.09.01.V1.02.03\nrest", "14.09.01.V1.02.03"},
-        {"header only", "TOLVANE DVR IMAGE 14.09.01.V1.02.03\n", "14.09.01.V1.02.03"},
         {"longest version", "TOLVANE DVR IMAGE " + longest + "\n", longest},
         {"version too long for a frame", "TOLVANE DVR IMAGE " + longest + "v\n", std::nullopt},
         {"version too short", "TOLVANE DVR IMAGE 14.09.01.V1.02.0\n", std::nullopt},
@@ -37,7 +32,7 @@ TEST(UpdateImage, ReadsOnlyAWellFormedHeader) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TemporaryFolder folder;
-        WriteFile(folder.path / "gp_cardvr_upgrade.bin", c.content);
+        std::ofstream(folder.path / "gp_cardvr_upgrade.bin") << c.content;
         EXPECT_EQ(ReadImageVersion(folder.path), c.version);
     }
 }
@@ -45,21 +40,14 @@ TEST(UpdateImage, ReadsOnlyAWellFormedHeader) {
 TEST(UpdateImage, PassesOverWhatIsNoFile) {
     TemporaryFolder folder;
     EXPECT_EQ(ReadImageVersion(folder.path / "missing"), std::nullopt);
+    EXPECT_FALSE(WriteImage(folder.path / "missing", "14.09.01.V1.02.03"));
+    EXPECT_FALSE(WriteImage(folder.path, "1.02.03"));
     EXPECT_EQ(ReadImageVersion(folder.path), std::nullopt);
     // A pipe nobody writes to would block a plain open for ever.
     ASSERT_EQ(mkfifo((folder.path / "gp_cardvr_upgrade.bin").c_str(), 0600), 0);
     EXPECT_EQ(ReadImageVersion(folder.path), std::nullopt);
     EXPECT_TRUE(WriteImage(folder.path, "14.09.01.V1.02.03", "gp_card_upgrade.bin"));
     EXPECT_EQ(ReadImageVersion(folder.path), "14.09.01.V1.02.03");
-}
-
-TEST(UpdateImage, WritesWhatItReads) {
-    TemporaryFolder folder;
-    EXPECT_TRUE(WriteImage(folder.path, "14.09.01.V1.02.03"));
-    EXPECT_TRUE(WriteImage(folder.path, "14.09.01.V9.09.09", "gp_card_upgrade.bin"));
-    EXPECT_EQ(ReadImageVersion(folder.path), "14.09.01.V1.02.03");
-    EXPECT_FALSE(WriteImage(folder.path, "1.02.03"));
-    EXPECT_FALSE(WriteImage(folder.path / "missing", "14.09.01.V1.02.03"));
 }
 
 }  // namespace

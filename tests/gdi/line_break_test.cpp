@@ -1,38 +1,44 @@
-#include "platform/gdi/line_break.h"
-
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <string>
 #include <vector>
 
-using platform::gdi::BreakLines;
-using platform::gdi::LineOfText;
+#include "tests/gdi/canvas.h"
+
+using namespace tests;
 
 namespace {
 
 // Ten pixels a full-width character, five a half-width one.
-std::vector<std::wstring> Break(const std::wstring& text, double width) {
-    std::vector<double> edges{0};
-    for (const wchar_t character : text)
-        edges.push_back(edges.back() + (character < 0x2000 ? 5 : 10));
-    std::vector<std::wstring> lines;
-    for (const LineOfText& line : BreakLines(text, edges, width))
-        lines.push_back(text.substr(line.begin, line.end - line.begin));
-    return lines;
-}
+constexpr FontSize kTenByFive{5, 20, 500};
+constexpr RECT kRoom{0, 0, 400, 200};
 
 struct Case {
     const char* name;
     std::wstring text;
-    double width;
+    int width;
     std::vector<std::wstring> lines;
 };
 
-class LineBreak : public testing::TestWithParam<Case> {};
+class LineBreak : public testing::TestWithParam<Case> {
+  protected:
+    Platform platform;
+};
+
+std::vector<std::uint32_t> Picture(const std::wstring& text, const RECT& rectangle, UINT format) {
+    Canvas canvas(kRoom.right, kRoom.bottom);
+    const FontOn font(canvas.dc, kTenByFive, RGB(255, 255, 255), L"Courier New");
+    Draw(canvas.dc, text, rectangle, format | DT_NOCLIP);
+    const auto pixels = canvas.surface->pixels();
+    return {pixels.begin(), pixels.end()};
+}
 
 TEST_P(LineBreak, BreaksWhereAReaderExpects) {
-    EXPECT_EQ(Break(GetParam().text, GetParam().width), GetParam().lines);
+    std::wstring lines;
+    for (const std::wstring& line : GetParam().lines)
+        lines += line + L"\n";
+    EXPECT_TRUE(Picture(GetParam().text, {0, 0, GetParam().width, 200}, DT_WORDBREAK) ==
+                Picture(lines, kRoom, 0));
 }
 
 const Case kCases[] = {
@@ -51,9 +57,11 @@ const Case kCases[] = {
     {"BlanksAtTheBreakGo", L"to   end", 20, {L"to", L"end"}},
     {"LeadingBlanksStay", L"  ab cd", 20, {L"  ab", L"cd"}},
     {"LeadingBlanksAloneAreNoLine", L" ああああ", 12, {L" あ", L"あ", L"あ", L"あ"}},
-    {"WordWiderThanTheLineSticksOut", L"a wonder b", 20, {L"a", L"wonder", L"b"}},
-    {"QuotesClingToTheirWord", L"ああ\"ab\"ああ", 30, {L"ああ", L"\"ab\"あ", L"あ"}},
-    {"TypographicQuotes", L"あああ“ab”あ", 40, {L"あああ", L"“ab”あ"}},
+    {"WordWiderThanTheLineComesApart", L"a wonder b", 20, {L"a", L"wond", L"er b"}},
+    {"MarksStayAtAWordThatComesApart", L"(wonder)", 15, {L"(wo", L"nde", L"r)"}},
+    {"WhatCannotBreakSticksOut", L"あ」。い", 20, {L"あ」。", L"い"}},
+    {"QuotesClingToTheirNeighbours", L"ああ\"ab\"ああ", 40, {L"あ", L"あ\"ab\"あ", L"あ"}},
+    {"TypographicQuotes", L"あああ“ab”あ", 40, {L"ああ", L"あ“ab”あ"}},
     {"NothingButBlanks", L"   ", 5, {L"   "}},
     {"Empty", L"", 5, {L""}},
 };
@@ -61,18 +69,46 @@ const Case kCases[] = {
 INSTANTIATE_TEST_SUITE_P(All, LineBreak, testing::ValuesIn(kCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(LineBreaks, EveryCharacterOutsideTheBreaksIsOnOneLine) {
-    const std::wstring text = L"  SDカードを、「DVR」から 抜いて（必ず）下さい。OK? yes、はい。";
-    for (int width = 0; width < 400; ++width) {
-        std::wstring joined;
-        for (const std::wstring& line : Break(text, width))
-            joined += line;
-        std::wstring expected = text;
-        // Only blanks may be lost, and only where a line ends.
-        std::erase(joined, L' ');
-        std::erase(expected, L' ');
-        ASSERT_EQ(joined, expected) << width;
+class LineBreaks : public testing::Test {
+  protected:
+    Platform platform;
+};
+
+TEST_F(LineBreaks, SomeMarksNeverBeginALine) {
+    for (const wchar_t mark :
+         std::wstring(L"、。，．・：；？！゛゜ヽヾゝゞ々ー―…‥〜～）〕］｝〉》」』】’”°′″℃％"
+                      L"ぁぃぅぇぉっゃゅょゎァィゥェォッャュョヮヵヶ｡｣､･ｧｨｩｪｫｬｭｮｯｰﾞﾟ!),.:;?]}%")) {
+        const auto picture = Picture(std::wstring(L"ああ") + mark, {0, 0, 20, 200}, DT_WORDBREAK);
+        EXPECT_TRUE(picture == Picture(std::wstring(L"あ\nあ") + mark, kRoom, 0))
+            << std::hex << unsigned(mark);
     }
+}
+
+TEST_F(LineBreaks, SomeMarksNeverEndALine) {
+    for (const wchar_t mark : std::wstring(L"（〔［｛〈《「『【￥＄｢([{$")) {
+        const std::wstring opened = mark + std::wstring(L"あ");
+        const auto picture = Picture(L"あ" + opened, {0, 0, 20, 200}, DT_WORDBREAK);
+        EXPECT_TRUE(picture == Picture(L"あ\n" + opened, kRoom, 0)) << std::hex << unsigned(mark);
+    }
+}
+
+TEST_F(LineBreaks, NoInkIsLostWhereverLinesBreak) {
+    const std::wstring text = L"  SDカードを、「DVR」から 抜いて（必ず）下さい。OK? yes、はい。";
+    Canvas canvas(450, 900);
+    const FontOn font(canvas.dc, kTenByFive, RGB(255, 255, 255), L"Courier New");
+    const auto ink = [&](int width, UINT format) {
+        canvas.FillWith(RGB(0, 0, 0));
+        Draw(canvas.dc, text, {0, 0, width, 900}, format | DT_NOCLIP);
+        double sum = 0;
+        for (const std::uint32_t pixel : canvas.surface->pixels())
+            sum += pixel & 0xFF;
+        return sum;
+    };
+    const auto whole = ink(450, DT_SINGLELINE);
+    EXPECT_GT(whole, 0);
+    for (int width = 1; width < 450; width += 7)
+        // Less than the smallest mark's.
+        EXPECT_NEAR(ink(width, DT_WORDBREAK), whole, 300) << width;
 }
 
 }  // namespace

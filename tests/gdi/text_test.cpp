@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <random>
 
 #include "tests/gdi/canvas.h"
 
@@ -228,6 +229,33 @@ TEST_F(Text, ManyDifferentTextsStayRight) {
         for (int i = 0; i < 500; ++i)
             Draw(canvas.dc, L"国" + std::to_wstring(i), {0, 0, 400, 26}, 0);
     EXPECT_EQ(WidthOf(canvas.dc, L"Update Percent : 7%"), width);
+}
+
+// Controls, combining marks, right-to-left scripts, halves of pairs, and what is no character.
+TEST_F(Text, AnyTextIsMeasuredAndDrawn) {
+    constexpr std::pair<int, int> kRanges[] = {
+        {-2, 0x24F},      {0x300, 0x36F},     {0x5D0, 0x6FF},      {0x900, 0xE7F},
+        {0x2000, 0x206F}, {0x3000, 0x30FF},   {0x4E00, 0x4F00},    {0xD7F0, 0xE010},
+        {0xFE00, 0xFFFF}, {0x1F300, 0x1F700}, {0x10FFF0, 0x110010}};
+    std::mt19937 random(1);
+    const auto below = [&](std::size_t limit) { return int(random() % limit); };
+    const FontOn font(canvas.dc, {9, 26, 600});
+    for (int round = 0; round < 300; ++round) {
+        std::wstring text;
+        for (int length = 1 + below(30); length > 0; --length) {
+            const auto [first, last] = kRanges[below(std::size(kRanges))];
+            text += wchar_t(first + below(std::size_t(last - first)));
+        }
+        RECT rectangle{0, 0, below(300), 480};
+        const int count = int(text.size());
+        const int height = DrawTextW(canvas.dc, text.c_str(), count, &rectangle, DT_WORDBREAK);
+        EXPECT_GE(height, 0);
+        EXPECT_EQ(height % 26, 0);
+        SIZE size{};
+        ASSERT_TRUE(GetTextExtentPoint32W(canvas.dc, text.c_str(), count, &size));
+        EXPECT_GE(size.cx, 0);
+        EXPECT_LE(size.cx, count * 60);
+    }
 }
 
 }  // namespace

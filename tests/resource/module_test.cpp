@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "platform/resource/image.h"
 #include "resource_bytes.h"
 
 namespace {
@@ -15,18 +14,13 @@ constexpr wchar_t kPath[] = L"\\Tolvane\\Tolvane.exe";
 
 Bytes SomeResources() {
     ByteList strings;
-    strings.Word(0).Word(2).Word('H').Word('i');
-    for (int index = 2; index < 16; ++index)
-        strings.Word(0);
-    const Bytes bitmap = ByteList().Add(DibHeader(1, 1, 24)).Dword(0x00123456).bytes();
-
+    strings.Word(0).Word(2).Word('H').Word('i').Dwords({0, 0, 0, 0, 0, 0, 0});
+    const Bytes bitmap = Dib(1, 1, 24).Dword(0x00123456);
     // An entry whose type and name are texts.
     ByteList named;
-    named.Dword(3).Dword(48).Text(u"CARD").Text(u"Slot.A");
-    named.Dword(0).Word(0).Word(0).Dword(0).Dword(0);
-    named.Byte(1).Byte(2).Byte(3).Align();
-    return ResFile({ResEntry(2, 202, bitmap), ResEntry(2, 203, bitmap),
-                    ResEntry(6, 9, strings.bytes()), named.bytes()});
+    named.Dwords({3, 48}).Text(u"CARD").Text(u"Slot.A").Dwords({0, 0, 0, 0});
+    return ResFile({ResEntry(2, 202, bitmap), ResEntry(2, 203, bitmap), ResEntry(6, 9, strings),
+                    named.Byte(1).Byte(2).Byte(3).Align()});
 }
 
 class Module : public testing::Test {
@@ -34,7 +28,13 @@ class Module : public testing::Test {
     void SetUp() override {
         std::string problem;
         ASSERT_TRUE(resource::SetModule(resources_, kPath, problem)) << problem;
+    }
+
+    template <class Call>
+    static void ExpectFails(DWORD error, Call call) {
         SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(call());
+        EXPECT_EQ(GetLastError(), error);
     }
 
     const Bytes resources_ = SomeResources();
@@ -48,8 +48,7 @@ TEST_F(Module, FindsByNumberAndByText) {
         DWORD error;
     } cases[] = {
         {RT_BITMAP, MAKEINTRESOURCEW(202), 44, ERROR_SUCCESS},
-        {RT_BITMAP, L"#203", 44, ERROR_SUCCESS},
-        {L"#2", MAKEINTRESOURCEW(203), 44, ERROR_SUCCESS},
+        {L"#2", L"#203", 44, ERROR_SUCCESS},
         {L"card", L"SLOT.a", 3, ERROR_SUCCESS},
         {RT_BITMAP, MAKEINTRESOURCEW(204), 0, ERROR_RESOURCE_NAME_NOT_FOUND},
         {RT_BITMAP, L"#65738", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
@@ -63,31 +62,20 @@ TEST_F(Module, FindsByNumberAndByText) {
         SetLastError(ERROR_SUCCESS);
         const HRSRC found = FindResourceW(nullptr, row.name, row.type);
         EXPECT_EQ(GetLastError(), row.error);
-        ASSERT_EQ(found != nullptr, row.error == ERROR_SUCCESS);
         EXPECT_EQ(SizeofResource(resource::ModuleInstance(), found), row.size);
     }
-}
-
-TEST_F(Module, HandlesOfNothingAreRefused) {
-    int something = 0;
-    const auto stranger = reinterpret_cast<HMODULE>(&something);
-    const auto no_resource = reinterpret_cast<HRSRC>(&something);
-    wchar_t text[8] = L"full";
-    EXPECT_EQ(FindResourceW(stranger, MAKEINTRESOURCEW(202), RT_BITMAP), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
-    EXPECT_EQ(LoadStringW(stranger, 129, text, 8), 0);
-    EXPECT_STREQ(text, L"");
-    EXPECT_EQ(LoadResource(nullptr, no_resource), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
-    EXPECT_EQ(SizeofResource(nullptr, nullptr), 0U);
-    EXPECT_EQ(LockResource(nullptr), nullptr);
+    resource::Hide(RT_BITMAP, L"#203");
+    EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203)));
+    EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
+    SetUp();
+    EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203))) << "hidden until the next module";
 }
 
 TEST_F(Module, Strings) {
     const struct {
         UINT id;
         int size;
-        const wchar_t* text;
+        std::wstring text;
         DWORD error;
     } cases[] = {
         {129, 16, L"Hi", ERROR_SUCCESS},
@@ -101,75 +89,46 @@ TEST_F(Module, Strings) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(testing::Message() << "string " << row.id << " into " << row.size);
-        wchar_t text[17];
-        std::fill(std::begin(text), std::end(text), L'#');
+        std::wstring text(17, L'#');
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(LoadStringW(nullptr, row.id, text, row.size),
-                  static_cast<int>(std::wcslen(row.text)));
-        EXPECT_STREQ(text, row.text);
+        EXPECT_EQ(LoadStringW(nullptr, row.id, text.data(), row.size),
+                  static_cast<int>(row.text.size()));
+        EXPECT_EQ(text.c_str(), row.text);
         EXPECT_EQ(text[row.size], L'#') << "written beyond its size";
         EXPECT_EQ(GetLastError(), row.error);
     }
-    wchar_t text[2] = L"#";
-    EXPECT_EQ(LoadStringW(nullptr, 129, text, 0), 0);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-    EXPECT_EQ(LoadStringW(nullptr, 129, nullptr, 16), 0);
-    EXPECT_STREQ(text, L"#");
 }
 
-TEST_F(Module, HiddenResourcesAreNotFoundUntilTheNextModule) {
-    resource::Hide(RT_BITMAP, MAKEINTRESOURCEW(202));
-    EXPECT_FALSE(resource::DecodeBitmap(MAKEINTRESOURCEW(202)));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND));
-    const auto other = resource::DecodeBitmap(MAKEINTRESOURCEW(203));
-    EXPECT_EQ(other.value_or(resource::DecodedImage{}).pixels,
-              std::vector<std::uint32_t>{0x123456});
-
-    resource::Hide(RT_BITMAP, L"#203");
-    EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203)));
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_TYPE_NOT_FOUND));
-
-    std::string problem;
-    ASSERT_TRUE(resource::SetModule(resources_, kPath, problem));
-    EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
-}
-
-TEST_F(Module, KnowsItsPath) {
-    wchar_t path[32];
-    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 32), 20U);
-    EXPECT_STREQ(path, kPath);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SUCCESS));
-    EXPECT_EQ(GetModuleFileNameW(resource::ModuleInstance(), path, 21), 20U);
-    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 20), 20U);
-    EXPECT_STREQ(path, L"\\Tolvane\\Tolvane.ex");
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 0), 0U);
-
-    ASSERT_NE(resource::ModuleInstance(), nullptr);
-    for (const wchar_t* name : {L"tolvane.EXE", kPath})
-        EXPECT_EQ(GetModuleHandleW(name), resource::ModuleInstance());
-    EXPECT_EQ(GetModuleHandleW(nullptr), resource::ModuleInstance());
-    EXPECT_EQ(GetModuleHandleW(L"coredll.dll"), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
-}
-
-TEST_F(Module, WithoutAVersionOrAnAcceleratorTable) {
-    EXPECT_EQ(GetFileVersionInfoSizeW(kPath, nullptr), 0U);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_TYPE_NOT_FOUND));
-    EXPECT_EQ(GetFileVersionInfoSizeW(L"\\Windows\\other.exe", nullptr), 0U);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(128)), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND));
-}
-
-TEST_F(Module, DamagedResourcesLeaveAModuleWithAPathAndNothingElse) {
+TEST_F(Module, KnowsItsPathWhateverItsResources) {
     const Bytes damaged(resources_.begin(), resources_.end() - 4);
     std::string problem;
     EXPECT_FALSE(resource::SetModule(damaged, kPath, problem));
     EXPECT_EQ(problem, "byte 252: data cut off");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
     wchar_t path[32];
-    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 32), 20U);
+    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 21), 20U);
+    EXPECT_STREQ(path, kPath);
+    EXPECT_EQ(GetModuleFileNameW(resource::ModuleInstance(), path, 20), 20U);
+    EXPECT_STREQ(path, L"\\Tolvane\\Tolvane.ex");
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    for (const wchar_t* name : {L"tolvane.EXE", kPath, LPCWSTR{}})
+        EXPECT_EQ(GetModuleHandleW(name), resource::ModuleInstance());
+}
+
+TEST_F(Module, WhatIsNotThereIsRefused) {
+    const auto stranger = reinterpret_cast<HMODULE>(this);
+    const auto version = [](LPCWSTR path) { return GetFileVersionInfoSizeW(path, nullptr); };
+    wchar_t text[4];
+    ExpectFails(ERROR_MOD_NOT_FOUND, [&] { return FindResourceW(stranger, L"#202", RT_BITMAP); });
+    ExpectFails(ERROR_MOD_NOT_FOUND, [&] { return LoadStringW(stranger, 129, text, 4); });
+    ExpectFails(ERROR_INVALID_PARAMETER, [&] { return LoadStringW(nullptr, 129, text, 0); });
+    ExpectFails(ERROR_INVALID_HANDLE,
+                [&] { return LoadResource(nullptr, reinterpret_cast<HRSRC>(this)); });
+    ExpectFails(ERROR_MOD_NOT_FOUND, [] { return GetModuleHandleW(L"coredll.dll"); });
+    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return version(kPath); });
+    ExpectFails(ERROR_FILE_NOT_FOUND, [&] { return version(L"\\Windows\\other.exe"); });
+    ExpectFails(ERROR_RESOURCE_NAME_NOT_FOUND,
+                [] { return LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(128)); });
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 
@@ -19,6 +19,11 @@ class ByteList {
     }
     ByteList& Word(unsigned value) { return Byte(value & 0xFF).Byte(value >> 8 & 0xFF); }
     ByteList& Dword(std::uint32_t value) { return Word(value & 0xFFFF).Word(value >> 16); }
+    ByteList& Dwords(std::initializer_list<std::uint32_t> values) {
+        for (const std::uint32_t value : values)
+            Dword(value);
+        return *this;
+    }
     ByteList& Text(std::u16string_view text) {
         for (const char16_t unit : text)
             Word(unit);
@@ -29,12 +34,11 @@ class ByteList {
             Byte(0);
         return *this;
     }
-    ByteList& Add(std::span<const std::byte> bytes) {
+    ByteList& Add(const Bytes& bytes) {
         bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
         return *this;
     }
-
-    const Bytes& bytes() const { return bytes_; }
+    operator const Bytes&() const { return bytes_; }
 
   private:
     Bytes bytes_;
@@ -43,10 +47,9 @@ class ByteList {
 // One entry of a compiled resource file, padded; type and name are numbers.
 inline Bytes ResEntry(unsigned type, unsigned name, const Bytes& data) {
     ByteList entry;
-    entry.Dword(static_cast<std::uint32_t>(data.size())).Dword(32);
+    entry.Dwords({static_cast<std::uint32_t>(data.size()), 32});
     entry.Word(0xFFFF).Word(type).Word(0xFFFF).Word(name);
-    entry.Dword(0).Word(0x30).Word(0x409).Dword(0).Dword(0);
-    return entry.Add(data).Align().bytes();
+    return entry.Dword(0).Word(0x30).Word(0x409).Dwords({0, 0}).Add(data).Align();
 }
 
 inline Bytes ResFile(const std::vector<Bytes>& entries) {
@@ -54,15 +57,17 @@ inline Bytes ResFile(const std::vector<Bytes>& entries) {
     file.Add(ResEntry(0, 0, {}));
     for (const Bytes& entry : entries)
         file.Add(entry);
-    return file.bytes();
+    return file;
 }
 
-// BITMAPINFOHEADER.
-inline Bytes DibHeader(std::uint32_t width, std::uint32_t height, unsigned bits_per_pixel,
-                       std::uint32_t compression = 0, std::uint32_t colours = 0) {
-    ByteList header;
-    header.Dword(40).Dword(width).Dword(height).Word(1).Word(bits_per_pixel).Dword(compression);
-    return header.Dword(0).Dword(0).Dword(0).Dword(colours).Dword(0).bytes();
+// A BITMAPINFOHEADER, to be followed by colours and bits.
+inline ByteList Dib(std::uint32_t width, std::uint32_t height, unsigned bits_per_pixel,
+                    std::uint32_t compression = 0, std::uint32_t colours = 0) {
+    return ByteList()
+        .Dwords({40, width, height})
+        .Word(1)
+        .Word(bits_per_pixel)
+        .Dwords({compression, 0, 0, 0, colours, 0});
 }
 
 }  // namespace tests

@@ -2,20 +2,25 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/window/screen.h"
+#include "tests/support/crew.h"
+#include "tests/support/platform_fixture.h"
+
 namespace tests {
 
-struct Seen {
-    UINT message;
-    WPARAM wparam;
-    LPARAM lparam;
-};
+namespace window = platform::window;
+using window::Touch;
+using Numbers = std::vector<UINT>;
 
 // A window that notes what it is told and lets a handler answer. Made and destroyed on one thread.
 class TestWindow {
@@ -32,8 +37,7 @@ class TestWindow {
 
     static constexpr wchar_t kClass[] = L"TestWindow";
 
-    TestWindow() : TestWindow(Handler()) {}
-    explicit TestWindow(Handler handler) : TestWindow(Options(), std::move(handler)) {}
+    explicit TestWindow(Handler handler = {}) : TestWindow(Options(), std::move(handler)) {}
     explicit TestWindow(const Options& options, Handler handler = {})
         : handler_(std::move(handler)) {
         WNDCLASSW settings{};
@@ -52,22 +56,17 @@ class TestWindow {
             DestroyWindow(handle_);
     }
 
-    HWND handle() const { return handle_; }
     operator HWND() const { return handle_; }
-
+    HWND handle() const { return handle_; }
     void Show() const { ShowWindow(handle_, SW_SHOW); }
     void Forget() { seen_.clear(); }
-    const std::vector<Seen>& seen() const { return seen_; }
-
-    std::size_t Count(UINT message) const {
-        return static_cast<std::size_t>(std::count_if(
-            seen_.begin(), seen_.end(), [&](const Seen& each) { return each.message == message; }));
-    }
+    const std::vector<MSG>& seen() const { return seen_; }
+    std::size_t Count(UINT message) const { return Order({message}).size(); }
 
     // The numbers of those of `interesting` that came, in order.
-    std::vector<UINT> Order(const std::vector<UINT>& interesting) const {
-        std::vector<UINT> order;
-        for (const Seen& each : seen_)
+    Numbers Order(const Numbers& interesting) const {
+        Numbers order;
+        for (const MSG& each : seen_)
             if (std::count(interesting.begin(), interesting.end(), each.message) != 0)
                 order.push_back(each.message);
         return order;
@@ -80,7 +79,7 @@ class TestWindow {
                               reinterpret_cast<LONG_PTR>(
                                   reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams));
         auto* const self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        self->seen_.push_back({message, wparam, lparam});
+        self->seen_.push_back({window, message, wparam, lparam, 0, {}});
         if (self->handler_)
             if (const auto answer = self->handler_(window, message, wparam, lparam))
                 return *answer;
@@ -89,47 +88,49 @@ class TestWindow {
 
     Handler handler_;
     HWND handle_ = NULL;
-    std::vector<Seen> seen_;
+    std::vector<MSG> seen_;
 };
+
+// A handler of one message.
+inline TestWindow::Handler On(UINT number, std::function<LRESULT(HWND, WPARAM)> answer) {
+    return [=](HWND handle, UINT message, WPARAM wparam, LPARAM) {
+        return message == number ? std::optional(answer(handle, wparam)) : std::nullopt;
+    };
+}
 
 // A thread made through the API; its end is waited for.
-class ApiThread {
-  public:
-    explicit ApiThread(std::function<void()> body) : body_(std::move(body)) {
-        handle_ = CreateThread(NULL, 0, Entry, this, 0, &id_);
-    }
-    ApiThread(const ApiThread&) = delete;
-    ApiThread& operator=(const ApiThread&) = delete;
-    ~ApiThread() { Join(); }
-
-    void Join() {
-        if (handle_ == NULL)
-            return;
-        WaitForSingleObject(handle_, INFINITE);
-        CloseHandle(std::exchange(handle_, HANDLE{}));
-    }
-
-    DWORD id() const { return id_; }
-    HANDLE handle() const { return handle_; }
-
-  private:
-    static DWORD WINAPI Entry(LPVOID self) {
-        static_cast<ApiThread*>(self)->body_();
-        return 0;
-    }
-
-    std::function<void()> body_;
-    DWORD id_ = 0;
-    HANDLE handle_ = NULL;
+struct ApiThread : Crew {
+    explicit ApiThread(std::function<void()> body) { Start(std::move(body)); }
 };
 
-// Handles the calling thread's messages until WM_QUIT; returns its exit code.
-inline int RunMessageLoop() {
-    MSG message{};
-    while (GetMessageW(&message, NULL, 0, 0) > 0)
-        DispatchMessageW(&message);
-    return static_cast<int>(message.wParam);
-}
+// A window on a thread of its own, which looks after it until Stop.
+class WindowThread {
+  public:
+    explicit WindowThread(TestWindow::Options options, TestWindow::Handler handler = {})
+        : thread_([this, options, handler = std::move(handler)] {
+              const TestWindow target(options, handler);
+              target.Show();
+              id_ = GetCurrentThreadId();
+              window_ = target;
+              MSG message{};
+              while (GetMessageW(&message, NULL, 0, 0) > 0 && message.message != kStop)
+                  DispatchMessageW(&message);
+          }) {
+        while (window_ == NULL)
+            Sleep(1);
+    }
+    ~WindowThread() { Stop(); }
+
+    void Stop() const { PostThreadMessageW(id_, kStop, 0, 0); }
+    operator HWND() const { return window_; }
+
+  private:
+    static constexpr UINT kStop = WM_APP + 0x3FFF;
+
+    std::atomic<DWORD> id_{0};
+    std::atomic<HWND> window_{nullptr};
+    ApiThread thread_;
+};
 
 // Handles what waits now.
 inline void HandleWaiting() {
@@ -137,5 +138,39 @@ inline void HandleWaiting() {
     while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))
         DispatchMessageW(&message);
 }
+
+// Runs `body` on a thread of a platform of its own.
+inline void OnPlatform(const std::function<void()>& body,
+                       const platform::kernel::Options& options = {}) {
+    Platform platform(options);
+    platform.Run(body);
+}
+
+// A test that runs on a thread of a platform of its own.
+#define PLATFORM_TEST(suite, name) \
+    void suite##name();            \
+    TEST(suite, name) {            \
+        OnPlatform(suite##name);   \
+    }                              \
+    void suite##name()
+
+// Runs `body` with each of the cases, each on a platform of its own.
+template <class Cases, class Body>
+void OnPlatformForEach(const Cases& cases, Body body) {
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.name);
+        OnPlatform([&] { body(each); });
+    }
+}
+
+// Expects that a call returns nothing, and with this last error.
+template <class Call>
+void ExpectFails(DWORD error, Call call) {
+    SetLastError(ERROR_SUCCESS);
+    EXPECT_FALSE(call());
+    EXPECT_EQ(GetLastError(), error);
+}
+
+inline const HWND kNoWindow = reinterpret_cast<HWND>(UINT_PTR{0x1248});
 
 }  // namespace tests

@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
-#include "tests/support/platform_fixture.h"
 #include "tests/window/test_window.h"
 
 namespace tests {
@@ -34,137 +29,57 @@ std::vector<Tick> Collect(DWORD milliseconds) {
     }
 }
 
-TEST(Timer, BeatsUntilItIsKilled) {
-    Platform platform;
-    platform.Run([] {
-        const TestWindow target;
-        EXPECT_EQ(SetTimer(target, 257, 100, NULL), 257U);
-        EXPECT_EQ(SetTimer(target, 258, 150, NULL), 258U);
-        EXPECT_EQ(Collect(320),
-                  (std::vector<Tick>{{257, 100}, {258, 150}, {257, 200}, {257, 300}, {258, 300}}));
-        EXPECT_TRUE(KillTimer(target, 257));
-        EXPECT_FALSE(KillTimer(target, 257));
-        EXPECT_EQ(Collect(150), (std::vector<Tick>{{258, 130}}));
-    });
-}
-
-TEST(Timer, ArmingAnewRestartsThePeriodAndTakesBackAMessageThatWaits) {
+TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
     struct Case {
         const char* name;
-        DWORD armed_anew_after;
-        UINT period;
+        DWORD after;  // an arming of timer 1 with 100 ms
+        std::function<void(HWND)> act;
         std::vector<Tick> expected;  // within 250 ms from then
     };
-    const Case cases[] = {
-        {"before it was due", 60, 100, {{1, 100}, {1, 200}}},
-        {"while its message waits", 130, 100, {{1, 100}, {1, 200}}},
-        {"with another period", 130, 240, {{1, 240}}},
+    const auto arm = [](UINT_PTR id, UINT period) {
+        return [=](HWND target) { EXPECT_EQ(SetTimer(target, id, period, NULL), id); };
     };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.name);
-        Platform platform;
-        platform.Run([&] {
-            const TestWindow target;
-            SetTimer(target, 1, 100, NULL);
-            Sleep(each.armed_anew_after);
-            EXPECT_EQ(SetTimer(target, 1, each.period, NULL), 1U);
-            EXPECT_EQ(Collect(250), each.expected);
-        });
-    }
-}
-
-TEST(Timer, MissedPeriodsAreOneMessageAndTheBeatStays) {
-    Platform platform;
-    platform.Run([] {
+    const auto kill = [](HWND target) {
+        EXPECT_TRUE(KillTimer(target, 1));
+        EXPECT_FALSE(KillTimer(target, 1));
+    };
+    const auto by_another_thread = [](auto act) {
+        return [=](HWND target) { ApiThread([=] { act(target); }); };
+    };
+    const Case cases[] = {
+        {"left alone", 0, [](HWND) {}, {{1, 100}, {1, 200}}},
+        {"missed periods are one message", 370, [](HWND) {}, {{1, 0}, {1, 30}, {1, 130}, {1, 230}}},
+        {"another beside it", 0, arm(2, 150), {{1, 100}, {2, 150}, {1, 200}}},
+        {"armed anew before it was due", 60, arm(1, 100), {{1, 100}, {1, 200}}},
+        {"armed anew while its message waits", 130, arm(1, 100), {{1, 100}, {1, 200}}},
+        {"armed anew with another period", 130, arm(1, 240), {{1, 240}}},
+        {"armed by another thread", 50, by_another_thread(arm(1, 120)), {{1, 120}, {1, 240}}},
+        {"killed", 50, kill, {}},
+        {"killed while its message waits", 150, kill, {}},
+        {"killed by another thread", 150, by_another_thread(kill), {}},
+        {"its window destroyed", 150, DestroyWindow, {}},
+    };
+    OnPlatformForEach(cases, [](const Case& each) {
         const TestWindow target;
         SetTimer(target, 1, 100, NULL);
-        Sleep(370);
-        EXPECT_EQ(Collect(100), (std::vector<Tick>{{1, 0}, {1, 30}}));
+        Sleep(each.after);
+        each.act(target);
+        EXPECT_EQ(Collect(250), each.expected);
     });
 }
 
-TEST(Timer, KillingForgetsAMessageThatWaits) {
-    Platform platform;
-    platform.Run([] {
-        const TestWindow target;
-        SetTimer(target, 1, 100, NULL);
-        Sleep(150);
-        KillTimer(target, 1);
-        EXPECT_EQ(Collect(300), std::vector<Tick>{});
+PLATFORM_TEST(Timer, ArmedByAnotherThreadWakesWhoWaitsForAMessage) {
+    const TestWindow target;
+    SetTimer(target, 1, 5000, NULL);
+    const ApiThread later([&] {
+        Sleep(40);
+        SetTimer(target, 2, 100, NULL);
     });
-}
-
-TEST(Timer, AnotherThreadArmsAndKillsIt) {
-    Platform platform;
-    platform.Run([] {
-        const TestWindow target;
-        ApiThread peer([&] {
-            SetTimer(target, 260, 100, NULL);
-            SetTimer(target, 261, 100, NULL);
-            KillTimer(target, 261);
-        });
-        peer.Join();
-        EXPECT_EQ(Collect(150), (std::vector<Tick>{{260, 100}}));
-
-        // Also while the window's thread waits for a message.
-        KillTimer(target, 260);
-        const ApiThread later([&] {
-            Sleep(40);
-            SetTimer(target, 262, 100, NULL);
-        });
-        const DWORD start = GetTickCount();
-        MSG message{};
-        EXPECT_TRUE(GetMessageW(&message, NULL, 0, 0));
-        EXPECT_EQ(message.wParam, 262U);
-        EXPECT_EQ(GetTickCount() - start, 140U);
-    });
-}
-
-DWORD g_called_at = 0;
-
-void CALLBACK NoteCall(HWND, UINT message, UINT_PTR, DWORD) {
-    EXPECT_EQ(message, WM_TIMER);
-    g_called_at = GetTickCount();
-}
-
-TEST(Timer, OfAThreadCallsItsProcedure) {
-    Platform platform;
-    platform.Run([] {
-        const DWORD start = GetTickCount();
-        const UINT_PTR first = SetTimer(NULL, 5, 100, NoteCall);
-        const UINT_PTR second = SetTimer(NULL, 5, 100, NoteCall);
-        EXPECT_NE(first, 0U);
-        EXPECT_NE(first, second);
-        EXPECT_TRUE(KillTimer(NULL, second));
-        MSG message{};
-        GetMessageW(&message, NULL, 0, 0);
-        DispatchMessageW(&message);
-        EXPECT_EQ(g_called_at - start, 100U);
-
-        // A message whose timer is gone calls nothing.
-        g_called_at = 0;
-        GetMessageW(&message, NULL, 0, 0);
-        EXPECT_TRUE(KillTimer(NULL, first));
-        DispatchMessageW(&message);
-        EXPECT_EQ(g_called_at, 0U);
-    });
-}
-
-TEST(Timer, NeedsItsWindow) {
-    Platform platform;
-    platform.Run([] {
-        HWND stale = NULL;
-        {
-            const TestWindow target;
-            stale = target;
-            SetTimer(stale, 1, 10, NULL);
-        }
-        EXPECT_EQ(Collect(50), std::vector<Tick>{});
-        EXPECT_EQ(SetTimer(stale, 1, 10, NULL), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
-        EXPECT_FALSE(KillTimer(stale, 1));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
-    });
+    const DWORD start = GetTickCount();
+    MSG message{};
+    EXPECT_TRUE(GetMessageW(&message, NULL, 0, 0));
+    EXPECT_EQ(message.wParam, 2U);
+    EXPECT_EQ(GetTickCount() - start, 140U);
 }
 
 }  // namespace
