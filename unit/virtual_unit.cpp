@@ -31,11 +31,17 @@ constexpr DWORD kSuspendWord = 0x5A5A;
 // How often a program that has not closed is asked again.
 constexpr auto kAskAgain = std::chrono::seconds(1);
 
+// How long the unit's other applications may take to end.
+constexpr auto kOtherLimit = std::chrono::seconds(5);
+
 }  // namespace
 
 VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
                          std::function<void(const std::string&)> say)
-    : image_(std::move(program)), log_(log), say_(std::move(say)) {
+    : image_(std::move(program)),
+      log_(log),
+      say_(std::move(say)),
+      time_scale_(std::max(1, static_cast<int>(options.kernel.speed))) {
     kernel::Boot(options.kernel, *this);
     window::Start();
     supply_.ac_line_status = options.external_power ? 1 : 0;
@@ -81,15 +87,22 @@ bool VirtualUnit::RunUntil(const std::function<bool()>& done, std::chrono::secon
     return done();
 }
 
-bool VirtualUnit::Close(std::chrono::seconds limit) {
-    const auto program_ended = [this] { return !program_.running(); };
-    for (auto waited = std::chrono::seconds(0); waited < limit && !program_ended();
-         waited += kAskAgain) {
-        ProgramHost::CloseWindow();
-        RunUntil(program_ended, kAskAgain);
+bool VirtualUnit::CloseUntil(const std::function<void()>& ask, const std::function<bool()>& ended,
+                             std::chrono::seconds limit) {
+    const kernel::Time deadline = kernel::Now() + limit;
+    while (!ended() && kernel::Now() < deadline) {
+        ask();
+        RunUntil(ended, kAskAgain);
     }
-    CloseTaskBar();
-    const bool all_ended = RunUntil([] { return kernel::ThreadCount() == 0; }, kAskAgain);
+    return ended();
+}
+
+bool VirtualUnit::Close(std::chrono::seconds limit) {
+    CloseUntil(
+        ProgramHost::CloseWindow, [this] { return !program_.running(); }, limit * time_scale_);
+    // An application that has only begun to start has no window to close yet: ask again.
+    const bool all_ended = CloseUntil(
+        CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale_);
     const std::pair<const char*, std::size_t> counts[] = {
         {"threads", kernel::ThreadCount()},
         {"handles", kernel::HandleCount() - ProgramHost::HandlesKept()},

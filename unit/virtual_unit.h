@@ -50,8 +50,9 @@ class VirtualUnit final : public platform::Board {
     // Powers the unit's DVR on and starts the applications.
     void Start();
 
-    // Closes the program's window, waits for the end of every application for `limit` of unit time,
-    // and returns whether all ended. Afterwards only the destructor may be called.
+    // Closes the program's window, waits for the end of every application, the program's for
+    // `limit` (of host time when the unit runs faster than the host), and returns whether all
+    // ended. Afterwards only the destructor may be called.
     bool Close(std::chrono::seconds limit);
 
     ProgramHost& program() { return program_; }
@@ -100,10 +101,14 @@ class VirtualUnit final : public platform::Board {
   private:
     void LoadDrivers(const std::vector<std::wstring>& missing);
     bool RunUntil(const std::function<bool()>& done, std::chrono::seconds limit);
+    bool CloseUntil(const std::function<void()>& ask, const std::function<bool()>& ended,
+                    std::chrono::seconds limit);
 
     const Program image_;
     DebugLog& log_;
     const std::function<void(const std::string&)> say_;
+    // A unit that runs faster than the host's clock leaves its threads less of the host's time.
+    const int time_scale_;
     ProgramHost program_;
     std::shared_ptr<Scaler> scaler_;
     std::unique_ptr<DvrBay> dvr_;

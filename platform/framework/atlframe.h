@@ -77,7 +77,7 @@ class CFrameWindowImpl : public CWindowImplBase {
 
     // What a frame does unless the derived class's map has handled the message before.
     BEGIN_MSG_MAP(CFrameWindowImpl)
-    MESSAGE_HANDLER(WM_DESTROY, OnDestroyFrame)
+        MESSAGE_HANDLER(WM_DESTROY, OnDestroyFrame)
     END_MSG_MAP()
 
     HACCEL m_hAccel = nullptr;  // NULL when the resources hold no table

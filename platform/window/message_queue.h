@@ -55,6 +55,9 @@ struct MessageQueue {
     std::optional<int> quit_code;
     std::vector<Timer> timers;  // in the order of their arming
 
+    // A paint that another thread asked for went ahead of the rest, which has the next turn.
+    bool rest_has_turn = false;
+
     HWND active = NULL;
     HWND focus = NULL;
 };

@@ -59,15 +59,25 @@ bool MessageFilter::Accepts(DWORD kind, HWND of_window, UINT message) const {
 
 std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                const MessageFilter& filter, bool remove) {
-    auto message = NextPaintMessage(lock, queue, filter, remove, true);
-    if (!message)
-        message = NextPosted(queue, filter, remove);
+    if (!queue.rest_has_turn) {
+        if (const auto paint = NextPaintMessage(lock, queue, filter, remove, true)) {
+            queue.rest_has_turn = remove;
+            return paint;
+        }
+    }
+    auto message = NextPosted(queue, filter, remove);
     if (!message)
         message = NextQuit(lock, queue, filter, remove);
     if (!message)
         message = NextTouchMessage(lock, queue, filter, remove);
     if (!message)
         message = NextTimerMessage(lock, queue, filter, remove);
+    if (message) {
+        queue.rest_has_turn = queue.rest_has_turn && !remove;
+        return message;
+    }
+    if (queue.rest_has_turn)
+        message = NextPaintMessage(lock, queue, filter, remove, true);
     if (!message)
         message = NextPaintMessage(lock, queue, filter, remove, false);
     return message;

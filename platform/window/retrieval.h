@@ -22,6 +22,8 @@ struct MessageFilter {
 
 // The next message for the calling thread at this moment, in the order of precedence: a paint that
 // another thread's UpdateWindow asked for, posted messages, quit, touch, timers, other paints.
+// Whatever waits behind such a paint comes before the next one, or a thread that asks faster than
+// the window can paint would keep the rest from it for good.
 std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                const MessageFilter& filter, bool remove);
 

@@ -7,17 +7,16 @@
 namespace tests {
 namespace {
 
-using namespace std::chrono_literals;
 using platform::window::TopLevelWindows;
 
 constexpr wchar_t kName[] = L"Tolvane";
 
-HWND ShowWindowOf(const wchar_t* name, const wchar_t* title) {
+HWND ShowWindowOf(const wchar_t* name, const wchar_t* title, HWND owner = nullptr) {
     WNDCLASSW settings{};
     settings.lpfnWndProc = DefWindowProcW;
     settings.lpszClassName = name;
     RegisterClassW(&settings);
-    return CreateWindowExW(0, name, title, WS_POPUP | WS_VISIBLE, 0, 0, 800, 480, nullptr, nullptr,
+    return CreateWindowExW(0, name, title, WS_POPUP | WS_VISIBLE, 0, 0, 800, 480, owner, nullptr,
                            nullptr, nullptr);
 }
 
@@ -36,6 +35,7 @@ void Hold(const Holder& holder) {
         if (holder.window_after >= 0ms) {
             Sleep(static_cast<DWORD>(holder.window_after.count()));
             window = ShowWindowOf(kName, L"the first copy");
+            ShowWindowOf(L"Notice", L"its notice", window);
         }
         // Its window stands and its thread looks after it.
         MSG message{};
@@ -79,8 +79,10 @@ TEST(SecondStart, BringsTheFirstCopyToTheFront) {
         bench.RunFor(80ms);
         EXPECT_TRUE(bench.Ended()) << "it looks every 100 ms";
         bench.ExpectExit(S_FALSE);
-        EXPECT_EQ(TopLevelWindows().front().title, L"the first copy");
-        EXPECT_EQ(TopLevelWindows().size(), window_after == 0ms ? 2U : 1U);
+        const auto windows = TopLevelWindows();
+        ASSERT_EQ(windows.size(), window_after == 0ms ? 3U : 2U);
+        EXPECT_EQ(windows[0].title, L"its notice");
+        EXPECT_EQ(windows[1].title, L"the first copy");
         EXPECT_EQ(bench.TakeLog(), std::vector<std::string>());
         bench.RunFor(7s);
     }
@@ -112,27 +114,16 @@ TEST(SecondStart, RunsWhenNoCopyShowsItself) {
 }
 
 TEST(Start, EndsWithItsErrorBeforeAnythingElse) {
-    struct {
-        std::function<HANDLE(WizardBench&)> prepare;
-        int exit_code;
-    } const rows[] = {
-        {[](WizardBench&) { return CreateEventW(nullptr, FALSE, FALSE, kName); },
-         static_cast<int>(0x80070057)},
-        {[](WizardBench& bench) {
-             bench.Hide(RT_STRING, 128 / 16 + 1);
-             return HANDLE{};
-         },
-         static_cast<int>(0x80004005)},
-    };
-    for (const auto& row : rows) {
+    for (const bool name_is_taken : {true, false}) {
         WizardBench bench;
-        const HANDLE held = row.prepare(bench);
+        const HANDLE held = name_is_taken ? CreateEventW(nullptr, FALSE, FALSE, kName) : HANDLE{};
+        if (!name_is_taken)
+            bench.Hide(RT_STRING, 128 / 16 + 1);
         bench.Start();
-        bench.ExpectExit(row.exit_code);
-        EXPECT_EQ(bench.frames.size(), 0U);
+        bench.ExpectExit(static_cast<int>(name_is_taken ? 0x80070057 : 0x80004005));
+        EXPECT_EQ(bench.TakeFrames(), "");
         EXPECT_EQ(bench.TakeLog(), std::vector<std::string>());
-        if (held != nullptr)
-            CloseHandle(held);
+        CloseHandle(held);
     }
 }
 

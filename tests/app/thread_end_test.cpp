@@ -31,16 +31,13 @@ DWORD WINAPI SendAndPost(LPVOID parameter) {
     Sleep(50);
     PostMessageW(window, kPosted, 0, 0);
     InvalidateRect(window, nullptr, TRUE);
-    LRESULT answers = 0;
-    for (int count = 0; count < 3; ++count) {
-        answers += SendMessageW(window, kSent, 0, 0);
-        Sleep(20);
-    }
-    return static_cast<DWORD>(answers);
+    EXPECT_EQ(SendMessageW(window, kSent, 0, 0), 42);
+    Sleep(20);
+    EXPECT_EQ(SendMessageW(window, kSent, 0, 0), 42);
+    return 0;
 }
 
 TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
-    g_seen.clear();
     Platform platform;
     platform.Run([] {
         WNDCLASSW window_class{};
@@ -49,28 +46,19 @@ TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
         RegisterClassW(&window_class);
         const HWND window = CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100, nullptr,
                                             nullptr, nullptr, nullptr);
-        ASSERT_NE(window, nullptr);
         SetTimer(window, kTimer, 10, nullptr);
         g_seen.clear();
         const HANDLE thread = CreateThread(nullptr, 0, SendAndPost, window, 0, nullptr);
-        ASSERT_NE(thread, nullptr);
         WaitForThreadEnd(thread);
         EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-        DWORD answers = 0;
-        EXPECT_TRUE(GetExitCodeThread(thread, &answers));
-        EXPECT_EQ(answers, 3U * 42U);
-        EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent, kSent}));
+        EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent}));
         MSG message{};
         EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE))
             << "the posted message is still there";
         CloseHandle(thread);
         DestroyWindow(window);
+        WaitForThreadEnd(nullptr);  // no thread, and no wait
     });
-}
-
-TEST(WaitForThreadEnd, ReturnsFromWhatIsNoThread) {
-    Platform platform;
-    platform.Run([] { WaitForThreadEnd(nullptr); }, std::chrono::seconds(1));
 }
 
 }  // namespace

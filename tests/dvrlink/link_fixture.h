@@ -2,35 +2,86 @@
 
 #include <windows.h>
 
-#include <cstdint>
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <memory>
-#include <span>
-#include <utility>
 #include <vector>
 
+#include "dvrlink/Dispatch.h"
+#include "dvrlink/LinkState.h"
+#include "dvrlink/SerialPort.h"
 #include "dvrlink/UART.h"
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_port.h"
 #include "platform/kernel/scheduler.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/support/program_log.h"
 
 namespace tests {
 
+using namespace std::chrono_literals;
+namespace kernel = platform::kernel;
+
 using Bytes = std::vector<std::uint8_t>;
 
+// The bytes that pairs of hexadecimal digits stand for, grouped by spaces as a test likes.
+inline Bytes Hex(std::string digits) {
+    std::erase(digits, ' ');
+    Bytes bytes;
+    for (std::size_t at = 0; at < digits.size(); at += 2)
+        bytes.push_back(static_cast<std::uint8_t>(std::stoi(digits.substr(at, 2), nullptr, 16)));
+    return bytes;
+}
+
+inline std::string Repeat(std::size_t count, const std::string& text) {
+    std::string repeated;
+    for (; count > 0; --count)
+        repeated += text;
+    return repeated;
+}
+
+// The record of a frame: type, two bytes of the command, and the payload.
+inline DvrFrame Record(const Bytes& bytes) {
+    DvrFrame frame{};
+    frame.sync = kFrameSync;
+    frame.type = bytes[0];
+    frame.command = static_cast<WORD>(bytes[1] << 8 | bytes[2]);
+    frame.length = static_cast<WORD>(bytes.size() - 3);
+    std::copy(bytes.begin() + 3, bytes.end(), frame.payload);
+    return frame;
+}
+
 // A platform with a DVR's end of "COM9:".
-class LinkFixture {
-  public:
-    explicit LinkFixture(const platform::kernel::Options& options = {}) : platform(options) {
+struct LinkFixture {
+    explicit LinkFixture(const kernel::Options& options = {}) : platform(options) {
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
         // The parser is the program's and remembers the part of a frame that an earlier test left.
-        const Bytes more_than_a_frame(80, 0x00);
-        UART_ParseData(more_than_a_frame.data(), static_cast<DWORD>(more_than_a_frame.size()));
+        Parse(Bytes(80));
     }
 
-    // The DVR sends, at a time of the unit's clock.
-    void DvrSends(platform::kernel::Time when, Bytes bytes) {
-        platform::kernel::At(when, [this, bytes = std::move(bytes)] { line->Send(bytes); });
+    // A body with the link's locks, and a while for the line to carry what it sends.
+    template <typename Body>
+    void Run(Body body) {
+        platform.Run([&] {
+            ASSERT_TRUE(Memory_Init());
+            body();
+            Sleep(100);
+            COM_DeInit();
+            Memory_DeInit();
+        });
+    }
+
+    static void Parse(const Bytes& bytes) {
+        UART_ParseData(bytes.data(), static_cast<DWORD>(bytes.size()));
+    }
+
+    // The program's lines since the last call, a line feed between them.
+    std::string TakeLog() {
+        std::string joined;
+        for (const std::string& logged : ProgramLog(platform.board))
+            joined += (joined.empty() ? "" : "\n") + logged;
+        platform.board.ClearOutput();
+        return joined;
     }
 
     Platform platform;
@@ -42,22 +93,8 @@ class LinkFixture {
             });
 };
 
-// A frame as the DVR sends it. The sum is formed here byte by byte.
-inline Bytes DvrFrameBytes(std::uint8_t type, std::uint16_t command, const Bytes& payload) {
-    Bytes frame = {0xA5,
-                   0x5A,
-                   type,
-                   static_cast<std::uint8_t>(command >> 8),
-                   static_cast<std::uint8_t>(command & 0xFF),
-                   static_cast<std::uint8_t>(payload.size() >> 8),
-                   static_cast<std::uint8_t>(payload.size() & 0xFF)};
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    unsigned sum = 0;
-    for (const std::uint8_t byte : frame)
-        sum += byte;
-    frame.push_back(static_cast<std::uint8_t>((sum >> 8) & 0xFF));
-    frame.push_back(static_cast<std::uint8_t>(sum & 0xFF));
-    return frame;
-}
+// A report of the DVR that a plain handler takes, and its line.
+inline const std::string kVolume = "A55A 80 0019 0001 07 01A0";
+inline const std::string kVolumeLine = "\tPlay_Volume_IND, (0x0019)";
 
 }  // namespace tests

@@ -162,41 +162,5 @@ TEST(Dialog, AnswersAndEnds) {
     });
 }
 
-TEST(MessageLoop, AsksFiltersAndIdlesBetweenMessages) {
-    struct Filter : CMessageFilter {
-        BOOL PreTranslateMessage(MSG* message) override { return message->message == kAsk; }
-    };
-    struct Idle : CIdleHandler {
-        BOOL OnIdle() override {
-            ++rounds;
-            PostQuitMessage(9);
-            return FALSE;
-        }
-        int rounds = 0;
-    };
-    OnPlatform([] {
-        CMessageLoop loop, other;
-        EXPECT_TRUE(_Module.AddMessageLoop(&loop));
-        EXPECT_FALSE(_Module.AddMessageLoop(&other));
-        EXPECT_EQ(_Module.GetMessageLoop(), &loop);
-        Filter filter;
-        Idle idle;
-        EXPECT_TRUE(loop.AddMessageFilter(&filter));
-        EXPECT_FALSE(loop.AddMessageFilter(nullptr));
-        EXPECT_TRUE(loop.AddIdleHandler(&idle));
-        Frame frame;
-        frame.CreateEx();
-        frame.on_ask = [] { ADD_FAILURE() << "the filter had taken it"; };
-        PostMessageW(frame, kAsk, 0, 0);
-        EXPECT_EQ(loop.Run(), 9);
-        EXPECT_EQ(idle.rounds, 1);
-        EXPECT_TRUE(loop.RemoveMessageFilter(&filter));
-        EXPECT_FALSE(loop.RemoveMessageFilter(&filter));
-        EXPECT_TRUE(_Module.RemoveMessageLoop());
-        EXPECT_FALSE(_Module.RemoveMessageLoop());
-        DestroyWindow(frame);
-    });
-}
-
 }  // namespace
 }  // namespace tests

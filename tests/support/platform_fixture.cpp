@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/gdi/device_context.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/thread.h"
 #include "platform/window/screen.h"
@@ -10,6 +11,17 @@
 namespace tests {
 
 namespace kernel = platform::kernel;
+
+namespace {
+
+// The fonts are loaded once for all platforms of a process.
+class GdiEnd final : public testing::Environment {
+  public:
+    void TearDown() override { platform::gdi::Shutdown(); }
+};
+const auto* const kGdiEnd = testing::AddGlobalTestEnvironment(new GdiEnd);
+
+}  // namespace
 
 std::wstring PlainBoard::debug_output() const {
     const std::scoped_lock lock(mutex_);

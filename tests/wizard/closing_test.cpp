@@ -10,11 +10,7 @@
 namespace tests {
 namespace {
 
-using namespace std::chrono_literals;
 using Log = std::vector<std::string>;
-
-constexpr char kNothingToRelease[] =
-    "\tCMainFrame::~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)";
 
 TEST(Closing, EndsInOrderFromEveryStep) {
     for (int step = -1; step <= 6; ++step) {
@@ -67,13 +63,12 @@ TEST(Closing, FollowsTheRightMessagesAlone) {
 }
 
 TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
-    for (const int show : {SW_HIDE, SW_SHOWNORMAL}) {
-        WizardBench bench;
-        bench.Start(show);
-        bench.Mark();
-        bench.Close();
-        EXPECT_EQ(bench.TakeLog("CMainFrame::"), Log(show == SW_HIDE ? 2 : 0, kNothingToRelease));
-    }
+    WizardBench bench;
+    bench.Start(SW_HIDE);
+    bench.Mark();
+    bench.Close();
+    EXPECT_EQ(bench.TakeLog("CMainFrame::"),
+              Log(2, "\tCMainFrame::~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"));
 }
 
 TEST(Closing, UnderTheNoticeLetsNothingFollow) {
@@ -96,19 +91,15 @@ TEST(Closing, UnderTheNoticeLetsNothingFollow) {
 }
 
 TEST(Closing, WaitsForTheCommandThatRuns) {
-    struct {
-        int step;
-        const char* button;
-        std::chrono::milliseconds wait;
-    } const rows[] = {{1, "Update", 4000ms}, {4, "Next", 2000ms}};
-    for (const auto& row : rows) {
+    for (const auto& [step, button, wait] :
+         {std::tuple(1, "Update", 4000ms), std::tuple(4, "Next", 2000ms)}) {
         WizardBench bench;
-        bench.GoTo(row.step);
+        bench.GoTo(step);
         bench.Card(1);
         bench.RunFor(20ms);
-        ASSERT_TRUE(bench.Tap(row.button));
+        ASSERT_TRUE(bench.Tap(button));
         bench.After(500ms, [&] { bench.Post(WM_CLOSE); });
-        bench.RunFor(row.wait - 50ms);
+        bench.RunFor(wait - 50ms);
         EXPECT_FALSE(bench.Ended());
         bench.RunFor(300ms);
         EXPECT_TRUE(bench.Ended());
@@ -143,7 +134,7 @@ TEST_P(ClosingInEveryMode, UnderAFloodOfCardReportsComesToAnEnd) {
             bench.After(400us, flood);
         };
         flood();
-        bench.RunFor(50ms);
+        bench.RunFor(20ms);
         bench.Post(WM_CLOSE);
         EXPECT_TRUE(bench.Until([&] { return bench.Ended(); }, 5s));
     }
