@@ -35,7 +35,7 @@ INT_PTR RunDialog(HWND owner, DialogHandler handler,
 }
 
 PLATFORM_TEST(Dialog, RunsModallyOverItsOwner) {
-    TestWindow owner({.place = {0, 0, 800, 480}});
+    TestWindow owner(TestWindow::Options{.place = {0, 0, 800, 480}});
     owner.Show();
     HandleWaiting();
     owner.Forget();
@@ -89,7 +89,7 @@ TEST(Dialog, EndsInManyWays) {
     struct Case {
         const char* name;
         bool owned;
-        std::function<void(HWND owner, HWND dialog)> act;  // in WM_TIMER of the dialog
+        void (*act)(HWND owner, HWND dialog);  // in WM_TIMER of the dialog
         INT_PTR expected;
         bool owner_left = true;
         bool quits = false;
@@ -106,7 +106,7 @@ TEST(Dialog, EndsInManyWays) {
          false, kDisabled},
     };
     OnPlatformForEach(cases, [](const Case& each) {
-        const TestWindow owner({.style = each.owner_style});
+        const TestWindow owner(TestWindow::Options{.style = each.owner_style});
         owner.Show();
         const auto handler = [&](HWND handle, UINT message) -> INT_PTR {
             if (message == WM_INITDIALOG)

@@ -131,8 +131,8 @@ PLATFORM_TEST(Destruction, IsForTheWindowsThreadAndTakesOwnedWindowsAlongFirst) 
         });
     };
     const TestWindow owner(note('a'));
-    const TestWindow owned({.owner = owner}, note('b'));
-    const TestWindow inner({.owner = owned}, note('c'));
+    const TestWindow owned(TestWindow::Options{.owner = owner}, note('b'));
+    const TestWindow inner(TestWindow::Options{.owner = owned}, note('c'));
     EXPECT_EQ(GetParent(inner), owned.handle());
     const WindowThread distant({.owner = owner});
     ExpectFails(ERROR_ACCESS_DENIED, [&] { return DestroyWindow(distant); });
@@ -179,7 +179,8 @@ TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
         EXPECT_TRUE(0xC000 <= status && status != other && other <= 0xFFFF);
         EXPECT_EQ(RegisterWindowMessageW(L"_all_app_powerstatuschange_"), status);
         ExpectFails(ERROR_INVALID_PARAMETER, [] { return RegisterWindowMessageW(L""); });
-        const TestWindow visible, hidden, disabled({.style = WS_POPUP | WS_DISABLED});
+        const TestWindow visible, hidden,
+            disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
         visible.Show();
         ApiThread([=] {
             EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));

@@ -157,7 +157,8 @@ PLATFORM_TEST(Screen, ShowsTheVisibleWindowsFromBottomToTop) {
         DeleteObject(brush);
         ReleaseDC(handle, dc);
     };
-    const TestWindow lower({.place = {0, 0, 200, 200}}), upper({.place = {100, 100, 900, 900}});
+    const TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
+        upper(TestWindow::Options{.place = {100, 100, 900, 900}});
     fill(lower, RGB(0xAA, 0, 0));
     fill(upper, RGB(0, 0xBB, 0));
     using Colors = std::vector<std::uint32_t>;

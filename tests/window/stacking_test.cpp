@@ -43,8 +43,9 @@ TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
         {"foreground with owned windows", "b|", "dbca"},
     };
     OnPlatformForEach(cases, [](const auto& each) {
-        const TestWindow a({.title = L"a"}), b({.title = L"b"}), c({.title = L"c"});
-        const TestWindow d({.owner = b, .title = L"d"});
+        const TestWindow a(TestWindow::Options{.title = L"a"}),
+            b(TestWindow::Options{.title = L"b"}), c(TestWindow::Options{.title = L"c"});
+        const TestWindow d(TestWindow::Options{.owner = b, .title = L"d"});
         const std::map<char, HWND> places{{'a', a},
                                           {'b', b},
                                           {'c', c},
@@ -96,7 +97,7 @@ TEST(Positioning, TellsTheWindowWhatChanged) {
 }
 
 PLATFORM_TEST(Positioning, OfAnotherThreadsWindowDoesNotWait) {
-    TestWindow task_bar({.extended_style = WS_EX_TOPMOST});
+    TestWindow task_bar(TestWindow::Options{.extended_style = WS_EX_TOPMOST});
     task_bar.Forget();
     ApiThread([&] {
         EXPECT_TRUE(SetWindowPos(task_bar, HWND_NOTOPMOST, 0, 0, 0, 0,
@@ -177,7 +178,8 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         {"off the screen", -1, 20, nothing, "", 0, 0},
     };
     OnPlatformForEach(cases, [](const auto& each) {
-        TestWindow lower({.place = {0, 0, 200, 200}}), upper({.place = {100, 100, 300, 300}});
+        TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
+            upper(TestWindow::Options{.place = {100, 100, 300, 300}});
         lower.Show();
         upper.Show();
         each.prepare(upper);
