@@ -188,7 +188,7 @@ TEST(UpdateRoad, FreeRunningOverMemoryAndPseudoTerminal) {
     for (const auto line : {unit::DvrBay::Line::kMemory, unit::DvrBay::Line::kPseudoTerminal}) {
         VirtualUnit::Options options;
         options.kernel.mode = platform::kernel::Mode::kFreeRunning;
-        options.kernel.speed = 10;
+        options.kernel.speed = 4;
         options.dvr.line = line;
         WizardRun run(options);
         run.GoToRemoveCard();
