@@ -52,3 +52,12 @@ function(tolvane_folder folder)
         target_link_libraries(${target} INTERFACE tolvane_flags ${ARG_DEPENDS} ${ARG_LIBRARIES})
     endif()
 endfunction()
+
+# tolvane_executable(dvrsim dvrsim/program/main.cpp LIBRARIES ...): a command that people start; all of
+# them lie in one folder of the build tree, so that they find each other.
+function(tolvane_executable name source)
+    cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
+    add_executable(${name} "${CMAKE_SOURCE_DIR}/${source}")
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+endfunction()

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "unit/debug_log.h"
-#include "unit/screen_reader.h"
-#include "unit/temporary_card.h"
-#include "unit/virtual_unit.h"
+#include "unit/board/debug_log.h"
+#include "unit/board/temporary_card.h"
+#include "unit/board/virtual_unit.h"
+#include "unit/picture/screen_reader.h"
 
 namespace tests {
 

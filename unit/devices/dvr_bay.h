@@ -7,7 +7,7 @@
 #include "dvrsim/dvr.h"
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_line.h"
-#include "unit/pty_peer.h"
+#include "unit/devices/pty_peer.h"
 
 namespace unit {
 

@@ -1,4 +1,4 @@
-#include "unit/screen_mixer.h"
+#include "unit/picture/screen_mixer.h"
 
 namespace unit {
 namespace {

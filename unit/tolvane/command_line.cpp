@@ -1,4 +1,4 @@
-#include "unit/command_line.h"
+#include "unit/tolvane/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>

@@ -9,12 +9,12 @@
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
-#include "unit/auto_user.h"
-#include "unit/command_line.h"
-#include "unit/signals.h"
-#include "unit/temporary_card.h"
-#include "unit/virtual_unit.h"
-#include "unit/window_host.h"
+#include "unit/board/temporary_card.h"
+#include "unit/board/virtual_unit.h"
+#include "unit/tolvane/auto_user.h"
+#include "unit/tolvane/command_line.h"
+#include "unit/tolvane/signals.h"
+#include "unit/workbench/window_host.h"
 
 namespace {
 

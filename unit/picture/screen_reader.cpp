@@ -1,4 +1,4 @@
-#include "unit/screen_reader.h"
+#include "unit/picture/screen_reader.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "unit/auto_user.h"
+#include "unit/tolvane/auto_user.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -7,7 +7,7 @@
 
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
-#include "unit/virtual_unit.h"
+#include "unit/board/virtual_unit.h"
 
 namespace unit {
 

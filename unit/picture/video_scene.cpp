@@ -1,4 +1,4 @@
-#include "unit/video_scene.h"
+#include "unit/picture/video_scene.h"
 
 #include <algorithm>
 #include <cmath>

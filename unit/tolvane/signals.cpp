@@ -1,4 +1,4 @@
-#include "unit/signals.h"
+#include "unit/tolvane/signals.h"
 
 #include <pthread.h>
 

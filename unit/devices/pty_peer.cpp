@@ -1,4 +1,4 @@
-#include "unit/pty_peer.h"
+#include "unit/devices/pty_peer.h"
 
 #include <fcntl.h>
 #include <poll.h>

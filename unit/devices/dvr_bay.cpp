@@ -1,4 +1,4 @@
-#include "unit/dvr_bay.h"
+#include "unit/devices/dvr_bay.h"
 
 #include "platform/device/tty_line.h"
 #include "platform/kernel/scheduler.h"

@@ -1,8 +1,8 @@
-#include "unit/scaler.h"
+#include "unit/devices/scaler.h"
 
 #include <algorithm>
 
-#include "unit/request_record.h"
+#include "unit/devices/request_record.h"
 
 namespace unit {
 namespace {

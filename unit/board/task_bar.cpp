@@ -1,4 +1,4 @@
-#include "unit/task_bar.h"
+#include "unit/board/task_bar.h"
 
 #include <windows.h>
 

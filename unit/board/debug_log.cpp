@@ -1,4 +1,4 @@
-#include "unit/debug_log.h"
+#include "unit/board/debug_log.h"
 
 #include <cerrno>
 #include <cstring>

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "unit/screen_reader.h"
+#include "unit/picture/screen_reader.h"
 
 namespace unit {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "unit/dvr_bay.h"
+#include "unit/devices/dvr_bay.h"
 
 namespace unit {
 

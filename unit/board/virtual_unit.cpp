@@ -1,4 +1,4 @@
-#include "unit/virtual_unit.h"
+#include "unit/board/virtual_unit.h"
 
 #include <pm.h>
 
@@ -9,11 +9,11 @@
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
 #include "platform/resource/module.h"
-#include "unit/dvr_reset_driver.h"
-#include "unit/request_record.h"
-#include "unit/screen_mixer.h"
-#include "unit/task_bar.h"
-#include "unit/video_scene.h"
+#include "unit/board/task_bar.h"
+#include "unit/devices/dvr_reset_driver.h"
+#include "unit/devices/request_record.h"
+#include "unit/picture/screen_mixer.h"
+#include "unit/picture/video_scene.h"
 
 namespace unit {
 

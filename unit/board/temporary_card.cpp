@@ -1,4 +1,4 @@
-#include "unit/temporary_card.h"
+#include "unit/board/temporary_card.h"
 
 #include <cstdlib>
 #include <filesystem>

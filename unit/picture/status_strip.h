@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "unit/picture.h"
+#include "unit/picture/picture.h"
 
 namespace unit {
 

@@ -1,4 +1,4 @@
-#include "unit/window_host.h"
+#include "unit/workbench/window_host.h"
 
 #include <SDL.h>
 
@@ -7,8 +7,8 @@
 
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
-#include "unit/status_strip.h"
-#include "unit/virtual_unit.h"
+#include "unit/board/virtual_unit.h"
+#include "unit/picture/status_strip.h"
 
 namespace unit {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/gdi/surface.h"
-#include "unit/picture.h"
-#include "unit/scaler.h"
+#include "unit/devices/scaler.h"
+#include "unit/picture/picture.h"
 
 namespace unit {
 

@@ -1,4 +1,4 @@
-#include "unit/picture.h"
+#include "unit/picture/picture.h"
 
 #include <png.h>
 

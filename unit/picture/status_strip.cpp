@@ -1,4 +1,4 @@
-#include "unit/status_strip.h"
+#include "unit/picture/status_strip.h"
 
 #include <windows.h>
 

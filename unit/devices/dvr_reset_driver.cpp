@@ -1,8 +1,8 @@
-#include "unit/dvr_reset_driver.h"
+#include "unit/devices/dvr_reset_driver.h"
 
 #include <cstdint>
 
-#include "unit/request_record.h"
+#include "unit/devices/request_record.h"
 
 namespace unit {
 namespace {

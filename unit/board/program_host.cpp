@@ -1,4 +1,4 @@
-#include "unit/program_host.h"
+#include "unit/board/program_host.h"
 
 #include <windows.h>
 

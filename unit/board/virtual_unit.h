@@ -13,11 +13,11 @@
 #include "platform/board.h"
 #include "platform/kernel/kernel.h"
 #include "platform/window/screen.h"
-#include "unit/debug_log.h"
-#include "unit/dvr_bay.h"
-#include "unit/picture.h"
-#include "unit/program_host.h"
-#include "unit/scaler.h"
+#include "unit/board/debug_log.h"
+#include "unit/board/program_host.h"
+#include "unit/devices/dvr_bay.h"
+#include "unit/devices/scaler.h"
+#include "unit/picture/picture.h"
 
 namespace unit {
 
