@@ -1,0 +1,86 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "control/grammar.h"
+#include "control/words.h"
+
+namespace control {
+
+// How a command ended: done, with what it has to say perhaps, or refused with one line that says
+// what was wrong and what is allowed.
+struct Outcome {
+    bool done;
+    std::string text;
+};
+inline Outcome Done(std::string text = {}) {
+    return {true, std::move(text)};
+}
+inline Outcome Refused(std::string problem) {
+    return {false, std::move(problem)};
+}
+
+// The commands that something of type Target follows. Reading a line needs no target: a file of
+// commands is checked wholly before its first one runs.
+template <class Target>
+class CommandTable {
+  public:
+    struct Row {
+        std::string_view pattern;  // see grammar.h; must outlive the table
+        std::string_view help;     // what it does, a sentence
+        std::function<Outcome(Target&, const Values&)> follow;
+    };
+
+    // A line that was read, ready to be followed any number of times.
+    struct Command {
+        const Row* row;
+        Values values;
+
+        Outcome Follow(Target& target) const { return row->follow(target, values); }
+    };
+
+    explicit CommandTable(std::vector<Row> rows)
+        : rows_(std::move(rows)), grammar_(Patterns(rows_)) {}
+    CommandTable(const CommandTable&) = delete;
+    CommandTable& operator=(const CommandTable&) = delete;
+
+    std::optional<Command> Read(const std::vector<std::string>& words, std::string& problem) const {
+        auto match = grammar_.Read(words, problem);
+        if (!match)
+            return std::nullopt;
+        return Command{&rows_[match->pattern], std::move(match->values)};
+    }
+
+    // Reads and follows one line; an empty line or a comment does nothing.
+    Outcome Follow(Target& target, std::string_view line) const {
+        std::string problem;
+        const auto words = SplitWords(line, problem);
+        if (!words)
+            return Refused(problem);
+        if (words->empty())
+            return Done();
+        const auto command = Read(*words, problem);
+        return command ? command->Follow(target) : Refused(problem);
+    }
+
+    const std::vector<Row>& rows() const { return rows_; }
+    const Grammar& grammar() const { return grammar_; }
+
+  private:
+    static Grammar Patterns(const std::vector<Row>& rows) {
+        std::vector<std::string_view> patterns;
+        for (const Row& row : rows)
+            patterns.push_back(row.pattern);
+        return Grammar(patterns);
+    }
+
+    const std::vector<Row> rows_;
+    const Grammar grammar_;
+};
+
+}  // namespace control

@@ -1,0 +1,43 @@
+#include "unit/events/event_hub.h"
+
+#include <utility>
+
+#include "platform/kernel/clock.h"
+
+namespace unit {
+
+EventHub::Subscription::Subscription(Subscription&& other) noexcept
+    : hub_(std::exchange(other.hub_, nullptr)), id_(other.id_) {}
+
+EventHub::Subscription& EventHub::Subscription::operator=(Subscription&& other) noexcept {
+    std::swap(hub_, other.hub_);
+    std::swap(id_, other.id_);
+    return *this;
+}
+
+EventHub::Subscription::~Subscription() {
+    if (hub_)
+        hub_->Forget(id_);
+}
+
+EventHub::Subscription EventHub::Listen(Listener listener) {
+    const std::scoped_lock lock(mutex_);
+    entries_.push_back({++last_id_, std::move(listener)});
+    return {*this, last_id_};
+}
+
+void EventHub::Tell(Event event) {
+    const std::scoped_lock lock(mutex_);
+    if (entries_.empty())
+        return;
+    const TimedEvent timed{platform::kernel::Now(), std::move(event)};
+    for (const Entry& entry : entries_)
+        entry.listener(timed);
+}
+
+void EventHub::Forget(int id) {
+    const std::scoped_lock lock(mutex_);
+    std::erase_if(entries_, [id](const Entry& entry) { return entry.id == id; });
+}
+
+}  // namespace unit
