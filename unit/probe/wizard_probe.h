@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace unit {
+
+// What the wizard knows: the one look inside the program from outside.
+struct WizardState {
+    int step = 0;
+    // As the DVR last reported, 0 to 100.
+    int percent = 0;
+    // The first character of the update image's version; 0 until the DVR has found an image.
+    int bin_version = 0;
+    int running_state = 0;
+    // Up to seven characters; empty while unknown.
+    std::string dvr_version;
+
+    bool operator==(const WizardState&) const = default;
+};
+
+// Empty while the wizard has no window. Any thread, without the platform's locks.
+std::optional<WizardState> ReadWizard();
+
+// The wizard's words for its numbers; "?" for one that it does not know.
+const char* WizardStepName(int step);
+const char* RunningStateName(int running_state);
+
+}  // namespace unit
