@@ -69,7 +69,7 @@ void MemoryLine::DeliverDue() {
     } while (!waiting_for_port_.empty() && next <= kernel::Now());
     if (!waiting_for_port_.empty())
         kernel::At(lock, next, [self = shared_from_this()] { self->DeliverDue(); });
-    if (!plugged_ || !SettingsFit() || !port_)
+    if (!SettingsFit() || !port_)
         return;
     const Receiver port = port_;
     lock.unlock();
@@ -79,24 +79,15 @@ void MemoryLine::DeliverDue() {
 std::size_t MemoryLine::Transmit(std::span<const std::uint8_t> bytes) {
     KernelLock lock = kernel::LockKernel();
     const kernel::Time arrival = to_device_.Start(bytes.size());
-    if (!plugged_)
-        return bytes.size();
     std::vector<std::uint8_t> sent(bytes.begin(), bytes.end());
-    kernel::At(lock, arrival, [self = shared_from_this(), sent = std::move(sent), pulls = pulls_] {
+    kernel::At(lock, arrival, [self = shared_from_this(), sent = std::move(sent)] {
         KernelLock inner = kernel::LockKernel();
-        const bool arrives = self->pulls_ == pulls && self->SettingsFit();
+        const bool arrives = self->SettingsFit();
         inner.unlock();
         if (arrives)
             self->device_(sent);
     });
     return bytes.size();
-}
-
-void MemoryLine::SetPlugged(bool plugged) {
-    KernelLock lock = kernel::LockKernel();
-    if (plugged_ && !plugged)
-        ++pulls_;
-    plugged_ = plugged;
 }
 
 DWORD MemoryLine::Open(Receiver receiver) {

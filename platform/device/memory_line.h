@@ -20,10 +20,6 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     // The device sends. Hardware's thread.
     void Send(std::span<const std::uint8_t> bytes);
 
-    // Pulls the plug or puts it back: while unplugged, bytes are lost, those on the wire included.
-    // Hardware's thread.
-    void SetPlugged(bool plugged);
-
     DWORD Open(Receiver receiver) override;
     void Close() override;
     DWORD ReadSettings(DCB& settings) override;
@@ -57,8 +53,6 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     // Guarded by the kernel lock.
     Receiver port_;
     DCB settings_{};
-    bool plugged_ = true;
-    unsigned pulls_ = 0;
     std::deque<std::uint8_t> waiting_for_port_;
     Wire to_port_{baud_rate_};
     Wire to_device_{baud_rate_};

@@ -15,32 +15,32 @@ constexpr DWORD kBaudRate = 460800;
 
 }  // namespace
 
-DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> say)
+DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> say,
+               LineTap::Listener bytes)
     : say_(std::move(say)) {
-    if (options.line == Line::kTty) {
-        line_ = std::make_shared<TtyLine>(options.tty, say_);
-        return;
+    if (options.line != Line::kTty) {
+        dvrsim::Host& host = *this;
+        dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
     }
-    dvrsim::Host& host = *this;
-    dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
-    Attach(options);
+    if (auto line = MakeLine(options))
+        tap_ = std::make_shared<LineTap>(std::move(line), std::move(bytes));
 }
 
 DvrBay::~DvrBay() = default;
 
-void DvrBay::Attach(const Options& options) {
+std::shared_ptr<platform::device::SerialLine> DvrBay::MakeLine(const Options& options) {
+    if (options.line == Line::kTty)
+        return std::make_shared<TtyLine>(options.tty, say_);
+    const auto to_dvr = [this](std::span<const std::uint8_t> bytes) { Receive(bytes); };
     if (options.line == Line::kMemory) {
-        memory_line_ = std::make_shared<MemoryLine>(
-            kBaudRate, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
-        line_ = memory_line_;
-        return;
+        memory_line_ = std::make_shared<MemoryLine>(kBaudRate, to_dvr);
+        return memory_line_;
     }
-    pty_ =
-        std::make_unique<PtyPeer>([this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+    pty_ = std::make_unique<PtyPeer>(to_dvr);
     if (!pty_->path().empty())
-        line_ = std::make_shared<TtyLine>(pty_->path(), say_);
-    else
-        say_(pty_->problem());
+        return std::make_shared<TtyLine>(pty_->path(), say_);
+    say_(pty_->problem());
+    return nullptr;
 }
 
 void DvrBay::Reset() {
@@ -52,11 +52,12 @@ void DvrBay::Reset() {
 
 void DvrBay::SetPlugged(bool plugged) {
     plugged_ = plugged;
-    if (memory_line_)
-        memory_line_->SetPlugged(plugged);
+    if (tap_)
+        tap_->SetPlugged(plugged);
 }
 
 void DvrBay::Receive(std::span<const std::uint8_t> bytes) {
+    // Those that were still on the wire when the plug was pulled are lost.
     if (plugged_)
         dvr_->Receive(bytes);
 }

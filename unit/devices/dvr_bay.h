@@ -8,6 +8,7 @@
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_line.h"
 #include "unit/devices/pty_peer.h"
+#include "unit/line/line_tap.h"
 
 namespace unit {
 
@@ -24,11 +25,13 @@ class DvrBay final : private dvrsim::Host {
         dvrsim::Options dvr;
     };
 
-    DvrBay(const Options& options, std::function<void(const std::string&)> say);
+    // `bytes` hears the line as the program does; see LineTap.
+    DvrBay(const Options& options, std::function<void(const std::string&)> say,
+           LineTap::Listener bytes = {});
     ~DvrBay() override;
 
     // What the serial driver of "COM9:" drives; null when the host gave no pseudo-terminal.
-    std::shared_ptr<platform::device::SerialLine> line() const { return line_; }
+    std::shared_ptr<platform::device::SerialLine> line() const { return tap_; }
 
     // The simulated DVR, or null when a real one is attached.
     dvrsim::Dvr* dvr() { return dvr_.get(); }
@@ -36,7 +39,7 @@ class DvrBay final : private dvrsim::Host {
     // The reset wire: resets the simulated DVR; for a real one the operator is told to.
     void Reset();
 
-    // Pulls the serial plug of the simulated DVR or puts it back.
+    // Pulls the DVR's serial plug or puts it back.
     void SetPlugged(bool plugged);
     bool plugged() const { return plugged_; }
 
@@ -47,12 +50,12 @@ class DvrBay final : private dvrsim::Host {
     void Cancel(std::uint64_t id) override;
     void Transmit(std::span<const std::uint8_t> bytes) override;
 
-    void Attach(const Options& options);
+    std::shared_ptr<platform::device::SerialLine> MakeLine(const Options& options);
     void Receive(std::span<const std::uint8_t> bytes);
 
     const std::function<void(const std::string&)> say_;
-    std::shared_ptr<platform::device::SerialLine> line_;
     std::shared_ptr<platform::device::MemoryLine> memory_line_;
+    std::shared_ptr<LineTap> tap_;
     std::unique_ptr<dvrsim::Dvr> dvr_;
     std::unique_ptr<PtyPeer> pty_;
     bool plugged_ = true;
