@@ -33,12 +33,32 @@ void Dvr::Reset() {
     }
 }
 
+void Dvr::RebootItself() {
+    if (processor_up_) {
+        Reboot();
+    }
+}
+
+void Dvr::SetFirmwareVersion(const std::string& version) {
+    installed_version_ = version;
+    running_version_ = version;
+}
+
+void Dvr::SetFaults(const Faults& faults) {
+    const bool other_interval = faults.card_report_interval != faults_.card_report_interval;
+    faults_ = faults;
+    if (other_interval && settled_card_) {
+        PlanCardRepeat();
+    }
+}
+
 void Dvr::Halt() {
     actions_.CancelAll();
     processor_up_ = false;
     running_state_ = RunningState::kInitializing;
     mode_ = Mode::kVideo;
     percent_ = 0;
+    jumped_back_ = false;
     settled_card_.reset();
     record_wanted_ = true;
     recorded_seconds_ = 0;
@@ -70,7 +90,7 @@ void Dvr::LookForImage() {
 
 void Dvr::BringCardUp() {
     settled_card_ = card_.Status();
-    SendCardIndication(*settled_card_);
+    RepeatCardReport();
     if (state_ == State::kBooting) {
         Later(timings_.init_ok, &Dvr::EnterInitOk);
     }
@@ -84,39 +104,7 @@ void Dvr::EnterInitOk() {
 void Dvr::EnterNormal() {
     state_ = State::kNormal;
     SetRunningState(RunningState::kNormal);
-    Later(timings_.record_tick, &Dvr::TickRecording);
-}
-
-void Dvr::StartUpdate(std::string image_version) {
-    state_ = State::kUpdating;
-    image_version_ = std::move(image_version);
-    percent_interval_ = Pick(timings_.update) / 99;
-    Later(timings_.first_percent, &Dvr::BeginReports);
-}
-
-void Dvr::BeginReports() {
-    ReportNextPercent();
-    // The card's own report comes after the first percent: before it, the unit would offer an
-    // update that is running already.
-    Later(timings_.card_ready, &Dvr::BringCardUp);
-}
-
-void Dvr::ReportNextPercent() {
-    if (state_ != State::kUpdating || percent_ >= faults_.stop_at_percent.value_or(100)) {
-        return;
-    }
-    ++percent_;
-    std::vector<std::uint8_t> payload{static_cast<std::uint8_t>(percent_)};
-    payload.insert(payload.end(), image_version_.begin(), image_version_.end());
-    SendIndication(Command::kFirmwareUpgradeVersion, payload);
-    if (percent_ == 100) {
-        // The last percent, ever: a second 100 would start the unit's notice anew.
-        state_ = State::kUpdateFinished;
-        installed_version_ = image_version_;
-        return;
-    }
-    const microseconds wobble = percent_interval_ / 4;
-    Later({percent_interval_ - wobble, percent_interval_ + wobble}, &Dvr::ReportNextPercent);
+    After(Pick(timings_.record_tick), &Dvr::TickRecording);
 }
 
 bool Dvr::InsertCard(std::filesystem::path folder) {
@@ -153,6 +141,18 @@ void Dvr::SettleCard() {
     SendCardIndication(*settled_card_);
 }
 
+void Dvr::RepeatCardReport() {
+    SendCardIndication(*settled_card_);
+    PlanCardRepeat();
+}
+
+void Dvr::PlanCardRepeat() {
+    actions_.Cancel(card_repeat_key_);
+    if (const auto interval = faults_.card_report_interval) {
+        card_repeat_key_ = After(std::max(*interval, microseconds(1)), &Dvr::RepeatCardReport);
+    }
+}
+
 void Dvr::ReportCard(CardStatus status) {
     if (status > CardStatus::kPlugIn) {
         card_.SetCondition(status);
@@ -169,7 +169,7 @@ bool Dvr::Recording() const {
 }
 
 void Dvr::TickRecording() {
-    Later(timings_.record_tick, &Dvr::TickRecording);
+    After(Pick(timings_.record_tick), &Dvr::TickRecording);
     const bool stopped = recorded_seconds_ > 0 && !Recording();
     if (!Recording() && !stopped) {
         return;
@@ -193,11 +193,13 @@ void Dvr::SendCardIndication(CardStatus status) {
 }
 
 void Dvr::Indicate(std::uint16_t code, std::span<const std::uint8_t> payload) {
-    Transmit(FrameType::kIndication, code, payload);
+    for (unsigned copy = 0; copy < faults_.indication_copies; ++copy) {
+        Transmit(FrameType::kIndication, code, payload);
+    }
 }
 
 void Dvr::SendIndication(Command command, std::span<const std::uint8_t> payload) {
-    Transmit(FrameType::kIndication, static_cast<std::uint16_t>(command), payload);
+    Indicate(static_cast<std::uint16_t>(command), payload);
 }
 
 void Dvr::Transmit(FrameType type, std::uint16_t code, std::span<const std::uint8_t> payload) {

@@ -31,7 +31,7 @@ class Dvr {
         kNormal,
         kUpdating,
         kUpdateFinished,  // waits for the card to leave and for a reset
-        kUpdateFailed,    // the card was pulled; only a reset helps
+        kUpdateFailed,    // the card was pulled, or a fault; only a reset helps
     };
 
     explicit Dvr(Host& host, Options options = {});
@@ -40,6 +40,8 @@ class Dvr {
     void PowerOn();
     void PowerOff();
     void Reset();
+    // The DVR says that it reboots, and resets itself. Nothing while its processor is not up.
+    void RebootItself();
 
     // Bytes came in on the line, in any grouping. Lost while the processor is not up.
     void Receive(std::span<const std::uint8_t> bytes);
@@ -56,18 +58,24 @@ class Dvr {
     // for a payload that fits no frame.
     void Indicate(std::uint16_t code, std::span<const std::uint8_t> payload);
 
-    void SetFaults(const Faults& faults) { faults_ = faults; }
-    // For what begins from now on.
+    void SetFaults(const Faults& faults);
+    const Faults& GetFaults() const { return faults_; }
+    // For what begins from now on; an update's next report begins anew.
     void SetTimings(const Timings& timings) { timings_ = timings; }
+    const Timings& GetTimings() const { return timings_; }
+    // The firmware that is installed and runs, as if the DVR had left the factory with it.
+    void SetFirmwareVersion(const std::string& version);
 
     State GetState() const { return state_; }
     RunningState GetRunningState() const { return running_state_; }
     Mode GetMode() const { return mode_; }
     // Of the firmware that runs; a new one runs from the reset after its update.
     const std::string& FirmwareVersion() const { return running_version_; }
+    const std::string& InstalledVersion() const { return installed_version_; }
     // Last reported since the last reset, 0 when none was.
     int Percent() const { return percent_; }
     bool CardIn() const { return card_.In(); }
+    const StorageCard& Card() const { return card_; }
     bool Recording() const;
     // Whether the composite output carries a picture.
     bool HasPicture() const {
@@ -87,6 +95,10 @@ class Dvr {
     void StartUpdate(std::string image_version);
     void BeginReports();
     void ReportNextPercent();
+    bool MeetsFaultAtPercent();
+    bool PercentReached(const std::optional<std::uint8_t>& percent) const;
+    std::uint8_t NextPercent();
+    void SendPercent();
 
     void Accept(const Frame& frame);
     void Answer(const Frame& frame);
@@ -96,6 +108,8 @@ class Dvr {
 
     void NoteCardMoved();
     void SettleCard();
+    void RepeatCardReport();
+    void PlanCardRepeat();
     void TickRecording();
     std::vector<std::uint8_t> RecordPayload() const;
     std::uint8_t CardPercent(CardStatus status) const;
@@ -106,9 +120,16 @@ class Dvr {
     void Transmit(FrameType type, std::uint16_t code, std::span<const std::uint8_t> payload);
 
     std::chrono::microseconds Pick(const DelayRange& range);
+    std::chrono::microseconds PickSlowed(const DelayRange& range) {
+        return Pick(range) * faults_.slowness;
+    }
+    template <typename Method>
+    std::uint64_t After(std::chrono::microseconds delay, Method method) {
+        return actions_.After(delay, [this, method] { (this->*method)(); });
+    }
     template <typename Method>
     std::uint64_t Later(const DelayRange& range, Method method) {
-        return actions_.After(Pick(range), [this, method] { (this->*method)(); });
+        return After(PickSlowed(range), method);
     }
 
     Host& host_;
@@ -127,11 +148,12 @@ class Dvr {
     Mode mode_ = Mode::kVideo;
     std::string running_version_;
     std::string image_version_;
-    int percent_ = 0;
-    std::chrono::microseconds percent_interval_{};
+    std::uint8_t percent_ = 0;
+    bool jumped_back_ = false;
     bool processor_up_ = false;
     std::optional<CardStatus> settled_card_;  // empty until the card subsystem is up
     std::uint64_t card_settle_key_ = 0;
+    std::uint64_t card_repeat_key_ = 0;
     bool record_wanted_ = true;
     std::uint32_t recorded_seconds_ = 0;
     FrameDecoder decoder_;

@@ -62,7 +62,7 @@ void Dvr::Accept(const Frame& frame) {
     }
     ++waiting_answers_;
     // One request after the other, as one processor works them off.
-    busy_until_ = std::max(busy_until_, host_.Now()) + Pick(timings_.latency);
+    busy_until_ = std::max(busy_until_, host_.Now()) + PickSlowed(timings_.latency);
     actions_.After(busy_until_ - host_.Now(), [this, frame] {
         --waiting_answers_;
         Answer(frame);
@@ -101,7 +101,8 @@ std::optional<std::vector<std::uint8_t>> Dvr::AnswerToQuery(Command command) con
             if (faults_.silent_version) {
                 return std::nullopt;
             }
-            return Bytes(std::string_view(running_version_).substr(0, kMostPayloadBytes));
+            return Bytes(std::string_view(faults_.version_answer.value_or(running_version_))
+                             .substr(0, kMostPayloadBytes));
         default:
             return Bytes(PlainAnswer(command));
     }

@@ -35,13 +35,42 @@ struct Timings {
     DelayRange reboot = Milliseconds(200, 400);        // REBOOTTING to the reset
 };
 
-// What is wrong with this DVR.
+// An update whose percent, once `from` was reported, goes on from `to`. Once an update.
+struct PercentJump {
+    std::uint8_t from = 0;
+    std::uint8_t to = 0;
+
+    bool operator==(const PercentJump&) const = default;
+};
+
+// What is wrong with this DVR. A percent at which something happens is 0 to 100, 0 standing for the
+// moment before the first report; an update that is past it already meets it with its next report.
 struct Faults {
     bool silent = false;          // never sends a byte, otherwise works
     bool silent_card = false;     // neither reports its card nor answers for it
     bool silent_version = false;  // does not answer for its firmware version
-    // Every update hangs after this percent; 0: before the first report.
+    unsigned slowness = 1;        // boots, answers and notices its card so many times slower
+
+    unsigned indication_copies = 1;  // sends every indication so often
+    // From the boot on reports its card again and again, changed or not.
+    std::optional<std::chrono::microseconds> card_report_interval{};
+
+    // The answer for the firmware version, 0 to 64 bytes of any kind, whatever runs.
+    std::optional<std::string> version_answer{};
+    // The image's version in the percent reports, 0 to 63 bytes, whatever is on the card.
+    std::optional<std::string> image_version_report{};
+
+    // Every update hangs after this percent.
     std::optional<std::uint8_t> stop_at_percent{};
+    // Every update reports this percent for ever.
+    std::optional<std::uint8_t> stuck_at_percent{};
+    // Every update is given up after this percent; at 100 the DVR only believes it was a success.
+    std::optional<std::uint8_t> fail_at_percent{};
+    // Every update ends in a reboot after this percent.
+    std::optional<std::uint8_t> reboot_at_percent{};
+    std::optional<PercentJump> jump_back{};
+
+    bool operator==(const Faults&) const = default;
 };
 
 struct Options {

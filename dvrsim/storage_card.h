@@ -29,6 +29,8 @@ class StorageCard {
 
     bool In() const { return folder_.has_value(); }
     CardStatus Status() const { return status_; }
+    // The card's content; empty when none is in.
+    std::filesystem::path Folder() const { return folder_.value_or(std::filesystem::path()); }
 
     // The version of the update image on the card, when there is one that can be read.
     std::optional<std::string> ImageVersion() const {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "bench.h"
 
 namespace dvrsim {
@@ -144,6 +146,165 @@ TEST(DvrFaults, EachLeavesOutItsPart) {
         EXPECT_EQ(bench.Ask(0x8026).empty(), !c.card);
         EXPECT_EQ(bench.AskVersion().empty(), !c.version);
     }
+}
+
+std::vector<int> Count(int from, int to) {
+    std::vector<int> numbers;
+    for (int number = from; number <= to; ++number) {
+        numbers.push_back(number);
+    }
+    return numbers;
+}
+
+TEST(DvrFaults, EachGoesWrongAtItsPercent) {
+    const auto joined = [](std::vector<int> first, const std::vector<int>& then) {
+        first.insert(first.end(), then.begin(), then.end());
+        return first;
+    };
+    const struct {
+        const char* name;
+        Faults faults;
+        std::vector<int> first_percents;  // of what came in 100 s
+        std::size_t least_reports;
+        State end;
+        const char* runs_next;
+    } cases[] = {
+        {"fail at 37", {.fail_at_percent = 37}, Count(1, 37), 37, State::kUpdateFailed, kOld},
+        {"fail at 0", {.fail_at_percent = 0}, {}, 0, State::kUpdateFailed, kOld},
+        {"fail at 100", {.fail_at_percent = 100}, Count(1, 100), 100, State::kUpdateFailed, kOld},
+        {"stop at 100", {.stop_at_percent = 100}, Count(1, 100), 100, State::kUpdating, kOld},
+        {"stuck at 2", {.stuck_at_percent = 2}, {1, 2, 2, 2}, 200, State::kUpdating, kOld},
+        {"stuck at 100",
+         {.stuck_at_percent = 100},
+         joined(Count(1, 100), {100, 100}),
+         200,
+         State::kUpdating,
+         kOld},
+        {"jump back",
+         {.jump_back = PercentJump{60, 10}},
+         joined(Count(1, 60), Count(10, 100)),
+         151,
+         State::kUpdateFinished,
+         kNew},
+        {"reboot at 3",
+         {.reboot_at_percent = 3},
+         {1, 2, 3, 1, 2, 3, 1},
+         30,
+         State::kUpdating,
+         kOld},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        UpdateBench bench({.faults = c.faults});
+        bench.host.Run(milliseconds(100000));
+        const std::vector<int> percents = bench.Percents();
+        EXPECT_GE(percents.size(), c.least_reports);
+        ASSERT_GE(percents.size(), c.first_percents.size());
+        EXPECT_EQ(std::vector<int>(
+                      percents.begin(),
+                      percents.begin() + static_cast<std::ptrdiff_t>(c.first_percents.size())),
+                  c.first_percents);
+        if (!c.faults.stuck_at_percent && !c.faults.reboot_at_percent) {
+            EXPECT_EQ(percents.size(), c.first_percents.size());
+        }
+        if (c.faults.reboot_at_percent) {
+            EXPECT_EQ(std::ranges::count(bench.Only(0x80, 0x0010), Bytes{3}, &Sent::payload),
+                      static_cast<std::ptrdiff_t>(percents.size() / 3));
+        } else {
+            EXPECT_EQ(bench.dvr.GetState(), c.end);
+        }
+        bench.dvr.SetFaults({});
+        bench.dvr.RemoveCard();
+        bench.dvr.Reset();
+        bench.host.Run(milliseconds(4000));
+        EXPECT_EQ(bench.AskVersion(), c.runs_next);
+    }
+}
+
+TEST(DvrFaults, APercentThatHasPassedIsMetByTheNextReport) {
+    UpdateBench bench;
+    while (bench.dvr.Percent() < 50) {
+        bench.host.Run(milliseconds(10));
+    }
+    bench.dvr.SetFaults({.fail_at_percent = 20});
+    bench.host.Run(milliseconds(60000));
+    EXPECT_EQ(bench.dvr.Percent(), 50);
+    EXPECT_EQ(bench.dvr.GetState(), State::kUpdateFailed);
+}
+
+TEST(DvrFaults, WrongVersionsAreToldWhileTheRightOnesAreAtWork) {
+    UpdateBench bench({.faults = {.version_answer = "", .image_version_report = "x"}});
+    bench.host.Run(milliseconds(60000));
+    EXPECT_EQ(bench.Only(0x80, 0x002E).at(41).payload, (Bytes{42, 'x'}));
+    EXPECT_EQ(bench.Ask(0x802E).at(0).payload, Bytes{});
+    bench.dvr.SetFaults({.version_answer = std::string(100, 'v')});
+    EXPECT_EQ(bench.AskVersion(), std::string(64, 'v'));
+    bench.dvr.SetFaults({});
+    EXPECT_EQ(bench.AskVersion(), kOld);
+    bench.dvr.Reset();
+    EXPECT_EQ(bench.dvr.FirmwareVersion(), kNew);
+    bench.dvr.SetFirmwareVersion("V0");
+    bench.dvr.Reset();
+    bench.host.Run(milliseconds(3000));
+    EXPECT_EQ(bench.AskVersion(), "V0");
+}
+
+TEST(DvrFaults, SlowStretchesBootAnswersAndCardButNotTheUpdate) {
+    const auto boot = [](unsigned slowness) {
+        Bench bench({.faults = {.slowness = slowness}});
+        bench.dvr.PowerOn();
+        bench.host.Run(milliseconds(4000) * slowness);
+        return bench.host.sent;
+    };
+    std::vector<Sent> slowed = boot(1);
+    ASSERT_EQ(slowed.size(), 4U);
+    for (Sent& sent : slowed) {
+        sent.time *= 7;
+    }
+    EXPECT_EQ(boot(7), slowed);
+    Bench slow;
+    slow.BootToNormal();
+    slow.dvr.SetFaults({.slowness = 7});
+    EXPECT_TRUE(slow.Ask(0x8010).empty());
+    EXPECT_EQ(slow.During(milliseconds(84)).size(), 1U);
+    slow.dvr.InsertCard(slow.card.path);
+    EXPECT_TRUE(slow.During(milliseconds(1749)).empty());
+    UpdateBench bench({.faults = {.slowness = 2}});
+    bench.host.Run(milliseconds(45000));
+    EXPECT_EQ(bench.dvr.GetState(), State::kUpdateFinished);
+}
+
+TEST(DvrFaults, ReportsComeInCopiesAndTheCardsForEver) {
+    Bench bench({.faults = {.indication_copies = 3}});
+    bench.dvr.PowerOn();
+    bench.host.Run(milliseconds(4000));
+    EXPECT_EQ(bench.host.sent.size(), 12U);
+    EXPECT_EQ(bench.Ask(0x8010).size(), 1U) << "an answer is no report";
+    bench.dvr.SetFaults({.card_report_interval = milliseconds(100)});
+    bench.dvr.InsertCard(bench.card.path);
+    const auto reports = [&](int duration) {
+        bench.During(milliseconds(duration));
+        return bench.Only(0x80, 0x0026).size();
+    };
+    EXPECT_EQ(reports(1050), 11U);
+    EXPECT_EQ(bench.host.sent.back().payload[0], 1);
+    bench.dvr.Reset();
+    EXPECT_EQ(reports(1500), 0U);
+    EXPECT_GE(reports(3500), 20U);
+    bench.dvr.SetFaults({});
+    EXPECT_EQ(reports(2000), 0U);
+}
+
+TEST(DvrFaults, ARebootOfItsOwnIsSaidAndDone) {
+    Bench bench;
+    bench.dvr.RebootItself();
+    EXPECT_TRUE(bench.host.Idle()) << "off";
+    bench.BootToNormal();
+    bench.dvr.RebootItself();
+    EXPECT_EQ(bench.host.sent.back().payload, Bytes{3});
+    const auto sent = bench.During(milliseconds(6000));
+    ASSERT_EQ(sent.size(), 4U);
+    EXPECT_EQ(sent[3].payload, Bytes{2});
 }
 
 }  // namespace

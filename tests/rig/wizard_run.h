@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "dvrsim/temporary_card.h"
 #include "unit/board/debug_log.h"
-#include "unit/board/temporary_card.h"
 #include "unit/board/virtual_unit.h"
 #include "unit/picture/screen_reader.h"
 
@@ -53,7 +53,7 @@ class WizardRun {
     std::string output() const;
 
   private:
-    unit::TemporaryCard card_;
+    dvrsim::TemporaryCard card_;
     mutable std::mutex mutex_;
     std::vector<std::string> lines_;
     unit::DebugLog log_;

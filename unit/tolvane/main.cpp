@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <optional>
 
+#include "dvrsim/temporary_card.h"
 #include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
-#include "unit/board/temporary_card.h"
 #include "unit/board/virtual_unit.h"
 #include "unit/tolvane/auto_user.h"
 #include "unit/tolvane/command_line.h"
@@ -127,7 +127,7 @@ int Run(CommandLine command_line) {
         Say(problem);
         return kFailed;
     }
-    std::optional<TemporaryCard> made_card;
+    std::optional<dvrsim::TemporaryCard> made_card;
     if (command_line.card.empty())
         made_card.emplace();
     const std::string card = made_card ? made_card->path() : command_line.card;
