@@ -112,7 +112,7 @@ TEST(UpdateRoad, PowerLostAndBackAtEveryStationRestartsAndStillUpdates) {
         run.RunFor(1s);
         run.unit().SetExternalPower(true);
         ASSERT_TRUE(run.WaitForText(kFirstScreen, 3s));
-        run.unit().dvr().Reset();
+        run.unit().ResetDvr();
         run.RunFor(5s);
         run.GoToRemoveCard();
         FinishFromRemoveCard(run);

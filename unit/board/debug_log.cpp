@@ -15,6 +15,11 @@ bool DebugLog::OpenFile(const std::string& path, std::string& problem) {
     return file_ != nullptr;
 }
 
+void DebugLog::Listen(Listener listener) {
+    const std::scoped_lock lock(mutex_);
+    listeners_.push_back(std::move(listener));
+}
+
 void DebugLog::Write(std::wstring_view text, std::chrono::microseconds time) {
     const std::string bytes = platform::kernel::ToUtf8(text);
     const std::scoped_lock lock(mutex_);
@@ -31,7 +36,8 @@ void DebugLog::Write(std::wstring_view text, std::chrono::microseconds time) {
         unfinished_.erase(0, end + 1);
         if (line.ends_with('\r'))
             line.pop_back();
-        listener_(time, line);
+        for (const Listener& listener : listeners_)
+            listener(time, line);
     }
 }
 

@@ -7,16 +7,20 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace unit {
 
-// Where the program's debug output goes: whole lines with the unit's time to a listener, and every
-// byte as the program wrote it to a file. Any thread.
+// Where the program's debug output goes: whole lines with the unit's time to its listeners, and
+// every byte as the program wrote it to a file. Any thread.
 class DebugLog {
   public:
     using Listener = std::function<void(std::chrono::microseconds time, const std::string& line)>;
 
-    explicit DebugLog(Listener listener) : listener_(std::move(listener)) {}
+    explicit DebugLog(Listener listener) { listeners_.push_back(std::move(listener)); }
+
+    // One more listener, for as long as there is output. Before the program starts.
+    void Listen(Listener listener);
 
     // False with one line in `problem` when the file cannot be written.
     bool OpenFile(const std::string& path, std::string& problem);
@@ -28,7 +32,7 @@ class DebugLog {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    const Listener listener_;
+    std::vector<Listener> listeners_;
     std::mutex mutex_;
     std::unique_ptr<std::FILE, Closer> file_;
     std::string unfinished_;

@@ -46,8 +46,18 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
     window::Start();
     supply_.ac_line_status = options.external_power ? 1 : 0;
     scaler_ = std::make_shared<Scaler>([this] { ScreenChanged(); });
-    dvr_ = std::make_unique<DvrBay>(options.dvr, say_);
+    dvr_ = std::make_unique<DvrBay>(
+        options.dvr, say_, [this](Direction direction, std::span<const std::uint8_t> bytes) {
+            events_.Tell(LineBytes{direction, {bytes.begin(), bytes.end()}});
+        });
     LoadDrivers(options.missing_drivers);
+    log_.Listen([this](std::chrono::microseconds, const std::string& line) {
+        events_.Tell(LineLogged{line});
+    });
+    window::ObserveBroadcasts([this](UINT message, WPARAM wparam, LPARAM lparam) {
+        events_.Tell(
+            BroadcastPosted{window::RegisteredMessageName(message), message, wparam, lparam});
+    });
 
     std::string problem;
     if (!platform::resource::SetModule(image_.resources, kProgramPath, problem))
@@ -59,17 +69,17 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
 VirtualUnit::~VirtualUnit() {
     window::End();
     dvr_.reset();
-    drivers_.clear();
     kernel::Shutdown();
 }
 
 void VirtualUnit::LoadDrivers(const std::vector<std::wstring>& missing) {
-    missing_drivers_ = missing;
     if (const auto line = dvr_->line())
-        drivers_[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
-    drivers_[L"DVR1:"] = std::make_shared<DvrResetDriver>(
-        [this] { kernel::At(kernel::Now(), [this] { dvr_->Reset(); }); });
-    drivers_[L"SCA0:"] = scaler_;
+        drivers_.LoadSerial(L"COM9:", std::make_shared<platform::device::SerialDriver>(line));
+    drivers_.Load(L"DVR1:", std::make_shared<DvrResetDriver>(
+                                [this] { kernel::At(kernel::Now(), [this] { ResetDvr(); }); }));
+    drivers_.Load(L"SCA0:", scaler_);
+    for (const std::wstring& name : missing)
+        drivers_.HideUntil(name, kernel::kNever);
 }
 
 void VirtualUnit::Start() {
@@ -116,26 +126,53 @@ bool VirtualUnit::Close(std::chrono::seconds limit) {
 }
 
 void VirtualUnit::Touch(window::Touch touch, int x, int y) {
-    if (!suspended_)
-        window::TouchScreen(touch, x, y);
+    if (suspended_)
+        return;
+    events_.Tell(FingerMoved{touch, x, y});
+    window::TouchScreen(touch, x, y);
 }
 
 void VirtualUnit::InsertCard(const std::string& folder) {
-    if (dvr_->dvr())
-        dvr_->dvr()->InsertCard(folder);
+    if (dvr_->dvr() && dvr_->dvr()->InsertCard(folder))
+        events_.Tell(CardMoved{true, folder});
 }
 
 void VirtualUnit::RemoveCard() {
-    if (dvr_->dvr())
-        dvr_->dvr()->RemoveCard();
+    if (dvr_->dvr() && dvr_->dvr()->RemoveCard())
+        events_.Tell(CardMoved{false, {}});
+}
+
+void VirtualUnit::ResetDvr() {
+    events_.Tell(DvrReset{});
+    dvr_->Reset();
+}
+
+void VirtualUnit::ChangeSupply(const std::function<void(platform::PowerSupply&)>& change) {
+    platform::PowerSupply now;
+    {
+        const std::scoped_lock lock(mutex_);
+        change(supply_);
+        now = supply_;
+    }
+    events_.Tell(SupplyChanged{now});
+    platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
 }
 
 void VirtualUnit::SetExternalPower(bool connected) {
-    {
-        const std::scoped_lock lock(mutex_);
-        supply_.ac_line_status = connected ? 1 : 0;
-    }
-    platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
+    ChangeSupply(
+        [connected](platform::PowerSupply& supply) { supply.ac_line_status = connected ? 1 : 0; });
+}
+
+void VirtualUnit::SetBattery(BYTE flag, BYTE percent) {
+    ChangeSupply([flag, percent](platform::PowerSupply& supply) {
+        supply.battery_flag = flag;
+        supply.battery_life_percent = percent;
+    });
+}
+
+platform::PowerSupply VirtualUnit::supply() const {
+    const std::scoped_lock lock(mutex_);
+    return supply_;
 }
 
 bool VirtualUnit::external_power() const {
@@ -167,26 +204,20 @@ const platform::gdi::Surface& VirtualUnit::Screen() {
 }
 
 void VirtualUnit::WakeUp() {
-    if (!suspended_.exchange(false))
+    if (!suspended_)
         return;
-    ScreenChanged();
+    SetSuspended(false);
     platform::powermgr::Notify(PBT_RESUME);
 }
 
-void VirtualUnit::SetDriverMissing(const std::wstring& name, bool missing) {
-    const std::scoped_lock lock(mutex_);
-    std::erase(missing_drivers_, name);
-    if (missing)
-        missing_drivers_.push_back(name);
+void VirtualUnit::SetSuspended(bool suspended) {
+    suspended_ = suspended;
+    events_.Tell(SuspendChanged{suspended});
+    ScreenChanged();
 }
 
 std::shared_ptr<platform::device::StreamDriver> VirtualUnit::FindDriver(std::wstring_view name) {
-    const std::scoped_lock lock(mutex_);
-    const auto driver = drivers_.find(name);
-    if (driver == drivers_.end() ||
-        std::ranges::find(missing_drivers_, name) != missing_drivers_.end())
-        return nullptr;
-    return driver->second;
+    return drivers_.Find(name);
 }
 
 bool VirtualUnit::ReadPowerSupply(platform::PowerSupply& supply) {
@@ -208,8 +239,7 @@ DWORD VirtualUnit::HalRequest(DWORD code, std::span<const std::byte> input,
 DWORD VirtualUnit::ChangeSystemPower(DWORD state_flags, DWORD) {
     if ((state_flags & (POWER_STATE_OFF | POWER_STATE_SUSPEND)) == 0)
         return ERROR_INVALID_PARAMETER;
-    suspended_ = true;
-    ScreenChanged();
+    SetSuspended(true);
     return ERROR_SUCCESS;
 }
 
@@ -219,6 +249,7 @@ void VirtualUnit::DebugOutput(std::wstring_view text) {
 
 void VirtualUnit::ScreenChanged() {
     ++screen_version_;
+    events_.Tell(ScreenDrawn{});
     if (on_screen_change_)
         on_screen_change_();
 }

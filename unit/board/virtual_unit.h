@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -14,9 +13,11 @@
 #include "platform/kernel/kernel.h"
 #include "platform/window/screen.h"
 #include "unit/board/debug_log.h"
+#include "unit/board/driver_shelf.h"
 #include "unit/board/program_host.h"
 #include "unit/devices/dvr_bay.h"
 #include "unit/devices/scaler.h"
+#include "unit/events/event_hub.h"
 #include "unit/picture/picture.h"
 
 namespace unit {
@@ -55,6 +56,9 @@ class VirtualUnit final : public platform::Board {
     // ended. Afterwards only the destructor may be called.
     bool Close(std::chrono::seconds limit);
 
+    // Everything that happens at the unit's edges. Any thread.
+    EventHub& events() { return events_; }
+    DriverShelf& drivers() { return drivers_; }
     ProgramHost& program() { return program_; }
     DvrBay& dvr() { return *dvr_; }
     Scaler& scaler() { return *scaler_; }
@@ -65,7 +69,12 @@ class VirtualUnit final : public platform::Board {
     void RemoveCard();
     void SetExternalPower(bool connected);
     bool external_power() const;
+    // The battery's flag and charge as the battery driver reports them (SYSTEM_POWER_STATUS_EX2).
+    void SetBattery(BYTE flag, BYTE percent);
+    platform::PowerSupply supply() const;
     void SetPlugged(bool plugged);
+    // Pulls the DVR's reset wire.
+    void ResetDvr();
 
     // What a person sees now.
     Picture TakePicture() const;
@@ -85,7 +94,6 @@ class VirtualUnit final : public platform::Board {
     const std::string& leftovers() const { return leftovers_; }
 
     // Faults of the board that tests and the workbench switch. Any thread.
-    void SetDriverMissing(const std::wstring& name, bool missing);
     void SetHalRefuses(bool refuses) { hal_refuses_ = refuses; }
     void SetBatteryDriverFails(bool fails) { battery_driver_fails_ = fails; }
 
@@ -100,6 +108,8 @@ class VirtualUnit final : public platform::Board {
 
   private:
     void LoadDrivers(const std::vector<std::wstring>& missing);
+    void ChangeSupply(const std::function<void(platform::PowerSupply&)>& change);
+    void SetSuspended(bool suspended);
     bool RunUntil(const std::function<bool()>& done, std::chrono::seconds limit);
     bool CloseUntil(const std::function<void()>& ask, const std::function<bool()>& ended,
                     std::chrono::seconds limit);
@@ -107,15 +117,16 @@ class VirtualUnit final : public platform::Board {
     const Program image_;
     DebugLog& log_;
     const std::function<void(const std::string&)> say_;
+    EventHub events_;
     // A unit that runs faster than the host's clock leaves its threads less of the host's time.
     const int time_scale_;
     ProgramHost program_;
     std::shared_ptr<Scaler> scaler_;
     std::unique_ptr<DvrBay> dvr_;
 
+    DriverShelf drivers_{events_};
+
     mutable std::mutex mutex_;
-    std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>, std::less<>> drivers_;
-    std::vector<std::wstring> missing_drivers_;
     platform::PowerSupply supply_;
 
     std::atomic<std::uint64_t> screen_version_{1};

@@ -127,7 +127,7 @@ void WindowHost::HandleKey(int key) {
             unit_.SetPlugged(!unit_.dvr().plugged());
             break;
         case SDLK_r:
-            unit_.dvr().Reset();
+            unit_.ResetDvr();
             break;
         case SDLK_w:
             unit_.WakeUp();

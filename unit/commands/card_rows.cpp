@@ -1,0 +1,58 @@
+#include <filesystem>
+
+#include "unit/commands/command_rows.h"
+
+namespace unit {
+namespace {
+
+using control::Done;
+using control::Outcome;
+using control::Refused;
+using control::Values;
+
+Outcome Insert(Operator& hands, const std::string& folder) {
+    dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
+    if (!dvr)
+        return Refused("the DVR is not the simulated one; its card is in your hands");
+    if (dvr->CardIn())
+        return Refused("a card is in already; take it out first");
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(folder, ignored))
+        return Refused(folder + " is not a folder");
+    hands.unit().InsertCard(folder);
+    return Done();
+}
+
+Outcome CardIn(Operator& hands, const Values& values) {
+    if (values.Has("VERSION"))
+        return Insert(hands, hands.MakeCard(values.Text("VERSION")));
+    return Insert(hands, values.Has("FOLDER") ? values.Text("FOLDER") : hands.image_card());
+}
+
+Outcome CardWithoutImage(Operator& hands, const Values&) {
+    return Insert(hands, hands.MakeCard(std::nullopt));
+}
+
+Outcome CardOut(Operator& hands, const Values&) {
+    const dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
+    if (!dvr || !dvr->CardIn())
+        return Refused("there is no card to take out");
+    hands.unit().RemoveCard();
+    return Done();
+}
+
+}  // namespace
+
+UnitRows CardRows() {
+    return {
+        {"card in [FOLDER]",
+         "Puts the SD card into the DVR: that folder of the host, or the card with the update "
+         "image.",
+         CardIn},
+        {"card with image VERSION", "Puts in a card whose update image has that version.", CardIn},
+        {"card without image", "Puts in a card that holds no update image.", CardWithoutImage},
+        {"card out", "Takes the SD card out of the DVR.", CardOut},
+    };
+}
+
+}  // namespace unit

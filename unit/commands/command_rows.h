@@ -1,0 +1,14 @@
+#pragma once
+
+#include "unit/commands/operator.h"
+
+namespace unit {
+
+// The commands by what they act on, a file each.
+UnitRows FingerRows();  // tap, press, move, release
+UnitRows CardRows();    // card ...
+UnitRows PowerRows();   // power, battery, wake
+UnitRows DriverRows();  // fault driver ...
+UnitRows LookRows();    // texts, screenshot
+
+}  // namespace unit

@@ -1,0 +1,19 @@
+#include "unit/commands/unit_commands.h"
+
+#include <iterator>
+
+#include "unit/commands/command_rows.h"
+
+namespace unit {
+
+const UnitTable& UnitCommands() {
+    static const UnitTable table([] {
+        UnitRows all;
+        for (const auto rows : {FingerRows, CardRows, PowerRows, DriverRows, LookRows})
+            std::ranges::move(rows(), std::back_inserter(all));
+        return all;
+    }());
+    return table;
+}
+
+}  // namespace unit
