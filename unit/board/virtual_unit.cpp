@@ -13,7 +13,6 @@
 #include "unit/devices/dvr_reset_driver.h"
 #include "unit/devices/request_record.h"
 #include "unit/picture/screen_mixer.h"
-#include "unit/picture/video_scene.h"
 
 namespace unit {
 
@@ -184,15 +183,16 @@ void VirtualUnit::SetPlugged(bool plugged) {
     dvr_->SetPlugged(plugged);
 }
 
-Picture VirtualUnit::TakePicture() const {
+Picture VirtualUnit::TakePicture() {
     if (suspended_)
         return {
             window::kScreenWidth, window::kScreenHeight,
             std::vector<std::uint32_t>(std::size_t{window::kScreenWidth} * window::kScreenHeight)};
     const ScalerState scaler = scaler_->state();
     const bool feeds = dvr_->dvr() && dvr_->dvr()->HasPicture();
-    const Picture video = scaler.VideoShows() && feeds ? VideoFrame(kernel::Now()) : NoSignal();
-    return MixPlanes(window::ComposeScreen(), video, scaler);
+    const Picture& video =
+        scaler.VideoShows() && feeds ? video_scene_.At(kernel::Now()) : NoSignal();
+    return MixPlanes(Screen(), video, scaler);
 }
 
 const platform::gdi::Surface& VirtualUnit::Screen() {

@@ -19,6 +19,7 @@
 #include "unit/devices/scaler.h"
 #include "unit/events/event_hub.h"
 #include "unit/picture/picture.h"
+#include "unit/picture/video_scene.h"
 
 namespace unit {
 
@@ -77,7 +78,7 @@ class VirtualUnit final : public platform::Board {
     void ResetDvr();
 
     // What a person sees now.
-    Picture TakePicture() const;
+    Picture TakePicture();
     // The graphics plane now, composed anew only after a change; valid until the next call.
     const platform::gdi::Surface& Screen();
     // Grows with every change of the screen. Any thread.
@@ -133,6 +134,7 @@ class VirtualUnit final : public platform::Board {
     std::uint64_t composed_version_ = 0;
     platform::gdi::Surface composed_{platform::window::kScreenWidth,
                                      platform::window::kScreenHeight};
+    VideoScene video_scene_;
     std::atomic<bool> suspended_{false};
     std::atomic<bool> hal_refuses_{false};
     std::atomic<bool> battery_driver_fails_{false};

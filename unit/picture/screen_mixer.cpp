@@ -1,5 +1,8 @@
 #include "unit/picture/screen_mixer.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace unit {
 namespace {
 
@@ -10,20 +13,45 @@ std::uint32_t PixelOf(COLORREF color) {
            std::uint32_t{GetBValue(color)};
 }
 
-// The video under a screen pixel; black outside the display window or the frame.
-std::uint32_t VideoAt(const Picture& video, const ScalerWindow& window, int x, int y) {
-    const int inside_x = x - window.x;
-    const int inside_y = y - window.y;
-    if (inside_x < 0 || inside_y < 0 || inside_x >= window.width || inside_y >= window.height)
-        return 0;
-    const int source_x = window.source_x + inside_x * window.source_width / window.width;
-    const int source_y = window.source_y + inside_y * window.source_height / window.height;
-    return source_x < video.width && source_y < video.height ? video.At(source_x, source_y) : 0;
-}
+// The video as the window record places and scales it; black outside the display window or the
+// frame. Rows and columns are looked up, because a picture is mixed many times a second.
+class PlacedVideo {
+  public:
+    PlacedVideo(const Picture& video, const ScalerWindow& window, int width)
+        : video_(video), window_(window), columns_(static_cast<std::size_t>(width), kNone) {
+        const int end = std::min<int>(width, window.x + window.width);
+        for (int x = window.x; x < end; ++x) {
+            const int column =
+                window.source_x + (x - window.x) * window.source_width / window.width;
+            if (column < video.width)
+                columns_[static_cast<std::size_t>(x)] = column;
+        }
+    }
+
+    // The row of the video under a row of the screen; null when there is none.
+    const std::uint32_t* RowUnder(int y) const {
+        const int inside = y - window_.y;
+        if (inside < 0 || inside >= window_.height)
+            return nullptr;
+        const int row = window_.source_y + inside * window_.source_height / window_.height;
+        return row < video_.height ? &video_.pixels[static_cast<std::size_t>(row * video_.width)]
+                                   : nullptr;
+    }
+
+    std::uint32_t At(const std::uint32_t* row, int x) const {
+        const int column = columns_[static_cast<std::size_t>(x)];
+        return row && column != kNone ? row[column] : 0;
+    }
+
+  private:
+    static constexpr int kNone = -1;
+
+    const Picture& video_;
+    const ScalerWindow& window_;
+    std::vector<int> columns_;
+};
 
 std::uint32_t Blend(std::uint32_t graphics, std::uint32_t video, std::uint32_t alpha) {
-    if (alpha >= kOpaque)
-        return graphics;
     std::uint32_t mixed = 0;
     for (const unsigned shift : {16U, 8U, 0U}) {
         const std::uint32_t upper = (graphics >> shift) & 0xFF;
@@ -42,13 +70,16 @@ Picture MixPlanes(const platform::gdi::Surface& graphics, const Picture& video,
     if (!scaler.VideoShows())
         return picture;
     const std::uint32_t key = PixelOf(scaler.key_color);
-    auto pixel = picture.pixels.begin();
+    const bool blends = scaler.alpha < kOpaque;
+    const PlacedVideo placed(video, scaler.window, picture.width);
+    std::uint32_t* pixel = picture.pixels.data();
     for (int y = 0; y < picture.height; ++y) {
+        const std::uint32_t* const row = placed.RowUnder(y);
         for (int x = 0; x < picture.width; ++x, ++pixel) {
             if (*pixel == key)
-                *pixel = VideoAt(video, scaler.window, x, y);
-            else if (scaler.alpha < kOpaque)
-                *pixel = Blend(*pixel, VideoAt(video, scaler.window, x, y), scaler.alpha);
+                *pixel = placed.At(row, x);
+            else if (blends)
+                *pixel = Blend(*pixel, placed.At(row, x), scaler.alpha);
         }
     }
     return picture;

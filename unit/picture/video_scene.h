@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
+#include "unit/picture/caption.h"
 #include "unit/picture/picture.h"
 
 namespace unit {
@@ -9,11 +11,25 @@ namespace unit {
 inline constexpr int kVideoWidth = 720;
 inline constexpr int kVideoHeight = 480;
 
-// The picture that the DVR's camera sends at that time of the unit: a road at dusk, its lane marks
-// moving, 30 frames a second. The wizard's texts stay readable on it.
-Picture VideoFrame(std::chrono::microseconds time);
+// The picture that the DVR's camera sends: a drive at dusk with date, time and number of the frame
+// in it, 30 frames of two fields a second. The same time of the unit gives the same picture, and
+// the wizard's white, red and blue texts stay readable on it. Hardware's thread.
+class VideoScene {
+  public:
+    VideoScene();
+
+    // Valid until the next call.
+    const Picture& At(std::chrono::microseconds time);
+
+  private:
+    // Drawn once; a picture begins as a copy of it.
+    Picture backdrop_;
+    Picture picture_;
+    Caption caption_;
+    std::int64_t field_ = -1;
+};
 
 // What the composite input shows while nothing feeds it.
-Picture NoSignal();
+const Picture& NoSignal();
 
 }  // namespace unit
