@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace control {
+
+// What goes over a control socket, both ways in lines of UTF-8 text.
+//
+// A request is one line of the command language. Lines that begin with | before it carry a text
+// for it, a line of the text each (a scenario for `run`).
+//
+// The answer is any number of lines and, at the end, the outcome; only then the next request is
+// read. Some requests (`watch`) have no end of their own: the client hangs up.
+//
+//     |TEXT      a line of the answer
+//     !NUMBER    so many lines were left out here, because the client was slow to read
+//     +          done
+//     -PROBLEM   refused, and why
+struct Request {
+    std::string line;
+    std::string text;  // each of its lines ended by \n
+};
+
+inline constexpr char kTextMark = '|';
+inline constexpr char kLostMark = '!';
+inline constexpr char kDoneMark = '+';
+inline constexpr char kRefusedMark = '-';
+
+inline constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
+inline constexpr std::size_t kLongestText = std::size_t{1024} * 1024;
+
+// True for well-formed UTF-8 without control characters other than the tab.
+bool IsPlainText(std::string_view line);
+
+// Calls visit(line) for each line of the text, without its end.
+template <class Visit>
+void ForEachLine(std::string_view text, Visit visit) {
+    for (;;) {
+        const std::size_t end = text.find('\n');
+        if (end == std::string_view::npos)
+            break;
+        visit(text.substr(0, end));
+        text.remove_prefix(end + 1);
+    }
+    if (!text.empty())
+        visit(text);
+}
+
+}  // namespace control

@@ -1,0 +1,158 @@
+#include "control/socket_client.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <thread>
+
+#include "control/runtime_folder.h"
+#include "control/socket_address.h"
+#include "control/socket_claim.h"
+
+namespace control {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Reply = SocketClient::Reply;
+
+// Longer than any line that a server of ours sends.
+constexpr std::size_t kLongestReply = std::size_t{4} * 1024 * 1024;
+constexpr auto kBetweenTries = std::chrono::milliseconds(5);
+
+std::optional<Clock::time_point> Deadline(SocketClient::Limit limit) {
+    return limit ? std::optional(Clock::now() + *limit) : std::nullopt;
+}
+
+// Waits until the socket is ready for `events`, or hung up; false at the deadline.
+bool WaitFor(int socket, short events, const std::optional<Clock::time_point>& deadline) {
+    for (;;) {
+        int wait = -1;
+        if (deadline) {
+            const auto left =
+                std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
+            wait = static_cast<int>(std::clamp<std::int64_t>(left, 0, 3'600'000));
+        }
+        pollfd watched{socket, events, 0};
+        const int count = poll(&watched, 1, wait);
+        if (count > 0)
+            return true;
+        if (count == 0 && deadline && Clock::now() >= *deadline)
+            return false;
+    }
+}
+
+}  // namespace
+
+std::optional<SocketClient> SocketClient::Connect(const std::string& name, Limit limit,
+                                                  bool& nobody, std::string& problem) {
+    nobody = false;
+    const std::optional<RuntimeFolder> folder = RuntimeFolder::Open(problem);
+    if (!folder)
+        return std::nullopt;
+    const auto deadline = Deadline(limit);
+    const SocketAddress address(folder->Inside(SocketEntry(name)));
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    while (connect(socket.get(), address.get(), SocketAddress::size()) != 0) {
+        const bool waiting_room_full = errno == EAGAIN || errno == EINTR;
+        if (!waiting_room_full || (deadline && Clock::now() >= *deadline)) {
+            nobody = errno == ENOENT || errno == ECONNREFUSED;
+            problem = folder->path() + "/" + SocketEntry(name) + ": " +
+                      (waiting_room_full ? "no answer" : std::strerror(errno));
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(kBetweenTries);
+    }
+    return SocketClient(std::move(socket));
+}
+
+bool SocketClient::Send(const Request& request, Limit limit) {
+    std::string message;
+    ForEachLine(request.text, [&](std::string_view line) {
+        message += kTextMark;
+        message += line;
+        message += '\n';
+    });
+    message += request.line + '\n';
+    const auto deadline = Deadline(limit);
+    std::string_view left = message;
+    while (!left.empty()) {
+        const ssize_t sent = send(socket_.get(), left.data(), left.size(), MSG_NOSIGNAL);
+        if (sent >= 0)
+            left.remove_prefix(static_cast<std::size_t>(sent));
+        else if ((errno != EAGAIN && errno != EINTR) || !WaitFor(socket_.get(), POLLOUT, deadline))
+            return false;
+    }
+    return true;
+}
+
+std::optional<std::string> SocketClient::TakeLine() {
+    const std::size_t end = input_.find('\n');
+    if (end == std::string::npos)
+        return std::nullopt;
+    std::string line = input_.substr(0, end);
+    input_.erase(0, end + 1);
+    return line;
+}
+
+SocketClient::Reply SocketClient::Receive(Limit limit) {
+    const auto deadline = Deadline(limit);
+    for (;;) {
+        if (const auto line = TakeLine()) {
+            const std::string text = line->empty() ? "" : line->substr(1);
+            switch (line->empty() ? '\0' : line->front()) {
+                case kTextMark:
+                    return {Reply::Kind::kLine, text};
+                case kLostMark:
+                    return {Reply::Kind::kLost, text};
+                case kDoneMark:
+                    return {Reply::Kind::kDone, text};
+                case kRefusedMark:
+                    return {Reply::Kind::kRefused, text};
+                default:
+                    return {Reply::Kind::kGone, "the answer makes no sense"};
+            }
+        }
+        if (!WaitFor(socket_.get(), POLLIN, deadline))
+            return {Reply::Kind::kLate, "no answer"};
+        std::array<char, 16384> buffer;
+        const ssize_t count = recv(socket_.get(), buffer.data(), buffer.size(), 0);
+        if (count < 0 && (errno == EAGAIN || errno == EINTR))
+            continue;
+        if (count <= 0 || input_.size() > kLongestReply)
+            return {Reply::Kind::kGone, "the other end has hung up"};
+        input_.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char* teller,
+                       std::FILE* out, std::FILE* errors) {
+    client.Send(request, std::nullopt);
+    for (;;) {
+        const Reply reply = client.Receive(std::nullopt);
+        switch (reply.kind) {
+            case Reply::Kind::kLine:
+                std::fprintf(out, "%s\n", reply.text.c_str());
+                std::fflush(out);
+                break;
+            case Reply::Kind::kLost:
+                std::fprintf(errors, "%s: %s lines lost\n", teller, reply.text.c_str());
+                break;
+            case Reply::Kind::kDone:
+                return kExitDone;
+            case Reply::Kind::kRefused:
+                std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
+                return kExitRefused;
+            case Reply::Kind::kGone:
+            case Reply::Kind::kLate:
+                std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
+                return kExitNobodyThere;
+        }
+    }
+}
+
+}  // namespace control

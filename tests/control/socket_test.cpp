@@ -1,0 +1,237 @@
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <cstdio>
+
+#include "control/socket_address.h"
+#include "control/socket_client.h"
+#include "control/socket_server.h"
+#include "tests/control/runtime_fixture.h"
+
+namespace control {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = SocketClient::Reply::Kind;
+using Id = SocketServer::ClientId;
+
+// A server on "unit" that is run by hand between the clients' steps.
+class Sockets : public RuntimeTest {
+  protected:
+    Sockets() {
+        std::string problem;
+        bool taken = false;
+        auto claim = SocketClaim::Make("unit", taken, problem);
+        EXPECT_TRUE(claim) << problem;
+        server_ = std::make_unique<SocketServer>(
+            *std::move(claim),
+            SocketServer::Handlers{[this](Id id, const Request& request) { Answer(id, request); },
+                                   [this](Id id) { left_.push_back(id); }});
+    }
+
+    void Answer(Id id, const Request& request) {
+        if (request.line == "no")
+            return server_->End(id, Refused("not that\nreally"));
+        if (request.line == "later" || request.line == "watch") {
+            watcher_ = id;
+            return;
+        }
+        server_->Line(id, "got " + request.line);
+        server_->End(id, Done(request.text));
+    }
+
+    // Until nothing is left to do.
+    void Serve() {
+        pollfd watched{server_->descriptor(), POLLIN, 0};
+        while (poll(&watched, 1, 0) > 0)
+            server_->HandleReady();
+    }
+
+    static SocketClient Client() {
+        std::string problem;
+        bool nobody = false;
+        auto client = SocketClient::Connect("unit", 1s, nobody, problem);
+        EXPECT_TRUE(client) << problem;
+        return *std::move(client);
+    }
+
+    // Sends the bytes as they are and returns all that comes back, * for the end of it.
+    std::string Exchange(const SocketClient& client, std::string_view bytes) {
+        std::string answer;
+        char buffer[65536];
+        do {
+            const ssize_t sent =
+                send(client.descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            bytes.remove_prefix(std::max<ssize_t>(sent, 0));
+            Serve();
+            ssize_t count = 0;
+            while ((count = recv(client.descriptor(), buffer, sizeof buffer, 0)) > 0)
+                answer.append(buffer, static_cast<std::size_t>(count));
+            if (count == 0 || errno == ECONNRESET)
+                return answer + "*";
+        } while (!bytes.empty());
+        return answer;
+    }
+
+    std::unique_ptr<SocketServer> server_;
+    std::vector<Id> left_;
+    Id watcher_ = 0;
+};
+
+TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
+    const std::string longest(kLongestLine, 'x');
+    std::string long_text;
+    for (int i = 0; i < 17; ++i)
+        long_text += "|" + std::string(kLongestLine - 1, 'x') + "\n";
+    const std::string not_text = "-a line is not plain UTF-8 text\n*";
+    const std::string too_long = "-a line is too long; at most 65536 bytes are allowed\n*";
+    struct Case {
+        std::string sent;
+        std::string answer;
+    };
+    const Case cases[] = {
+        {"one\n", "|got one\n+\n"},
+        {"one\r\ntwo\n\n", "|got one\n+\n|got two\n+\n|got \n+\n"},
+        {"no\nyes\n", "-not that really\n|got yes\n+\n"},
+        {"|first\n||second\n|\nrun\nrun\n", "|got run\n|first\n||second\n|\n+\n|got run\n+\n"},
+        {"gr\xC3\xBC\xC3\x9F\xF0\x9F\x9A\x97\tGott\n",
+         "|got gr\xC3\xBC\xC3\x9F\xF0\x9F\x9A\x97\tGott\n+\n"},
+        {longest + "\n", "|got " + longest + "\n+\n"},
+        {longest + "x\n", too_long},
+        {std::string(5'000'000, 'x'), too_long},
+        {long_text + "run\n", "-the text is too long; at most 1048576 bytes are allowed\n*"},
+        {"ok\n\xFF\n", "|got ok\n+\n" + not_text},
+        {std::string("a\0b\n", 4), not_text},
+        {"\x1B[2J\n", not_text},
+        {"\xC0\xAF\n", not_text},
+        {"\xE0\x80\xAF\n", not_text},
+        {"\xED\xA0\x80\n", not_text},
+        {"\xF4\x90\x80\x80\n", not_text},
+        {"\xC3\n", not_text},
+        {"half", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.sent.substr(0, 40));
+        const SocketClient client = Client();
+        EXPECT_EQ(Exchange(client, c.sent).substr(0, 200), c.answer.substr(0, 200));
+        const SocketClient bytewise = Client();
+        std::string answer;
+        if (c.sent.size() < 100) {
+            for (const char byte : c.sent)
+                answer += Exchange(bytewise, {&byte, 1});
+            EXPECT_EQ(answer.substr(0, answer.find('*')), c.answer.substr(0, c.answer.find('*')));
+        }
+    }
+}
+
+TEST_F(Sockets, ALateAnswerReachesTheClientThatAskedAndOthersAreServedMeanwhile) {
+    SocketClient slow = Client();
+    SocketClient quick = Client();
+    slow.Send({"later", ""}, 1s);
+    Serve();
+    EXPECT_EQ(Exchange(quick, "one\n"), "|got one\n+\n");
+    EXPECT_EQ(Exchange(slow, "next\n"), "");
+    server_->End(watcher_, Done("at last"));
+    server_->End(watcher_, Done("twice"));
+    EXPECT_EQ(Exchange(slow, ""), "|at last\n+\n|got next\n+\n");
+}
+
+TEST_F(Sockets, HangingUpIsNoticedAndWhatWasAskedBeforeIsStillDone) {
+    {
+        SocketClient watcher = Client();
+        watcher.Send({"watch", ""}, 1s);
+        Serve();
+        EXPECT_EQ(left_, std::vector<Id>{});
+    }
+    Serve();
+    EXPECT_EQ(left_, std::vector<Id>{watcher_});
+    server_->Line(watcher_, "nobody hears");
+
+    SocketClient half = Client();
+    half.Send({"one", ""}, 1s);
+    shutdown(half.descriptor(), SHUT_WR);
+    EXPECT_EQ(Exchange(half, ""), "|got one\n+\n*");
+}
+
+TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
+    SocketClient watcher = Client();
+    watcher.Send({"watch", ""}, 1s);
+    Serve();
+    constexpr int kLines = 40'000;
+    const std::string padding(200, '.');
+    for (int i = 0; i < kLines; ++i)
+        server_->Line(watcher_, std::to_string(i) + padding);
+    server_->End(watcher_, Done());
+    int next = 0;
+    int lost = 0;
+    for (;;) {
+        Serve();
+        const SocketClient::Reply reply = watcher.Receive(1s);
+        if (reply.kind == Kind::kDone)
+            break;
+        if (reply.kind == Kind::kLost) {
+            lost += std::stoi(reply.text);
+            next += std::stoi(reply.text);
+            continue;
+        }
+        ASSERT_EQ(reply.kind, Kind::kLine) << reply.text;
+        ASSERT_EQ(std::stoi(reply.text), next++);
+    }
+    EXPECT_EQ(next, kLines);
+    EXPECT_GT(lost, kLines / 2);
+}
+
+TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
+    const SocketClient client = Client();
+    const std::string requests(60'000, '\n');
+    std::size_t taken = 0;
+    for (int round = 0; round < 200; ++round) {
+        const ssize_t sent = send(client.descriptor(), requests.data(), requests.size(), 0);
+        taken += static_cast<std::size_t>(std::max<ssize_t>(sent, 0));
+        Serve();
+    }
+    EXPECT_LT(taken, 2'000'000U);
+    const std::string answer = Exchange(client, "");
+    EXPECT_TRUE(answer.starts_with("|got \n+\n"));
+}
+
+TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
+    std::vector<SocketClient> clients;
+    for (std::size_t i = 0; i < SocketServer::kMostClients; ++i)
+        clients.push_back(Client());
+    Serve();
+    SocketClient extra = Client();
+    EXPECT_EQ(Exchange(extra, "one\n"), "-too many clients at a time; at most 32\n*");
+    clients.pop_back();
+    Serve();
+    SocketClient next = Client();
+    EXPECT_EQ(Exchange(next, "one\n"), "|got one\n+\n");
+}
+
+TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
+    std::string problem;
+    bool nobody = false;
+    SocketClient client = Client();
+    client.Send({"later", ""}, 1s);
+    EXPECT_EQ(client.Receive(20ms).kind, Kind::kLate);
+    EXPECT_FALSE(SocketClient::Connect("other", 1s, nobody, problem));
+    EXPECT_TRUE(nobody);
+    // A server that no longer takes callers: the waiting room fills up.
+    std::vector<SocketClient> waiting;
+    for (;;) {
+        auto caller = SocketClient::Connect("unit", 20ms, nobody, problem);
+        if (!caller)
+            break;
+        waiting.push_back(*std::move(caller));
+        ASSERT_LT(waiting.size(), 1000U);
+    }
+    EXPECT_FALSE(nobody);
+    EXPECT_TRUE(problem.ends_with("no answer")) << problem;
+    server_.reset();
+    EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
+    EXPECT_FALSE(SocketClient::Connect("unit", 1s, nobody, problem));
+    EXPECT_TRUE(nobody);
+}
+
+}  // namespace
+}  // namespace control
