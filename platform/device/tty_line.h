@@ -2,19 +2,25 @@
 
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "platform/device/serial_line.h"
+#include "serial/tty.h"
 
 namespace platform::device {
 
 // A terminal device of the host ("/dev/ttyUSB0", the end of a pseudo-terminal) as the line. Only
 // for a free-running unit: what is at its other end keeps the host's time.
+//
+// A device that goes away while the line is open leaves it open and silent: nothing arrives and
+// nothing is taken. When a device is at the path again, it gets the line's settings, and the line
+// goes on.
 class TtyLine final : public SerialLine {
   public:
-    // `problem` hears in one line why the device could not be opened, or that it went away. Called
-    // on any thread, without locks.
+    // `problem` hears in one line why the device could not be opened or set up, that it went away,
+    // and that it is back. Called on any thread, without locks.
     TtyLine(std::string path, std::function<void(const std::string&)> problem);
     ~TtyLine() override;
 
@@ -26,16 +32,20 @@ class TtyLine final : public SerialLine {
     void OnRoom(std::function<void()> room) override;
 
   private:
-    void ReadUntilClosed(int tty, const Receiver& receiver);
+    void ReadUntilClosed(const Receiver& receiver);
+    void LookForDevice();
+    void LoseDevice();
     void TellRoom();
-    DWORD Refuse(const std::string& what, int error);
 
     const std::string path_;
     const std::function<void(const std::string&)> problem_;
-    // Guards what follows, and the device's number against being closed in the middle of its use.
+    // Guards what follows, and the device against being closed in the middle of its use.
     std::mutex mutex_;
     std::function<void()> room_;
-    int tty_ = -1;
+    bool open_ = false;
+    // Closed while the device is away. Only the reader opens and closes it while the line is open.
+    serial::Tty tty_;
+    serial::Settings settings_;
     bool wants_room_ = false;
     // Ends the reader's poll: to close, or to watch for room.
     int reader_event_ = -1;

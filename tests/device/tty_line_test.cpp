@@ -9,6 +9,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -172,6 +173,61 @@ TEST_F(Tty, DeviceThatGoesAwayIsReportedOnceAndNothingHangs) {
         Sleep(100);
         EXPECT_TRUE(CloseHandle(port)) << "while a read waits";
     });
+    EXPECT_TRUE(TakeProblems().empty());
+}
+
+TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
+    // The path leads to one device and later to another, as an adapter's does that is pulled out
+    // and put back.
+    const std::string folder = testing::TempDir() + "tolvane-tty-" + std::to_string(getpid());
+    std::filesystem::create_directory(folder);
+    const std::string path = folder + "/line";
+    std::filesystem::create_symlink(ttyname(keeper), path);
+    UseDevice(path);
+    platform.Run([&] {
+        const HANDLE port = Open({0, 50, 50, 10, 100});
+        DCB settings{};
+        EXPECT_TRUE(GetCommState(port, &settings));
+        settings.BaudRate = 460800;
+        EXPECT_TRUE(SetCommState(port, &settings));
+        for (int round = 0; round < 2; ++round) {
+            HangUp();
+            std::vector<std::string> said;
+            for (; said.empty(); said = TakeProblems())
+                Sleep(10);
+            EXPECT_EQ(said, std::vector<std::string>{path + ": the serial device went away"});
+            DWORD count = 1;
+            char byte = 0;
+            EXPECT_TRUE(ReadFile(port, &byte, 1, &count, nullptr));
+            EXPECT_EQ(count, 0U);
+            EXPECT_TRUE(WriteFile(port, "lost", 4, &count, nullptr));
+            EXPECT_EQ(count, 0U);
+            settings = {};
+            EXPECT_TRUE(GetCommState(port, &settings));
+            EXPECT_EQ(settings.BaudRate, 460800U);
+
+            char name[128] = {};
+            close(keeper);
+            EXPECT_EQ(openpty(&far_end, &keeper, name, nullptr, nullptr), 0);
+            std::filesystem::remove(path);
+            std::filesystem::create_symlink(name, path);
+            for (said.clear(); said.empty(); said = TakeProblems())
+                Sleep(10);
+            EXPECT_EQ(said, std::vector<std::string>{path + ": the serial device is back"});
+            termios state{};
+            EXPECT_EQ(tcgetattr(keeper, &state), 0);
+            EXPECT_EQ(cfgetospeed(&state), B460800);
+            EXPECT_EQ(write(far_end, "x", 1), 1);
+            while (ReadFile(port, &byte, 1, &count, nullptr) && count == 0)
+                continue;
+            EXPECT_EQ(byte, 'x');
+            EXPECT_TRUE(WriteFile(port, "back", 4, &count, nullptr));
+            EXPECT_EQ(count, 4U);
+            EXPECT_EQ(ReadFarEnd(4), "back");
+        }
+        CloseHandle(port);
+    });
+    std::filesystem::remove_all(folder);
     EXPECT_TRUE(TakeProblems().empty());
 }
 

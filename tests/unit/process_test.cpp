@@ -1,8 +1,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -121,6 +123,32 @@ TEST_F(Process, SignalsCloseTheWindowInOrderAndAMissingTtyIsTold) {
         EXPECT_NE(log.find("COM_Init, CreateFile() fail!!!, ErrorCode(55)"), std::string::npos);
         EXPECT_TRUE(log.ends_with("---CPowerDetector::DeInit\r\n")) << log;
     }
+}
+
+TEST_F(Process, TheSerialDeviceHasTheProgramsSettings) {
+    int far_end = -1;
+    int near_end = -1;
+    char path[128] = {};
+    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+    const pid_t child = Start({"--headless", "--speed", "100", "--com9", path});
+    // The settings are made before the first query goes out.
+    char sync = 0;
+    ASSERT_EQ(read(far_end, &sync, 1), 1);
+    EXPECT_EQ(sync, '\xA5');
+    termios state{};
+    EXPECT_EQ(tcgetattr(far_end, &state), 0);
+    EXPECT_EQ(cfgetispeed(&state), B460800);
+    EXPECT_EQ(cfgetospeed(&state), B460800);
+    EXPECT_EQ(state.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS | CLOCAL | CREAD),
+              tcflag_t{CS8 | CLOCAL | CREAD});
+    EXPECT_EQ(state.c_iflag & (IXON | IXOFF | ICRNL | INLCR | IGNCR | ISTRIP | INPCK | PARMRK), 0U);
+    EXPECT_EQ(state.c_oflag & OPOST, 0U);
+    EXPECT_EQ(state.c_lflag & (ECHO | ECHONL | ICANON | ISIG | IEXTEN), 0U);
+    kill(child, SIGTERM);
+    EXPECT_EQ(Wait(child), 0);
+    EXPECT_EQ(Read("err"), "");
+    close(near_end);
+    close(far_end);
 }
 
 }  // namespace

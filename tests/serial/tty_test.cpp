@@ -1,0 +1,139 @@
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+#include <string>
+
+#include "serial/open_problem.h"
+#include "serial/tty.h"
+
+namespace serial {
+namespace {
+
+constexpr uid_t kNobody = 65534;
+
+// What `work` tells when it runs as nobody, in no group but its own: root may open everything.
+std::string AsNobody(const std::function<std::string()>& work) {
+    int ends[2] = {};
+    EXPECT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool dropped = geteuid() != 0 || (setgroups(0, nullptr) == 0 &&
+                                                setresgid(kNobody, kNobody, kNobody) == 0 &&
+                                                setresuid(kNobody, kNobody, kNobody) == 0);
+        const std::string told = dropped ? work() : "not dropped";
+        _exit(write(ends[1], told.data(), told.size()) < 0 ? 1 : 0);
+    }
+    close(ends[1]);
+    std::string told;
+    char byte = 0;
+    while (read(ends[0], &byte, 1) == 1)
+        told += byte;
+    close(ends[0]);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    return told;
+}
+
+TEST(OpenProblem, MissingPermissionNamesTheGroupToJoin) {
+    int far_end = -1;
+    int near_end = -1;
+    char path[128] = {};
+    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can hand the device to another group";
+    const struct group* const dialout = getgrnam("dialout");
+    const struct passwd* const nobody = getpwuid(kNobody);
+    ASSERT_TRUE(dialout && nobody);
+    const std::string name = nobody->pw_name;
+    const gid_t own_group = nobody->pw_gid;
+    const struct {
+        gid_t group;
+        mode_t mode;
+        int error;
+        std::string problem;
+    } cases[] = {
+        {dialout->gr_gid, 0660, EACCES,
+         "permission denied; the device belongs to group dialout: sudo adduser " + name +
+             " dialout, then log in again"},
+        {own_group, 0620, EACCES, "permission denied; only its owner root may open the device"},
+        {12345, 0660, EACCES,
+         "permission denied; the device belongs to group 12345: sudo adduser " + name +
+             " 12345, then log in again"},
+        {dialout->gr_gid, 0666, 0, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.problem);
+        ASSERT_EQ(chown(path, 0, c.group), 0);
+        ASSERT_EQ(chmod(path, c.mode), 0);
+        const std::string told = AsNobody([&] {
+            Tty tty;
+            std::string problem;
+            const int error = tty.Open(path, problem);
+            return std::to_string(error) + ' ' + problem;
+        });
+        EXPECT_EQ(told, std::to_string(c.error) + ' ' +
+                            (c.problem.empty() ? "" : path + (": " + c.problem)));
+    }
+    // In the group by the user database, but not since this log-in.
+    ASSERT_EQ(chown(path, 0, own_group), 0);
+    EXPECT_EQ(AsNobody([&] { return OpenProblem(path, EACCES); }),
+              path + (": permission denied; the device belongs to group " +
+                      std::string(getgrgid(own_group)->gr_name) +
+                      ", which this log-in does not have yet: log in again"));
+    close(near_end);
+    close(far_end);
+}
+
+TEST(Tty, IsForOneProgramAloneAndFreeAfterwards) {
+    int far_end = -1;
+    int near_end = -1;
+    char path[128] = {};
+    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+    std::string problem;
+    for (int round = 0; round < 2; ++round) {
+        Tty first;
+        ASSERT_EQ(first.Open(path, problem), 0) << problem;
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            Tty second;
+            EXPECT_EQ(second.Open(path, problem), EBUSY);
+            EXPECT_EQ(problem,
+                      path + std::string(": the serial device is in use by another program"));
+        }
+    }
+    close(near_end);
+    close(far_end);
+}
+
+TEST(Tty, SettingsThatADeviceDoesNotTakeAreTold) {
+    int far_end = -1;
+    int near_end = -1;
+    char path[128] = {};
+    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+    Tty tty;
+    std::string problem;
+    ASSERT_EQ(tty.Open(path, problem), 0) << problem;
+    EXPECT_EQ(tty.Apply({.baud = 460800}, problem), 0);
+    EXPECT_EQ(problem, "");
+    // A pseudo-terminal has eight bits and no parity, whatever it is told.
+    EXPECT_EQ(tty.Apply({.baud = 460800, .data_bits = 7, .parity = Parity::kEven}, problem),
+              EINVAL);
+    EXPECT_EQ(problem,
+              path + std::string(": the device did not take the settings 460800 baud, 7E1, "
+                                 "no flow control; it works with 460800 baud, 8N1, no "
+                                 "flow control"));
+    problem.clear();
+    EXPECT_EQ(tty.Apply({.baud = 460801}, problem), EINVAL);
+    close(near_end);
+    close(far_end);
+}
+
+}  // namespace
+}  // namespace serial
