@@ -25,6 +25,9 @@ bool IsWithin(std::string_view word) {
     const auto number = ReadNumber(word);
     return number && *number >= kLeast && *number <= kMost;
 }
+bool IsOdds(std::string_view word) {
+    return ReadOdds(word).has_value();
+}
 bool IsBytes(std::string_view word) {
     const auto bytes = ReadBytes(word);
     return bytes && !bytes->empty();
@@ -57,6 +60,7 @@ constexpr Placeholder kPlaceholders[] = {
     {"PERCENT", kPercentAllowed, IsWithin<0, 100>},
     {"TO-PERCENT", kPercentAllowed, IsWithin<0, 100>},
     {"CHANCE", "a whole number from 1 to 100, in percent", IsWithin<1, 100>},
+    {"ODDS", "a number of percent above 0 and up to 100, such as 0.5", IsOdds},
     {"BYTE", kByteAllowed, IsWithin<0, 255>},
     {"INDEX", "a whole number from 0 to 63", IsWithin<0, 63>},
     {"BYTES", "pairs of hexadecimal digits, such as A55A", IsBytes},
@@ -110,6 +114,15 @@ std::optional<std::int64_t> ReadNumber(std::string_view word) {
     const char* const end = word.data() + word.size();
     const auto result = std::from_chars(word.data(), end, number, hexadecimal ? 16 : 10);
     if (result.ec != std::errc() || result.ptr != end || (hexadecimal && number < 0))
+        return std::nullopt;
+    return number;
+}
+
+std::optional<double> ReadOdds(std::string_view word) {
+    double number = 0;
+    const char* const end = word.data() + word.size();
+    const auto result = std::from_chars(word.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end || !(number > 0 && number <= 100))
         return std::nullopt;
     return number;
 }

@@ -2,70 +2,127 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/unit_line/tapped_port.h"
+#include "tests/unit_line/tapped_line.h"
 
 namespace tests {
 namespace {
 
-namespace kernel = platform::kernel;
-using std::chrono::microseconds;
-using Pieces = std::vector<TappedPort::Piece>;
+using namespace std::chrono_literals;
+using unit::Direction;
 
-std::string Read(HANDLE handle, DWORD most) {
-    std::string text(most, '?');
-    DWORD read = 0;
-    EXPECT_TRUE(ReadFile(handle, text.data(), most, &read, nullptr));
-    return text.substr(0, read);
-}
+constexpr Direction kToUnit = Direction::kToUnit;
+constexpr Direction kToDvr = Direction::kToDvr;
 
-void Write(HANDLE handle, const std::string& text) {
-    DWORD written = 0;
-    EXPECT_TRUE(WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-    EXPECT_EQ(written, text.size());
-}
-
-TEST(LineTap, TellsWhatPassesInBothDirectionsWhenItPasses) {
-    Platform platform;
-    TappedPort line(platform);
-    platform.Run([&] {
-        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
-        line.Start();
-        Write(handle, "out");
-        kernel::After({}, [&] { line.port.Send("in"); });
-        EXPECT_EQ(Read(handle, 2), "in");
-        Sleep(1);
-        EXPECT_EQ(line.port.heard, "out");
-        EXPECT_EQ(line.to_dvr, (Pieces{{0, "out"}}));
-        EXPECT_EQ(line.to_unit, (Pieces{{22, "i"}, {44, "n"}}));
-        CloseHandle(handle);
-        kernel::After({}, [&] { line.port.Send("to nobody"); });
-        Sleep(1);
-        EXPECT_EQ(line.to_unit.size(), 2U) << "a closed port is given nothing";
-    });
+TEST(LineTap, TellsWhatPassesWhenItPasses) {
+    TappedLine line;
+    line.Send(kToDvr, 3us, "01 02");
+    line.Send(kToUnit, 5us, "03");
+    line.RunFor(1ms);
+    EXPECT_EQ(line.dvr.text(), "3: 01 02");
+    EXPECT_EQ(line.heard_to_dvr.text(), "3: 01 02");
+    EXPECT_EQ(line.program.text(), "5: 03");
+    EXPECT_EQ(line.heard_to_unit.text(), "5: 03");
 }
 
 TEST(LineTap, NothingPassesWhileThePlugIsOut) {
-    Platform platform;
-    TappedPort line(platform);
-    platform.Run([&] {
-        const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
-        // The bytes arrive 22, 44, 66, 87, 109 after the start.
-        kernel::After({}, [&] { line.port.Send("12345"); });
-        kernel::After(microseconds(40), [&] { line.tap->SetPlugged(false); });
-        kernel::After(microseconds(70), [&] { line.tap->SetPlugged(true); });
-        EXPECT_EQ(Read(handle, 5), "145");
+    TappedLine line;
+    line.Add("delay 1ms frames");
+    line.Add("delay 1ms bytes to-dvr after 1 times 1");
+    line.Send(kToUnit, 0us, "A5 5A");  // held back for the frame rule
+    line.Send(kToDvr, 0us, "0A 0B");   // delayed
+    platform::kernel::After(500us, [&] { line.tap->SetPlugged(false); });
+    line.Send(kToUnit, 600us, "01");
+    line.Send(kToDvr, 600us, "02");
+    platform::kernel::After(700us, [&] { line.tap->SetPlugged(true); });
+    line.Send(kToUnit, 800us, "03");
+    line.Send(kToDvr, 800us, "04");
+    line.RunFor(1s);
+    EXPECT_EQ(line.program.text(), "800: 03");
+    EXPECT_EQ(line.dvr.text(), "0: 0A / 800: 04");
+    EXPECT_EQ(line.heard_to_dvr.text(), "0: 0A 0B / 600: 02 / 800: 04");
+}
 
-        line.tap->SetPlugged(false);
-        line.Start();
-        Write(handle, "to nobody");
-        Sleep(1);
-        line.tap->SetPlugged(true);
-        Write(handle, "there");
-        Sleep(1);
-        EXPECT_EQ(line.port.heard, "there");
-        EXPECT_EQ(line.to_dvr, (Pieces{{0, "to nobody"}, {1000, "there"}}));
-        CloseHandle(handle);
+TEST(LineTap, WhatIsOnItsWayIsLostWhenThePortCloses) {
+    TappedLine line;
+    line.Add("delay 100ms bytes");
+    line.Send(kToUnit, 0us, "01");
+    line.Send(kToDvr, 0us, "02");
+    line.RunFor(10ms);
+    line.tap->Close();
+    line.tap->Inject(kToUnit, std::vector<std::uint8_t>{5});
+    line.RunFor(10ms);
+    line.Open();
+    line.Send(kToUnit, 30ms, "03");
+    line.Send(kToDvr, 30ms, "04");
+    line.RunFor(1s);
+    EXPECT_EQ(line.program.text(), "130000: 03");
+    EXPECT_EQ(line.dvr.text(), "130000: 04");
+}
+
+TEST(LineTap, HoldsBackOnlyForFrameRulesAndNeverForEver) {
+    struct Row {
+        const char* rule;
+        const char* arrives;
+    };
+    const Row rows[] = {
+        {"drop bytes after 100 times 1", "0: A5 5A 80 / 40000: 00 / 200000: 01 02"},
+        {"drop frames to-dvr", "0: A5 5A 80 / 40000: 00 / 200000: 01 02"},
+        // 50 ms after its last byte.
+        {"drop frames to-unit", "90000: A5 5A 80 00 / 200000: 01 02"},
+        {"drop frames", "90000: A5 5A 80 00 / 200000: 01 02"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.rule);
+        TappedLine line;
+        line.Add(row.rule);
+        line.Send(kToUnit, 0us, "A5 5A 80");
+        line.Send(kToUnit, 40ms, "00");
+        line.Send(kToUnit, 200ms, "01 02");
+        line.RunFor(1s);
+        EXPECT_EQ(line.program.text(), row.arrives);
+    }
+    // The rule goes: what it held back comes with the next byte.
+    TappedLine line;
+    line.Add("drop frames");
+    line.Send(kToUnit, 0us, "A5 5A 80");
+    platform::kernel::After(1ms, [&] { line.faults->Clear(); });
+    line.Send(kToUnit, 2ms, "00");
+    line.RunFor(1s);
+    EXPECT_EQ(line.program.text(), "2000: A5 5A 80 00");
+}
+
+TEST(LineTap, InjectedBytesQueueBehindThoseThatWait) {
+    TappedLine line;
+    line.Add("delay 1ms bytes times 1");
+    line.Send(kToUnit, 0us, "01");
+    platform::kernel::After(500us, [&] {
+        line.tap->Inject(kToUnit, std::vector<std::uint8_t>{0xCC});
+        line.tap->Inject(kToDvr, std::vector<std::uint8_t>{0xDD});
     });
+    line.RunFor(1s);
+    EXPECT_EQ(line.program.text(), "1000: 01 CC");
+    EXPECT_EQ(line.dvr.text(), "500: DD");
+}
+
+TEST(LineTap, AFullLineTakesTheRestWhenItHasRoom) {
+    const std::vector<std::uint8_t> bytes{1, 2, 3};
+    TappedLine line;
+    int rooms = 0;
+    line.tap->OnRoom([&] { ++rooms; });
+    line.far->room = 2;
+    EXPECT_EQ(line.tap->Transmit(bytes), 2U) << "without faults the port keeps the rest";
+    line.Add("duplicate bytes to-dvr");
+    line.far->room = 2;
+    EXPECT_EQ(line.tap->Transmit(bytes), 3U);
+    EXPECT_EQ(line.tap->Transmit(bytes), 0U);
+    line.far->room = 3;
+    line.far->tell_room();
+    EXPECT_EQ(rooms, 0) << "still full";
+    line.far->room = 3;
+    line.far->tell_room();
+    EXPECT_EQ(rooms, 1);
+    EXPECT_EQ(line.dvr.text(), "0: 01 02 01 01 02 02 03 03");
+    EXPECT_EQ(line.heard_to_dvr.text(), "0: 01 02 01 02 03");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> s
         dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
     }
     if (auto line = MakeLine(options))
-        tap_ = std::make_shared<LineTap>(std::move(line), std::move(bytes));
+        tap_ = std::make_shared<LineTap>(std::move(line), faults_, std::move(bytes));
 }
 
 DvrBay::~DvrBay() = default;
@@ -54,6 +54,11 @@ void DvrBay::SetPlugged(bool plugged) {
     plugged_ = plugged;
     if (tap_)
         tap_->SetPlugged(plugged);
+}
+
+void DvrBay::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
+    if (tap_)
+        tap_->Inject(direction, bytes);
 }
 
 void DvrBay::Receive(std::span<const std::uint8_t> bytes) {

@@ -39,6 +39,11 @@ class DvrBay final : private dvrsim::Host {
     // The reset wire: resets the simulated DVR; for a real one the operator is told to.
     void Reset();
 
+    // The faults of the line, simulated or real. Any thread.
+    LineFaults& faults() { return *faults_; }
+    // Puts bytes on the line beside what its ends send.
+    void Inject(Direction direction, std::span<const std::uint8_t> bytes);
+
     // Pulls the DVR's serial plug or puts it back.
     void SetPlugged(bool plugged);
     bool plugged() const { return plugged_; }
@@ -55,6 +60,7 @@ class DvrBay final : private dvrsim::Host {
 
     const std::function<void(const std::string&)> say_;
     std::shared_ptr<platform::device::MemoryLine> memory_line_;
+    const std::shared_ptr<LineFaults> faults_ = std::make_shared<LineFaults>();
     std::shared_ptr<LineTap> tap_;
     std::unique_ptr<dvrsim::Dvr> dvr_;
     std::unique_ptr<PtyPeer> pty_;

@@ -1,0 +1,116 @@
+#include "unit/line/frame_monitor.h"
+
+#include <gtest/gtest.h>
+
+#include "control/values.h"
+
+namespace tests {
+namespace {
+
+using namespace std::chrono_literals;
+using unit::Direction;
+using unit::LineBytes;
+using unit::LineHistory;
+
+struct Case {
+    Direction direction;
+    const char* bytes;
+    std::vector<const char*> texts;
+};
+
+constexpr Direction kToUnit = Direction::kToUnit;
+
+const Case kCases[] = {
+    {kToUnit,
+     "A55A 80 002E 0012 39 31342E30392E30312E56312E30322E3033 0559",
+     {"to unit  IND  FW_Upgrade_Version  57 '14.09.01.V1.02.03'  ok"}},
+    {kToUnit, "A55A 80 002E 0001 39 01E7", {"to unit  IND  FW_Upgrade_Version  57  ok"}},
+    {kToUnit, "A55A 20 8010 0001 02 01B2", {"to unit  ACK  DVR_RunningState query  2 normal  ok"}},
+    {kToUnit, "A55A 20 8010 0001 09 01B9", {"to unit  ACK  DVR_RunningState query  9 unknown  ok"}},
+    {kToUnit,
+     "A55A 80 0026 0003 01005A 0203",
+     {"to unit  IND  StorageCardStatus  1 plug-in 90%  ok"}},
+    {kToUnit,
+     "A55A 80 0026 0002 015A 0202",
+     {"to unit  IND  StorageCardStatus  1 plug-in 90%  ok"}},
+    {kToUnit, "A55A 80 0026 0001 00 01A6", {"to unit  IND  StorageCardStatus  0 plug-out  ok"}},
+    {kToUnit, "A55A 20 8011 0001 02 01B3", {"to unit  ACK  DVR_Mode query  2 play  ok"}},
+    {kToUnit,
+     "A55A 80 0022 0008 3100303132333435 0309",
+     {"to unit  IND  Video_Record  recording '012345'  ok"}},
+    {kToUnit, "A55A 80 0017 0002 C0DE 0336", {"to unit  IND  Play_DeleteFile  C0 DE  ok"}},
+    {Direction::kToDvr, "A55A 10 001C 0001 00 012C", {"to DVR  REQ  System_Reboot  00  ok"}},
+    {Direction::kToDvr, "A55A 10 0010 0000 011F", {"to DVR  REQ  DVR_RunningState  -  ok"}},
+    {kToUnit, "A55A 44 0FFF 0000 0251", {"to unit  0x44  0x0FFF  -  ok"}},
+    // Damage is shown, and what follows it is found where the program finds it.
+    {kToUnit,
+     "A55A 80 002E 0001 38 01E7  A55A 80 002E 0001 39 01E7",
+     {"to unit  IND  FW_Upgrade_Version  56  checksum bad: 01E7, must be 01E6",
+      "to unit  IND  FW_Upgrade_Version  57  ok"}},
+    {kToUnit,
+     "A55A 80 002E 0041  A55A 80 002E 0001 39 01E7",
+     {"to unit  IND  FW_Upgrade_Version  length 65 is impossible",
+      "to unit  IND  FW_Upgrade_Version  57  ok"}},
+    // A byte is lost: the frame takes the next one's first byte for its own.
+    {kToUnit,
+     "A55A 80 002E 0001 39 01 A55A 80 002E 0001 39 01E7 00 A55A 80 002E 0001 39 01E7",
+     {"to unit  IND  FW_Upgrade_Version  57  checksum bad: 01A5, must be 01E7",
+      "to unit  10 stray bytes  5A 80 00 2E 00 01 39 01 E7 00",
+      "to unit  IND  FW_Upgrade_Version  57  ok"}},
+    {kToUnit,
+     "00 A5 A5 5A 80 0010 0000 018F",
+     {"to unit  2 stray bytes  00 A5", "to unit  IND  DVR_RunningState  -  ok"}},
+};
+
+std::vector<std::string> Texts(const std::vector<unit::LineEntry>& entries) {
+    std::vector<std::string> texts;
+    for (const unit::LineEntry& entry : entries)
+        texts.push_back(entry.Text());
+    return texts;
+}
+
+std::vector<std::uint8_t> Bytes(std::string hex) {
+    std::erase(hex, ' ');
+    return control::ReadBytes(hex).value();
+}
+
+TEST(FrameMonitor, ShowsFramesDamageAndStrayBytesAtEverySplit) {
+    for (const Case& c : kCases) {
+        SCOPED_TRACE(c.bytes);
+        const std::vector<std::uint8_t> bytes = Bytes(c.bytes);
+        for (std::size_t split = 0; split <= bytes.size() && !testing::Test::HasFailure();
+             ++split) {
+            LineHistory history;
+            const auto middle = bytes.begin() + static_cast<std::ptrdiff_t>(split);
+            history.Take(10ms, {c.direction, {bytes.begin(), middle}});
+            history.Take(20ms, {c.direction, {middle, bytes.end()}});
+            const auto entries = history.Since(0, 20ms);
+            EXPECT_EQ(Texts(entries), (std::vector<std::string>(c.texts.begin(), c.texts.end())));
+        }
+    }
+}
+
+TEST(FrameMonitor, EndsStrayRunsAtAGapAndKeepsUnfinishedFrames) {
+    LineHistory history;
+    history.Take(0ms, {kToUnit, Bytes("0102")});
+    history.Take(49ms, {kToUnit, Bytes("03")});
+    EXPECT_TRUE(history.Since(0, 98ms).empty());
+    history.Take(110ms, {kToUnit, Bytes("04 A55A80")});
+    history.Take(110ms, {Direction::kToDvr, Bytes("05")});
+    EXPECT_EQ(Texts(history.Since(0, 110ms)),
+              std::vector<std::string>{"to unit  3 stray bytes  01 02 03"});
+    const auto later = history.Since(1, 10s);
+    EXPECT_EQ(Texts(later),
+              (std::vector<std::string>{"to unit  1 stray byte  04", "to DVR  1 stray byte  05"}));
+    EXPECT_EQ(later.at(0).time, 110ms);
+    history.Take(20s, {kToUnit, Bytes("0010 0000 018F")});
+    const auto frame = history.Since(3, 20s);
+    ASSERT_EQ(frame.size(), 1U);
+    EXPECT_EQ(frame[0].time, 20s);
+    EXPECT_TRUE(frame[0].checksum_good());
+    EXPECT_EQ(frame[0].command(), 0x10);
+    EXPECT_FALSE(frame[0].query());
+}
+
+}  // namespace
+}  // namespace tests

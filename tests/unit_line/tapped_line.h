@@ -1,0 +1,122 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "control/values.h"
+#include "platform/kernel/scheduler.h"
+#include "tests/support/platform_fixture.h"
+#include "unit/line/fault_text.h"
+#include "unit/line/frame_text.h"
+#include "unit/line/line_tap.h"
+
+namespace tests {
+
+// What passed at which microsecond since the start: "0: A5 5A / 300: 01". What passes at one time
+// is one piece here.
+class PieceNotes {
+  public:
+    void Note(std::chrono::microseconds time, std::span<const std::uint8_t> bytes) {
+        if (bytes.empty())
+            return;
+        if (text_.empty() || time != last_)
+            text_ += (text_.empty() ? "" : " / ") + std::to_string(time.count()) + ":";
+        last_ = time;
+        text_ += " " + unit::HexText(bytes);
+    }
+    const std::string& text() const { return text_; }
+
+  private:
+    std::string text_;
+    std::chrono::microseconds last_{};
+};
+
+// The far end of a line, played by a test.
+class PlayedLine final : public platform::device::SerialLine {
+  public:
+    Receiver receiver;
+    std::function<void()> tell_room;
+    std::function<void(std::span<const std::uint8_t>)> sent;
+    std::size_t room = std::numeric_limits<std::size_t>::max();
+
+    DWORD Open(Receiver to_port) override {
+        receiver = std::move(to_port);
+        return ERROR_SUCCESS;
+    }
+    void Close() override { receiver = nullptr; }
+    DWORD ReadSettings(DCB&) override { return ERROR_SUCCESS; }
+    DWORD ApplySettings(const DCB&) override { return ERROR_SUCCESS; }
+    std::size_t Transmit(std::span<const std::uint8_t> bytes) override {
+        const std::size_t taken = std::min(room, bytes.size());
+        room -= taken;
+        sent(bytes.first(taken));
+        return taken;
+    }
+    void OnRoom(std::function<void()> tell) override { tell_room = std::move(tell); }
+};
+
+// A tap between a port and a far end that a test plays, on a simulated unit.
+class TappedLine {
+  public:
+    TappedLine() {
+        far->sent = [this](std::span<const std::uint8_t> bytes) { dvr.Note(Time(), bytes); };
+        Open();
+    }
+    ~TappedLine() { tap->Close(); }
+
+    void Open() {
+        tap->Open([this](std::span<const std::uint8_t> bytes) { program.Note(Time(), bytes); });
+    }
+
+    void Add(const std::string& text) const {
+        std::string problem;
+        const auto rule = unit::ParseFaultRule(text, problem);
+        ASSERT_TRUE(rule) << problem;
+        faults->Add(*rule);
+    }
+
+    // The far end, or the program, sends at that time.
+    void Send(unit::Direction direction, std::chrono::microseconds at, const std::string& hex,
+              bool byte_by_byte = false) {
+        platform::kernel::At(start_ + at, [this, direction, hex, byte_by_byte] {
+            const std::vector<std::uint8_t> bytes = control::ReadBytes(hex).value();
+            const std::size_t step = byte_by_byte ? 1 : bytes.size();
+            for (std::size_t from = 0; from < bytes.size(); from += step)
+                SendNow(direction, std::span(bytes).subspan(from, step));
+        });
+    }
+
+    void RunFor(std::chrono::milliseconds time) { platform.RunFor(time); }
+
+    Platform platform;
+    PieceNotes program;  // was given
+    PieceNotes dvr;      // was given
+    PieceNotes heard_to_unit;
+    PieceNotes heard_to_dvr;
+    const std::shared_ptr<unit::LineFaults> faults = std::make_shared<unit::LineFaults>();
+    const std::shared_ptr<PlayedLine> far = std::make_shared<PlayedLine>();
+    const std::shared_ptr<unit::LineTap> tap = std::make_shared<unit::LineTap>(
+        far, faults, [this](unit::Direction direction, std::span<const std::uint8_t> bytes) {
+            (direction == unit::Direction::kToUnit ? heard_to_unit : heard_to_dvr)
+                .Note(Time(), bytes);
+        });
+
+  private:
+    std::chrono::microseconds Time() const { return platform::kernel::Now() - start_; }
+
+    void SendNow(unit::Direction direction, std::span<const std::uint8_t> bytes) const {
+        if (direction == unit::Direction::kToDvr)
+            tap->Transmit(bytes);
+        else if (far->receiver)
+            far->receiver(bytes);
+    }
+
+    const std::chrono::microseconds start_ = platform::kernel::Now();
+};
+
+}  // namespace tests

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "unit/line/fault_rule.h"
+
+namespace unit {
+
+// A byte on its way through the rules.
+struct Cell {
+    std::uint8_t value;
+    // Where it stood in the frame that it came with; empty for bytes of no frame.
+    std::optional<std::size_t> place;
+    std::chrono::microseconds delay{};  // at least so long after its arrival
+    std::chrono::microseconds pause{};  // after the byte before it
+};
+using Cells = std::vector<Cell>;
+
+Cells CellsOf(std::span<const std::uint8_t> bytes, bool frame);
+
+// Whether the rule's part is there in a frame of `frame_size` bytes, of which some have been
+// faulted already.
+bool HasPart(const FaultRule& rule, const Cells& cells, std::size_t frame_size);
+
+// Does to the rule's part of a frame what the rule says.
+void FaultFrame(const FaultRule& rule, Cells& cells, std::size_t frame_size);
+// The same for one byte: what comes in its place.
+Cells FaultByte(const FaultRule& rule, const Cell& cell);
+
+}  // namespace unit

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace unit {
+
+inline constexpr std::size_t kFrameHeaderBytes = 7;
+inline constexpr std::size_t kFrameChecksumBytes = 2;
+
+// A piece of the line's byte stream.
+struct Cut {
+    enum class Kind {
+        kFrame,    // whole, its checksum matches
+        kDamaged,  // the checksum does not match, or (header only) the length is impossible
+        kStray,    // bytes that no frame begins with
+    };
+    Kind kind;
+    std::vector<std::uint8_t> bytes;
+};
+
+// Cuts a byte stream into frames and what lies between them, just as the program's parser sees it:
+// after a damaged frame the search goes on behind its last byte, and a frame that has begun waits
+// for its rest however long. Not locked.
+class FrameCutter {
+  public:
+    // The piece that this byte finishes, if it does.
+    std::optional<Cut> Take(std::uint8_t byte);
+
+    // The bytes of a frame that has begun.
+    const std::vector<std::uint8_t>& held() const { return held_; }
+    // Gives up waiting for its rest.
+    std::vector<std::uint8_t> GiveUp();
+
+  private:
+    Cut Finish(Cut::Kind kind);
+
+    std::vector<std::uint8_t> held_;
+};
+
+// Of a frame's bytes in wire order.
+std::uint16_t BigEndianAt(std::span<const std::uint8_t> bytes, std::size_t offset);
+// What the checksum of those bytes, checksum not included, must be.
+std::uint16_t ChecksumOf(std::span<const std::uint8_t> bytes);
+
+}  // namespace unit

@@ -1,0 +1,122 @@
+#include "unit/line/frame_monitor.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "dvrsim/protocol.h"
+#include "unit/line/frame_text.h"
+
+namespace unit {
+namespace {
+
+// After such a pause, what comes next is another run of stray bytes.
+constexpr auto kLongestGap = std::chrono::milliseconds(50);
+
+constexpr std::size_t kMostShown = 16;
+
+std::string StrayText(const std::vector<std::uint8_t>& bytes) {
+    const bool all = bytes.size() <= kMostShown;
+    return std::to_string(bytes.size()) + (bytes.size() == 1 ? " stray byte  " : " stray bytes  ") +
+           HexText(std::span(bytes).first(all ? bytes.size() : kMostShown)) + (all ? "" : " ...");
+}
+
+std::string ChecksumText(const std::vector<std::uint8_t>& frame) {
+    const std::size_t summed = frame.size() - kFrameChecksumBytes;
+    char text[64];
+    std::snprintf(text, sizeof text, "checksum bad: %04X, must be %04X", BigEndianAt(frame, summed),
+                  ChecksumOf(std::span(frame).first(summed)));
+    return text;
+}
+
+}  // namespace
+
+std::uint16_t LineEntry::command() const {
+    return code() & ~dvrsim::kQueryBit;
+}
+
+bool LineEntry::query() const {
+    return (code() & dvrsim::kQueryBit) != 0;
+}
+
+std::span<const std::uint8_t> LineEntry::payload() const {
+    if (bytes.size() < kFrameHeaderBytes + kFrameChecksumBytes)
+        return {};
+    return std::span(bytes).subspan(kFrameHeaderBytes,
+                                    bytes.size() - kFrameHeaderBytes - kFrameChecksumBytes);
+}
+
+std::string LineEntry::Text() const {
+    const std::string start = DirectionName(direction) + "  ";
+    if (kind == Cut::Kind::kStray)
+        return start + StrayText(bytes);
+    const std::string head = start + FrameTypeName(type()) + "  " + CodeName(code()) + "  ";
+    if (bytes.size() == kFrameHeaderBytes)
+        return head + "length " + std::to_string(BigEndianAt(bytes, 5)) + " is impossible";
+    return head + PayloadText(type(), code(), payload()) + "  " +
+           (checksum_good() ? "ok" : ChecksumText(bytes));
+}
+
+std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
+                                          std::span<const std::uint8_t> bytes) {
+    std::vector<LineEntry> entries;
+    const auto keep = [&entries](std::optional<LineEntry> entry) {
+        if (entry)
+            entries.push_back(*std::move(entry));
+    };
+    if (!bytes.empty())
+        keep(Settle(time));
+    for (const std::uint8_t byte : bytes) {
+        auto cut = cutter_.Take(byte);
+        if (!cut)
+            continue;
+        if (cut->kind == Cut::Kind::kStray) {
+            stray_.insert(stray_.end(), cut->bytes.begin(), cut->bytes.end());
+            stray_time_ = time;
+            continue;
+        }
+        keep(EndStray());
+        keep(LineEntry{0, time, direction_, cut->kind, std::move(cut->bytes)});
+    }
+    return entries;
+}
+
+std::optional<LineEntry> FrameMonitor::Settle(std::chrono::microseconds now) {
+    return now - stray_time_ >= kLongestGap ? EndStray() : std::nullopt;
+}
+
+std::optional<LineEntry> FrameMonitor::EndStray() {
+    if (stray_.empty())
+        return std::nullopt;
+    return LineEntry{0, stray_time_, direction_, Cut::Kind::kStray, std::exchange(stray_, {})};
+}
+
+void LineHistory::Take(std::chrono::microseconds time, const LineBytes& bytes) {
+    const std::scoped_lock lock(mutex_);
+    FrameMonitor& monitor = monitors_[bytes.direction == Direction::kToUnit ? 0 : 1];
+    for (LineEntry& entry : monitor.Take(time, bytes.bytes))
+        Keep(std::move(entry));
+}
+
+void LineHistory::Keep(LineEntry entry) {
+    entry.number = ++last_number_;
+    entries_.push_back(std::move(entry));
+    if (entries_.size() > kMost)
+        entries_.pop_front();
+}
+
+std::vector<LineEntry> LineHistory::Since(std::uint64_t number, std::chrono::microseconds now) {
+    const std::scoped_lock lock(mutex_);
+    for (FrameMonitor& monitor : monitors_)
+        if (auto stray = monitor.Settle(now))
+            Keep(*std::move(stray));
+    const auto first = std::ranges::upper_bound(entries_, number, {}, &LineEntry::number);
+    return {first, entries_.end()};
+}
+
+void LineHistory::Clear() {
+    const std::scoped_lock lock(mutex_);
+    entries_.clear();
+}
+
+}  // namespace unit

@@ -1,0 +1,118 @@
+#include "unit/line/line_faults.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "unit/line/fault_text.h"
+#include "unit/line/frame_text.h"
+
+namespace unit {
+
+int LineFaults::Add(FaultRule rule) {
+    const std::scoped_lock lock(mutex_);
+    std::mt19937 random(rule.seed);
+    rules_.push_back({{++last_number_, std::move(rule), 0, 0}, random});
+    return last_number_;
+}
+
+bool LineFaults::Remove(int number) {
+    const std::scoped_lock lock(mutex_);
+    return std::erase_if(rules_, [number](const Active& active) {
+               return active.entry.number == number;
+           }) > 0;
+}
+
+void LineFaults::Clear() {
+    const std::scoped_lock lock(mutex_);
+    rules_.clear();
+}
+
+std::vector<LineFaults::Entry> LineFaults::List() const {
+    const std::scoped_lock lock(mutex_);
+    std::vector<Entry> entries;
+    entries.reserve(rules_.size());
+    for (const Active& active : rules_)
+        entries.push_back(active.entry);
+    return entries;
+}
+
+bool LineFaults::Concern(Direction direction) const {
+    const std::scoped_lock lock(mutex_);
+    return std::ranges::any_of(rules_, [direction](const Active& active) {
+        return active.entry.rule.Concerns(direction);
+    });
+}
+
+bool LineFaults::WantFrames(Direction direction) const {
+    const std::scoped_lock lock(mutex_);
+    return std::ranges::any_of(rules_, [direction](const Active& active) {
+        return active.entry.rule.frames && active.entry.rule.Concerns(direction);
+    });
+}
+
+// Whether this match is one to fault.
+bool LineFaults::Active::Fires() {
+    const FaultRule& rule = entry.rule;
+    const std::uint64_t match = ++entry.matches;
+    if (match <= rule.skip || (match - rule.skip) % rule.every != 0)
+        return false;
+    if (rule.times && entry.applied >= *rule.times)
+        return false;
+    constexpr double kAllNumbers = 4294967296.0;
+    // Not a distribution of the library: those may give other numbers elsewhere.
+    if (rule.chance_percent < 100 &&
+        static_cast<double>(random()) >= kAllNumbers * rule.chance_percent / 100)
+        return false;
+    ++entry.applied;
+    return true;
+}
+
+std::string LineFaults::LineFor(const Entry& entry, const std::string& what) const {
+    return "fault " + std::to_string(entry.number) + " (" + ToText(entry.rule) + "): " + what +
+           ", " + std::to_string(entry.applied) + " so far";
+}
+
+void LineFaults::ApplyToBytes(Active& active, Cells& cells, std::vector<std::string>& lines) const {
+    Cells result;
+    for (const Cell& cell : cells) {
+        if (!active.Fires()) {
+            result.push_back(cell);
+            continue;
+        }
+        if (hear_) {
+            const std::uint8_t value[] = {cell.value};
+            lines.push_back(LineFor(active.entry, "byte " + HexText(value)));
+        }
+        const Cells faulted = FaultByte(active.entry.rule, cell);
+        result.insert(result.end(), faulted.begin(), faulted.end());
+    }
+    cells = std::move(result);
+}
+
+Cells LineFaults::Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame) {
+    Cells cells = CellsOf(bytes, frame);
+    std::vector<std::string> lines;
+    {
+        const std::scoped_lock lock(mutex_);
+        for (Active& active : rules_) {
+            const FaultRule& rule = active.entry.rule;
+            if (!rule.Concerns(direction))
+                continue;
+            if (!rule.frames) {
+                ApplyToBytes(active, cells, lines);
+                continue;
+            }
+            if (!frame || !rule.frames->Matches(bytes) || !HasPart(rule, cells, bytes.size()) ||
+                !active.Fires())
+                continue;
+            if (hear_)
+                lines.push_back(LineFor(active.entry, FrameName(bytes)));
+            FaultFrame(rule, cells, bytes.size());
+        }
+    }
+    for (const std::string& line : lines)
+        hear_(line);
+    return cells;
+}
+
+}  // namespace unit
