@@ -1,7 +1,7 @@
 #include <windows.h>
 
 #include "platform/device/serial_port.h"
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 
 using namespace platform;
 using device::SerialPort;
@@ -11,7 +11,6 @@ namespace {
 // Runs `request` on the port behind `handle`; a null `argument` is refused.
 template <class Request>
 BOOL OnPort(HANDLE handle, const void* argument, Request request) {
-    kernel::SchedulingPoint();
     const std::shared_ptr<SerialPort> port = kernel::FindObjectAs<SerialPort>(handle);
     if (!port)
         return FALSE;
@@ -25,15 +24,24 @@ BOOL OnPort(HANDLE handle, const void* argument, Request request) {
 }  // namespace
 
 BOOL GetCommState(HANDLE handle, LPDCB settings) {
+    const kernel::ApiCall call("GetCommState");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, settings, [&](SerialPort& port) { return port.ReadSettings(*settings); });
 }
 
 BOOL SetCommState(HANDLE handle, LPDCB settings) {
+    const kernel::ApiCall call("SetCommState");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, settings,
                   [&](SerialPort& port) { return port.ApplySettings(*settings); });
 }
 
 BOOL GetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
+    const kernel::ApiCall call("GetCommTimeouts");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, timeouts, [&](SerialPort& port) {
         *timeouts = port.timeouts();
         return ERROR_SUCCESS;
@@ -41,6 +49,9 @@ BOOL GetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
 }
 
 BOOL SetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
+    const kernel::ApiCall call("SetCommTimeouts");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, timeouts, [&](SerialPort& port) {
         port.SetTimeouts(*timeouts);
         return ERROR_SUCCESS;
@@ -48,6 +59,9 @@ BOOL SetCommTimeouts(HANDLE handle, LPCOMMTIMEOUTS timeouts) {
 }
 
 BOOL SetCommMask(HANDLE handle, DWORD mask) {
+    const kernel::ApiCall call("SetCommMask");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, &mask, [&](SerialPort& port) {
         port.SetEventMask(mask);
         return ERROR_SUCCESS;
@@ -55,6 +69,9 @@ BOOL SetCommMask(HANDLE handle, DWORD mask) {
 }
 
 BOOL GetCommMask(HANDLE handle, LPDWORD mask) {
+    const kernel::ApiCall call("GetCommMask");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, mask, [&](SerialPort& port) {
         *mask = port.event_mask();
         return ERROR_SUCCESS;
@@ -62,6 +79,9 @@ BOOL GetCommMask(HANDLE handle, LPDWORD mask) {
 }
 
 BOOL PurgeComm(HANDLE handle, DWORD actions) {
+    const kernel::ApiCall call("PurgeComm");
+    if (call.Fails())
+        return FALSE;
     return OnPort(handle, &actions, [&](SerialPort& port) {
         if ((actions & PURGE_RXCLEAR) != 0)
             port.DropInput();

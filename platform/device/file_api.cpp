@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "platform/device/stream_driver.h"
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel.h"
-#include "platform/kernel/scheduler.h"
 
 using namespace platform;
 using device::Stream;
@@ -32,7 +32,9 @@ std::span<Byte> Bytes(Pointer pointer, DWORD size) {
 
 HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share_mode, LPSECURITY_ATTRIBUTES,
                    DWORD creation, DWORD flags, HANDLE) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("CreateFileW");
+    if (call.Fails())
+        return INVALID_HANDLE_VALUE;
     if (!name || creation != OPEN_EXISTING || (flags & FILE_FLAG_OVERLAPPED) != 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
@@ -49,9 +51,11 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share_mode, LPSECURITY_ATTR
 }
 
 BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("ReadFile");
     if (read)
         *read = 0;
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Stream> stream = kernel::FindObjectAs<Stream>(handle);
     if (!stream)
         return FALSE;
@@ -62,9 +66,11 @@ BOOL ReadFile(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPP
 
 BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD size, LPDWORD written,
                LPOVERLAPPED overlapped) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("WriteFile");
     if (written)
         *written = 0;
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Stream> stream = kernel::FindObjectAs<Stream>(handle);
     if (!stream)
         return FALSE;
@@ -75,7 +81,9 @@ BOOL WriteFile(HANDLE handle, LPCVOID buffer, DWORD size, LPDWORD written,
 
 BOOL DeviceIoControl(HANDLE handle, DWORD code, LPVOID input, DWORD input_size, LPVOID output,
                      DWORD output_size, LPDWORD returned, LPOVERLAPPED overlapped) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("DeviceIoControl");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Stream> stream = kernel::FindObjectAs<Stream>(handle);
     if (!stream)
         return FALSE;

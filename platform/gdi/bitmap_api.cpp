@@ -4,7 +4,7 @@
 
 #include "platform/gdi/bitmap.h"
 #include "platform/gdi/drawing_context.h"
-#include "platform/gdi/gdi_entry.h"
+#include "platform/kernel/api_call.h"
 
 namespace platform::gdi {
 namespace {
@@ -38,6 +38,9 @@ HBITMAP AddBitmap(int width, int height, const std::uint32_t* pixels) {
 using namespace platform::gdi;
 
 HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) {
+    const platform::kernel::ApiCall call("CreateCompatibleBitmap");
+    if (call.Fails())
+        return nullptr;
     const ContextCall context(dc);
     if (!context)
         return nullptr;
@@ -49,7 +52,10 @@ HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) {
 
 // Bitmaps here have the display's 32 bits a pixel only.
 HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bits_per_pixel, const VOID* bits) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("CreateBitmap");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = LockGdi();
     if (planes != 1 || bits_per_pixel != 32) {
         SetLastError(ERROR_NOT_SUPPORTED);
         return nullptr;

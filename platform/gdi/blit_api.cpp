@@ -6,6 +6,7 @@
 #include "platform/gdi/drawing_context.h"
 #include "platform/gdi/raster_operation.h"
 #include "platform/gdi/rectangle.h"
+#include "platform/kernel/api_call.h"
 
 using namespace platform::gdi;
 
@@ -123,18 +124,27 @@ std::shared_ptr<Surface> SurfaceOf(HANDLE handle) {
 
 BOOL BitBlt(HDC target, int x, int y, int width, int height, HDC source, int source_x, int source_y,
             DWORD code) {
+    const platform::kernel::ApiCall call("BitBlt");
+    if (call.Fails())
+        return FALSE;
     return ValidSize(width, height) && Blit(target, RectangleAt(x, y, width, height), source,
                                             RectangleAt(source_x, source_y, width, height), code);
 }
 
 BOOL StretchBlt(HDC target, int x, int y, int width, int height, HDC source, int source_x,
                 int source_y, int source_width, int source_height, DWORD code) {
+    const platform::kernel::ApiCall call("StretchBlt");
+    if (call.Fails())
+        return FALSE;
     return ValidSize(width, height) && ValidSize(source_width, source_height) &&
            Blit(target, RectangleAt(x, y, width, height), source,
                 RectangleAt(source_x, source_y, source_width, source_height), code);
 }
 
 BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD code) {
+    const platform::kernel::ApiCall call("PatBlt");
+    if (call.Fails())
+        return FALSE;
     if (RasterOperation(code).UsesSource()) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
@@ -145,6 +155,9 @@ BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD code) {
 
 BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE source, LONG source_x,
                       LONG source_y, LONG source_width, LONG source_height, COLORREF transparent) {
+    const platform::kernel::ApiCall call("TransparentImage");
+    if (call.Fails())
+        return FALSE;
     if (!ValidSize(width, height) || !ValidSize(source_width, source_height))
         return FALSE;
     ContextCall context(dc);

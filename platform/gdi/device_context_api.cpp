@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/gdi/drawing_context.h"
-#include "platform/gdi/gdi_entry.h"
+#include "platform/kernel/api_call.h"
 
 using namespace platform::gdi;
 
@@ -39,7 +39,10 @@ int DeviceCapability(int index) {
 }  // namespace
 
 HDC CreateCompatibleDC(HDC like) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("CreateCompatibleDC");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = LockGdi();
     if (like && !FindContext(like))
         return nullptr;
     const HGDIOBJ bitmap = StockBitmap();
@@ -49,16 +52,25 @@ HDC CreateCompatibleDC(HDC like) {
 }
 
 BOOL DeleteDC(HDC dc) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("DeleteDC");
+    if (call.Fails())
+        return FALSE;
+    const auto lock = LockGdi();
     return RemoveContext(dc, false);
 }
 
 int GetDeviceCaps(HDC dc, int index) {
+    const platform::kernel::ApiCall call("GetDeviceCaps");
+    if (call.Fails())
+        return 0;
     const ContextCall context(dc);
     return context ? DeviceCapability(index) : 0;
 }
 
 int SetBkMode(HDC dc, int mode) {
+    const platform::kernel::ApiCall call("SetBkMode");
+    if (call.Fails())
+        return 0;
     const ContextCall context(dc);
     if (!context)
         return 0;
@@ -70,26 +82,41 @@ int SetBkMode(HDC dc, int mode) {
 }
 
 int GetBkMode(HDC dc) {
+    const platform::kernel::ApiCall call("GetBkMode");
+    if (call.Fails())
+        return 0;
     const ContextCall context(dc);
     return context ? context->background_mode : 0;
 }
 
 COLORREF SetBkColor(HDC dc, COLORREF color) {
+    const platform::kernel::ApiCall call("SetBkColor");
+    if (call.Fails())
+        return CLR_INVALID;
     const ContextCall context(dc);
     return context ? std::exchange(context->background_color, color) : CLR_INVALID;
 }
 
 COLORREF GetBkColor(HDC dc) {
+    const platform::kernel::ApiCall call("GetBkColor");
+    if (call.Fails())
+        return CLR_INVALID;
     const ContextCall context(dc);
     return context ? context->background_color : CLR_INVALID;
 }
 
 COLORREF SetTextColor(HDC dc, COLORREF color) {
+    const platform::kernel::ApiCall call("SetTextColor");
+    if (call.Fails())
+        return CLR_INVALID;
     const ContextCall context(dc);
     return context ? std::exchange(context->text_color, color) : CLR_INVALID;
 }
 
 COLORREF GetTextColor(HDC dc) {
+    const platform::kernel::ApiCall call("GetTextColor");
+    if (call.Fails())
+        return CLR_INVALID;
     const ContextCall context(dc);
     return context ? context->text_color : CLR_INVALID;
 }

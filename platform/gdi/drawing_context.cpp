@@ -1,7 +1,6 @@
 #include "platform/gdi/drawing_context.h"
 
 #include "platform/gdi/device_context.h"
-#include "platform/gdi/gdi_entry.h"
 #include "platform/gdi/rectangle.h"
 #include "platform/kernel/handle_table.h"
 
@@ -61,7 +60,7 @@ void DropContexts() {
     TheContexts() = ContextTable{kernel::kDeviceContexts};
 }
 
-ContextCall::ContextCall(HDC dc) : lock_(EnterGdi()), context_(FindContext(dc)) {}
+ContextCall::ContextCall(HDC dc) : lock_(LockGdi()), context_(FindContext(dc)) {}
 
 ContextCall::~ContextCall() {
     if (!drawn_ || !context_->drawn)

@@ -6,6 +6,7 @@
 #include "platform/gdi/drawing_context.h"
 #include "platform/gdi/fill.h"
 #include "platform/gdi/rectangle.h"
+#include "platform/kernel/api_call.h"
 
 namespace platform::gdi {
 
@@ -37,6 +38,9 @@ std::shared_ptr<Brush> BrushFor(HBRUSH handle) {
 }  // namespace
 
 int FillRect(HDC dc, const RECT* rectangle, HBRUSH handle) {
+    const platform::kernel::ApiCall call("FillRect");
+    if (call.Fails())
+        return 0;
     ContextCall context(dc);
     if (!context)
         return 0;
@@ -55,6 +59,9 @@ int FillRect(HDC dc, const RECT* rectangle, HBRUSH handle) {
 }
 
 COLORREF SetPixel(HDC dc, int x, int y, COLORREF color) {
+    const platform::kernel::ApiCall call("SetPixel");
+    if (call.Fails())
+        return CLR_INVALID;
     ContextCall context(dc);
     if (!context)
         return CLR_INVALID;
@@ -69,6 +76,9 @@ COLORREF SetPixel(HDC dc, int x, int y, COLORREF color) {
 }
 
 COLORREF GetPixel(HDC dc, int x, int y) {
+    const platform::kernel::ApiCall call("GetPixel");
+    if (call.Fails())
+        return CLR_INVALID;
     const ContextCall context(dc);
     if (!context)
         return CLR_INVALID;

@@ -5,8 +5,9 @@
 #include <utility>
 
 #include "platform/gdi/bitmap.h"
-#include "platform/gdi/gdi_entry.h"
 #include "platform/gdi/icon.h"
+#include "platform/gdi/surface.h"
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/handle_table.h"
 #include "platform/resource/image.h"
 #include "platform/resource/module.h"
@@ -61,7 +62,7 @@ HANDLE LoadBitmapImage(LPCWSTR name, int width, int height) {
         SetLastError(ERROR_NOT_SUPPORTED);
         return nullptr;
     }
-    const auto lock = EnterGdi();
+    const auto lock = LockGdi();
     return AddBitmap(image->width, image->height, image->pixels.data());
 }
 
@@ -73,7 +74,7 @@ HANDLE LoadIconImage(LPCWSTR name, int width, int height, UINT flags) {
     auto image = resource::DecodeIcon(name, width, height);
     if (!image)
         return nullptr;
-    const auto lock = EnterGdi();
+    const auto lock = LockGdi();
     return AddIcon({.image = std::move(*image)});
 }
 
@@ -98,6 +99,9 @@ using namespace platform::gdi;
 
 // Neither stretched nor monochrome bitmaps nor files: those fail with ERROR_NOT_SUPPORTED.
 HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
+    const kernel::ApiCall call("LoadImageW");
+    if (call.Fails())
+        return nullptr;
     if (!IsProgram(module))
         return nullptr;
     if (width < 0 || height < 0) {
@@ -114,6 +118,9 @@ HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int heig
 
 // By number only; the same handle every time.
 HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
+    const kernel::ApiCall call("LoadIconW");
+    if (call.Fails())
+        return nullptr;
     if (!IsProgram(module))
         return nullptr;
     if (!IS_INTRESOURCE(name)) {
@@ -122,7 +129,7 @@ HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
     }
     const auto id = reinterpret_cast<std::uintptr_t>(name);
     {
-        const auto lock = EnterGdi();
+        const auto lock = LockGdi();
         const auto found = TheIcons().loaded.find(id);
         if (found != TheIcons().loaded.end())
             return found->second;
@@ -138,7 +145,10 @@ HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
 }
 
 BOOL DestroyIcon(HICON handle) {
-    const auto lock = EnterGdi();
+    const kernel::ApiCall call("DestroyIcon");
+    if (call.Fails())
+        return FALSE;
+    const auto lock = LockGdi();
     const auto value = reinterpret_cast<std::uintptr_t>(handle);
     const auto icon = TheIcons().table.Find(value);
     if (!icon || icon->shared) {
@@ -151,11 +161,14 @@ BOOL DestroyIcon(HICON handle) {
 
 // The system's cursors, which nothing shows. A program has none of its own.
 HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR name) {
+    const kernel::ApiCall call("LoadCursorW");
+    if (call.Fails())
+        return nullptr;
     if (module != nullptr || !IsSystemCursor(name)) {
         SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
         return nullptr;
     }
-    const auto lock = EnterGdi();
+    const auto lock = LockGdi();
     HCURSOR& cursor = TheIcons().cursors[reinterpret_cast<std::uintptr_t>(name)];
     if (!cursor)
         cursor = AddIcon({.image = {}, .shared = true});

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/gdi/drawing_context.h"
-#include "platform/gdi/gdi_entry.h"
 #include "platform/gdi/text_font.h"
+#include "platform/kernel/api_call.h"
 
 using namespace platform::gdi;
 
@@ -57,12 +57,18 @@ LOGFONTW Describe(const Font& font) {
 }  // namespace
 
 HBRUSH CreateSolidBrush(COLORREF color) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("CreateSolidBrush");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = LockGdi();
     return static_cast<HBRUSH>(AddObject({.content = Brush{color}}));
 }
 
 HFONT CreateFontIndirectW(const LOGFONTW* description) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("CreateFontIndirectW");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = LockGdi();
     if (!description) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -75,7 +81,10 @@ HFONT CreateFontIndirectW(const LOGFONTW* description) {
 }
 
 HGDIOBJ GetStockObject(int index) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("GetStockObject");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = LockGdi();
     const HGDIOBJ object = StockObject(index);
     if (!object)
         SetLastError(ERROR_NOT_SUPPORTED);
@@ -83,6 +92,9 @@ HGDIOBJ GetStockObject(int index) {
 }
 
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
+    const platform::kernel::ApiCall call("SelectObject");
+    if (call.Fails())
+        return nullptr;
     const ContextCall context(dc);
     if (!context)
         return nullptr;
@@ -98,6 +110,9 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
 }
 
 HGDIOBJ GetCurrentObject(HDC dc, UINT type) {
+    const platform::kernel::ApiCall call("GetCurrentObject");
+    if (call.Fails())
+        return nullptr;
     const ContextCall context(dc);
     if (!context)
         return nullptr;
@@ -110,7 +125,10 @@ HGDIOBJ GetCurrentObject(HDC dc, UINT type) {
 }
 
 DWORD GetObjectType(HGDIOBJ handle) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("GetObjectType");
+    if (call.Fails())
+        return 0;
+    const auto lock = LockGdi();
     const DWORD last_error = GetLastError();
     if (const auto context = FindContext(static_cast<HDC>(handle)))
         return context->of_window ? OBJ_DC : OBJ_MEMDC;
@@ -119,7 +137,10 @@ DWORD GetObjectType(HGDIOBJ handle) {
 }
 
 int GetObjectW(HGDIOBJ handle, int size, LPVOID buffer) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("GetObjectW");
+    if (call.Fails())
+        return 0;
+    const auto lock = LockGdi();
     const auto object = FindObject(handle);
     if (!object)
         return 0;
@@ -140,6 +161,9 @@ int GetObjectW(HGDIOBJ handle, int size, LPVOID buffer) {
 }
 
 BOOL DeleteObject(HGDIOBJ handle) {
-    const auto lock = EnterGdi();
+    const platform::kernel::ApiCall call("DeleteObject");
+    if (call.Fails())
+        return FALSE;
+    const auto lock = LockGdi();
     return RemoveObject(handle);
 }

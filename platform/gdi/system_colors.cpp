@@ -3,7 +3,7 @@
 #include <iterator>
 
 #include "platform/gdi/drawing_object.h"
-#include "platform/gdi/gdi_entry.h"
+#include "platform/kernel/api_call.h"
 
 namespace platform::gdi {
 namespace {
@@ -60,7 +60,10 @@ DWORD GetSysColor(int index) {
 }
 
 HBRUSH GetSysColorBrush(int index) {
-    const auto lock = gdi::EnterGdi();
+    const kernel::ApiCall call("GetSysColorBrush");
+    if (call.Fails())
+        return nullptr;
+    const auto lock = gdi::LockGdi();
     const HGDIOBJ brush = gdi::SystemColorBrush(index);
     if (!brush)
         SetLastError(ERROR_INVALID_PARAMETER);

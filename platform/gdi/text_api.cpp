@@ -8,6 +8,7 @@
 #include "platform/gdi/rectangle.h"
 #include "platform/gdi/text_engine.h"
 #include "platform/gdi/text_layout.h"
+#include "platform/kernel/api_call.h"
 
 using namespace platform::gdi;
 
@@ -85,6 +86,9 @@ std::wstring_view TextOf(const WCHAR* text, int count) {
 }  // namespace
 
 int DrawTextW(HDC dc, LPCWSTR text, int count, LPRECT rectangle, UINT format) {
+    const platform::kernel::ApiCall call("DrawTextW");
+    if (call.Fails())
+        return 0;
     ContextCall context(dc);
     if (!context || !ValidText(text, count))
         return 0;
@@ -116,6 +120,9 @@ int DrawTextW(HDC dc, LPCWSTR text, int count, LPRECT rectangle, UINT format) {
 }
 
 BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int count, LPSIZE size) {
+    const platform::kernel::ApiCall call("GetTextExtentPoint32W");
+    if (call.Fails())
+        return FALSE;
     const ContextCall context(dc);
     if (!context || !ValidText(text, count))
         return FALSE;
@@ -129,6 +136,9 @@ BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int count, LPSIZE size) {
 }
 
 BOOL GetTextMetricsW(HDC dc, LPTEXTMETRICW metrics) {
+    const platform::kernel::ApiCall call("GetTextMetricsW");
+    if (call.Fails())
+        return FALSE;
     const ContextCall context(dc);
     if (!context)
         return FALSE;

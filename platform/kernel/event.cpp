@@ -1,3 +1,4 @@
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/named_objects.h"
 #include "platform/kernel/scheduler.h"
 
@@ -28,7 +29,9 @@ class Event final : public Object {
 using namespace platform::kernel;
 
 HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state, LPCWSTR name) {
-    SchedulingPoint();
+    const ApiCall call("CreateEventW");
+    if (call.Fails())
+        return nullptr;
     KernelLock lock = LockKernel();
     std::shared_ptr<Event> event = CreateNamed<Event>(
         lock, name, [&] { return std::make_shared<Event>(manual_reset != 0, initial_state != 0); });
@@ -36,7 +39,9 @@ HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state
 }
 
 HANDLE OpenEventW(DWORD, BOOL, LPCWSTR name) {
-    SchedulingPoint();
+    const ApiCall call("OpenEventW");
+    if (call.Fails())
+        return nullptr;
     if (!name) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -56,7 +61,11 @@ HANDLE OpenEventW(DWORD, BOOL, LPCWSTR name) {
 }
 
 BOOL EventModify(HANDLE handle, DWORD function) {
-    SchedulingPoint();
+    const ApiCall call(function == EVENT_SET     ? CallId("SetEvent")
+                       : function == EVENT_RESET ? CallId("ResetEvent")
+                                                 : CallId("PulseEvent"));
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Event> event = FindObjectAs<Event>(handle);
     if (!event)
         return FALSE;

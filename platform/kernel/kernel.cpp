@@ -36,6 +36,7 @@ void Boot(const Options& options, Board& board) {
                            : MakeFreeScheduler(options, *state->hardware);
     BecomeHardwareThread(state->hardware);
     g_state = state.release();
+    ForgetCallFaults();
     g_booted = true;
 }
 
@@ -59,6 +60,7 @@ Leftovers Shutdown() {
     if (leftovers.threads == 0)
         delete std::exchange(g_state, nullptr);
     BecomeHardwareThread(nullptr);
+    ForgetCallFaults();
     return leftovers;
 }
 

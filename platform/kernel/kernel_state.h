@@ -38,6 +38,9 @@ KernelState& State();
 // The hardware's thread object stands in for the calling thread from now on.
 void BecomeHardwareThread(std::shared_ptr<Thread> thread);
 
+// Begins the count of the program's calls anew, without faults.
+void ForgetCallFaults();
+
 // Ends and joins the host threads of threads that have ended.
 void ReapThreads();
 

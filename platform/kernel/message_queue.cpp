@@ -4,6 +4,7 @@
 #include <deque>
 #include <vector>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/named_objects.h"
 #include "platform/kernel/scheduler.h"
 
@@ -78,7 +79,9 @@ bool ValidOptions(const MSGQUEUEOPTIONS* options) {
 using namespace platform::kernel;
 
 HANDLE CreateMsgQueue(LPCWSTR name, LPMSGQUEUEOPTIONS options) {
-    SchedulingPoint();
+    const ApiCall call("CreateMsgQueue");
+    if (call.Fails())
+        return nullptr;
     if (!ValidOptions(options)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -92,7 +95,9 @@ HANDLE CreateMsgQueue(LPCWSTR name, LPMSGQUEUEOPTIONS options) {
 }
 
 HANDLE OpenMsgQueue(HANDLE, HANDLE handle, LPMSGQUEUEOPTIONS options) {
-    SchedulingPoint();
+    const ApiCall call("OpenMsgQueue");
+    if (call.Fails())
+        return nullptr;
     if (!options || options->dwSize != sizeof(MSGQUEUEOPTIONS)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -106,7 +111,9 @@ HANDLE OpenMsgQueue(HANDLE, HANDLE handle, LPMSGQUEUEOPTIONS options) {
 
 BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD timeout,
                   DWORD* flags) {
-    SchedulingPoint();
+    const ApiCall call("ReadMsgQueue");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<QueueEnd> end = FindEnd(handle, true);
     if (!end)
         return FALSE;
@@ -141,7 +148,9 @@ BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD 
 }
 
 BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWORD flags) {
-    SchedulingPoint();
+    const ApiCall call("WriteMsgQueue");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<QueueEnd> end = FindEnd(handle, false);
     if (!end)
         return FALSE;
@@ -175,7 +184,9 @@ BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWOR
 }
 
 BOOL GetMsgQueueInfo(HANDLE handle, LPMSGQUEUEINFO info) {
-    SchedulingPoint();
+    const ApiCall call("GetMsgQueueInfo");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<QueueEnd> end = FindObjectAs<QueueEnd>(handle);
     if (!end)
         return FALSE;
@@ -196,6 +207,9 @@ BOOL GetMsgQueueInfo(HANDLE handle, LPMSGQUEUEINFO info) {
 }
 
 BOOL CloseMsgQueue(HANDLE handle) {
+    const ApiCall call("CloseMsgQueue");
+    if (call.Fails())
+        return FALSE;
     if (!FindObjectAs<QueueEnd>(handle))
         return FALSE;
     return CloseHandle(handle);

@@ -1,3 +1,4 @@
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/named_objects.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/thread.h"
@@ -41,7 +42,9 @@ class Mutex final : public Object {
 using namespace platform::kernel;
 
 HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initial_owner, LPCWSTR name) {
-    SchedulingPoint();
+    const ApiCall call("CreateMutexW");
+    if (call.Fails())
+        return nullptr;
     KernelLock lock = LockKernel();
     std::shared_ptr<Mutex> mutex = CreateNamed<Mutex>(lock, name, [&] {
         auto made = std::make_shared<Mutex>();
@@ -53,7 +56,9 @@ HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initial_owner, LPCWSTR name) {
 }
 
 BOOL ReleaseMutex(HANDLE handle) {
-    SchedulingPoint();
+    const ApiCall call("ReleaseMutex");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Mutex> mutex = FindObjectAs<Mutex>(handle);
     if (!mutex)
         return FALSE;

@@ -1,5 +1,6 @@
 #include "platform/kernel/object.h"
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel_state.h"
 #include "platform/kernel/thread.h"
 
@@ -41,7 +42,9 @@ std::shared_ptr<Object> FindObject(HANDLE handle) {
 using namespace platform::kernel;
 
 BOOL CloseHandle(HANDLE handle) {
-    SchedulingPoint();
+    const ApiCall call("CloseHandle");
+    if (call.Fails())
+        return FALSE;
     KernelLock lock = LockKernel();
     std::shared_ptr<Object> object =
         State().handles.Remove(reinterpret_cast<std::uintptr_t>(handle));

@@ -30,20 +30,21 @@ std::shared_ptr<Thread> CurrentThreadShared() {
 }
 
 Thread& CurrentThread() {
-    return *CurrentThreadShared();
+    return t_current ? *t_current : *CurrentThreadShared();
 }
 
 void BecomeHardwareThread(std::shared_ptr<Thread> thread) {
     t_current = std::move(thread);
 }
 
-std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority) {
+std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority, ProcessId process) {
     ReapThreads();
     auto thread = std::make_shared<Thread>();
     KernelLock lock = LockKernel();
     KernelState& state = State();
     thread->id = ++state.last_thread_id * 4;
     thread->priority = priority;
+    thread->process = process;
     state.threads.push_back(thread);
     state.scheduler->Adopt(lock, *thread);
     thread->host_thread = std::thread([thread, entry = std::move(entry)]() mutable {

@@ -13,6 +13,12 @@
 
 namespace platform::kernel {
 
+// The applications of the unit are processes to each other, each known by its number, which is what
+// GetCurrentProcessId gives. The system is the hardware's thread and whatever the unit itself does.
+using ProcessId = DWORD;
+inline constexpr ProcessId kSystemProcess = 0x00400002;
+inline constexpr ProcessId kProgramProcess = 0x00500002;
+
 // A thread of the program or of one of the unit's applications; signalled once it has ended.
 // Fields are guarded by the kernel lock unless told otherwise.
 class Thread : public Object {
@@ -23,6 +29,7 @@ class Thread : public Object {
     bool Signalled(const Thread& waiter) const override;
 
     DWORD id = 0;
+    ProcessId process = kSystemProcess;  // set before the thread runs
     int priority = THREAD_PRIORITY_NORMAL;
     bool ended = false;
     DWORD exit_code = 0;
@@ -44,8 +51,10 @@ class Thread : public Object {
 Thread& CurrentThread();
 std::shared_ptr<Thread> CurrentThreadShared();
 
-// Starts `entry` on a thread of the platform. Any thread.
-std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority = THREAD_PRIORITY_NORMAL);
+// Starts `entry` on a thread of the platform, of the caller's process unless told otherwise. Any
+// thread.
+std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority = THREAD_PRIORITY_NORMAL,
+                                    ProcessId process = CurrentThread().process);
 
 // Registers what is to happen on every thread of the platform as its last action (windows of the
 // thread are destroyed there). Before threads start.

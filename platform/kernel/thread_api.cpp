@@ -1,12 +1,15 @@
 #include <windows.h>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel_state.h"
 
 using namespace platform::kernel;
 
 HANDLE CreateThread(LPSECURITY_ATTRIBUTES, DWORD, LPTHREAD_START_ROUTINE start, LPVOID parameter,
                     DWORD flags, LPDWORD thread_id) {
-    SchedulingPoint();
+    const ApiCall call("CreateThread");
+    if (call.Fails())
+        return nullptr;
     // Suspended threads are not supported; the stack size is the host's business.
     if (!start || (flags & CREATE_SUSPENDED) != 0) {
         SetLastError(start ? ERROR_CALL_NOT_IMPLEMENTED : ERROR_INVALID_PARAMETER);
@@ -19,6 +22,9 @@ HANDLE CreateThread(LPSECURITY_ATTRIBUTES, DWORD, LPTHREAD_START_ROUTINE start, 
 }
 
 BOOL GetExitCodeThread(HANDLE handle, LPDWORD exit_code) {
+    const ApiCall call("GetExitCodeThread");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Thread> thread = FindObjectAs<Thread>(handle);
     if (!thread)
         return FALSE;
@@ -32,7 +38,9 @@ BOOL GetExitCodeThread(HANDLE handle, LPDWORD exit_code) {
 }
 
 BOOL SetThreadPriority(HANDLE handle, int priority) {
-    SchedulingPoint();
+    const ApiCall call("SetThreadPriority");
+    if (call.Fails())
+        return FALSE;
     const std::shared_ptr<Thread> thread = FindObjectAs<Thread>(handle);
     if (!thread)
         return FALSE;
@@ -47,6 +55,9 @@ BOOL SetThreadPriority(HANDLE handle, int priority) {
 }
 
 int GetThreadPriority(HANDLE handle) {
+    const ApiCall call("GetThreadPriority");
+    if (call.Fails())
+        return THREAD_PRIORITY_ERROR_RETURN;
     const std::shared_ptr<Thread> thread = FindObjectAs<Thread>(handle);
     if (!thread)
         return THREAD_PRIORITY_ERROR_RETURN;
@@ -59,8 +70,7 @@ DWORD GetCurrentThreadId() {
 }
 
 DWORD GetCurrentProcessId() {
-    // The program is the one process whose threads call the API.
-    return 0x00400002;
+    return CurrentThread().process;
 }
 
 DWORD GetTickCount() {

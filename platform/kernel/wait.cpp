@@ -1,5 +1,6 @@
 #include "platform/kernel/wait.h"
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/thread.h"
 
@@ -44,14 +45,9 @@ bool CollectWaitObjects(const HANDLE* handles, DWORD count, bool allow_none,
 
 using namespace platform::kernel;
 
-DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL wait_all,
-                             DWORD milliseconds) {
-    SchedulingPoint();
-    if (wait_all) {
-        // As on the device, where only wait-any exists.
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return WAIT_FAILED;
-    }
+namespace {
+
+DWORD Wait(DWORD count, const HANDLE* handles, DWORD milliseconds) {
     std::vector<std::shared_ptr<Object>> objects;
     if (!CollectWaitObjects(handles, count, false, objects))
         return WAIT_FAILED;
@@ -60,8 +56,26 @@ DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL wait_all,
     return WaitForAny(lock, objects, {}, deadline);
 }
 
+}  // namespace
+
+DWORD WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL wait_all,
+                             DWORD milliseconds) {
+    const ApiCall call("WaitForMultipleObjects");
+    if (call.Fails())
+        return WAIT_FAILED;
+    if (wait_all) {
+        // As on the device, where only wait-any exists.
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return WAIT_FAILED;
+    }
+    return Wait(count, handles, milliseconds);
+}
+
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    return WaitForMultipleObjects(1, &handle, FALSE, milliseconds);
+    const ApiCall call("WaitForSingleObject");
+    if (call.Fails())
+        return WAIT_FAILED;
+    return Wait(1, &handle, milliseconds);
 }
 
 void Sleep(DWORD milliseconds) {

@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/object.h"
-#include "platform/kernel/scheduler.h"
 
 namespace platform::powermgr {
 namespace {
@@ -57,7 +57,9 @@ using namespace platform;
 using powermgr::Request;
 
 HANDLE RequestPowerNotifications(HANDLE queue, DWORD flags) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("RequestPowerNotifications");
+    if (call.Fails())
+        return nullptr;
     if (flags == 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -77,7 +79,9 @@ HANDLE RequestPowerNotifications(HANDLE queue, DWORD flags) {
 }
 
 DWORD StopPowerNotifications(HANDLE handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("StopPowerNotifications");
+    if (call.Fails())
+        return GetLastError();
     if (!kernel::FindObjectAs<Request>(handle))
         return ERROR_INVALID_HANDLE;
     CloseHandle(handle);

@@ -5,13 +5,15 @@
 #include <cstddef>
 #include <span>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel.h"
-#include "platform/kernel/scheduler.h"
 
 using namespace platform;
 
 DWORD GetSystemPowerStatusEx2(PSYSTEM_POWER_STATUS_EX2 status, DWORD size, BOOL) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetSystemPowerStatusEx2");
+    if (call.Fails())
+        return 0;
     if (!status || size < sizeof *status) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -35,13 +37,17 @@ DWORD GetSystemPowerStatusEx2(PSYSTEM_POWER_STATUS_EX2 status, DWORD size, BOOL)
 }
 
 DWORD SetSystemPowerState(LPCWSTR, DWORD state_flags, DWORD options) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetSystemPowerState");
+    if (call.Fails())
+        return GetLastError();
     return kernel::CurrentBoard().ChangeSystemPower(state_flags, options);
 }
 
 BOOL KernelIoControl(DWORD code, LPVOID input, DWORD input_size, LPVOID output, DWORD output_size,
                      LPDWORD returned) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("KernelIoControl");
+    if (call.Fails())
+        return FALSE;
     DWORD count = 0;
     const DWORD error = kernel::CurrentBoard().HalRequest(
         code, {static_cast<const std::byte*>(input), input ? input_size : 0},

@@ -2,12 +2,16 @@
 
 #include <algorithm>
 
+#include "platform/kernel/api_call.h"
 #include "platform/resource/module.h"
 #include "platform/resource/program_module.h"
 
 namespace resource = platform::resource;
 
 HMODULE GetModuleHandleW(LPCWSTR name) {
+    const platform::kernel::ApiCall call("GetModuleHandleW");
+    if (call.Fails())
+        return nullptr;
     if (!name)
         return resource::ModuleInstance();
     const std::wstring path = resource::ProgramPath();
@@ -19,6 +23,9 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
 }
 
 DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size) {
+    const platform::kernel::ApiCall call("GetModuleFileNameW");
+    if (call.Fails())
+        return 0;
     if (!resource::IsProgram(module))
         return 0;
     if (!buffer || size == 0) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/text.h"
 #include "platform/resource/byte_reader.h"
 #include "platform/resource/program_module.h"
@@ -41,6 +42,9 @@ std::wstring ReadString(UINT id) {
 }  // namespace
 
 HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type) {
+    const platform::kernel::ApiCall call("FindResourceW");
+    if (call.Fails())
+        return nullptr;
     if (!resource::IsProgram(module))
         return nullptr;
     const resource::Resource* found = resource::FindEntry(type, name);
@@ -48,6 +52,9 @@ HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type) {
 }
 
 HGLOBAL LoadResource(HMODULE module, HRSRC handle) {
+    const platform::kernel::ApiCall call("LoadResource");
+    if (call.Fails())
+        return nullptr;
     if (!resource::IsProgram(module))
         return nullptr;
     const resource::Resource* found = resource::EntryOf(handle);
@@ -56,12 +63,18 @@ HGLOBAL LoadResource(HMODULE module, HRSRC handle) {
 
 // A resource is always in memory: its handle is its address.
 LPVOID LockResource(HGLOBAL data) {
+    const platform::kernel::ApiCall call("LockResource");
+    if (call.Fails())
+        return nullptr;
     if (!data)
         SetLastError(ERROR_INVALID_HANDLE);
     return data;
 }
 
 DWORD SizeofResource(HMODULE module, HRSRC handle) {
+    const platform::kernel::ApiCall call("SizeofResource");
+    if (call.Fails())
+        return 0;
     if (!resource::IsProgram(module))
         return 0;
     const resource::Resource* found = resource::EntryOf(handle);
@@ -69,6 +82,9 @@ DWORD SizeofResource(HMODULE module, HRSRC handle) {
 }
 
 int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
+    const platform::kernel::ApiCall call("LoadStringW");
+    if (call.Fails())
+        return 0;
     // Without room, the device returns a pointer to the resource's own text in an int. Neither the
     // pointer nor that text of 16-bit units has the program's form here.
     if (!buffer || size <= 0) {
@@ -87,6 +103,9 @@ int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
 
 // Accelerator tables are not supported: one that is there is refused.
 HACCEL LoadAcceleratorsW(HINSTANCE module, LPCWSTR name) {
+    const platform::kernel::ApiCall call("LoadAcceleratorsW");
+    if (call.Fails())
+        return nullptr;
     if (!resource::IsProgram(module))
         return nullptr;
     SetLastError(resource::FindEntry(RT_ACCELERATOR, name) ? ERROR_NOT_SUPPORTED

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/kernel/api_call.h"
 #include "platform/resource/module.h"
 #include "platform/resource/program_module.h"
 #include "platform/resource/version_block.h"
@@ -34,6 +35,9 @@ std::optional<std::vector<std::byte>> VersionBlock(LPCWSTR file) {
 }  // namespace
 
 DWORD GetFileVersionInfoSizeW(LPCWSTR file, LPDWORD handle) {
+    const platform::kernel::ApiCall call("GetFileVersionInfoSizeW");
+    if (call.Fails())
+        return 0;
     if (handle)
         *handle = 0;
     const auto block = VersionBlock(file);
@@ -42,6 +46,9 @@ DWORD GetFileVersionInfoSizeW(LPCWSTR file, LPDWORD handle) {
 
 // A buffer too small for the block is refused, where the API would cut the block off.
 BOOL GetFileVersionInfoW(LPCWSTR file, DWORD, DWORD size, LPVOID data) {
+    const platform::kernel::ApiCall call("GetFileVersionInfoW");
+    if (call.Fails())
+        return FALSE;
     const auto block = VersionBlock(file);
     if (!block)
         return FALSE;
@@ -54,6 +61,9 @@ BOOL GetFileVersionInfoW(LPCWSTR file, DWORD, DWORD size, LPVOID data) {
 }
 
 BOOL VerQueryValueW(LPCVOID block, LPCWSTR path, LPVOID* buffer, PUINT length) {
+    const platform::kernel::ApiCall call("VerQueryValueW");
+    if (call.Fails())
+        return FALSE;
     if (!block || !path || !buffer || !length) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

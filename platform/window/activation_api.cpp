@@ -1,4 +1,4 @@
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/activation.h"
 
 using namespace platform;
@@ -39,7 +39,9 @@ std::shared_ptr<Window> RequireOwnWindow(kernel::KernelLock& lock, HWND handle) 
 // With the handle's lowest bit set the windows that it owns come forward with it, and the highest
 // of them gets the foreground: a dialog, while the window itself is disabled.
 BOOL SetForegroundWindow(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetForegroundWindow");
+    if (call.Fails())
+        return FALSE;
     const UINT_PTR value = reinterpret_cast<UINT_PTR>(handle);
     const HWND root = reinterpret_cast<HWND>(value & ~kWithOwnedWindows);
     HWND chosen = root;
@@ -60,20 +62,22 @@ BOOL SetForegroundWindow(HWND handle) {
 }
 
 HWND GetForegroundWindow() {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return TheDesktop(lock).foreground;
 }
 
 HWND GetActiveWindow() {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return CurrentQueue(lock)->active;
 }
 
 // An active window is in the foreground here, whichever thread had that before.
 HWND SetActiveWindow(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetActiveWindow");
+    if (call.Fails())
+        return NULL;
     HWND previous = NULL;
     {
         kernel::KernelLock lock = kernel::LockKernel();
@@ -86,13 +90,15 @@ HWND SetActiveWindow(HWND handle) {
 }
 
 HWND GetFocus() {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return CurrentQueue(lock)->focus;
 }
 
 HWND SetFocus(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetFocus");
+    if (call.Fails())
+        return NULL;
     std::shared_ptr<MessageQueue> queue;
     HWND previous = NULL;
     bool activate = false;

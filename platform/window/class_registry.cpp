@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cwctype>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 
 namespace platform::window {
 namespace {
@@ -55,7 +55,9 @@ using namespace platform;
 using namespace platform::window;
 
 ATOM RegisterClassW(const WNDCLASSW* settings) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("RegisterClassW");
+    if (call.Fails())
+        return 0;
     if (!settings || !settings->lpfnWndProc || IsAtom(settings->lpszClassName) ||
         *settings->lpszClassName == L'\0' || settings->cbWndExtra < 0 ||
         settings->cbWndExtra > kMaxExtraBytes) {
@@ -78,7 +80,9 @@ ATOM RegisterClassW(const WNDCLASSW* settings) {
 }
 
 BOOL UnregisterClassW(LPCWSTR name, HINSTANCE) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("UnregisterClassW");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto entry = name ? FindClass(lock, name) : nullptr;
     if (!entry || entry->atom == kDialogClass) {
@@ -94,7 +98,9 @@ BOOL UnregisterClassW(LPCWSTR name, HINSTANCE) {
 }
 
 BOOL GetClassInfoW(HINSTANCE, LPCWSTR name, LPWNDCLASSW settings) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetClassInfoW");
+    if (call.Fails())
+        return FALSE;
     if (!settings) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

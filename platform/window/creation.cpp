@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/class_registry.h"
 #include "platform/window/destruction.h"
 #include "platform/window/position.h"
@@ -126,7 +126,9 @@ using namespace platform::window;
 HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DWORD style, int x,
                      int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
                      LPVOID parameter) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("CreateWindowExW");
+    if (call.Fails())
+        return NULL;
     CREATESTRUCTW wanted{};
     wanted.lpCreateParams = parameter;
     wanted.hInstance = instance;

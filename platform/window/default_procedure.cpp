@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/procedure.h"
 
@@ -70,7 +70,7 @@ LRESULT TellSizeAndPlace(HWND window, const WINDOWPOS& position) {
 }  // namespace
 
 LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     switch (message) {
         case WM_NCCREATE:
             return TRUE;
@@ -100,6 +100,9 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) 
 
 LRESULT CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPARAM wparam,
                         LPARAM lparam) {
-    kernel::SchedulingPoint();
-    return procedure ? procedure(window, message, wparam, lparam) : 0;
+    const kernel::ApiCall call;
+    if (!procedure)
+        return 0;
+    const kernel::ProgramCode program_code;
+    return procedure(window, message, wparam, lparam);
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/gdi/device_context.h"
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/activation.h"
 #include "platform/window/paint.h"
 #include "platform/window/procedure.h"
@@ -116,7 +116,9 @@ using namespace platform;
 using namespace platform::window;
 
 BOOL DestroyWindow(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("DestroyWindow");
+    if (call.Fails())
+        return FALSE;
     {
         kernel::KernelLock lock = kernel::LockKernel();
         const auto window = RequireWindow(lock, handle);

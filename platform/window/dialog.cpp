@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/creation.h"
 #include "platform/window/desktop.h"
 #include "platform/window/destruction.h"
@@ -83,14 +83,20 @@ bool IsAnsweredDirectly(UINT message) {
     }
 }
 
+INT_PTR CallDialogProcedure(DLGPROC procedure, HWND dialog, UINT message, WPARAM wparam,
+                            LPARAM lparam) {
+    const kernel::ProgramCode program_code;
+    return procedure(dialog, message, wparam, lparam);
+}
+
 }  // namespace
 
 LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog, DWLP_DLGPROC));
     if (procedure) {
         SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 0);
-        const INT_PTR handled = procedure(dialog, message, wparam, lparam);
+        const INT_PTR handled = CallDialogProcedure(procedure, dialog, message, wparam, lparam);
         if (IsAnsweredDirectly(message))
             return handled;
         if (handled)
@@ -104,7 +110,9 @@ LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
 
 HWND CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW resource, HWND owner,
                                 DLGPROC procedure, LPARAM parameter) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("CreateDialogIndirectParamW");
+    if (call.Fails())
+        return NULL;
     const HWND dialog = CreateDialogWindow(instance, resource, owner, procedure, nullptr);
     if (!dialog)
         return NULL;

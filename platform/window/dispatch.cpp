@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/procedure.h"
 
@@ -30,14 +30,16 @@ bool BelongsToCaller(HWND window) {
 }  // namespace
 
 LRESULT DispatchMessageW(const MSG* message) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     if (!message) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
     if (message->message == WM_TIMER && message->lParam != 0) {
-        if (const TIMERPROC procedure = LiveTimerProcedure(*message))
+        if (const TIMERPROC procedure = LiveTimerProcedure(*message)) {
+            const kernel::ProgramCode program_code;
             procedure(message->hwnd, WM_TIMER, message->wParam, MessageTime());
+        }
         return 0;
     }
     if (message->hwnd == NULL || !BelongsToCaller(message->hwnd))
@@ -47,6 +49,6 @@ LRESULT DispatchMessageW(const MSG* message) {
 
 // The unit has no keyboard: there is nothing to translate.
 BOOL TranslateMessage(const MSG*) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     return FALSE;
 }

@@ -20,6 +20,7 @@ std::shared_ptr<MessageQueue> CurrentQueue(kernel::KernelLock& lock) {
     if (!thread.message_queue) {
         auto queue = std::make_shared<MessageQueue>();
         queue->thread_id = thread.id;
+        queue->process_id = thread.process;
         TheDesktop(lock).queues[thread.id] = queue;
         thread.message_queue = std::move(queue);
     }

@@ -47,6 +47,7 @@ struct Timer {
 // What one thread has to do with windows. Guarded by the kernel lock.
 struct MessageQueue {
     DWORD thread_id = 0;
+    DWORD process_id = 0;
 
     std::deque<std::shared_ptr<SentMessage>> sent;
     // Being handled now, the innermost last.

@@ -1,13 +1,15 @@
 #include <windows.h>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/screen.h"
 
 using namespace platform;
 
 // Windows have no captions, scroll bars or menus here: what measures those is 0.
 int GetSystemMetrics(int index) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetSystemMetrics");
+    if (call.Fails())
+        return 0;
     switch (index) {
         case SM_CXSCREEN:
         case SM_CXFULLSCREEN:

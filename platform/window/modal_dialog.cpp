@@ -1,6 +1,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/activation.h"
 #include "platform/window/desktop.h"
@@ -65,7 +66,9 @@ void RunModally(HWND dialog, const ModalRun& run) {
 
 INT_PTR DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW resource, HWND owner,
                                 DLGPROC procedure, LPARAM parameter) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("DialogBoxIndirectParamW");
+    if (call.Fails())
+        return -1;
     const auto run = std::make_shared<ModalRun>();
     const HWND dialog = CreateDialogWindow(instance, resource, owner, procedure, run);
     if (!dialog)
@@ -80,7 +83,9 @@ INT_PTR DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW resource, HW
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("EndDialog");
+    if (call.Fails())
+        return FALSE;
     std::shared_ptr<ModalRun> run;
     {
         kernel::KernelLock lock = kernel::LockKernel();

@@ -1,5 +1,6 @@
 #include "platform/window/paint.h"
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/procedure.h"
 #include "platform/window/rectangle.h"
@@ -63,7 +64,9 @@ using namespace platform;
 using namespace platform::window;
 
 BOOL InvalidateRect(HWND window, const RECT* part, BOOL erase) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("InvalidateRect");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     if (window == NULL) {
         for (const auto& each : TheDesktop(lock).z_order)
@@ -78,7 +81,9 @@ BOOL InvalidateRect(HWND window, const RECT* part, BOOL erase) {
 }
 
 BOOL ValidateRect(HWND window, const RECT* part) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("ValidateRect");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto target = RequireWindow(lock, window);
     if (!target)
@@ -91,7 +96,9 @@ BOOL ValidateRect(HWND window, const RECT* part) {
 }
 
 BOOL GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetUpdateRect");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto target = RequireWindow(lock, window);
     if (!target)
@@ -110,7 +117,9 @@ BOOL GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase) {
 }
 
 BOOL UpdateWindow(HWND window) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("UpdateWindow");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto target = RequireWindow(lock, window);
     if (!target)

@@ -1,6 +1,6 @@
 #include "platform/window/position.h"
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/activation.h"
 #include "platform/window/desktop.h"
 #include "platform/window/paint.h"
@@ -128,7 +128,9 @@ using namespace platform;
 using namespace platform::window;
 
 BOOL SetWindowPos(HWND window, HWND insert_after, int x, int y, int width, int height, UINT flags) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetWindowPos");
+    if (call.Fails())
+        return FALSE;
     const bool moves = (flags & SWP_NOMOVE) == 0;
     const bool sizes = (flags & SWP_NOSIZE) == 0;
     width = sizes ? std::max(width, 0) : 0;
@@ -143,6 +145,9 @@ BOOL SetWindowPos(HWND window, HWND insert_after, int x, int y, int width, int h
 }
 
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) {
+    const kernel::ApiCall call("MoveWindow");
+    if (call.Fails())
+        return FALSE;
     return SetWindowPos(window, NULL, x, y, width, height,
                         SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? 0 : SWP_NOREDRAW));
 }

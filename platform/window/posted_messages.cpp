@@ -1,6 +1,7 @@
 #include <functional>
 #include <vector>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/desktop.h"
 
@@ -42,7 +43,9 @@ void PostToAll(UINT message, WPARAM wparam, LPARAM lparam) {
 }  // namespace platform::window
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("PostMessageW");
+    if (call.Fails())
+        return FALSE;
     if (window == HWND_BROADCAST) {
         Broadcast(message, wparam, lparam);
         return TRUE;
@@ -55,7 +58,9 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
 }
 
 BOOL PostThreadMessageW(DWORD thread_id, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("PostThreadMessageW");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto queue =
         thread_id == kernel::CurrentThread().id ? CurrentQueue(lock) : FindQueue(lock, thread_id);
@@ -67,7 +72,7 @@ BOOL PostThreadMessageW(DWORD thread_id, UINT message, WPARAM wparam, LPARAM lpa
 }
 
 VOID PostQuitMessage(int exit_code) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     CurrentQueue(lock)->quit_code = exit_code;
 }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/desktop.h"
 
@@ -27,7 +28,10 @@ LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (const auto target = FindWindowObject(lock, window))
             procedure = target->procedure;
     }
-    return procedure ? procedure(window, message, wparam, lparam) : 0;
+    if (!procedure)
+        return 0;
+    const kernel::ProgramCode program_code;
+    return procedure(window, message, wparam, lparam);
 }
 
 bool Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {

@@ -1,7 +1,7 @@
 #include <vector>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel.h"
-#include "platform/kernel/scheduler.h"
 #include "platform/window/class_registry.h"
 
 using namespace platform;
@@ -33,9 +33,9 @@ std::wstring RegisteredMessageName(UINT message) {
 }  // namespace platform::window
 
 UINT RegisterWindowMessageW(LPCWSTR text) {
-    // Also called while the program's globals are made.
-    if (kernel::Booted())
-        kernel::SchedulingPoint();
+    const kernel::ApiCall call("RegisterWindowMessageW");
+    if (call.Fails())
+        return 0;
     if (!text || *text == L'\0') {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;

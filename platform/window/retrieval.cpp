@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/activation.h"
 #include "platform/window/procedure.h"
@@ -134,7 +135,9 @@ MessageFilter MakeFilter(HWND window, UINT first, UINT last) {
 }  // namespace
 
 BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetMessageW");
+    if (call.Fails())
+        return -1;
     if (!message) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return -1;
@@ -143,7 +146,7 @@ BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
 }
 
 BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT flags) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     if (!message) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/procedure.h"
 
@@ -26,7 +26,9 @@ LRESULT SendToAll(UINT message, WPARAM wparam, LPARAM lparam) {
 }  // namespace
 
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SendMessageW");
+    if (call.Fails())
+        return 0;
     if (window == HWND_BROADCAST)
         return SendToAll(message, wparam, lparam);
     LRESULT result = 0;
@@ -35,7 +37,9 @@ LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
 }
 
 BOOL SendNotifyMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SendNotifyMessageW");
+    if (call.Fails())
+        return FALSE;
     std::vector<HWND> targets;
     {
         kernel::KernelLock lock = kernel::LockKernel();
@@ -58,7 +62,7 @@ BOOL SendNotifyMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
 }
 
 BOOL InSendMessage() {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return !CurrentQueue(lock)->handled.empty();
 }

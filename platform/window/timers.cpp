@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/rectangle.h"
 #include "platform/window/retrieval.h"
@@ -77,7 +78,9 @@ using namespace platform;
 using namespace platform::window;
 
 UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetTimer");
+    if (call.Fails())
+        return 0;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto queue = TimerQueue(lock, window);
     if (!queue)
@@ -95,7 +98,9 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedu
 }
 
 BOOL KillTimer(HWND window, UINT_PTR id) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("KillTimer");
+    if (call.Fails())
+        return FALSE;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto queue = TimerQueue(lock, window);
     if (!queue)

@@ -1,4 +1,4 @@
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/activation.h"
 #include "platform/window/desktop.h"
 #include "platform/window/position.h"
@@ -33,7 +33,9 @@ UINT FlagsOf(int command) {
 }  // namespace
 
 BOOL ShowWindow(HWND handle, int command) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("ShowWindow");
+    if (call.Fails())
+        return FALSE;
     const UINT flags = FlagsOf(command);
     bool was_visible = false;
     {
@@ -56,7 +58,9 @@ BOOL ShowWindow(HWND handle, int command) {
 }
 
 BOOL EnableWindow(HWND handle, BOOL enable) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("EnableWindow");
+    if (call.Fails())
+        return FALSE;
     bool was_enabled = false;
     {
         kernel::KernelLock lock = kernel::LockKernel();
@@ -78,14 +82,14 @@ BOOL EnableWindow(HWND handle, BOOL enable) {
 }
 
 BOOL IsWindowVisible(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     return window && window->visible();
 }
 
 BOOL IsWindowEnabled(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     return window && window->enabled();

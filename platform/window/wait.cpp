@@ -1,4 +1,5 @@
 #include "platform/kernel/wait.h"
+#include "platform/kernel/api_call.h"
 
 #include <algorithm>
 
@@ -12,7 +13,9 @@ using namespace platform::window;
 // through one that it looked at with PM_NOREMOVE.
 DWORD MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE* handles, DWORD milliseconds,
                                   DWORD wake_mask, DWORD flags) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("MsgWaitForMultipleObjectsEx");
+    if (call.Fails())
+        return WAIT_FAILED;
     if ((flags & ~MWMO_INPUTAVAILABLE) != 0 || count >= MAXIMUM_WAIT_OBJECTS) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
@@ -50,6 +53,9 @@ DWORD MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE* handles, DWORD mill
 
 DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL wait_all,
                                 DWORD milliseconds, DWORD wake_mask) {
+    const kernel::ApiCall call("MsgWaitForMultipleObjects");
+    if (call.Fails())
+        return WAIT_FAILED;
     return MsgWaitForMultipleObjectsEx(count, handles, milliseconds, wake_mask,
                                        wait_all ? MWMO_WAITALL : 0);
 }

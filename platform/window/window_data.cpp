@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 
 using namespace platform;
@@ -90,7 +90,6 @@ class Value {
 // The earlier value when `replacement` is given. Little-endian hosts only, as the memcpy of a part
 // of a LONG_PTR assumes.
 LONG_PTR Access(HWND handle, int index, std::size_t size, const LONG_PTR* replacement) {
-    kernel::SchedulingPoint();
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     if (!window)
@@ -113,18 +112,30 @@ LONG_PTR Access(HWND handle, int index, std::size_t size, const LONG_PTR* replac
 }  // namespace
 
 LONG GetWindowLongW(HWND window, int index) {
+    const kernel::ApiCall call("GetWindowLongW");
+    if (call.Fails())
+        return 0;
     return static_cast<LONG>(Access(window, index, sizeof(LONG), nullptr));
 }
 
 LONG SetWindowLongW(HWND window, int index, LONG value) {
+    const kernel::ApiCall call("SetWindowLongW");
+    if (call.Fails())
+        return 0;
     const LONG_PTR wide = value;
     return static_cast<LONG>(Access(window, index, sizeof(LONG), &wide));
 }
 
 LONG_PTR GetWindowLongPtrW(HWND window, int index) {
+    const kernel::ApiCall call("GetWindowLongPtrW");
+    if (call.Fails())
+        return 0;
     return Access(window, index, sizeof(LONG_PTR), nullptr);
 }
 
 LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
+    const kernel::ApiCall call("SetWindowLongPtrW");
+    if (call.Fails())
+        return 0;
     return Access(window, index, sizeof(LONG_PTR), &value);
 }

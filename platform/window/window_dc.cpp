@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "platform/gdi/device_context.h"
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/paint.h"
 #include "platform/window/procedure.h"
@@ -83,17 +83,23 @@ constexpr RECT kEverything{0, 0, std::numeric_limits<LONG>::max(),
 
 // Only windows have device contexts here, the screen has none.
 HDC GetDC(HWND window) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetDC");
+    if (call.Fails())
+        return NULL;
     return OpenWindowDC(window, kEverything);
 }
 
 int ReleaseDC(HWND window, HDC dc) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("ReleaseDC");
+    if (call.Fails())
+        return 0;
     return CloseWindowDC(window, dc) ? 1 : 0;
 }
 
 HDC BeginPaint(HWND window, LPPAINTSTRUCT paint) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("BeginPaint");
+    if (call.Fails())
+        return NULL;
     if (!paint) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return NULL;
@@ -119,7 +125,9 @@ HDC BeginPaint(HWND window, LPPAINTSTRUCT paint) {
 }
 
 BOOL EndPaint(HWND window, const PAINTSTRUCT* paint) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("EndPaint");
+    if (call.Fails())
+        return FALSE;
     if (!paint) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

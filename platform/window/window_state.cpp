@@ -1,17 +1,19 @@
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/class_registry.h"
 
 using namespace platform;
 using namespace platform::window;
 
 BOOL IsWindow(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return FindWindowObject(lock, handle) != nullptr;
 }
 
 BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetWindowRect");
+    if (call.Fails())
+        return FALSE;
     if (!rectangle) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
@@ -25,6 +27,9 @@ BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
 }
 
 BOOL GetClientRect(HWND handle, LPRECT rectangle) {
+    const kernel::ApiCall call("GetClientRect");
+    if (call.Fails())
+        return FALSE;
     if (!GetWindowRect(handle, rectangle))
         return FALSE;
     *rectangle = {0, 0, rectangle->right - rectangle->left, rectangle->bottom - rectangle->top};
@@ -32,6 +37,9 @@ BOOL GetClientRect(HWND handle, LPRECT rectangle) {
 }
 
 BOOL ScreenToClient(HWND handle, LPPOINT point) {
+    const kernel::ApiCall call("ScreenToClient");
+    if (call.Fails())
+        return FALSE;
     RECT rectangle{};
     if (!point) {
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -44,6 +52,9 @@ BOOL ScreenToClient(HWND handle, LPPOINT point) {
 }
 
 BOOL ClientToScreen(HWND handle, LPPOINT point) {
+    const kernel::ApiCall call("ClientToScreen");
+    if (call.Fails())
+        return FALSE;
     RECT rectangle{};
     if (!point) {
         SetLastError(ERROR_INVALID_PARAMETER);
@@ -57,7 +68,9 @@ BOOL ClientToScreen(HWND handle, LPPOINT point) {
 
 // Case does not count in either name. Leaves the last error alone when only the window is missing.
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("FindWindowW");
+    if (call.Fails())
+        return NULL;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window_class = class_name ? FindClass(lock, class_name) : nullptr;
     if (class_name && !window_class) {
@@ -72,7 +85,9 @@ HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
 }
 
 HWND GetWindow(HWND handle, UINT relation) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetWindow");
+    if (call.Fails())
+        return NULL;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     if (!window)
@@ -100,14 +115,18 @@ HWND GetWindow(HWND handle, UINT relation) {
 
 // The owner, as far as a window is a popup.
 HWND GetParent(HWND handle) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetParent");
+    if (call.Fails())
+        return NULL;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     return window && (window->style & WS_POPUP) != 0 ? window->owner : NULL;
 }
 
 int GetClassNameW(HWND handle, LPWSTR name, int size) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetClassNameW");
+    if (call.Fails())
+        return 0;
     if (!name || size <= 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -123,12 +142,14 @@ int GetClassNameW(HWND handle, LPWSTR name, int size) {
 }
 
 DWORD GetWindowThreadProcessId(HWND handle, LPDWORD process_id) {
-    const DWORD own_process = GetCurrentProcessId();
+    const kernel::ApiCall call("GetWindowThreadProcessId");
+    if (call.Fails())
+        return 0;
     kernel::KernelLock lock = kernel::LockKernel();
     const auto window = RequireWindow(lock, handle);
     if (!window)
         return 0;
     if (process_id)
-        *process_id = own_process;
+        *process_id = window->queue->process_id;
     return window->queue->thread_id;
 }

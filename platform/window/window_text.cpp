@@ -1,4 +1,4 @@
-#include "platform/kernel/scheduler.h"
+#include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/procedure.h"
 
@@ -7,7 +7,9 @@ using namespace platform::window;
 
 // A window's text is what its procedure says it is.
 int GetWindowTextW(HWND window, LPWSTR text, int size) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("GetWindowTextW");
+    if (call.Fails())
+        return 0;
     if (!text || size <= 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -20,7 +22,9 @@ int GetWindowTextW(HWND window, LPWSTR text, int size) {
 }
 
 BOOL SetWindowTextW(HWND window, LPCWSTR text) {
-    kernel::SchedulingPoint();
+    const kernel::ApiCall call("SetWindowTextW");
+    if (call.Fails())
+        return FALSE;
     LRESULT taken = FALSE;
     SendAndWait(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text), taken);
     return taken != FALSE;

@@ -136,11 +136,12 @@ WizardBench::~WizardBench() {
 void WizardBench::Start(int show) {
     // The mutex stays to the end of the process.
     platform.AllowHandles(1);
-    program_ = kernel::StartThread([this, show] {
+    const auto entry = [this, show] {
         wchar_t command_line[] = L"";
         exit_code_ = WinMain(platform::resource::ModuleInstance(), nullptr, command_line, show);
         return DWORD{0};
-    });
+    };
+    program_ = kernel::StartThread(entry, THREAD_PRIORITY_NORMAL, kernel::kProgramProcess);
     RunFor(20ms);
 }
 

@@ -47,6 +47,8 @@ class WizardRun {
     // open is a failure.
     void Close();
 
+    void ExpectLeftovers(std::string leftovers) { expected_leftovers_ = std::move(leftovers); }
+
     // The debug output so far, a line an entry.
     std::vector<std::string> lines() const;
     bool Logged(const std::string& part) const;
@@ -58,6 +60,7 @@ class WizardRun {
     std::vector<std::string> lines_;
     unit::DebugLog log_;
     std::unique_ptr<unit::VirtualUnit> unit_;
+    std::string expected_leftovers_;
     bool closed_ = false;
 };
 

@@ -88,10 +88,11 @@ Platform::~Platform() {
 }
 
 void Platform::Run(std::function<void()> body, kernel::Duration limit) {
-    const auto thread = kernel::StartThread([body = std::move(body)] {
+    const auto entry = [body = std::move(body)] {
         body();
         return DWORD{0};
-    });
+    };
+    const auto thread = kernel::StartThread(entry, THREAD_PRIORITY_NORMAL, kernel::kProgramProcess);
     const kernel::Time deadline = kernel::Now() + limit;
     const kernel::EventId alarm = kernel::At(deadline, [] {});
     const auto ended = [&] {

@@ -54,7 +54,7 @@ class Platform {
 
     PlainBoard board;
 
-    // Runs `body` on a thread of the platform, and the hardware until it has ended. Fails the test
+    // Runs `body` on a thread of the program, and the hardware until it has ended. Fails the test
     // when it does not end within `limit` of unit time.
     void Run(std::function<void()> body,
              platform::kernel::Duration limit = std::chrono::minutes(10));

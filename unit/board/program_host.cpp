@@ -12,11 +12,13 @@ constexpr wchar_t kName[] = L"Tolvane";
 
 void ProgramHost::Start(Entry entry) {
     ended_ = false;
-    thread_ = platform::kernel::StartThread([this, entry = std::move(entry)] {
+    const auto run = [this, entry = std::move(entry)] {
         exit_code_ = entry();
         ended_ = true;
         return static_cast<DWORD>(exit_code_);
-    });
+    };
+    thread_ = platform::kernel::StartThread(run, THREAD_PRIORITY_NORMAL,
+                                            platform::kernel::kProgramProcess);
 }
 
 void ProgramHost::CloseWindow() {

@@ -9,6 +9,7 @@ namespace unit {
 namespace {
 
 constexpr wchar_t kClassName[] = L"HHTaskBar";
+constexpr platform::kernel::ProcessId kProcess = 0x00600002;
 constexpr int kHeight = 8;
 constexpr COLORREF kFace = RGB(48, 52, 58);
 
@@ -53,7 +54,7 @@ DWORD Run() {
 }  // namespace
 
 void StartTaskBar() {
-    platform::kernel::StartThread(Run);
+    platform::kernel::StartThread(Run, THREAD_PRIORITY_NORMAL, kProcess);
 }
 
 void CloseTaskBar() {
