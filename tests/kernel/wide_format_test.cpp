@@ -6,14 +6,14 @@
 
 namespace {
 
-struct Row {
+struct PrintCase {
     const wchar_t* expected;
     const wchar_t* format;
     std::wstring printed;
 };
 
 template <class... Arguments>
-Row Print(const wchar_t* expected, const wchar_t* format, Arguments... arguments) {
+PrintCase Print(const wchar_t* expected, const wchar_t* format, Arguments... arguments) {
     wchar_t buffer[1024];
     const int length = wsprintfW(buffer, format, arguments...);
     EXPECT_EQ(length, lstrlenW(buffer)) << length;
@@ -24,7 +24,7 @@ Row Print(const wchar_t* expected, const wchar_t* format, Arguments... arguments
 TEST(WideFormat, PrintsAsTheApiDoes) {
     const char unterminated[] = {'a', 'b'};
     const wchar_t* const no_text = nullptr;
-    const Row rows[] = {
+    const PrintCase rows[] = {
         Print(L"", L""),
         Print(L"100%", L"%d%%", 100),
         Print(L"-7 4294967295 -1", L"%d %u %i", -7, -1, 0xFFFFFFFFU),
@@ -56,13 +56,13 @@ TEST(WideFormat, PrintsAsTheApiDoes) {
               L"%s\t%S, CreateFile() fail!!!, ErrorCode(%d), %S(%d)\r\n", L"KESTA", "COM_Init", 55,
               "SerialPort.cpp", 42),
     };
-    for (const Row& row : rows)
+    for (const PrintCase& row : rows)
         EXPECT_EQ(row.printed, row.expected) << testing::PrintToString(row.format);
 }
 
 TEST(WideFormat, ResultHasAtMost1023Characters) {
     const std::wstring longer(1500, L'x');
-    const Row row = Print(L"", L"%s", longer.c_str());
+    const PrintCase row = Print(L"", L"%s", longer.c_str());
     EXPECT_EQ(row.printed, std::wstring(1023, L'x'));
 }
 

@@ -10,7 +10,7 @@ namespace {
 namespace resource = platform::resource;
 using namespace tests;
 
-constexpr wchar_t kPath[] = L"\\Tolvane\\Tolvane.exe";
+constexpr wchar_t kModulePath[] = L"\\Tolvane\\Tolvane.exe";
 
 Bytes SomeResources() {
     ByteList strings;
@@ -27,7 +27,7 @@ class Module : public testing::Test {
   protected:
     void SetUp() override {
         std::string problem;
-        ASSERT_TRUE(resource::SetModule(resources_, kPath, problem)) << problem;
+        ASSERT_TRUE(resource::SetModule(resources_, kModulePath, problem)) << problem;
     }
 
     template <class Call>
@@ -102,16 +102,16 @@ TEST_F(Module, Strings) {
 TEST_F(Module, KnowsItsPathWhateverItsResources) {
     const Bytes damaged(resources_.begin(), resources_.end() - 4);
     std::string problem;
-    EXPECT_FALSE(resource::SetModule(damaged, kPath, problem));
+    EXPECT_FALSE(resource::SetModule(damaged, kModulePath, problem));
     EXPECT_EQ(problem, "byte 252: data cut off");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
     wchar_t path[32];
     EXPECT_EQ(GetModuleFileNameW(nullptr, path, 21), 20U);
-    EXPECT_STREQ(path, kPath);
+    EXPECT_STREQ(path, kModulePath);
     EXPECT_EQ(GetModuleFileNameW(resource::ModuleInstance(), path, 20), 20U);
     EXPECT_STREQ(path, L"\\Tolvane\\Tolvane.ex");
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    for (const wchar_t* name : {L"tolvane.EXE", kPath, LPCWSTR{}})
+    for (const wchar_t* name : {L"tolvane.EXE", kModulePath, LPCWSTR{}})
         EXPECT_EQ(GetModuleHandleW(name), resource::ModuleInstance());
 }
 
@@ -125,7 +125,7 @@ TEST_F(Module, WhatIsNotThereIsRefused) {
     ExpectFails(ERROR_INVALID_HANDLE,
                 [&] { return LoadResource(nullptr, reinterpret_cast<HRSRC>(this)); });
     ExpectFails(ERROR_MOD_NOT_FOUND, [] { return GetModuleHandleW(L"coredll.dll"); });
-    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return version(kPath); });
+    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return version(kModulePath); });
     ExpectFails(ERROR_FILE_NOT_FOUND, [&] { return version(L"\\Windows\\other.exe"); });
     ExpectFails(ERROR_RESOURCE_NAME_NOT_FOUND,
                 [] { return LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(128)); });

@@ -13,7 +13,7 @@ namespace {
 
 using platform::resource::DecodedImage;
 
-constexpr wchar_t kPath[] = L"\\Tolvane\\Tolvane.exe";
+constexpr wchar_t kProgramPath[] = L"\\Tolvane\\Tolvane.exe";
 constexpr std::uint32_t kBlack = 0;
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kGold = 0xB8830C;
@@ -27,7 +27,7 @@ class ProgramResources : public testing::Test {
   protected:
     void SetUp() override {
         std::string problem;
-        ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), kPath, problem))
+        ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), kProgramPath, problem))
             << problem;
     }
 
@@ -118,9 +118,9 @@ TEST_F(ProgramResources, VersionBlockSays0700) {
     const DWORD size = GetFileVersionInfoSizeW(L"\\tolvane\\TOLVANE.EXE", nullptr);
     ASSERT_GT(size, sizeof(VS_FIXEDFILEINFO));
     std::vector<std::byte> block(size);
-    EXPECT_FALSE(GetFileVersionInfoW(kPath, 0, size - 1, block.data()));
+    EXPECT_FALSE(GetFileVersionInfoW(kProgramPath, 0, size - 1, block.data()));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    ASSERT_TRUE(GetFileVersionInfoW(kPath, 0, size, block.data()));
+    ASSERT_TRUE(GetFileVersionInfoW(kProgramPath, 0, size, block.data()));
     void* value = nullptr;
     UINT length = 0;
     ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", &value, &length));

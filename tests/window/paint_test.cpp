@@ -4,9 +4,6 @@
 namespace tests {
 namespace {
 
-constexpr UINT kPosted = WM_USER + 1;
-constexpr UINT kSent = WM_USER + 2;
-
 // A shown window that paints by BeginPaint and keeps what it was told.
 class Painter : public TestWindow {
   public:

@@ -3,9 +3,6 @@
 namespace tests {
 namespace {
 
-constexpr UINT kPosted = WM_USER + 1;
-constexpr UINT kSent = WM_USER + 2;
-
 const TestWindow::Handler kValidate = On(WM_PAINT, [](HWND handle, WPARAM) {
     ValidateRect(handle, NULL);
     return 0;

@@ -18,6 +18,10 @@
 
 namespace tests {
 
+// Messages of the tests' own.
+inline constexpr UINT kPosted = WM_USER + 1;
+inline constexpr UINT kSent = WM_USER + 2;
+
 namespace window = platform::window;
 using window::Touch;
 using Numbers = std::vector<UINT>;

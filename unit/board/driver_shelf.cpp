@@ -40,6 +40,7 @@ std::shared_ptr<StreamDriver> DriverShelf::Find(std::wstring_view name) {
 std::vector<std::wstring> DriverShelf::Names() const {
     const std::scoped_lock lock(mutex_);
     std::vector<std::wstring> names;
+    names.reserve(slots_.size());
     for (const auto& [name, slot] : slots_)
         names.push_back(name);
     return names;
