@@ -125,5 +125,31 @@ TEST_F(Commands, DriverFaultsReachTheProgramAndEnd) {
     EXPECT_TRUE(run_.unit().scaler().state().VideoShows());
 }
 
+TEST_F(Commands, FaultTheLineAndTellIt) {
+    EXPECT_EQ(Follow("fault line corrupt checksum of FW_Upgrade_Version indications").text,
+              "fault 1: corrupt checksum of FW_Upgrade_Version indications");
+    EXPECT_EQ(Follow("fault line drop frames to-unit").text, "fault 2: drop frames to-unit");
+    EXPECT_EQ(Do("fault line drop Mode frames"),
+              "'Mode' is no command of the DVR; allowed is a name such as FW_Upgrade_Version, or "
+              "a number such as 0x2E");
+    run_.RunFor(3s);
+    EXPECT_TRUE(Told<FaultApplied>([](const FaultApplied& fault) {
+        return fault.text == "fault 2 (drop frames to-unit): IND DVR_RunningState, 1 so far";
+    }));
+    EXPECT_FALSE(run_.Logged("DVR_RunningState_IND"));
+    EXPECT_EQ(Do("fault line clear 1"), "");
+    EXPECT_EQ(Do("fault line clear 1"), "there is no fault 1 on the line; allowed is one of 2");
+    EXPECT_TRUE(Follow("fault line list").text.starts_with("fault 2: drop frames to-unit, applied"))
+        << Follow("fault line list").text;
+    EXPECT_EQ(Do("line inject A55A20801100010001B1 to-unit"), "");
+    run_.RunFor(1s);
+    EXPECT_TRUE(run_.Logged("DVR_MODE_VIDEO")) << "no fault applies to injected bytes";
+    EXPECT_EQ(Do("line unplug"), "");
+    EXPECT_FALSE(run_.unit().dvr().plugged());
+    EXPECT_EQ(Do("line plug"), "");
+    EXPECT_EQ(Do("fault line clear"), "");
+    EXPECT_EQ(Follow("fault line list").text, "");
+}
+
 }  // namespace
 }  // namespace tests

@@ -49,6 +49,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
         options.dvr, say_, [this](Direction direction, std::span<const std::uint8_t> bytes) {
             events_.Tell(LineBytes{direction, {bytes.begin(), bytes.end()}});
         });
+    dvr_->faults().OnApplied([this](const std::string& text) { events_.Tell(FaultApplied{text}); });
     LoadDrivers(options.missing_drivers);
     log_.Listen([this](std::chrono::microseconds, const std::string& line) {
         events_.Tell(LineLogged{line});

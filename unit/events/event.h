@@ -77,12 +77,17 @@ struct SuspendChanged {
     bool suspended;
 };
 
+// A fault of the line was applied; the line says which one and to what.
+struct FaultApplied {
+    std::string text;
+};
+
 // The DVR restarts because its reset wire was pulled.
 struct DvrReset {};
 
 using Event =
     std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested, DriverCalled,
-                 BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged, DvrReset>;
+                 BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged, FaultApplied, DvrReset>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit
