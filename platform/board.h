@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -19,6 +21,12 @@ struct PowerSupply {
     BYTE battery_flag = 1;
     BYTE battery_life_percent = 100;
 };
+
+// The kinds of kernel objects that have names; there is one name space for all of them.
+enum class NamedKind { kNone, kEvent, kMutex, kMessageQueue };
+
+// A top-level window of another process as that process numbers it; 0 is none.
+using NeighbourWindow = std::uint64_t;
 
 // What a board gives the platform. Every call may come on any thread of the platform and returns
 // soon; none of them may call the API.
@@ -44,6 +52,29 @@ class Board {
 
     // Something on the graphics plane changed since the last call.
     virtual void ScreenChanged() = 0;
+
+    // The neighbours: programs that run as processes of their own on the same unit and share names
+    // and the screen with this one. Asked on the thread that made the call, the hardware's too,
+    // without any lock of the platform; an answer may take a round trip to the other process. A
+    // neighbour that is gone or does not answer has nothing.
+
+    // What a neighbour has under that name.
+    virtual NamedKind FindNeighbourObject(std::wstring_view /*name*/) { return NamedKind::kNone; }
+
+    // The highest window of a neighbour with that class and that title, case not counting; either
+    // may be left open.
+    virtual NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> /*class_name*/,
+                                                std::optional<std::wstring_view> /*title*/) {
+        return 0;
+    }
+
+    // Whether a window that was found before is still there.
+    virtual bool NeighbourWindowExists(NeighbourWindow /*window*/) { return false; }
+
+    // Brings it forward, with the windows that it owns if asked to; false when it is gone.
+    virtual bool BringNeighbourForward(NeighbourWindow /*window*/, bool /*with_owned*/) {
+        return false;
+    }
 };
 
 }  // namespace platform

@@ -9,6 +9,7 @@ class Event final : public Object {
   public:
     Event(bool manual_reset, bool signalled) : manual_reset_(manual_reset), signalled_(signalled) {}
 
+    NamedKind Kind() const override { return NamedKind::kEvent; }
     bool Waitable() const override { return true; }
     bool Signalled(const Thread&) const override { return signalled_; }
     bool Consume(Thread&) override {
@@ -33,8 +34,9 @@ HANDLE CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manual_reset, BOOL initial_state
     if (call.Fails())
         return nullptr;
     KernelLock lock = LockKernel();
-    std::shared_ptr<Event> event = CreateNamed<Event>(
-        lock, name, [&] { return std::make_shared<Event>(manual_reset != 0, initial_state != 0); });
+    std::shared_ptr<Object> event = CreateNamed(lock, name, NamedKind::kEvent, [&] {
+        return std::make_shared<Event>(manual_reset != 0, initial_state != 0);
+    });
     return event ? OpenHandle(lock, std::move(event)) : nullptr;
 }
 
@@ -47,14 +49,9 @@ HANDLE OpenEventW(DWORD, BOOL, LPCWSTR name) {
         return nullptr;
     }
     KernelLock lock = LockKernel();
-    const std::shared_ptr<Object> object = FindNamed(lock, name);
-    if (!object) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        return nullptr;
-    }
-    auto event = std::dynamic_pointer_cast<Event>(object);
-    if (!event) {
-        SetLastError(ERROR_INVALID_HANDLE);
+    std::shared_ptr<Object> event = FindNamedAnywhere(lock, name);
+    if (!event || event->Kind() != NamedKind::kEvent) {
+        SetLastError(event ? ERROR_INVALID_HANDLE : ERROR_FILE_NOT_FOUND);
         return nullptr;
     }
     return OpenHandle(lock, std::move(event));

@@ -100,7 +100,7 @@ enum HandleKind : unsigned {
     kDeviceContexts = 3,
     kGdiObjects = 4,
     kIcons = 5,
-    kPowerNotifications = 6,
+    kNeighbourWindows = 6,
 };
 
 }  // namespace platform::kernel

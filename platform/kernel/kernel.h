@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "platform/board.h"
 #include "platform/kernel/clock.h"
@@ -38,6 +39,10 @@ Leftovers Shutdown();
 bool Booted();
 Mode CurrentMode();
 Board& CurrentBoard();
+
+// What this process has under that name, which is what it answers a neighbour that asks. A stand-in
+// for a neighbour's object counts: it keeps the name as any handle does. Any thread.
+NamedKind FindNamedKind(const std::wstring& name);
 
 // Counts for tests and the unit's state dump. Any thread.
 std::size_t HandleCount();

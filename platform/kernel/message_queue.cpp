@@ -24,6 +24,8 @@ class MessageQueue final : public Object {
           capacity(options.dwMaxMessages),
           message_size(options.cbMaxMessage) {}
 
+    NamedKind Kind() const override { return NamedKind::kMessageQueue; }
+
     bool Full() const { return capacity != 0 && messages.size() >= capacity; }
     // Without MSGQUEUE_ALLOW_BROKEN an end that is alone is told so.
     bool MayBeAlone() const { return (flags & MSGQUEUE_ALLOW_BROKEN) != 0; }
@@ -87,11 +89,14 @@ HANDLE CreateMsgQueue(LPCWSTR name, LPMSGQUEUEOPTIONS options) {
         return nullptr;
     }
     KernelLock lock = LockKernel();
-    std::shared_ptr<MessageQueue> queue = CreateNamed<MessageQueue>(
-        lock, name, [&] { return std::make_shared<MessageQueue>(*options); });
-    if (!queue)
+    std::shared_ptr<Object> object = CreateNamed(lock, name, NamedKind::kMessageQueue, [&] {
+        return std::make_shared<MessageQueue>(*options);
+    });
+    if (!object)
         return nullptr;
-    return OpenHandle(lock, std::make_shared<QueueEnd>(queue, options->bReadAccess != 0));
+    if (auto queue = std::dynamic_pointer_cast<MessageQueue>(object))
+        object = std::make_shared<QueueEnd>(std::move(queue), options->bReadAccess != 0);
+    return OpenHandle(lock, std::move(object));
 }
 
 HANDLE OpenMsgQueue(HANDLE, HANDLE handle, LPMSGQUEUEOPTIONS options) {
@@ -210,7 +215,9 @@ BOOL CloseMsgQueue(HANDLE handle) {
     const ApiCall call("CloseMsgQueue");
     if (call.Fails())
         return FALSE;
-    if (!FindObjectAs<QueueEnd>(handle))
+    const std::shared_ptr<Object> object = FindObject(handle);
+    const bool stands_in = object && object->Kind() == NamedKind::kMessageQueue;
+    if (!stands_in && !FindObjectAs<QueueEnd>(handle))
         return FALSE;
     return CloseHandle(handle);
 }

@@ -8,6 +8,7 @@ namespace {
 
 class Mutex final : public Object {
   public:
+    NamedKind Kind() const override { return NamedKind::kMutex; }
     bool Waitable() const override { return true; }
 
     bool Signalled(const Thread& waiter) const override {
@@ -46,7 +47,7 @@ HANDLE CreateMutexW(LPSECURITY_ATTRIBUTES, BOOL initial_owner, LPCWSTR name) {
     if (call.Fails())
         return nullptr;
     KernelLock lock = LockKernel();
-    std::shared_ptr<Mutex> mutex = CreateNamed<Mutex>(lock, name, [&] {
+    std::shared_ptr<Object> mutex = CreateNamed(lock, name, NamedKind::kMutex, [&] {
         auto made = std::make_shared<Mutex>();
         if (initial_owner)
             made->Consume(CurrentThread());

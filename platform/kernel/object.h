@@ -4,11 +4,13 @@
 
 #include <memory>
 
+#include "platform/board.h"
 #include "platform/kernel/kernel_lock.h"
 
 namespace platform::kernel {
 
 class Thread;
+using platform::NamedKind;
 
 // A kernel object: what a HANDLE stands for. It lives as long as a handle or a thread uses it.
 class Object {
@@ -17,6 +19,9 @@ class Object {
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
+
+    // What it is under its name, if it may have one.
+    virtual NamedKind Kind() const { return NamedKind::kNone; }
 
     // Whether a wait may name this object at all.
     virtual bool Waitable() const { return false; }

@@ -1,5 +1,7 @@
 #include "platform/kernel/api_call.h"
+#include "platform/kernel/kernel.h"
 #include "platform/window/activation.h"
+#include "platform/window/neighbour_windows.h"
 
 using namespace platform;
 using namespace platform::window;
@@ -34,7 +36,37 @@ std::shared_ptr<Window> RequireOwnWindow(kernel::KernelLock& lock, HWND handle) 
     return window;
 }
 
+// Of this process. False with the last error set when there is no such window.
+bool BringOwn(HWND root, bool with_owned) {
+    HWND chosen = root;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        const auto window = RequireWindow(lock, root);
+        if (!window)
+            return false;
+        if (window->being_destroyed) {
+            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+            return false;
+        }
+        if (with_owned)
+            chosen = HighestOf(lock, root);
+    }
+    BringForward(chosen, WA_ACTIVE);
+    return true;
+}
+
 }  // namespace
+
+namespace platform::window {
+
+bool BringOwnForward(NeighbourWindow window, bool with_owned) {
+    const DWORD last_error = GetLastError();
+    const bool there = BringOwn(reinterpret_cast<HWND>(window), with_owned);
+    SetLastError(last_error);
+    return there;
+}
+
+}  // namespace platform::window
 
 // With the handle's lowest bit set the windows that it owns come forward with it, and the highest
 // of them gets the foreground: a dialog, while the window itself is disabled.
@@ -44,21 +76,18 @@ BOOL SetForegroundWindow(HWND handle) {
         return FALSE;
     const UINT_PTR value = reinterpret_cast<UINT_PTR>(handle);
     const HWND root = reinterpret_cast<HWND>(value & ~kWithOwnedWindows);
-    HWND chosen = root;
-    {
-        kernel::KernelLock lock = kernel::LockKernel();
-        const auto window = RequireWindow(lock, root);
-        if (!window)
-            return FALSE;
-        if (window->being_destroyed) {
-            SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-            return FALSE;
-        }
-        if ((value & kWithOwnedWindows) != 0)
-            chosen = HighestOf(lock, root);
-    }
-    BringForward(chosen, WA_ACTIVE);
-    return TRUE;
+    const bool with_owned = (value & kWithOwnedWindows) != 0;
+    kernel::KernelLock lock = kernel::LockKernel();
+    const NeighbourWindow neighbour = NeighbourBehind(lock, root);
+    lock.unlock();
+    if (neighbour == 0)
+        return BringOwn(root, with_owned);
+    if (kernel::CurrentBoard().BringNeighbourForward(neighbour, with_owned))
+        return TRUE;
+    lock.lock();
+    ForgetNeighbour(lock, root);
+    SetLastError(ERROR_INVALID_WINDOW_HANDLE);
+    return FALSE;
 }
 
 HWND GetForegroundWindow() {

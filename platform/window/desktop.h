@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/board.h"
 #include "platform/kernel/handle_table.h"
 #include "platform/kernel/kernel_lock.h"
 #include "platform/window/message_queue.h"
@@ -27,6 +28,7 @@ struct TouchInput {
 // Everything the window manager holds; guarded by the kernel lock.
 struct Desktop {
     kernel::HandleTable<Window> windows{kernel::kWindows};
+    kernel::HandleTable<NeighbourWindow> neighbours{kernel::kNeighbourWindows};
     std::vector<std::shared_ptr<Window>> z_order;  // topmost first
     std::vector<std::shared_ptr<WindowClass>> classes;
     std::map<DWORD, std::shared_ptr<MessageQueue>> queues;  // by thread

@@ -3,9 +3,12 @@
 #include <windows.h>
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "platform/board.h"
 #include "platform/gdi/surface.h"
 
 namespace platform::window {
@@ -33,6 +36,15 @@ void TouchScreen(Touch touch, int x, int y);
 
 // What an application of the unit's other processes would do to a window of this one.
 void PostToAll(UINT message, WPARAM wparam, LPARAM lparam);
+
+// What this process answers a neighbour that asks for a window: the highest one with that class and
+// that title (case does not count, either may be left open), 0 for none; whether it is still there;
+// and to bring it forward, with the windows that it owns if asked to, false when it is gone. A
+// number stands for one window only, for as long as the process lives.
+NeighbourWindow FindOwnWindow(const std::optional<std::wstring_view>& class_name,
+                              const std::optional<std::wstring_view>& title);
+bool HasWindow(NeighbourWindow window);
+bool BringOwnForward(NeighbourWindow window, bool with_owned);
 
 // The state of a top-level window, topmost first.
 struct WindowState {

@@ -4,12 +4,6 @@
 using namespace platform;
 using namespace platform::window;
 
-BOOL IsWindow(HWND handle) {
-    const kernel::ApiCall call;
-    kernel::KernelLock lock = kernel::LockKernel();
-    return FindWindowObject(lock, handle) != nullptr;
-}
-
 BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
     const kernel::ApiCall call("GetWindowRect");
     if (call.Fails())
@@ -64,24 +58,6 @@ BOOL ClientToScreen(HWND handle, LPPOINT point) {
         return FALSE;
     *point = {point->x + rectangle.left, point->y + rectangle.top};
     return TRUE;
-}
-
-// Case does not count in either name. Leaves the last error alone when only the window is missing.
-HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
-    const kernel::ApiCall call("FindWindowW");
-    if (call.Fails())
-        return NULL;
-    kernel::KernelLock lock = kernel::LockKernel();
-    const auto window_class = class_name ? FindClass(lock, class_name) : nullptr;
-    if (class_name && !window_class) {
-        SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
-        return NULL;
-    }
-    for (const auto& window : TheDesktop(lock).z_order)
-        if ((!window_class || window->window_class == window_class) &&
-            (!title || EqualIgnoringCase(window->title, title)))
-            return window->handle;
-    return NULL;
 }
 
 HWND GetWindow(HWND handle, UINT relation) {

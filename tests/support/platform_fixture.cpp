@@ -74,6 +74,36 @@ void PlainBoard::DebugOutput(std::wstring_view text) {
     output_ += text;
 }
 
+void PlainBoard::CountQuestion() {
+    kernel::HandleCount();
+    ++neighbour.questions;
+}
+
+platform::NamedKind PlainBoard::FindNeighbourObject(std::wstring_view name) {
+    CountQuestion();
+    const auto object = neighbour.objects.find(name);
+    return object == neighbour.objects.end() ? platform::NamedKind::kNone : object->second;
+}
+
+platform::NeighbourWindow PlainBoard::FindNeighbourWindow(
+    std::optional<std::wstring_view> class_name, std::optional<std::wstring_view> title) {
+    CountQuestion();
+    const bool fits = class_name.value_or(neighbour.window_class) == neighbour.window_class &&
+                      title.value_or(neighbour.title) == neighbour.title;
+    return fits ? neighbour.window : 0;
+}
+
+bool PlainBoard::NeighbourWindowExists(platform::NeighbourWindow window) {
+    CountQuestion();
+    return window == neighbour.window;
+}
+
+bool PlainBoard::BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) {
+    CountQuestion();
+    neighbour.brought_forward += with_owned ? 1 : 0;
+    return window == neighbour.window;
+}
+
 Platform::Platform(const kernel::Options& options) {
     kernel::Boot(options, board);
     platform::window::Start();

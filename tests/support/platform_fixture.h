@@ -16,7 +16,19 @@
 
 namespace tests {
 
-// The plainest board: drivers by name, a power supply, and an ear for the debug output.
+// A process beside the one under test: what it has under which name, its window, and how often it
+// was asked to bring that forward, the owned ones with it.
+struct Neighbour {
+    std::map<std::wstring, platform::NamedKind, std::less<>> objects;
+    std::wstring window_class;
+    std::wstring title;
+    platform::NeighbourWindow window = 0;
+    int brought_forward = 0;
+    int questions = 0;
+};
+
+// The plainest board: drivers by name, a power supply, a neighbour, and an ear for the debug
+// output.
 class PlainBoard final : public platform::Board {
   public:
     std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>, std::less<>> drivers;
@@ -26,6 +38,7 @@ class PlainBoard final : public platform::Board {
     std::vector<DWORD> hal_codes;
     std::function<void(std::span<const std::byte> input)> on_hal_request;
     std::vector<DWORD> power_states;
+    Neighbour neighbour;
 
     std::wstring debug_output() const;
     // The debug output's whole lines, without their ends.
@@ -39,8 +52,16 @@ class PlainBoard final : public platform::Board {
     DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override;
     void DebugOutput(std::wstring_view text) override;
     void ScreenChanged() override {}
+    platform::NamedKind FindNeighbourObject(std::wstring_view name) override;
+    platform::NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> class_name,
+                                                  std::optional<std::wstring_view> title) override;
+    bool NeighbourWindowExists(platform::NeighbourWindow window) override;
+    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override;
 
   private:
+    // Hangs when the question comes with the kernel's lock held.
+    void CountQuestion();
+
     mutable std::mutex mutex_;
     std::wstring output_;
 };

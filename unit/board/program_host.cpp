@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "platform/kernel/kernel.h"
+
 namespace unit {
 namespace {
 
@@ -27,10 +29,7 @@ void ProgramHost::CloseWindow() {
 }
 
 std::size_t ProgramHost::HandlesKept() {
-    const HANDLE mutex = CreateMutexW(nullptr, FALSE, kName);
-    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
-    CloseHandle(mutex);
-    return existed ? 1 : 0;
+    return platform::kernel::FindNamedKind(kName) == platform::NamedKind::kMutex ? 1 : 0;
 }
 
 }  // namespace unit
