@@ -54,10 +54,16 @@ function(tolvane_folder folder)
 endfunction()
 
 # tolvane_executable(dvrsim dvrsim/program/main.cpp LIBRARIES ...): a command that people start; all of
-# them lie in one folder of the build tree, so that they find each other.
+# them lie in one folder of the build tree, so that they find each other. Its target has its name, or
+# NAME_command where a folder has that.
 function(tolvane_executable name source)
     cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})
-    add_executable(${name} "${CMAKE_SOURCE_DIR}/${source}")
-    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES})
-    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    set(target ${name})
+    if(TARGET ${name})
+        set(target ${name}_command)
+    endif()
+    add_executable(${target} "${CMAKE_SOURCE_DIR}/${source}")
+    target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES})
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name}
+        RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 endfunction()

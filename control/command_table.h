@@ -34,6 +34,9 @@ class CommandTable {
         std::string_view pattern;  // see grammar.h; must outlive the table
         std::string_view help;     // what it does, a sentence
         std::function<Outcome(Target&, const Values&)> follow;
+        // One line that tells what is wrong with values that fit the pattern; empty when nothing
+        // is. For what the placeholders cannot know.
+        std::string (*check)(const Values&) = nullptr;
     };
 
     // A line that was read, ready to be followed any number of times.
@@ -53,7 +56,13 @@ class CommandTable {
         auto match = grammar_.Read(words, problem);
         if (!match)
             return std::nullopt;
-        return Command{&rows_[match->pattern], std::move(match->values)};
+        const Row& row = rows_[match->pattern];
+        if (row.check) {
+            problem = row.check(match->values);
+            if (!problem.empty())
+                return std::nullopt;
+        }
+        return Command{&row, std::move(match->values)};
     }
 
     // Reads and follows one line; an empty line or a comment does nothing.

@@ -88,6 +88,14 @@ std::string Describe(const Settings& settings) {
            (settings.hardware_flow ? ", RTS/CTS" : ", no flow control");
 }
 
+int ReadSettings(int descriptor, Settings& settings) {
+    termios state{};
+    if (tcgetattr(descriptor, &state) != 0)
+        return errno;
+    settings = SettingsOf(state);
+    return 0;
+}
+
 Tty::Tty(Tty&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)), path_(std::move(other.path_)) {}
 
@@ -135,14 +143,6 @@ void Tty::Close() {
         return;
     ioctl(descriptor_, TIOCNXCL);
     close(std::exchange(descriptor_, -1));
-}
-
-int Tty::Read(Settings& settings) const {
-    termios state{};
-    if (tcgetattr(descriptor_, &state) != 0)
-        return errno;
-    settings = SettingsOf(state);
-    return 0;
 }
 
 int Tty::Apply(const Settings& settings, std::string& problem) const {

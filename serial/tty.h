@@ -19,6 +19,9 @@ struct Settings {
 // "460800 baud, 8N1, no flow control"
 std::string Describe(const Settings& settings);
 
+// Of an open terminal device; 0 or the error's number.
+int ReadSettings(int descriptor, Settings& settings);
+
 // A terminal device of the host, opened raw, without waiting, and for this process alone. Not
 // locked: one thread at a time.
 class Tty {
@@ -40,7 +43,7 @@ class Tty {
     int descriptor() const { return descriptor_; }
 
     // 0 or the error's number.
-    int Read(Settings& settings) const;
+    int Read(Settings& settings) const { return ReadSettings(descriptor_, settings); }
     // 0, or the error's number. Devices pass over what they cannot do without an error: the
     // settings are read back, and where they differ `problem` says so in one line (EINVAL).
     int Apply(const Settings& settings, std::string& problem) const;

@@ -1,19 +1,16 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "tests/support/process.h"
 
 // The built program as an engineer starts it: options in, exit status, lines and files out.
 
@@ -21,49 +18,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Process : public testing::Test {
+class Process : public tests::Process {
   protected:
-    Process() {
-        char name[] = "/tmp/tolvane-test-XXXXXX";
-        folder_ = mkdtemp(name);
+    pid_t Start(const std::vector<std::string>& arguments) {
+        return tests::Process::Start(TOLVANE_BINARY, arguments);
     }
-    ~Process() override { fs::remove_all(folder_); }
-
-    // Output and errors go to files "out" and "err" of the test's folder.
-    pid_t Start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), TOLVANE_BINARY);
-        std::vector<char*> pointers;
-        for (std::string& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        const int flags = O_CREAT | O_WRONLY | O_TRUNC;
-        posix_spawn_file_actions_addopen(&files, 1, Path("out").c_str(), flags, 0600);
-        posix_spawn_file_actions_addopen(&files, 2, Path("err").c_str(), flags, 0600);
-        pid_t child = 0;
-        EXPECT_EQ(posix_spawn(&child, TOLVANE_BINARY, &files, nullptr, pointers.data(), environ),
-                  0);
-        posix_spawn_file_actions_destroy(&files);
-        return child;
-    }
-
-    static int Wait(pid_t child) {
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-
     int Run(const std::vector<std::string>& arguments) { return Wait(Start(arguments)); }
-
-    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
-    std::string Read(const std::string& name) const {
-        std::ostringstream text;
-        text << std::ifstream(Path(name)).rdbuf();
-        return text.str();
-    }
-
-    std::string folder_;
 };
 
 TEST_F(Process, AutoWalksTheUpdateAlikeForTheSameSeed) {
@@ -90,11 +50,10 @@ TEST_F(Process, AutoSaysWhereAFailedWalkStood) {
 }
 
 TEST_F(Process, WrongOptionsAreOneLineAndStatusTwo) {
-    const std::vector<std::string> cases[] = {{"--nope"},         {"extra"},
-                                              {"--com9", "foo"},  {"--speed", "0"},
-                                              {"--speed", "1e9"}, {"--speed", "fast"},
-                                              {"--seed", "-1"},   {"--seed", "3x"},
-                                              {"--card", "/no"},  {"--log"}};
+    const std::vector<std::string> cases[] = {
+        {"--nope"},         {"extra"},           {"--com9", "foo"},          {"--speed", "0"},
+        {"--speed", "1e9"}, {"--speed", "fast"}, {"--seed", "-1"},           {"--seed", "3x"},
+        {"--card", "/no"},  {"--log"},           {"--reset-command", "true"}};
     for (const std::vector<std::string>& arguments : cases) {
         SCOPED_TRACE(arguments.front() + " " + arguments.back());
         EXPECT_EQ(Run(arguments), 2);

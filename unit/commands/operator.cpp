@@ -10,17 +10,7 @@ namespace kernel = platform::kernel;
 using platform::window::Touch;
 
 Operator::Operator(VirtualUnit& unit, std::string image_card)
-    : unit_(unit), image_card_(std::move(image_card)) {}
-
-const std::string& Operator::image_card() {
-    if (image_card_.empty())
-        image_card_ = MakeCard(dvrsim::kNewVersion);
-    return image_card_;
-}
-
-const std::string& Operator::MakeCard(const std::optional<std::string>& image_version) {
-    return made_cards_.try_emplace(image_version, image_version).first->second.path();
-}
+    : unit_(unit), cards_(std::move(image_card)) {}
 
 std::optional<POINT> Operator::FindButton(const std::string& caption) {
     const ScreenReader screen(unit_.Screen());

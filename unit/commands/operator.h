@@ -2,12 +2,11 @@
 
 #include <windows.h>
 
-#include <map>
 #include <optional>
 #include <string>
 
 #include "control/command_table.h"
-#include "dvrsim/temporary_card.h"
+#include "dvrsim/card_box.h"
 #include "unit/board/virtual_unit.h"
 
 namespace unit {
@@ -22,9 +21,11 @@ class Operator {
     Operator(VirtualUnit& unit, std::string image_card);
 
     VirtualUnit& unit() { return unit_; }
-    const std::string& image_card();
+    const std::string& image_card() { return cards_.ImageCard(); }
     // A card whose update image has that version, or that holds none; made once.
-    const std::string& MakeCard(const std::optional<std::string>& image_version);
+    const std::string& MakeCard(const std::optional<std::string>& image_version) {
+        return cards_.Make(image_version);
+    }
 
     // Where a button is on the screen now, by its caption ("Next"), or the close button ("close").
     std::optional<POINT> FindButton(const std::string& caption);
@@ -42,8 +43,7 @@ class Operator {
 
   private:
     VirtualUnit& unit_;
-    std::map<std::optional<std::string>, dvrsim::TemporaryCard> made_cards_;
-    std::string image_card_;
+    dvrsim::CardBox cards_;
     std::optional<POINT> finger_;
     bool tapping_ = false;
 };

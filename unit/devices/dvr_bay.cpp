@@ -22,6 +22,9 @@ DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> s
         dvrsim::Host& host = *this;
         dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
     }
+    if (options.line == Line::kTty && !options.reset_command.empty())
+        reset_command_ =
+            std::make_unique<HostCommand>("the reset command", options.reset_command, say_);
     if (auto line = MakeLine(options))
         tap_ = std::make_shared<LineTap>(std::move(line), faults_, std::move(bytes));
 }
@@ -46,6 +49,8 @@ std::shared_ptr<platform::device::SerialLine> DvrBay::MakeLine(const Options& op
 void DvrBay::Reset() {
     if (dvr_)
         dvr_->Reset();
+    else if (reset_command_)
+        reset_command_->Start();
     else
         say_("The program resets the DVR: switch the DVR's power off and on.");
 }

@@ -7,6 +7,7 @@
 #include "dvrsim/dvr.h"
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_line.h"
+#include "unit/devices/host_command.h"
 #include "unit/devices/pty_peer.h"
 #include "unit/line/line_tap.h"
 
@@ -22,6 +23,8 @@ class DvrBay final : private dvrsim::Host {
         Line line = Line::kMemory;
         // For kTty.
         std::string tty;
+        // The host's command line that resets the DVR there; the operator is told to when empty.
+        std::string reset_command;
         dvrsim::Options dvr;
     };
 
@@ -36,7 +39,8 @@ class DvrBay final : private dvrsim::Host {
     // The simulated DVR, or null when a real one is attached.
     dvrsim::Dvr* dvr() { return dvr_.get(); }
 
-    // The reset wire: resets the simulated DVR; for a real one the operator is told to.
+    // The reset wire: resets the simulated DVR; for a real one the reset command is run, or the
+    // operator is told to.
     void Reset();
 
     // The faults of the line, simulated or real. Any thread.
@@ -64,6 +68,7 @@ class DvrBay final : private dvrsim::Host {
     std::shared_ptr<LineTap> tap_;
     std::unique_ptr<dvrsim::Dvr> dvr_;
     std::unique_ptr<PtyPeer> pty_;
+    std::unique_ptr<HostCommand> reset_command_;
     bool plugged_ = true;
 };
 

@@ -82,6 +82,10 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
                    "behind a pseudo-terminal) or the path of a tty with a real DVR")
         ->check(CheckCom9)
         ->type_name("sim|pty|PATH");
+    app.add_option("--reset-command", command_line.reset_command,
+                   "With --com9 PATH: the shell command that resets the DVR there, such as "
+                   "'dvrsim --send reset'; without one you are told to switch its power off and on")
+        ->type_name("CMD");
     app.add_option("--card", command_line.card,
                    "Folder that acts as the SD card; without it one with an update image is made")
         ->check(CheckFolder)
@@ -116,6 +120,13 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     }
     SetLine(command_line, com9);
+    if (!command_line.reset_command.empty() && command_line.line != DvrBay::Line::kTty) {
+        std::fputs(
+            "tolvane: --reset-command is for a DVR at --com9 PATH; the simulated one needs none\n",
+            stderr);
+        exit_status = kWrongUsage;
+        return std::nullopt;
+    }
     if (*speed_option)
         command_line.speed = speed;
     return command_line;

@@ -14,6 +14,7 @@ struct CommandLine {
     bool automatic = false;
     DvrBay::Line line = DvrBay::Line::kMemory;
     std::string tty;
+    std::string reset_command;
     std::string card;
     std::optional<double> speed;
     std::uint32_t seed = 1;

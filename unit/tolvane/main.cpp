@@ -51,6 +51,7 @@ VirtualUnit::Options UnitOptions(const CommandLine& command_line) {
     options.kernel.seed = command_line.seed;
     options.dvr.line = command_line.line;
     options.dvr.tty = command_line.tty;
+    options.dvr.reset_command = command_line.reset_command;
     options.dvr.dvr.seed = command_line.seed;
     return options;
 }

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "control/command_table.h"
+#include "dvrsim/card_box.h"
+#include "dvrsim/dvr.h"
+#include "dvrsim/program/host_timers.h"
+#include "dvrsim/program/line_end.h"
+
+namespace dvrsim {
+
+// What the commands of the program act on.
+struct Desk {
+    Dvr& dvr;
+    const HostTimers& timers;
+    LineEnd& line;
+    CardBox& cards;
+    // The plug between the DVR and the line.
+    bool plugged = true;
+    bool quit = false;
+};
+
+using DeskTable = control::CommandTable<Desk>;
+
+// Everything that the program follows, on its standard input and its control socket.
+const DeskTable& DeskCommands();
+
+}  // namespace dvrsim

@@ -1,0 +1,175 @@
+#include "dvrsim/program/dvr_process.h"
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+
+#include "dvrsim/program/frame_text.h"
+#include "dvrsim/value_names.h"
+
+namespace dvrsim {
+namespace {
+
+using std::chrono::nanoseconds;
+
+// A line of standard input that is longer is no command of ours.
+constexpr std::size_t kLongestInput = control::kLongestLine;
+
+// Taken from the signals' usual way, to be read in the loop.
+control::Descriptor TakeEndSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&set, signal);
+    }
+    sigprocmask(SIG_BLOCK, &set, nullptr);
+    // A reader that leaves, and a terminal that is another job's, are no reason to end.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGTTIN, SIG_IGN);
+    return control::Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+timespec ToTimespec(nanoseconds time) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
+    return {seconds.count(), (time - seconds).count()};
+}
+
+}  // namespace
+
+DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
+                       control::SocketClaim claim)
+    : verbose_(options.verbose),
+      timers_(options.speed),
+      line_(std::move(line)),
+      dvr_(*this, options.dvr),
+      cards_(options.image_card),
+      desk_{dvr_, timers_, *line_, cards_},
+      server_(std::move(claim),
+              {[this](control::SocketServer::ClientId id, const control::Request& request) {
+                   server_.End(id, DeskCommands().Follow(desk_, request.line));
+               },
+               [](control::SocketServer::ClientId) {}}),
+      signals_(TakeEndSignals()) {
+    if (options.power_on) {
+        dvr_.PowerOn();
+    }
+}
+
+void DvrProcess::Run() {
+    while (!desk_.quit) {
+        TellState();
+        WaitAndHandle();
+        timers_.RunDue();
+    }
+}
+
+void DvrProcess::WaitAndHandle() {
+    std::optional<nanoseconds> limit = timers_.UntilNext();
+    const auto look_again = line_->LookAgain();
+    if (look_again) {
+        limit = std::min(limit.value_or(*look_again), nanoseconds(*look_again));
+    }
+    enum { kSignals, kInput, kServer, kLine, kCount };
+    std::array<pollfd, kCount> watched{{{signals_.get(), POLLIN, 0},
+                                        {input_open_ ? STDIN_FILENO : -1, POLLIN, 0},
+                                        {server_.descriptor(), POLLIN, 0},
+                                        {line_->descriptor(), POLLIN, 0}}};
+    const timespec wait = ToTimespec(limit.value_or(nanoseconds::zero()));
+    if (ppoll(watched.data(), watched.size(), limit ? &wait : nullptr, nullptr) < 0) {
+        return;
+    }
+    if (watched[kSignals].revents != 0) {
+        desk_.quit = true;
+    }
+    if (watched[kLine].revents != 0 || look_again) {
+        line_->HandleReady([this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+    }
+    if (watched[kInput].revents != 0) {
+        ReadInput();
+    }
+    if (watched[kServer].revents != 0) {
+        server_.HandleReady();
+    }
+}
+
+void DvrProcess::Receive(std::span<const std::uint8_t> bytes) {
+    if (!desk_.plugged) {
+        return;
+    }
+    TellFrames(heard_, '<', bytes);
+    dvr_.Receive(bytes);
+}
+
+void DvrProcess::Transmit(std::span<const std::uint8_t> bytes) {
+    if (!desk_.plugged) {
+        return;
+    }
+    TellFrames(said_, '>', bytes);
+    line_->Send(bytes);
+}
+
+void DvrProcess::ReadInput() {
+    std::array<char, 4096> buffer;
+    const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+        return;
+    }
+    if (count <= 0) {
+        // What is left of the input may lack its end of line.
+        input_open_ = false;
+        input_ += '\n';
+    } else {
+        input_.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    for (std::size_t end = 0; (end = input_.find('\n')) != std::string::npos && !desk_.quit;) {
+        const std::string line = input_.substr(0, end);
+        input_.erase(0, end + 1);
+        FollowInput(line);
+    }
+    if (input_.size() > kLongestInput) {
+        input_.clear();
+        std::fputs("dvrsim: a line of input is too long\n", stderr);
+    }
+}
+
+void DvrProcess::FollowInput(std::string_view line) {
+    const control::Outcome outcome = DeskCommands().Follow(desk_, line);
+    if (!outcome.done) {
+        std::fprintf(stderr, "dvrsim: %s\n", outcome.text.c_str());
+    } else if (!outcome.text.empty()) {
+        std::printf("%s\n", outcome.text.c_str());
+        std::fflush(stdout);
+    }
+}
+
+void DvrProcess::TellFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes) {
+    if (!verbose_) {
+        return;
+    }
+    for (const std::uint8_t byte : bytes) {
+        decoder.Take(byte);
+        while (const auto frame = decoder.Next()) {
+            std::printf("%10.3f  %c %s\n", std::chrono::duration<double>(Now()).count(), mark,
+                        TextOf(*frame).c_str());
+        }
+    }
+    std::fflush(stdout);
+}
+
+void DvrProcess::TellState() {
+    if (!verbose_ || dvr_.GetState() == told_state_) {
+        return;
+    }
+    told_state_ = dvr_.GetState();
+    std::printf("%10.3f  the DVR is %s\n", std::chrono::duration<double>(Now()).count(),
+                std::string(NameOf(told_state_)).c_str());
+    std::fflush(stdout);
+}
+
+}  // namespace dvrsim

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "control/descriptor.h"
+#include "control/socket_server.h"
+#include "dvrsim/dvr.h"
+#include "dvrsim/frame_codec.h"
+#include "dvrsim/host.h"
+#include "dvrsim/program/desk.h"
+
+namespace dvrsim {
+
+// A DVR as a process: one loop that waits for its line, its commands, its timers and the signals
+// that end it.
+class DvrProcess final : private Host {
+  public:
+    struct Options {
+        dvrsim::Options dvr;
+        double speed = 1;
+        bool power_on = true;
+        // Prints every frame, and every state that the DVR comes to, with the simulation's time.
+        bool verbose = false;
+        // The folder of "card in"; one with an update image is made when it is empty.
+        std::string image_card;
+    };
+
+    DvrProcess(const Options& options, std::unique_ptr<LineEnd> line, control::SocketClaim claim);
+
+    // Until quit is asked for, or SIGINT, SIGTERM or SIGHUP comes.
+    void Run();
+
+  private:
+    // Host
+    std::chrono::microseconds Now() const override { return timers_.Now(); }
+    std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action) override {
+        return timers_.After(delay, std::move(action));
+    }
+    void Cancel(std::uint64_t id) override { timers_.Cancel(id); }
+    void Transmit(std::span<const std::uint8_t> bytes) override;
+
+    void WaitAndHandle();
+    void Receive(std::span<const std::uint8_t> bytes);
+    void ReadInput();
+    void FollowInput(std::string_view line);
+    void TellFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes);
+    void TellState();
+
+    const bool verbose_;
+    HostTimers timers_;
+    std::unique_ptr<LineEnd> line_;
+    Dvr dvr_;
+    CardBox cards_;
+    Desk desk_;
+    control::SocketServer server_;
+    const control::Descriptor signals_;
+    bool input_open_ = true;
+    std::string input_;
+    FrameDecoder heard_;
+    FrameDecoder said_;
+    Dvr::State told_state_ = Dvr::State::kOff;
+};
+
+}  // namespace dvrsim

@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "dvrsim/commands/dvr_rows.h"
+#include "dvrsim/commands/dvr_state.h"
+
+#include <nlohmann/json.hpp>
+
+namespace dvrsim {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A host that keeps what the DVR sends and never runs what it plans.
+struct StillHost final : Host {
+    std::chrono::microseconds Now() const override { return {}; }
+    std::uint64_t After(std::chrono::microseconds, std::function<void()> action) override {
+        planned.push_back(std::move(action));
+        return planned.size();
+    }
+    void Cancel(std::uint64_t) override {}
+    void Transmit(std::span<const std::uint8_t> bytes) override {
+        sent.insert(sent.end(), bytes.begin(), bytes.end());
+    }
+
+    std::vector<std::function<void()>> planned;
+    std::vector<std::uint8_t> sent;
+};
+
+struct Desk {
+    StillHost host;
+    Dvr dvr{host};
+};
+
+const DvrTable& Commands() {
+    static const DvrTable table([] {
+        auto rows = DvrRows();
+        for (auto& row : DvrFaultRows())
+            rows.push_back(row);
+        return rows;
+    }());
+    return table;
+}
+
+TEST(DvrCommands, EachFaultIsSetAndEndedAlone) {
+    const struct {
+        const char* set;
+        Faults faults;
+        const char* end;
+    } cases[] = {
+        {"fault dvr silent on", {.silent = true}, "fault dvr silent off"},
+        {"fault dvr silent-card on", {.silent_card = true}, "fault dvr silent-card off"},
+        {"fault dvr silent-version on", {.silent_version = true}, "fault dvr silent-version off"},
+        {"fault dvr slow 9", {.slowness = 9}, "fault dvr slow 1"},
+        {"fault dvr copies 4", {.indication_copies = 4}, "fault dvr copies 1"},
+        {"fault dvr repeat-card 250ms",
+         {.card_report_interval = 250ms},
+         "fault dvr repeat-card off"},
+        {"fault dvr version V9", {.version_answer = "V9"}, "fault dvr no-version"},
+        {"fault dvr version \"\"", {.version_answer = ""}, "fault dvr no-version"},
+        {"fault dvr image-version x", {.image_version_report = "x"}, "fault dvr no-image-version"},
+        {"fault dvr stop-at 0", {.stop_at_percent = 0}, "fault dvr stop-at off"},
+        {"fault dvr stuck-at 57", {.stuck_at_percent = 57}, "fault dvr stuck-at off"},
+        {"fault dvr fail-at 100", {.fail_at_percent = 100}, "fault dvr fail-at off"},
+        {"fault dvr reboot-at 3", {.reboot_at_percent = 3}, "fault dvr reboot-at off"},
+        {"fault dvr jump-back 60 10",
+         {.jump_back = PercentJump{60, 10}},
+         "fault dvr jump-back off"},
+        {"fault dvr silent on", {.silent = true}, "fault dvr none"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.set);
+        Desk desk;
+        EXPECT_TRUE(Commands().Follow(desk.dvr, c.set).done);
+        EXPECT_EQ(desk.dvr.GetFaults(), c.faults);
+        EXPECT_TRUE(Commands().Follow(desk.dvr, c.end).done);
+        EXPECT_EQ(desk.dvr.GetFaults(), Faults());
+    }
+}
+
+TEST(DvrCommands, ActOnTheDvr) {
+    Desk desk;
+    const auto follow = [&](const char* line) {
+        desk.host.sent.clear();
+        const control::Outcome outcome = Commands().Follow(desk.dvr, line);
+        EXPECT_TRUE(outcome.done) << line << ": " << outcome.text;
+    };
+    EXPECT_FALSE(Commands().Follow(desk.dvr, "dvr reboot").done) << "off";
+    follow("dvr power on");
+    EXPECT_EQ(desk.dvr.GetState(), Dvr::State::kBooting);
+    desk.host.planned[0]();
+    follow("card report full-event");
+    EXPECT_EQ(desk.host.sent, (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x00, 0x26, 0x00, 0x03,
+                                                         0x05, 0x00, 0x64, 0x02, 0x11}));
+    follow("dvr indicate 0x802e");
+    EXPECT_EQ(desk.host.sent,
+              (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x80, 0x2E, 0x00, 0x00, 0x02, 0x2D}));
+    follow("dvr indicate g_sensor 'FF 00'");
+    EXPECT_EQ(desk.host.sent, (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x00, 0x29, 0x00, 0x02,
+                                                         0xFF, 0x00, 0x02, 0xA9}));
+    follow("dvr firmware V0");
+    EXPECT_EQ(desk.dvr.FirmwareVersion(), "V0");
+    follow("dvr update-time 15s");
+    EXPECT_EQ(desk.dvr.GetTimings().update.least, 14s);
+    EXPECT_EQ(desk.dvr.GetTimings().update.most, 16s);
+    follow("dvr power off");
+    EXPECT_EQ(desk.dvr.GetState(), Dvr::State::kOff);
+}
+
+TEST(DvrCommands, RefuseWhatFitsNoFrameWhenTheLineIsRead) {
+    const std::string longest(64, 'v');
+    const std::string bytes(2 * 65, 'A');
+    const std::pair<std::string, const char*> cases[] = {
+        {"dvr firmware " + longest + "v", "at most 64 bytes"},
+        {"fault dvr version " + longest + "v", "at most 64 bytes"},
+        {"fault dvr image-version " + longest, "at most 63 bytes"},
+        {"dvr indicate 0x10 " + bytes, "at most 64 bytes"},
+        {"dvr indicate 0x10000", "allowed is 0 to 0xFFFF"},
+        {"dvr indicate Foo", "allowed is one of DVR_RunningState, DVR_Mode, "},
+    };
+    for (const auto& [line, why] : cases) {
+        SCOPED_TRACE(line);
+        std::string problem;
+        const auto words = control::SplitWords(line, problem);
+        EXPECT_FALSE(Commands().Read(*words, problem));
+        EXPECT_NE(problem.find(why), std::string::npos) << problem;
+    }
+}
+
+TEST(DvrState, TellsWhatIsSo) {
+    Desk desk;
+    desk.dvr.SetFaults({.version_answer = "\xFF", .jump_back = PercentJump{60, 10}});
+    desk.dvr.PowerOn();
+    const nlohmann::ordered_json state = StateOf(desk.dvr);
+    EXPECT_EQ(state["state"], "booting");
+    EXPECT_EQ(state["card"]["status"], "plug-out");
+    EXPECT_EQ(state["card"]["image"], nullptr);
+    EXPECT_EQ(state["faults"]["jump_back"]["to"], 10);
+    EXPECT_EQ(state["faults"]["stop_at"], nullptr);
+}
+
+}  // namespace
+}  // namespace dvrsim

@@ -1,0 +1,197 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/process.h"
+
+// The built dvrsim, as somebody at a keyboard, another process and the other end of its line see
+// it.
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+class Dvrsim : public tests::Process {
+  protected:
+    pid_t StartDvr(const std::vector<std::string>& arguments) {
+        const pid_t child = Start(DVRSIM_BINARY, arguments, "dvr-");
+        EXPECT_TRUE(WaitUntil([&] { return Read("dvr-out").find('\n') != std::string::npos; }));
+        return child;
+    }
+    // What a dvrsim --send printed; its exit status must be the expected one.
+    std::string Send(const std::string& command, int status = 0) {
+        EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), status) << command;
+        return Read(status == 0 ? "send-out" : "send-err");
+    }
+    json State() { return json::parse(Send("state")); }
+    bool Reaches(const char* state) {
+        return WaitUntil([&] { return State()["dvr"]["state"] == state; });
+    }
+
+    // What comes from the file within ten seconds of the host's time, that many bytes at most.
+    static std::string ReadBytes(int file, std::size_t count) {
+        std::string bytes;
+        pollfd watched{file, POLLIN, 0};
+        while (bytes.size() < count && poll(&watched, 1, 10'000) > 0) {
+            char byte = 0;
+            if (read(file, &byte, 1) != 1) {
+                break;
+            }
+            bytes += byte;
+        }
+        return bytes;
+    }
+};
+
+const std::string kBooted("\xA5\x5A\x80\x00\x10\x00\x01\x00\x01\x90", 10);
+const std::string kAskState("\xA5\x5A\x10\x80\x10\x00\x01\x00\x01\xA0", 10);
+const std::string kNormal("\xA5\x5A\x20\x80\x10\x00\x01\x02\x01\xB2", 10);
+
+TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
+    const std::string link = Path("link");
+    const pid_t dvr = StartDvr({"--link", link, "--speed", "50", "--off"});
+    EXPECT_EQ(fs::read_symlink(link).string() + "\n", Read("dvr-out"));
+    EXPECT_EQ(State()["line"]["connected"], false);
+    for (int round = 0; round < 2; ++round) {
+        const int line = open(link.c_str(), O_RDWR | O_NOCTTY);
+        ASSERT_GE(line, 0);
+        termios settings{};
+        EXPECT_EQ(tcgetattr(line, &settings), 0);
+        EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U) << "raw before anybody set it so";
+        // Left behind by a user that was killed, exclusive use must not keep the next one out.
+        EXPECT_EQ(ioctl(line, TIOCEXCL), 0);
+        EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == true; }));
+        Send("power on");
+        EXPECT_EQ(ReadBytes(line, 10), kBooted);
+        EXPECT_TRUE(Reaches("normal"));
+        tcflush(line, TCIFLUSH);
+        EXPECT_EQ(write(line, kAskState.data(), kAskState.size()), 10);
+        EXPECT_EQ(ReadBytes(line, 10), kNormal);
+        Send("line unplug");
+        EXPECT_EQ(write(line, kAskState.data(), kAskState.size()), 10);
+        Send("dvr indicate Key 01");
+        Send("line plug");
+        Send("indicate Key 02");
+        EXPECT_EQ(ReadBytes(line, 10)[7], '\x02') << "what came while it was unplugged is lost";
+        Send("power off");
+        close(line);
+        EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == false; }));
+    }
+    kill(dvr, SIGTERM);
+    EXPECT_EQ(Wait(dvr), 0);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
+    EXPECT_EQ(Read("dvr-err"), "");
+    EXPECT_EQ(Send("state", 3), "dvrsim: no dvrsim named dvrsim is running\n");
+}
+
+TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
+    const pid_t dvr = StartDvr({"--speed", "200", "--firmware", "14.01.01.V0.00.01"});
+    EXPECT_TRUE(Reaches("normal"));
+    EXPECT_EQ(
+        Send("card with image 1.2", 1),
+        "dvrsim: '1.2' fits no image; allowed are 17 to 63 characters without blanks, such as "
+        "14.09.01.V1.02.03\n");
+    Send("card with image 15.01.01.V2.00.00");
+    EXPECT_EQ(Send("card in", 1), "dvrsim: a card is in already; take it out first\n");
+    Send("fault fail-at 57");
+    Send("reset");
+    EXPECT_TRUE(Reaches("update-failed"));
+    EXPECT_EQ(State()["dvr"]["percent"], 57);
+    Send("fault none");
+    Send("reset");
+    EXPECT_TRUE(Reaches("update-finished"));
+    EXPECT_EQ(State()["dvr"]["firmware"], "14.01.01.V0.00.01");
+    EXPECT_EQ(State()["dvr"]["card"]["image"], "15.01.01.V2.00.00");
+    Send("card out");
+    Send("card out", 1);
+    Send("reset");
+    EXPECT_EQ(State()["dvr"]["firmware"], "15.01.01.V2.00.00");
+    EXPECT_EQ(Run(DVRSIM_BINARY, {}, "second-"), 1);
+    EXPECT_EQ(Read("second-err"),
+              "dvrsim: a dvrsim named dvrsim is running already; give this one another --name\n");
+    Send("quit");
+    EXPECT_EQ(Wait(dvr), 0);
+}
+
+TEST_F(Dvrsim, FollowsItsStandardInput) {
+    ASSERT_EQ(Run("/bin/sh",
+                  {"-c", "printf 'power off\\n\\nfault slow 0\\nstate\\nhelp\\nquit\\nnever' | " +
+                             std::string(DVRSIM_BINARY)}),
+              0);
+    EXPECT_EQ(Read("err"),
+              "dvrsim: '0' is not allowed after 'fault slow'; allowed is FACTOR (a whole number "
+              "from 1 to 100)\n");
+    EXPECT_NE(Read("out").find("\"state\": \"off\""), std::string::npos);
+    EXPECT_NE(Read("out").find("\n[dvr] reset\n"), std::string::npos);
+}
+
+TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
+    int cable = -1;
+    int device = -1;
+    const auto plug_in = [&] {
+        char path[128] = {};
+        EXPECT_EQ(openpty(&cable, &device, path, nullptr, nullptr), 0);
+        // A child that has it too would keep it alive.
+        fcntl(cable, F_SETFD, FD_CLOEXEC);
+        fcntl(device, F_SETFD, FD_CLOEXEC);
+        fs::remove(Path("tty"));
+        fs::create_symlink(path, Path("tty"));
+    };
+    plug_in();
+    const pid_t dvr = StartDvr({Path("tty"), "--speed", "50"});
+    termios settings{};
+    EXPECT_EQ(tcgetattr(cable, &settings), 0);
+    EXPECT_EQ(cfgetospeed(&settings), B460800);
+    EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS), tcflag_t{CS8});
+    EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U);
+    EXPECT_EQ(ReadBytes(cable, 10), kBooted);
+    close(cable);
+    close(device);
+    EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == false; }));
+    plug_in();
+    EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == true; }));
+    EXPECT_EQ(State()["line"]["settings"], "460800 baud, 8N1, no flow control");
+    Send("reset");
+    EXPECT_EQ(ReadBytes(cable, 10), kBooted);
+    kill(dvr, SIGINT);
+    EXPECT_EQ(Wait(dvr), 0);
+    EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device went away\n" +
+                                   "dvrsim: " + Path("tty") + ": the serial device is back\n");
+    close(cable);
+    close(device);
+}
+
+TEST_F(Dvrsim, WrongUsageIsOneLineAndStatusTwo) {
+    const std::vector<std::string> cases[] = {
+        {"--nope"},       {"/dev/a", "/dev/b"}, {"--speed", "0"},
+        {"--seed", "-1"}, {"--name", "a/b"},    {"--firmware", ""},
+        {"--send"},       {"--card", "/no"},    {"/dev/a", "--link", "/tmp/b"},
+    };
+    for (const std::vector<std::string>& arguments : cases) {
+        SCOPED_TRACE(arguments.front() + " " + arguments.back());
+        EXPECT_EQ(Run(DVRSIM_BINARY, arguments), 2);
+        const std::string said = Read("err");
+        EXPECT_TRUE(said.starts_with("dvrsim: ")) << said;
+        EXPECT_EQ(said.find('\n'), said.size() - 1) << said;
+        EXPECT_EQ(Read("out"), "");
+    }
+    // What cannot be done is one line too.
+    EXPECT_EQ(Run(DVRSIM_BINARY, {"/dev/no-such-tty"}), 1);
+    EXPECT_EQ(
+        Read("err"),
+        "dvrsim: /dev/no-such-tty: cannot open the serial device: No such file or directory\n");
+    EXPECT_EQ(Run(DVRSIM_BINARY, {"--link", Path("err")}), 1);
+    EXPECT_TRUE(fs::is_regular_file(Path("err"))) << "somebody's file";
+    EXPECT_EQ(Run(DVRSIM_BINARY, {"--help"}), 0);
+    EXPECT_NE(Read("out").find("--send"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+
+#include "tests/support/process.h"
+
+// The wizard's unit and the DVR as two processes with a serial line between them.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class OutsideDvr : public tests::Process {
+  protected:
+    void Command(const std::string& command) {
+        EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), 0) << Read("send-err");
+    }
+    // Waits for a picture of that screen.
+    bool Reached(const std::string& screen) {
+        return WaitUntil([&] {
+            std::error_code error;
+            for (const auto& entry : fs::directory_iterator(Path("screens"), error))
+                if (entry.path().filename().string().ends_with(screen + ".png"))
+                    return true;
+            return false;
+        });
+    }
+};
+
+TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
+    const std::string link = Path("line");
+    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "4"}, "dvr-");
+    ASSERT_TRUE(WaitUntil([&] { return fs::exists(link); }));
+    Command("update-time 6s");
+    const pid_t wizard =
+        Start(TOLVANE_BINARY, {"--auto", "--speed", "4", "--com9", link, "--reset-command",
+                               DVRSIM_BINARY " --send reset && echo reset >&2", "--screens",
+                               Path("screens"), "--log", Path("log")});
+    // The hands that a person has at the DVR.
+    ASSERT_TRUE(Reached("insert-card")) << Read("err");
+    // A card that is in when the DVR looks for one starts the update before it is asked for.
+    ASSERT_TRUE(WaitUntil([&] { return Read("err") == "reset\nreset\n"; })) << Read("err");
+    ASSERT_TRUE(WaitUntil([&] {
+        Command("state");
+        return Read("send-out").find("\"state\": \"normal\"") != std::string::npos;
+    }));
+    Command("card in");
+    ASSERT_TRUE(Reached("notice-remove-card")) << Read("err");
+    Command("card out");
+    EXPECT_EQ(Wait(wizard), 0) << Read("err");
+    EXPECT_EQ(Read("err"), "reset\nreset\nreset\nreset\n");
+    Command("state");
+    EXPECT_NE(Read("send-out").find("\"firmware\": \"14.09.01.V1.02.03\""), std::string::npos);
+    EXPECT_NE(Read("log").find("FW_Upgrade_Version_IND, Percent:100%\r\n"), std::string::npos);
+    kill(dvr, SIGTERM);
+    EXPECT_EQ(Wait(dvr), 0);
+}
+
+TEST_F(OutsideDvr, WithoutAResetCommandTheOperatorIsToldTo) {
+    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", Path("line"), "--speed", "20"}, "dvr-");
+    ASSERT_TRUE(WaitUntil([&] { return fs::exists(Path("line")); }));
+    const pid_t wizard = Start(TOLVANE_BINARY, {"--auto", "--speed", "20", "--com9", Path("line"),
+                                                "--screens", Path("screens")});
+    EXPECT_TRUE(WaitUntil([&] {
+        return Read("err") ==
+               "tolvane: The program resets the DVR: switch the DVR's power off and on.\n";
+    })) << Read("err");
+    kill(wizard, SIGTERM);
+    EXPECT_EQ(Wait(wizard), 1);
+    kill(dvr, SIGTERM);
+    EXPECT_EQ(Wait(dvr), 0);
+}
+
+}  // namespace
