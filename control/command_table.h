@@ -83,6 +83,7 @@ class CommandTable {
   private:
     static Grammar Patterns(const std::vector<Row>& rows) {
         std::vector<std::string_view> patterns;
+        patterns.reserve(rows.size());
         for (const Row& row : rows)
             patterns.push_back(row.pattern);
         return Grammar(patterns);
