@@ -30,11 +30,11 @@ class OutsideDvr : public tests::Process {
 
 TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
     const std::string link = Path("line");
-    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "4"}, "dvr-");
+    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "3"}, "dvr-");
     ASSERT_TRUE(WaitUntil([&] { return fs::exists(link); }));
     Command("update-time 6s");
     const pid_t wizard =
-        Start(TOLVANE_BINARY, {"--auto", "--speed", "4", "--com9", link, "--reset-command",
+        Start(TOLVANE_BINARY, {"--auto", "--speed", "3", "--com9", link, "--reset-command",
                                DVRSIM_BINARY " --send reset && echo reset >&2", "--screens",
                                Path("screens"), "--log", Path("log")});
     // The hands that a person has at the DVR.
