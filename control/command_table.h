@@ -65,15 +65,18 @@ class CommandTable {
         return Command{&row, std::move(match->values)};
     }
 
-    // Reads and follows one line; an empty line or a comment does nothing.
-    Outcome Follow(Target& target, std::string_view line) const {
+    // Reads and follows one line; an empty line or a comment does nothing. Relative paths start
+    // from the folder, where one is told.
+    Outcome Follow(Target& target, std::string_view line, const std::string& folder = {}) const {
         std::string problem;
         const auto words = SplitWords(line, problem);
         if (!words)
             return Refused(problem);
         if (words->empty())
             return Done();
-        const auto command = Read(*words, problem);
+        auto command = Read(*words, problem);
+        if (command && !folder.empty())
+            command->values.StartPathsFrom(folder);
         return command ? command->Follow(target) : Refused(problem);
     }
 

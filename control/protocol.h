@@ -8,8 +8,9 @@ namespace control {
 
 // What goes over a control socket, both ways in lines of UTF-8 text.
 //
-// A request is one line of the command language. Lines that begin with | before it carry a text
-// for it, a line of the text each (a scenario for `run`).
+// A request is one line of the command language. Before it may stand a line that begins with @ and
+// tells the folder that paths in the request start from, and lines that begin with | and carry a
+// text for it, a line of the text each (a scenario for `run`).
 //
 // The answer is any number of lines and, at the end, the outcome; only then the next request is
 // read. Some requests (`watch`) have no end of their own: the client hangs up.
@@ -20,9 +21,11 @@ namespace control {
 //     -PROBLEM   refused, and why
 struct Request {
     std::string line;
-    std::string text;  // each of its lines ended by \n
+    std::string text = {};    // each of its lines ended by \n
+    std::string folder = {};  // absolute, or empty when the client told none
 };
 
+inline constexpr char kFolderMark = '@';
 inline constexpr char kTextMark = '|';
 inline constexpr char kLostMark = '!';
 inline constexpr char kDoneMark = '+';

@@ -12,7 +12,7 @@
 namespace control {
 namespace {
 
-constexpr mode_t kUserOnly = 0700;
+constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kOthers = 0077;
 constexpr std::size_t kLongestName = 32;
 
@@ -46,7 +46,7 @@ std::string Danger(int folder) {
 
 std::optional<RuntimeFolder> RuntimeFolder::Open(std::string& problem) {
     std::string path = Place();
-    if (mkdir(path.c_str(), kUserOnly) != 0 && errno != EEXIST) {
+    if (mkdir(path.c_str(), kFolderMode) != 0 && errno != EEXIST) {
         problem = path + ": cannot make the folder: " + std::strerror(errno);
         return std::nullopt;
     }

@@ -72,6 +72,8 @@ std::optional<SocketClient> SocketClient::Connect(const std::string& name, Limit
 
 bool SocketClient::Send(const Request& request, Limit limit) {
     std::string message;
+    if (!request.folder.empty())
+        message += kFolderMark + request.folder + '\n';
     ForEachLine(request.text, [&](std::string_view line) {
         message += kTextMark;
         message += line;
@@ -130,10 +132,10 @@ SocketClient::Reply SocketClient::Receive(Limit limit) {
 }
 
 ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char* teller,
-                       std::FILE* out, std::FILE* errors) {
-    client.Send(request, std::nullopt);
+                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
+    client.Send(request, limit);
     for (;;) {
-        const Reply reply = client.Receive(std::nullopt);
+        const Reply reply = client.Receive(limit);
         switch (reply.kind) {
             case Reply::Kind::kLine:
                 std::fprintf(out, "%s\n", reply.text.c_str());

@@ -52,8 +52,9 @@ class SocketClient {
 };
 
 // Sends the request and prints the answer: its lines on `out`, problems on `errors` in lines that
-// begin with `teller` (the command's name). Returns how the command is to end.
+// begin with `teller` (the command's name). `limit` is how long it waits for each line. Returns how
+// the command is to end.
 ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char* teller,
-                       std::FILE* out, std::FILE* errors);
+                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors);
 
 }  // namespace control

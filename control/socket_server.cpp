@@ -34,12 +34,18 @@ SocketServer::~SocketServer() {
 void SocketServer::HandleReady() {
     std::array<epoll_event, kMostClients + 1> ready;
     const int count = epoll_wait(poll_.get(), ready.data(), static_cast<int>(ready.size()), 0);
-    for (int i = 0; i < count; ++i) {
-        if (ready[i].data.u64 == kListener)
-            Accept();
-        else
-            Handle(ready[i].data.u64, ready[i].events);
+    std::vector<Call> calls;
+    {
+        const std::scoped_lock lock(mutex_);
+        for (int i = 0; i < count; ++i) {
+            if (ready[i].data.u64 == kListener)
+                Accept();
+            else
+                Handle(ready[i].data.u64, ready[i].events, calls);
+        }
     }
+    for (const Call& call : calls)
+        call();
 }
 
 void SocketServer::Accept() {
@@ -58,20 +64,23 @@ void SocketServer::Accept() {
     clients_.erase(id);
 }
 
-void SocketServer::Handle(ClientId id, std::uint32_t ready) {
-    Client* const client = Find(id);
-    if (!client)
+void SocketServer::Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls) {
+    const auto found = clients_.find(id);
+    if (found == clients_.end())
         return;
+    Client& client = found->second;
     if ((ready & EPOLLIN) != 0)
-        Receive(*client);
-    FollowRequests(id, *client);
-    Send(*client);
-    const bool over = (client->input_ended && !client->answering) || client->closing;
+        Receive(client);
+    if (std::optional<Request> request = NextRequest(client))
+        calls.push_back(
+            [this, id, request = *std::move(request)] { handlers_.request(id, request); });
+    Send(client);
+    const bool over = client.closing || (client.input_ended && !client.answering);
     const bool hung_up = (ready & kHungUp) != 0 && (ready & EPOLLIN) == 0;
-    if (hung_up || (over && client->output.empty()))
-        Drop(id, *client);
-    else
-        Watch(id, *client);
+    if (!hung_up && !(over && client.output.empty()))
+        return Watch(id, client);
+    calls.push_back([this, id] { handlers_.left(id); });
+    clients_.erase(found);
 }
 
 void SocketServer::Receive(Client& client) {
@@ -83,34 +92,42 @@ void SocketServer::Receive(Client& client) {
         client.input_ended = true;
 }
 
-void SocketServer::FollowRequests(ClientId id, Client& client) {
-    while (TakesRequests(client)) {
+std::optional<Request> SocketServer::NextRequest(Client& client) {
+    std::optional<Request> request;
+    while (!request && TakesRequests(client)) {
         const std::size_t end = client.input.find('\n');
-        if (std::min(end, client.input.size()) > kLongestLine)
-            return Refuse(client, "a line is too long; at most " + std::to_string(kLongestLine) +
-                                      " bytes are allowed");
+        if (std::min(end, client.input.size()) > kLongestLine) {
+            Refuse(client, "a line is too long; at most " + std::to_string(kLongestLine) +
+                               " bytes are allowed");
+            break;
+        }
         if (end == std::string::npos)
-            return;
+            break;
         std::string line = client.input.substr(0, end);
         client.input.erase(0, end + 1);
-        if (line.ends_with('\r'))
-            line.pop_back();
-        TakeLine(id, client, line);
+        request = TakeLine(client, std::move(line));
     }
+    return request;
 }
 
-void SocketServer::TakeLine(ClientId id, Client& client, const std::string& line) {
-    if (!IsPlainText(line))
-        return Refuse(client, "a line is not plain UTF-8 text");
-    if (line.starts_with(kTextMark)) {
-        if (client.text.size() + line.size() > kLongestText)
-            return Refuse(client, "the text is too long; at most " + std::to_string(kLongestText) +
-                                      " bytes are allowed");
-        client.text += line.substr(1) + '\n';
-        return;
+std::optional<Request> SocketServer::TakeLine(Client& client, std::string line) {
+    if (line.ends_with('\r'))
+        line.pop_back();
+    if (!IsPlainText(line)) {
+        Refuse(client, "a line is not plain UTF-8 text");
+    } else if (line.starts_with(kFolderMark)) {
+        client.next.folder = line.substr(1);
+    } else if (!line.starts_with(kTextMark)) {
+        client.answering = true;
+        client.next.line = std::move(line);
+        return std::exchange(client.next, {});
+    } else if (client.next.text.size() + line.size() > kLongestText) {
+        Refuse(client, "the text is too long; at most " + std::to_string(kLongestText) +
+                           " bytes are allowed");
+    } else {
+        client.next.text += line.substr(1) + '\n';
     }
-    client.answering = true;
-    handlers_.request(id, {line, std::exchange(client.text, {})});
+    return std::nullopt;
 }
 
 void SocketServer::Refuse(Client& client, std::string_view problem) {
@@ -120,19 +137,21 @@ void SocketServer::Refuse(Client& client, std::string_view problem) {
 }
 
 void SocketServer::Line(ClientId id, std::string_view text) {
-    Client* const client = Find(id);
-    if (!client || !client->answering)
+    const std::scoped_lock lock(mutex_);
+    Client* const client = FindAsker(id);
+    if (!client)
         return;
     ForEachLine(text, [&](std::string_view line) { Append(*client, line); });
     Watch(id, *client);
 }
 
 void SocketServer::End(ClientId id, const Outcome& outcome) {
-    Client* const client = Find(id);
-    if (!client || !client->answering)
+    const std::scoped_lock lock(mutex_);
+    Client* const client = FindAsker(id);
+    if (!client)
         return;
     if (outcome.done)
-        Line(id, outcome.text);
+        ForEachLine(outcome.text, [&](std::string_view line) { Append(*client, line); });
     TellLost(*client);
     std::string last = outcome.done ? std::string(1, kDoneMark) : kRefusedMark + outcome.text;
     std::ranges::replace(last, '\n', ' ');
@@ -186,11 +205,11 @@ bool SocketServer::TakesRequests(const Client& client) {
 }
 
 void SocketServer::Watch(ClientId id, Client& client) {
-    const bool reads = TakesRequests(client) && !client.input_ended;
-    // Being writable is the sign to go on where no more input will come: with requests that were
+    const bool line_left = client.input.find('\n') != std::string::npos;
+    const bool reads = TakesRequests(client) && !client.input_ended && !line_left;
+    // Being writable is the sign to go on where no more input is asked for: with requests that were
     // received already, and to the end.
-    const bool goes_on = !client.answering && (client.closing || client.input_ended ||
-                                               client.input.find('\n') != std::string::npos);
+    const bool goes_on = !client.answering && (client.closing || client.input_ended || line_left);
     const std::uint32_t watched =
         (reads ? EPOLLIN : 0U) | (goes_on || !client.output.empty() ? EPOLLOUT : 0U);
     if (watched == client.watched)
@@ -200,16 +219,9 @@ void SocketServer::Watch(ClientId id, Client& client) {
     epoll_ctl(poll_.get(), EPOLL_CTL_MOD, client.socket.get(), &event);
 }
 
-void SocketServer::Drop(ClientId id, const Client& client) {
-    const bool left = client.answering;
-    clients_.erase(id);
-    if (left)
-        handlers_.left(id);
-}
-
-SocketServer::Client* SocketServer::Find(ClientId id) {
+SocketServer::Client* SocketServer::FindAsker(ClientId id) {
     const auto found = clients_.find(id);
-    return found == clients_.end() ? nullptr : &found->second;
+    return found == clients_.end() || !found->second.answering ? nullptr : &found->second;
 }
 
 }  // namespace control

@@ -4,8 +4,11 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "control/command_table.h"
 #include "control/descriptor.h"
@@ -16,15 +19,19 @@ namespace control {
 
 // Answers requests on a control socket (protocol.h). It has no thread: whoever owns it waits for
 // its descriptor and calls HandleReady. No client makes it wait, and what it keeps for one is
-// bounded. One thread.
+// bounded.
+//
+// One thread owns it and calls everything but Line and End, which any thread may call, with locks
+// of its own held: they take the server's lock and no other.
 class SocketServer {
   public:
     using ClientId = std::uint64_t;
 
+    // Called by HandleReady, without the server's lock.
     struct Handlers {
         // To be answered by any number of Line and then End, during the call or later.
         std::function<void(ClientId, const Request&)> request;
-        // A client hung up while its request was being answered.
+        // A client has gone: what is still being done for it may stop.
         std::function<void(ClientId)> left;
     };
 
@@ -53,7 +60,7 @@ class SocketServer {
     struct Client {
         Descriptor socket;
         std::string input;   // received, not yet a whole line
-        std::string text;    // of the request to come
+        Request next;        // what was told ahead of the request
         std::string output;  // to be sent
         std::size_t lost = 0;
         bool answering = false;
@@ -63,22 +70,25 @@ class SocketServer {
     };
 
     static bool TakesRequests(const Client& client);
+    using Call = std::function<void()>;
+
     void Accept();
-    void Handle(ClientId id, std::uint32_t ready);
+    // Appends the handlers' calls that are due.
+    void Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls);
     void Receive(Client& client);
-    void FollowRequests(ClientId id, Client& client);
-    void TakeLine(ClientId id, Client& client, const std::string& line);
+    std::optional<Request> NextRequest(Client& client);
+    std::optional<Request> TakeLine(Client& client, std::string line);
     void Refuse(Client& client, std::string_view problem);
     void Append(Client& client, std::string_view line);
     void TellLost(Client& client);
     void Send(Client& client);
     void Watch(ClientId id, Client& client);
-    void Drop(ClientId id, const Client& client);
-    Client* Find(ClientId id);
+    Client* FindAsker(ClientId id);
 
     SocketClaim claim_;
     const Handlers handlers_;
     Descriptor poll_;
+    std::mutex mutex_;
     std::map<ClientId, Client> clients_;
     ClientId last_id_ = 0;
 };

@@ -144,6 +144,12 @@ std::optional<std::vector<std::uint8_t>> ReadBytes(std::string_view word) {
     return bytes;
 }
 
+void Values::StartPathsFrom(const std::string& folder) {
+    for (auto& [name, value] : values_)
+        if ((name == "FILE" || name == "FOLDER") && !value.starts_with('/'))
+            value.insert(0, folder + "/");
+}
+
 std::string Values::Text(std::string_view name) const {
     const auto found = values_.find(name);
     return found == values_.end() ? std::string() : found->second;

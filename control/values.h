@@ -45,6 +45,9 @@ class Values {
                                        std::chrono::microseconds otherwise = {}) const;
     std::vector<std::uint8_t> Bytes(std::string_view name) const;
 
+    // Makes relative paths (FILE, FOLDER) start from that folder.
+    void StartPathsFrom(const std::string& folder);
+
   private:
     friend class Grammar;
 

@@ -52,7 +52,7 @@ DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
       desk_{dvr_, timers_, *line_, cards_},
       server_(std::move(claim),
               {[this](control::SocketServer::ClientId id, const control::Request& request) {
-                   server_.End(id, DeskCommands().Follow(desk_, request.line));
+                   server_.End(id, DeskCommands().Follow(desk_, request.line, request.folder));
                },
                [](control::SocketServer::ClientId) {}}),
       signals_(TakeEndSignals()) {

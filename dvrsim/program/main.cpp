@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "control/socket_client.h"
 #include "dvrsim/program/command_line.h"
@@ -23,7 +24,10 @@ int Send(const std::string& name, const std::string& command) {
         Say(nobody ? "no dvrsim named " + name + " is running" : problem);
         return control::kExitNobodyThere;
     }
-    return control::PrintAnswer(*client, {command, {}}, "dvrsim", stdout, stderr);
+    std::error_code ignored;
+    const control::Request request{.line = command,
+                                   .folder = std::filesystem::current_path(ignored).string()};
+    return control::PrintAnswer(*client, request, "dvrsim", kAnswerLimit, stdout, stderr);
 }
 
 int Run(const CommandLine& command_line) {

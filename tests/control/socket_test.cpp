@@ -36,7 +36,7 @@ class Sockets : public RuntimeTest {
             watcher_ = id;
             return;
         }
-        server_->Line(id, "got " + request.line);
+        server_->Line(id, "got " + request.line + request.folder);
         server_->End(id, Done(request.text));
     }
 
@@ -94,6 +94,7 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
         {"one\r\ntwo\n\n", "|got one\n+\n|got two\n+\n|got \n+\n"},
         {"no\nyes\n", "-not that really\n|got yes\n+\n"},
         {"|first\n||second\n|\nrun\nrun\n", "|got run\n|first\n||second\n|\n+\n|got run\n+\n"},
+        {"@/home\n|text\ncard\ncard\n", "|got card/home\n|text\n+\n|got card\n+\n"},
         {"gr\xC3\xBC\xC3\x9F\xF0\x9F\x9A\x97\tGott\n",
          "|got gr\xC3\xBC\xC3\x9F\xF0\x9F\x9A\x97\tGott\n+\n"},
         {longest + "\n", "|got " + longest + "\n+\n"},
@@ -127,7 +128,7 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
 TEST_F(Sockets, ALateAnswerReachesTheClientThatAskedAndOthersAreServedMeanwhile) {
     SocketClient slow = Client();
     SocketClient quick = Client();
-    slow.Send({"later", ""}, 1s);
+    slow.Send({"later"}, 1s);
     Serve();
     EXPECT_EQ(Exchange(quick, "one\n"), "|got one\n+\n");
     EXPECT_EQ(Exchange(slow, "next\n"), "");
@@ -139,7 +140,7 @@ TEST_F(Sockets, ALateAnswerReachesTheClientThatAskedAndOthersAreServedMeanwhile)
 TEST_F(Sockets, HangingUpIsNoticedAndWhatWasAskedBeforeIsStillDone) {
     {
         SocketClient watcher = Client();
-        watcher.Send({"watch", ""}, 1s);
+        watcher.Send({"watch"}, 1s);
         Serve();
         EXPECT_EQ(left_, std::vector<Id>{});
     }
@@ -148,14 +149,14 @@ TEST_F(Sockets, HangingUpIsNoticedAndWhatWasAskedBeforeIsStillDone) {
     server_->Line(watcher_, "nobody hears");
 
     SocketClient half = Client();
-    half.Send({"one", ""}, 1s);
+    half.Send({"one"}, 1s);
     shutdown(half.descriptor(), SHUT_WR);
     EXPECT_EQ(Exchange(half, ""), "|got one\n+\n*");
 }
 
 TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
     SocketClient watcher = Client();
-    watcher.Send({"watch", ""}, 1s);
+    watcher.Send({"watch"}, 1s);
     Serve();
     constexpr int kLines = 40'000;
     const std::string padding(200, '.');
@@ -212,7 +213,7 @@ TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
     std::string problem;
     bool nobody = false;
     SocketClient client = Client();
-    client.Send({"later", ""}, 1s);
+    client.Send({"later"}, 1s);
     EXPECT_EQ(client.Receive(20ms).kind, Kind::kLate);
     EXPECT_FALSE(SocketClient::Connect("other", 1s, nobody, problem));
     EXPECT_TRUE(nobody);

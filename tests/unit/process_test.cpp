@@ -50,10 +50,18 @@ TEST_F(Process, AutoSaysWhereAFailedWalkStood) {
 }
 
 TEST_F(Process, WrongOptionsAreOneLineAndStatusTwo) {
-    const std::vector<std::string> cases[] = {
-        {"--nope"},         {"extra"},           {"--com9", "foo"},          {"--speed", "0"},
-        {"--speed", "1e9"}, {"--speed", "fast"}, {"--seed", "-1"},           {"--seed", "3x"},
-        {"--card", "/no"},  {"--log"},           {"--reset-command", "true"}};
+    const std::vector<std::string> cases[] = {{"--nope"},
+                                              {"extra"},
+                                              {"--com9", "foo"},
+                                              {"--speed", "0"},
+                                              {"--speed", "1e9"},
+                                              {"--speed", "fast"},
+                                              {"--seed", "-1"},
+                                              {"--seed", "3x"},
+                                              {"--card", "/no"},
+                                              {"--log"},
+                                              {"--reset-command", "true"},
+                                              {"--unit", "a/b"}};
     for (const std::vector<std::string>& arguments : cases) {
         SCOPED_TRACE(arguments.front() + " " + arguments.back());
         EXPECT_EQ(Run(arguments), 2);

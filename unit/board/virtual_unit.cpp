@@ -69,6 +69,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
 VirtualUnit::~VirtualUnit() {
     window::End();
     dvr_.reset();
+    power_coordinator_.LetGo();
     kernel::Shutdown();
 }
 
@@ -113,6 +114,7 @@ bool VirtualUnit::Close(std::chrono::seconds limit) {
     // An application that has only begun to start has no window to close yet: ask again.
     const bool all_ended = CloseUntil(
         CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale_);
+    power_coordinator_.LetGo();
     const std::pair<const char*, std::size_t> counts[] = {
         {"threads", kernel::ThreadCount()},
         {"handles", kernel::HandleCount() - ProgramHost::HandlesKept()},

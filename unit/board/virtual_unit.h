@@ -14,6 +14,7 @@
 #include "platform/window/screen.h"
 #include "unit/board/debug_log.h"
 #include "unit/board/driver_shelf.h"
+#include "unit/board/power_coordinator.h"
 #include "unit/board/program_host.h"
 #include "unit/devices/dvr_bay.h"
 #include "unit/devices/scaler.h"
@@ -60,6 +61,7 @@ class VirtualUnit final : public platform::Board {
     // Everything that happens at the unit's edges. Any thread.
     EventHub& events() { return events_; }
     DriverShelf& drivers() { return drivers_; }
+    PowerCoordinator& power_coordinator() { return power_coordinator_; }
     ProgramHost& program() { return program_; }
     DvrBay& dvr() { return *dvr_; }
     Scaler& scaler() { return *scaler_; }
@@ -126,6 +128,7 @@ class VirtualUnit final : public platform::Board {
     std::unique_ptr<DvrBay> dvr_;
 
     DriverShelf drivers_{events_};
+    PowerCoordinator power_coordinator_{events_};
 
     mutable std::mutex mutex_;
     platform::PowerSupply supply_;

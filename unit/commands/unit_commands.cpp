@@ -9,8 +9,8 @@ namespace unit {
 const UnitTable& UnitCommands() {
     static const UnitTable table([] {
         UnitRows all;
-        for (const auto rows :
-             {FingerRows, CardRows, DvrRows, PowerRows, DriverRows, LineRows, LookRows})
+        for (const auto rows : {FingerRows, CardRows, DvrRows, PowerRows, RequestRows, DriverRows,
+                                LineRows, LookRows})
             std::ranges::move(rows(), std::back_inserter(all));
         return all;
     }());

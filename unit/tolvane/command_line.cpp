@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "control/runtime_folder.h"
+
 namespace unit {
 namespace {
 
@@ -42,6 +44,13 @@ CLI::Validator Within(Number least, Number most, const std::string& allowed) {
             return "'" + value + "' is not allowed; allowed is " + allowed;
         },
         "");
+}
+
+std::string CheckUnit(const std::string& value) {
+    if (control::IsSocketName(value))
+        return {};
+    return "'" + value + "' is not allowed; allowed are " +
+           std::string(control::kSocketNameAllowed);
 }
 
 std::string CheckFolder(const std::string& value) {
@@ -103,6 +112,12 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         ->type_name("DIR");
     app.add_option("--log", command_line.log, "File that takes the program's debug output")
         ->type_name("FILE");
+    app.add_option(
+           "--unit", command_line.unit,
+           "Name of this unit (default unit), for unitctl --unit NAME and for several units "
+           "side by side")
+        ->check(CheckUnit)
+        ->type_name("NAME");
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {

@@ -20,6 +20,7 @@ struct CommandLine {
     std::uint32_t seed = 1;
     std::string screens;
     std::string log;
+    std::string unit = "unit";
 };
 
 // Reads the command line. On --help and on a wrong option or value it has printed what is to be

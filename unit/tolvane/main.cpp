@@ -11,6 +11,8 @@
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "unit/board/virtual_unit.h"
+#include "unit/control/control_server.h"
+#include "unit/state/unit_state.h"
 #include "unit/tolvane/auto_user.h"
 #include "unit/tolvane/command_line.h"
 #include "unit/tolvane/signals.h"
@@ -109,6 +111,10 @@ int RunInWindow(VirtualUnit& unit, const std::string& card, const CloseSignals& 
     return CloseInOrder(unit) ? unit.program().exit_code() : kFailed;
 }
 
+ControlServer::Abilities ControlAbilities(VirtualUnit& unit) {
+    return {.state = [&unit] { return StateJson(unit); }, .run = {}};
+}
+
 int Run(CommandLine command_line) {
     const CloseSignals signals;
     if (!command_line.automatic && !command_line.headless) {
@@ -137,6 +143,10 @@ int Run(CommandLine command_line) {
     {
         VirtualUnit unit(UnitOptions(command_line), {RunProgram, res::ProgramResources()}, log,
                          Say);
+        Operator hands(unit, card);
+        std::optional<ControlServer> control;
+        if (!IsSimulated(command_line))
+            control.emplace(hands, command_line.unit, ControlAbilities(unit), Say);
         if (command_line.automatic)
             status = RunAutomatically(unit, command_line, card, signals);
         else if (command_line.headless)

@@ -1,0 +1,147 @@
+#include <nlohmann/json.hpp>
+
+#include <signal.h>
+
+#include <filesystem>
+
+#include "tests/support/process.h"
+
+// The built unitctl against running units.
+
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+class Unitctl : public tests::Process {
+  protected:
+    // Returns when the unit's window stands.
+    pid_t StartUnit(Words more = {}, const std::string& prefix = "unit-") {
+        Words arguments = {"--headless", "--speed", "10"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const pid_t unit = Start(TOLVANE_BINARY, arguments, prefix);
+        EXPECT_TRUE(WaitUntil([&] {
+            return Read(prefix + "out").find("---CMainFrame::OnCreate") != std::string::npos;
+        })) << Read(prefix + "err");
+        return unit;
+    }
+    int Ctl(const Words& arguments) { return Wait(Start(UNITCTL_BINARY, arguments, "ctl-")); }
+    nlohmann::json State(Words options = {}) {
+        options.push_back("state");
+        EXPECT_EQ(Ctl(options), 0) << Read("ctl-err");
+        return nlohmann::json::parse(Read("ctl-out"));
+    }
+};
+
+TEST_F(Unitctl, SaysInOneLineWhatIsWrong) {
+    const struct {
+        Words arguments;
+        int status;
+        const char* said;
+    } cases[] = {
+        {{"state"}, 3, "no unit is running; start one with: tolvane"},
+        {{"--unit", "other", "state"}, 3, "no unit is running as 'other'; start one with: tolvane"},
+        {{"run", "/no/such/file"}, 2, "/no/such/file: No such file or directory"},
+        {{}, 2, "a command is missing; unitctl --help tells what there is"},
+        {{"--nope"}, 2, "'--nope' is not allowed; unitctl --help tells what there is"},
+        {{"--unit", "../x", "state"},
+         2,
+         "--unit: '../x' is not allowed; allowed are up to 32 letters, digits, '-' and '_', such "
+         "as bench-2"},
+        {{"tap", "\xFF"}, 2, "the command is not plain UTF-8 text, or too long"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Ctl(c.arguments), c.status);
+        EXPECT_EQ(Read("ctl-err"), std::string("unitctl: ") + c.said + "\n");
+        EXPECT_EQ(Read("ctl-out"), "");
+    }
+    EXPECT_EQ(Ctl({"--help"}), 0);
+    EXPECT_NE(Read("ctl-out").find("request suspend"), std::string::npos);
+}
+
+TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
+    const pid_t unit = StartUnit();
+    const pid_t watcher = Start(UNITCTL_BINARY, {"watch", "all"}, "watch-");
+    // The watch has begun when something was heard.
+    ASSERT_TRUE(WaitUntil([&] {
+        Ctl({"press", "at", "1", "1"});
+        Ctl({"release"});
+        return !Read("watch-out").empty();
+    }));
+
+    for (const char* request : {"suspend", "resume", "off"}) {
+        EXPECT_EQ(Ctl({"request", request}), 0) << Read("ctl-err");
+        EXPECT_TRUE(Read("ctl-out").ends_with(std::string("  ") + request + " acknowledged\n"));
+    }
+    EXPECT_EQ(Ctl({"tap", "Power On"}), 0) << Read("ctl-err");
+    EXPECT_EQ(Ctl({"power", "off"}), 0);
+    EXPECT_EQ(Ctl({"battery", "40", "flag", "2"}), 0);
+    fs::create_directory(Path("my card"));
+    fs::current_path(Path(""));
+    EXPECT_EQ(Ctl({"card", "in", "my card"}), 0) << Read("ctl-err");
+    EXPECT_EQ(Ctl({"screenshot", "screen.png"}), 0) << Read("ctl-err");
+    EXPECT_GT(fs::file_size(Path("screen.png")), 1000U);
+    EXPECT_EQ(Ctl({"help"}), 0);
+    EXPECT_NE(Read("ctl-out").find("\nscreenshot FILE\n"), std::string::npos);
+    EXPECT_EQ(Ctl({"card", "in"}), 1);
+    EXPECT_EQ(Read("ctl-err"), "unitctl: a card is in already; take it out first\n");
+
+    const nlohmann::json state = State();
+    EXPECT_GT(state["time"], 20.0);
+    EXPECT_EQ(state["power"]["external"], false);
+    EXPECT_EQ(state["power"]["battery_percent"], 40);
+    EXPECT_EQ(state["wizard"]["step"], -1);
+    EXPECT_EQ(state["dvr"]["plugged"], true);
+    EXPECT_GT(state["program"]["threads"], 3);
+    EXPECT_FALSE(state["screen"]["texts"].empty());
+    EXPECT_EQ(state["scaler"]["window"]["place"].size(), 4U);
+
+    EXPECT_TRUE(WaitUntil([&] {
+        return Read("watch-out").find("card       in " + Path("my card")) != std::string::npos;
+    }));
+    const std::string heard = Read("watch-out");
+    std::size_t at = 0;
+    for (const char* part : {"request    _KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
+                             "broadcast  _KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_ 0",
+                             "PowerResume_Acknowledge_", "PowerOFF_Acknowledge_",
+                             "power      off, battery 40 % flag 2"}) {
+        at = heard.find(part, at);
+        EXPECT_NE(at, std::string::npos) << part << " is not in its place in\n" << heard;
+    }
+    kill(unit, SIGTERM);
+    EXPECT_EQ(Wait(unit), 0);
+    EXPECT_EQ(Wait(watcher), 3);
+    EXPECT_EQ(Read("watch-err"), "unitctl: the other end has hung up\n");
+    EXPECT_FALSE(fs::exists(Path("tolvane/unit.sock")));
+}
+
+TEST_F(Unitctl, UnitsWithNamesLiveSideBySideAndADeadOneIsNotInTheWay) {
+    const pid_t first = StartUnit();
+    const pid_t second = StartUnit({"--unit", "bench-2"}, "second-");
+    EXPECT_EQ(Ctl({"--unit", "bench-2", "power", "off"}), 0) << Read("ctl-err");
+    EXPECT_EQ(State()["power"]["external"], true);
+    EXPECT_EQ(State({"--unit", "bench-2"})["power"]["external"], false);
+    kill(first, SIGKILL);
+    EXPECT_EQ(Wait(first), -SIGKILL);
+    EXPECT_EQ(Ctl({"state"}), 3);
+    const pid_t third = StartUnit({}, "third-");
+    EXPECT_EQ(State()["power"]["external"], true);
+    for (const pid_t unit : {second, third}) {
+        kill(unit, SIGTERM);
+        EXPECT_EQ(Wait(unit), 0);
+    }
+}
+
+TEST_F(Unitctl, AnUnsafeRuntimeFolderCostsTheSocketAlone) {
+    fs::create_directory(Path("tolvane"));
+    fs::permissions(Path("tolvane"), fs::perms::all);
+    const pid_t unit = StartUnit();
+    EXPECT_EQ(Read("unit-err"),
+              "tolvane: no control socket: " + Path("tolvane") +
+                  ": the folder is open to other users; it must have the permissions 0700\n");
+    EXPECT_EQ(Ctl({"state"}), 3);
+    kill(unit, SIGTERM);
+    EXPECT_EQ(Wait(unit), 0);
+}
+
+}  // namespace

@@ -1,0 +1,123 @@
+#include "unit/control/control_server.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+
+#include <iterator>
+
+#include "platform/kernel/scheduler.h"
+#include "unit/commands/unit_commands.h"
+
+namespace unit {
+
+namespace kernel = platform::kernel;
+using control::Done;
+using control::Refused;
+
+namespace {
+
+// Between two tries to claim the socket, in milliseconds of the host.
+constexpr int kClaimAgain = 200;
+
+}  // namespace
+
+ControlServer::ControlServer(Operator& hands, const std::string& name, Abilities abilities,
+                             std::function<void(const std::string&)> say)
+    : hands_(hands),
+      name_(name),
+      abilities_(std::move(abilities)),
+      say_(std::move(say)),
+      stop_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (Claim())
+        thread_ = std::thread([this] { Work(); });
+}
+
+ControlServer::~ControlServer() {
+    *alive_ = false;
+    if (thread_.joinable()) {
+        eventfd_write(stop_.get(), 1);
+        thread_.join();
+    }
+    watches_.clear();
+    for (const auto& [client, answer] : answers_)
+        answer->Abandon();
+}
+
+// False when there never will be a socket.
+bool ControlServer::Claim() {
+    std::string problem;
+    bool taken = false;
+    std::optional<control::SocketClaim> claim = control::SocketClaim::Make(name_, taken, problem);
+    if (!claim) {
+        if (!taken)
+            say_("no control socket: " + problem);
+        return taken;
+    }
+    server_ = std::make_unique<control::SocketServer>(
+        *std::move(claim),
+        control::SocketServer::Handlers{
+            [this](ClientId client, const control::Request& request) { Take(client, request); },
+            [this](ClientId client) { Leave(client); }});
+    claimed_ = true;
+    return true;
+}
+
+void ControlServer::Work() {
+    for (;;) {
+        pollfd watched[] = {{stop_.get(), POLLIN, 0},
+                            {server_ ? server_->descriptor() : -1, POLLIN, 0}};
+        poll(watched, std::size(watched), server_ ? -1 : kClaimAgain);
+        if (watched[0].revents != 0)
+            return;
+        if (server_)
+            server_->HandleReady();
+        else if (!Claim())
+            return;
+    }
+}
+
+void ControlServer::Take(ClientId client, const control::Request& request) {
+    Leave(client);
+    auto answer = std::make_shared<Answer>(*server_, client);
+    std::string problem;
+    const auto words = control::SplitWords(request.line, problem);
+    if (!words)
+        return answer->End(Refused(problem));
+    if (words->empty())
+        return answer->End(Done());
+    auto match = AllCommands().Read(*words, problem);
+    if (!match)
+        return answer->End(Refused(problem));
+    if (!request.folder.empty())
+        match->values.StartPathsFrom(request.folder);
+    answers_[client] = answer;
+    const Job job{client, request, std::move(match->values), std::move(answer)};
+    const std::size_t own = OwnCommands().size();
+    if (match->pattern < own)
+        return (this->*OwnCommands()[match->pattern].start)(job);
+    const UnitTable::Row& row = UnitCommands().rows()[match->pattern - own];
+    if (row.check)
+        problem = row.check(job.values);
+    if (!problem.empty())
+        return job.answer->End(Refused(problem));
+    Post([this, &row, job] { Follow(row, job); });
+}
+
+// Of the client's last request nothing goes on.
+void ControlServer::Leave(ClientId client) {
+    watches_.erase(client);
+    const auto found = answers_.find(client);
+    if (found == answers_.end())
+        return;
+    found->second->Abandon();
+    answers_.erase(found);
+}
+
+void ControlServer::Post(std::function<void()> action) {
+    kernel::At(kernel::Now(), [alive = alive_, action = std::move(action)] {
+        if (*alive)
+            action();
+    });
+}
+
+}  // namespace unit

@@ -1,0 +1,87 @@
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "control/runtime_folder.h"
+#include "control/socket_client.h"
+#include "control/words.h"
+#include "unitctl/command_line.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using control::Request;
+
+constexpr auto kConnectLimit = 5s;
+// What the unit does at once, it does long before.
+constexpr auto kAnswerLimit = 60s;
+
+void Say(const std::string& line) {
+    std::fprintf(stderr, "unitctl: %s\n", line.c_str());
+}
+
+// Reads the whole scenario; false with one line in `problem`.
+bool ReadText(const std::string& file, std::string& text, std::string& problem) {
+    const bool standard_input = file == "-";
+    errno = 0;
+    std::FILE* const input = standard_input ? stdin : std::fopen(file.c_str(), "r");
+    std::size_t count = 0;
+    char buffer[4096];
+    while (input && (count = std::fread(buffer, 1, sizeof buffer, input)) > 0 &&
+           text.size() <= control::kLongestText)
+        text.append(buffer, count);
+    const int error = errno;
+    const bool failed = !input || std::ferror(input) != 0;
+    if (input && !standard_input)
+        std::fclose(input);
+    if (failed)
+        problem = file + ": " + std::strerror(error);
+    else if (text.size() > control::kLongestText)
+        problem = file + ": too long; at most " + std::to_string(control::kLongestText) +
+                  " bytes are allowed";
+    return problem.empty();
+}
+
+int Run(const unitctl::CommandLine& command_line) {
+    std::error_code ignored;
+    std::vector<std::string> words = command_line.words;
+    std::string problem;
+    Request request;
+    request.folder = std::filesystem::current_path(ignored);
+    if (words.front() == "run" && words.size() == 2) {
+        if (!ReadText(words[1], request.text, problem)) {
+            Say(problem);
+            return control::kExitWrongUsage;
+        }
+        if (words[1] == "-")
+            words.pop_back();
+    }
+    request.line = control::JoinWords(words);
+    if (!control::IsPlainText(request.line) || request.line.size() > control::kLongestLine) {
+        Say("the command is not plain UTF-8 text, or too long");
+        return control::kExitWrongUsage;
+    }
+
+    bool nobody = false;
+    auto client = control::SocketClient::Connect(command_line.unit, kConnectLimit, nobody, problem);
+    if (!client) {
+        Say(nobody ? "no unit is running" +
+                         (command_line.unit == "unit" ? "" : " as '" + command_line.unit + "'") +
+                         "; start one with: tolvane"
+                   : problem);
+        return control::kExitNobodyThere;
+    }
+    const bool lasts = words.front() == "watch" || words.front() == "run";
+    return control::PrintAnswer(*client, request, "unitctl",
+                                lasts ? control::SocketClient::Limit() : kAnswerLimit, stdout,
+                                stderr);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    int exit_status = 0;
+    const auto command_line = unitctl::ReadCommandLine(count, arguments, exit_status);
+    return command_line ? Run(*command_line) : exit_status;
+}
