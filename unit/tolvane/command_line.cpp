@@ -86,6 +86,10 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     app.add_flag("--auto", command_line.automatic,
                  "A built-in user walks the whole update without a window; ends with 0 when the "
                  "success screen was reached, else with 1");
+    app.add_flag("--kiosk", command_line.kiosk,
+                 "The unit's screen alone over the whole display, without the panel");
+    app.add_flag("--stats", command_line.stats,
+                 "At the end, say how many pictures the window showed while something moved");
     app.add_option("--com9", com9,
                    "What is at the serial port: sim (a simulated DVR in memory), pty (the same "
                    "behind a pseudo-terminal) or the path of a tty with a real DVR")

@@ -12,6 +12,8 @@ namespace unit {
 struct CommandLine {
     bool headless = false;
     bool automatic = false;
+    bool kiosk = false;
+    bool stats = false;
     DvrBay::Line line = DvrBay::Line::kMemory;
     std::string tty;
     std::string reset_command;

@@ -11,12 +11,13 @@
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "unit/board/virtual_unit.h"
+#include "unit/commands/operator.h"
 #include "unit/control/control_server.h"
 #include "unit/state/unit_state.h"
 #include "unit/tolvane/auto_user.h"
 #include "unit/tolvane/command_line.h"
 #include "unit/tolvane/signals.h"
-#include "unit/workbench/window_host.h"
+#include "unit/workbench/workbench.h"
 
 namespace {
 
@@ -102,11 +103,14 @@ int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     return CloseInOrder(unit) ? unit.program().exit_code() : kFailed;
 }
 
-int RunInWindow(VirtualUnit& unit, const std::string& card, const CloseSignals& signals) {
+int RunInWindow(VirtualUnit& unit, Operator& hands, const CommandLine& command_line,
+                const CloseSignals& signals) {
     {
-        WindowHost window(unit, card);
+        Workbench workbench(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
         unit.Start();
-        window.Run([&] { return signals.raised(); });
+        workbench.Run([&] { return signals.raised(); });
+        if (command_line.stats)
+            Say(workbench.meter().Summary());
     }
     return CloseInOrder(unit) ? unit.program().exit_code() : kFailed;
 }
@@ -119,7 +123,7 @@ int Run(CommandLine command_line) {
     const CloseSignals signals;
     if (!command_line.automatic && !command_line.headless) {
         std::string problem;
-        if (!WindowHost::DisplayAvailable(problem)) {
+        if (!Workbench::DisplayAvailable(problem)) {
             Say("no display (" + problem + "); running --auto");
             command_line.automatic = true;
         }
@@ -152,7 +156,7 @@ int Run(CommandLine command_line) {
         else if (command_line.headless)
             status = RunWithoutWindow(unit, signals);
         else
-            status = RunInWindow(unit, card, signals);
+            status = RunInWindow(unit, hands, command_line, signals);
     }
     platform::gdi::Shutdown();
     return status;

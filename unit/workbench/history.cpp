@@ -1,0 +1,73 @@
+#include "unit/workbench/history.h"
+
+#include <utility>
+
+#include "platform/kernel/text.h"
+#include "unit/workbench/readable.h"
+
+namespace unit {
+namespace {
+
+using platform::kernel::ToUtf8;
+
+// Notes beyond that are lost while nobody files them.
+constexpr std::size_t kMostNotes = 50'000;
+
+constexpr std::uint16_t kUpgradeVersion = 0x002E;
+constexpr std::uint8_t kIndication = 0x80;
+
+}  // namespace
+
+History::History(EventHub& events)
+    : subscription_(events.Listen([this](const TimedEvent& event) {
+          if (std::holds_alternative<ScreenDrawn>(event.event))
+              return;
+          const std::scoped_lock lock(mutex_);
+          if (notes_.size() < kMostNotes)
+              notes_.push_back(event);
+      })) {}
+
+bool History::Update() {
+    std::vector<TimedEvent> notes;
+    std::vector<std::string> said;
+    {
+        const std::scoped_lock lock(mutex_);
+        notes.swap(notes_);
+        said.swap(said_);
+    }
+    for (const TimedEvent& note : notes)
+        File(note);
+    for (std::string& line : said)
+        message_ = std::move(line);
+    return !notes.empty() || !said.empty();
+}
+
+void History::TakeMessage(const std::string& line) {
+    const std::scoped_lock lock(mutex_);
+    said_.push_back(line);
+}
+
+void History::File(const TimedEvent& event) {
+    if (const auto* line = std::get_if<LineLogged>(&event.event)) {
+        log_.Add({event.time, line->text});
+    } else if (const auto* bytes = std::get_if<LineBytes>(&event.event)) {
+        FrameMonitor& monitor = bytes->direction == Direction::kToUnit ? to_unit_ : to_dvr_;
+        for (LineEntry& entry : monitor.Take(event.time, bytes->bytes))
+            FileFrame(std::move(entry));
+    } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {
+        card_folder_ = card->in ? card->folder : std::string();
+    } else if (const auto* request = std::get_if<PowerRequested>(&event.event)) {
+        words_.Add({event.time, true, ReadablePowerName(ToUtf8(request->event_name))});
+    } else if (const auto* broadcast = std::get_if<BroadcastPosted>(&event.event)) {
+        words_.Add({event.time, false, ReadableBroadcast(*broadcast)});
+    }
+}
+
+void History::FileFrame(LineEntry entry) {
+    if (entry.checksum_good() && entry.type() == kIndication &&
+        entry.command() == kUpgradeVersion && !entry.payload().empty())
+        percents_.Add({entry.time, entry.payload()[0]});
+    traffic_.Add(std::move(entry));
+}
+
+}  // namespace unit

@@ -1,0 +1,69 @@
+#include "unit/workbench/panel_canvas.h"
+
+#include <backends/imgui_impl_sdl.h>
+#include <imgui.h>
+
+namespace unit {
+namespace {
+
+// ImGui keeps its state in a context of the process, which must be there before anything of it.
+SDL_Renderer* MakeContext(const DesktopWindow& window) {
+    ImGui::CreateContext();
+    ImGuiIO& io = ImGui::GetIO();
+    io.IniFilename = nullptr;
+    io.LogFilename = nullptr;
+    ApplyStyle(window.scale());
+    ImGui_ImplSDL2_InitForSDLRenderer(window.window());
+    return window.renderer();
+}
+
+}  // namespace
+
+PanelCanvas::PanelCanvas(const DesktopWindow& window)
+    : window_(window), triangles_(MakeContext(window)) {}
+
+PanelCanvas::~PanelCanvas() {
+    ImGui_ImplSDL2_Shutdown();
+    ImGui::DestroyContext();
+}
+
+void PanelCanvas::Take(const SDL_Event& event) {
+    ImGui_ImplSDL2_ProcessEvent(&event);
+}
+
+void PanelCanvas::Fit() {
+    if (const float density = window_.density(); density != density_) {
+        density_ = density;
+        std::string problem;  // the platform has found the same files at its start
+        LoadFonts(window_.scale(), density, fonts_, problem);
+        triangles_.LoadFonts();
+    }
+    SDL_Point pixels{};
+    SDL_GetRendererOutputSize(window_.renderer(), &pixels.x, &pixels.y);
+    if (texture_ && pixels.x == pixels_.x && pixels.y == pixels_.y)
+        return;
+    pixels_ = pixels;
+    texture_.reset(SDL_CreateTexture(window_.renderer(), SDL_PIXELFORMAT_ARGB8888,
+                                     SDL_TEXTUREACCESS_TARGET, pixels.x, pixels.y));
+    SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
+}
+
+void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
+    Fit();
+    ImGui_ImplSDL2_NewFrame();
+    ImGui::GetIO().DisplayFramebufferScale = {density_, density_};
+    ImGui::NewFrame();
+    draw(fonts_);
+    ImGui::Render();
+    SDL_SetRenderTarget(window_.renderer(), texture_.get());
+    SDL_SetRenderDrawColor(window_.renderer(), 0, 0, 0, 0);
+    SDL_RenderClear(window_.renderer());
+    triangles_.Draw(*ImGui::GetDrawData());
+    SDL_SetRenderTarget(window_.renderer(), nullptr);
+}
+
+void PanelCanvas::Show() const {
+    SDL_RenderCopy(window_.renderer(), texture_.get(), nullptr, nullptr);
+}
+
+}  // namespace unit

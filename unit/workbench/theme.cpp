@@ -1,0 +1,131 @@
+#include "unit/workbench/theme.h"
+
+#include <filesystem>
+#include <map>
+
+#include "platform/gdi/font_files.h"
+
+namespace unit {
+namespace {
+
+using platform::gdi::Typeface;
+
+constexpr float kTextSize = 15;
+constexpr float kMonoSize = 14;
+constexpr float kJapaneseShrink = 0.95F;
+
+class FontLoader {
+  public:
+    FontLoader(std::map<Typeface, std::filesystem::path> files, float scale)
+        : files_(std::move(files)), scale_(scale) {}
+
+    // With Japanese glyphs merged in when asked for.
+    ImFont* Load(Typeface typeface, float size, bool japanese) {
+        ImFontAtlas& atlas = *ImGui::GetIO().Fonts;
+        ImFontConfig config;
+        config.OversampleH = 1;
+        config.PixelSnapH = true;
+        ImFont* const font =
+            atlas.AddFontFromFileTTF(files_[typeface].c_str(), size * scale_, &config, kLatin);
+        if (!japanese)
+            return font;
+        config.MergeMode = true;
+        atlas.AddFontFromFileTTF(files_[Typeface::kJapanese].c_str(),
+                                 size * scale_ * kJapaneseShrink, &config,
+                                 atlas.GetGlyphRangesJapanese());
+        return font;
+    }
+
+  private:
+    // Latin, punctuation, arrows.
+    static constexpr ImWchar kLatin[] = {0x0020, 0x00FF, 0x2010, 0x205E, 0x2190, 0x2193, 0};
+
+    std::map<Typeface, std::filesystem::path> files_;
+    const float scale_;
+};
+
+ImVec4 Shade(float value, float alpha = 1) {
+    return {value * 0.92F, value, value * 1.16F, alpha};
+}
+
+void SetColors(ImVec4* colors) {
+    const ImVec4 accent = color::kAccent;
+    const auto tint = [&](float alpha) { return ImVec4{accent.x, accent.y, accent.z, alpha}; };
+    colors[ImGuiCol_Text] = color::kText;
+    colors[ImGuiCol_TextDisabled] = color::kDim;
+    colors[ImGuiCol_WindowBg] = color::kPanel;
+    colors[ImGuiCol_ChildBg] = {0, 0, 0, 0};
+    colors[ImGuiCol_PopupBg] = Shade(0.15F, 0.98F);
+    colors[ImGuiCol_Border] = Shade(0.20F);
+    colors[ImGuiCol_FrameBg] = Shade(0.165F);
+    colors[ImGuiCol_FrameBgHovered] = Shade(0.21F);
+    colors[ImGuiCol_FrameBgActive] = Shade(0.25F);
+    colors[ImGuiCol_CheckMark] = accent;
+    colors[ImGuiCol_SliderGrab] = tint(0.8F);
+    colors[ImGuiCol_SliderGrabActive] = accent;
+    colors[ImGuiCol_Button] = Shade(0.21F);
+    colors[ImGuiCol_ButtonHovered] = tint(0.45F);
+    colors[ImGuiCol_ButtonActive] = tint(0.65F);
+    colors[ImGuiCol_Header] = Shade(0.155F);
+    colors[ImGuiCol_HeaderHovered] = Shade(0.20F);
+    colors[ImGuiCol_HeaderActive] = Shade(0.24F);
+    colors[ImGuiCol_Separator] = Shade(0.20F);
+    colors[ImGuiCol_SeparatorHovered] = tint(0.6F);
+    colors[ImGuiCol_SeparatorActive] = accent;
+    colors[ImGuiCol_Tab] = Shade(0.12F);
+    colors[ImGuiCol_TabHovered] = tint(0.35F);
+    colors[ImGuiCol_TabActive] = Shade(0.22F);
+    colors[ImGuiCol_TabUnfocused] = colors[ImGuiCol_Tab];
+    colors[ImGuiCol_TabUnfocusedActive] = colors[ImGuiCol_TabActive];
+    colors[ImGuiCol_TableHeaderBg] = Shade(0.145F);
+    colors[ImGuiCol_TableRowBgAlt] = {1, 1, 1, 0.02F};
+    colors[ImGuiCol_TableBorderLight] = Shade(0.17F);
+    colors[ImGuiCol_ScrollbarBg] = {0, 0, 0, 0};
+    colors[ImGuiCol_ScrollbarGrab] = Shade(0.25F);
+    colors[ImGuiCol_ScrollbarGrabHovered] = Shade(0.33F);
+    colors[ImGuiCol_ScrollbarGrabActive] = Shade(0.40F);
+    colors[ImGuiCol_PlotLines] = accent;
+    colors[ImGuiCol_PlotHistogram] = accent;
+    colors[ImGuiCol_TextSelectedBg] = tint(0.35F);
+    colors[ImGuiCol_NavHighlight] = accent;
+}
+
+}  // namespace
+
+bool LoadFonts(float scale, float density, Fonts& fonts, std::string& problem) {
+    std::map<Typeface, std::filesystem::path> files;
+    if (!platform::gdi::FindFontFiles(platform::gdi::kFontDirectory, files, problem))
+        return false;
+    ImGuiIO& io = ImGui::GetIO();
+    io.Fonts->Clear();
+    FontLoader loader(std::move(files), scale * density);
+    fonts.text = loader.Load(Typeface::kSans, kTextSize, true);
+    fonts.heading = loader.Load(Typeface::kSansBold, kTextSize, false);
+    fonts.mono = loader.Load(Typeface::kMono, kMonoSize, true);
+    io.FontGlobalScale = 1 / density;
+    return true;
+}
+
+void ApplyStyle(float scale) {
+    ImGuiStyle style;
+    style.WindowPadding = {12, 10};
+    style.FramePadding = {9, 4};
+    style.ItemSpacing = {8, 6};
+    style.ItemInnerSpacing = {6, 4};
+    style.CellPadding = {6, 2};
+    style.ScrollbarSize = 12;
+    style.GrabMinSize = 10;
+    style.WindowBorderSize = 0;
+    style.FrameRounding = 4;
+    style.PopupRounding = 4;
+    style.ScrollbarRounding = 6;
+    style.GrabRounding = 4;
+    style.TabRounding = 4;
+    // Lines of triangles without a texture: the software renderer draws others with gaps.
+    style.AntiAliasedLinesUseTex = false;
+    SetColors(style.Colors);
+    style.ScaleAllSizes(scale);
+    ImGui::GetStyle() = style;
+}
+
+}  // namespace unit
