@@ -39,7 +39,10 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
                          std::function<void(const std::string&)> say)
     : image_(std::move(program)),
       log_(log),
-      say_(std::move(say)),
+      say_([this, say = std::move(say)](const std::string& line) {
+          say(line);
+          events_.Tell(OperatorTold{line});
+      }),
       time_scale_(std::max(1, static_cast<int>(options.kernel.speed))) {
     kernel::Boot(options.kernel, *this);
     window::Start();

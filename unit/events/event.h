@@ -70,6 +70,11 @@ struct LineLogged {
     std::string text;
 };
 
+// A line for the operator, who has something to do by hand perhaps.
+struct OperatorTold {
+    std::string line;
+};
+
 struct ScreenDrawn {};
 
 // The unit went to sleep or woke up.
@@ -85,9 +90,9 @@ struct FaultApplied {
 // The DVR restarts because its reset wire was pulled.
 struct DvrReset {};
 
-using Event =
-    std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested, DriverCalled,
-                 BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged, FaultApplied, DvrReset>;
+using Event = std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested,
+                           DriverCalled, BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged,
+                           FaultApplied, DvrReset, OperatorTold>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit

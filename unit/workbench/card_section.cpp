@@ -41,12 +41,14 @@ void CardSection::Draw(Desk& desk) {
     if (make)
         desk.commands.Follow("card with image " +
                              control::QuoteWord(version_.empty() ? dvrsim::kNewVersion : version_));
-    RowLabel(desk, "Condition");
-    CommandButtons(desk, {{"Broken", "card broken"},
-                          {"Formatting", "card formatting"},
-                          {"Full: normal", "card full normal"},
-                          {"Full: event", "card full event"},
-                          {"Full: both", "card full both"}});
+    RowLabel(desk, "Report");
+    CommandButtons(desk, {{"Broken", "card report broken"},
+                          {"Formatting", "card report formatting"},
+                          {"Full: normal", "card report full-normal"},
+                          {"Full: event", "card report full-event"},
+                          {"Full: both", "card report full-both"},
+                          {"In", "card report plug-in"},
+                          {"Out", "card report plug-out"}});
 }
 
 }  // namespace unit

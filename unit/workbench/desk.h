@@ -21,7 +21,7 @@ struct Desk {
     float scale = 1;
     Scaling scaling = Scaling::kWhole;
     // The dock's height, in the window's units; the user drags it.
-    float dock_height = 262;
+    float dock_height = kUsualDock;
     bool full_screen = false;
     // The command line is to take the keyboard.
     bool focus_command_line = false;

@@ -1,3 +1,4 @@
+#include "control/words.h"
 #include "dvrsim/update_image.h"
 #include "unit/workbench/sections.h"
 #include "unit/workbench/widgets.h"
@@ -27,7 +28,7 @@ void DrawPlug(Desk& desk) {
     const bool plugged = desk.unit.dvr().plugged();
     RowLabel(desk, "Plug");
     CommandButtons(desk,
-                   {{"Attached", "dvr plug", plugged}, {"Unplugged", "dvr unplug", !plugged}});
+                   {{"Attached", "line plug", plugged}, {"Unplugged", "line unplug", !plugged}});
 }
 
 }  // namespace
@@ -57,7 +58,22 @@ void DvrSection::Draw(Desk& desk) {
                        (std::to_string(dvr->Percent()) + " %").c_str());
     DrawPlug(desk);
     RowLabel(desk, "Power");
-    CommandButtons(desk, {{"On", "dvr on", !off}, {"Off", "dvr off", off}, {"Reset", "dvr reset"}});
+    CommandButtons(desk, {{"On", "dvr power on", !off},
+                          {"Off", "dvr power off", off},
+                          {"Reset", "dvr reset"},
+                          {"Reboot", "dvr reboot"}});
+    const unsigned slowness = dvr->GetFaults().slowness;
+    RowLabel(desk, "Boots");
+    CommandButtons(desk, {{"As usual", "fault dvr slow 1", slowness == 1},
+                          {"3 x slower", "fault dvr slow 3", slowness == 3},
+                          {"10 x slower", "fault dvr slow 10", slowness == 10}});
+    RowLabel(desk, "Update takes");
+    CommandButtons(desk, {{"5 s", "dvr update-time 5s"},
+                          {"30 s", "dvr update-time 30s"},
+                          {"2 min", "dvr update-time 2min"}});
+    RowLabel(desk, "Firmware is");
+    if (TextField("##firmware", "a version, Enter sets it", firmware_, -1) && !firmware_.empty())
+        desk.commands.Follow("dvr firmware " + control::QuoteWord(firmware_));
 }
 
 }  // namespace unit

@@ -29,22 +29,13 @@ History::History(EventHub& events)
 
 bool History::Update() {
     std::vector<TimedEvent> notes;
-    std::vector<std::string> said;
     {
         const std::scoped_lock lock(mutex_);
         notes.swap(notes_);
-        said.swap(said_);
     }
     for (const TimedEvent& note : notes)
         File(note);
-    for (std::string& line : said)
-        message_ = std::move(line);
-    return !notes.empty() || !said.empty();
-}
-
-void History::TakeMessage(const std::string& line) {
-    const std::scoped_lock lock(mutex_);
-    said_.push_back(line);
+    return !notes.empty();
 }
 
 void History::File(const TimedEvent& event) {
@@ -54,6 +45,10 @@ void History::File(const TimedEvent& event) {
         FrameMonitor& monitor = bytes->direction == Direction::kToUnit ? to_unit_ : to_dvr_;
         for (LineEntry& entry : monitor.Take(event.time, bytes->bytes))
             FileFrame(std::move(entry));
+    } else if (const auto* fault = std::get_if<FaultApplied>(&event.event)) {
+        log_.Add({event.time, "line fault: " + fault->text});
+    } else if (const auto* told = std::get_if<OperatorTold>(&event.event)) {
+        message_ = told->line;
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {
         card_folder_ = card->in ? card->folder : std::string();
     } else if (const auto* request = std::get_if<PowerRequested>(&event.event)) {

@@ -75,9 +75,8 @@ class History {
     void ClearLog() { log_.Clear(); }
     void ClearTraffic() { traffic_.Clear(); }
 
-    // For the operator: the latest request to do something by hand; empty when there is none.
+    // The latest line for the operator; empty when there is none.
     const std::string& message() const { return message_; }
-    void TakeMessage(const std::string& line);
     void DismissMessage() { message_.clear(); }
 
   private:
@@ -86,7 +85,6 @@ class History {
 
     std::mutex mutex_;
     std::vector<TimedEvent> notes_;  // guarded by mutex_
-    std::vector<std::string> said_;  // guarded by mutex_
 
     FrameMonitor to_unit_{Direction::kToUnit};
     FrameMonitor to_dvr_{Direction::kToDvr};

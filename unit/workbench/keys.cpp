@@ -17,7 +17,7 @@ std::string Power(Desk& desk) {
     return desk.unit.external_power() ? "power off" : "power on";
 }
 std::string Plug(Desk& desk) {
-    return desk.unit.dvr().plugged() ? "dvr unplug" : "dvr plug";
+    return desk.unit.dvr().plugged() ? "line unplug" : "line plug";
 }
 std::string Reset(Desk&) {
     return "dvr reset";

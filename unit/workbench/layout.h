@@ -20,6 +20,9 @@ enum class Scaling {
     kSmooth,  // all of the room
 };
 
+// The dock's height at first: what lies below the screen in a window of the usual size.
+inline constexpr float kUsualDock = 262;
+
 // Where things are in the window, in its own units.
 struct Layout {
     Area screen;  // the unit's screen

@@ -7,9 +7,11 @@ namespace unit {
 namespace {
 
 const ImVec4& ColorOf(const std::string& line) {
-    return line.find("fail!!!") != std::string::npos || line.find("Invalid") != std::string::npos
-               ? color::kBad
-               : color::kText;
+    if (line.starts_with("line fault: "))
+        return color::kWarning;
+    const bool bad =
+        line.find("fail!!!") != std::string::npos || line.find("Invalid") != std::string::npos;
+    return bad ? color::kBad : color::kText;
 }
 
 }  // namespace

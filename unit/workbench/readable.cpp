@@ -44,7 +44,7 @@ std::string ReadableBroadcast(const BroadcastPosted& broadcast) {
         return std::string("power status: external power ") +
                (broadcast.wparam == 0 ? "off" : "on") + ", battery flag " +
                std::to_string(broadcast.lparam);
-    const std::string readable = ReadablePowerName(name);
+    std::string readable = ReadablePowerName(name);
     if (readable != name)
         return readable;
     return (name.empty() ? "message " + std::to_string(broadcast.message) : name) + " (" +

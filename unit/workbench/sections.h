@@ -39,6 +39,7 @@ class DvrSection {
     // The image on the card, read again when another card is in.
     std::string card_folder_;
     std::optional<std::string> image_;
+    std::string firmware_;
 };
 
 class FaultSection {
@@ -46,7 +47,15 @@ class FaultSection {
     void Draw(Desk& desk);
 
   private:
+    void DrawDvr(Desk& desk);
+    void DrawUpdate(Desk& desk);
+    static void DrawLine(Desk& desk);
+    void DrawDrivers(Desk& desk);
+    void DrawCalls(Desk& desk);
+
+    int at_percent_ = 57;
     int driver_ = 0;
+    std::string call_;
 };
 
 }  // namespace unit

@@ -103,7 +103,7 @@ void Workbench::DrawPicture(bool with_panel) {
     repaint_ = false;
     if (with_panel) {
         frames_to_settle_ = std::max(0, frames_to_settle_ - 1);
-        canvas_->Redraw([this](const Fonts& fonts) { DrawPanel(fonts); });
+        RedrawPanel();
     }
     const float density = window_.density();
     const Area place = ScreenPlace();
@@ -126,6 +126,13 @@ void Workbench::DrawPicture(bool with_panel) {
     if (PanelShows())
         canvas_->Show();
     SDL_RenderPresent(renderer);
+}
+
+void Workbench::RedrawPanel() {
+    // A click is followed in one frame; that a text field has the keyboard is known in the next.
+    for (int frame = panel_behind_ ? 2 : 1; frame > 0; --frame)
+        canvas_->Redraw([this](const Fonts& fonts) { DrawPanel(fonts); });
+    panel_behind_ = false;
 }
 
 void Workbench::DrawPanel(const Fonts& fonts) {
@@ -169,9 +176,7 @@ bool Workbench::HandleEvents() {
             continue;
         if (event.type == SDL_QUIT)
             return false;
-        if (canvas_)
-            canvas_->Take(event);
-        frames_to_settle_ = PanelShows() ? kFramesToSettle : 0;
+        ShowToPanel(event);
         switch (event.type) {
             case SDL_WINDOWEVENT:
             case SDL_RENDER_TARGETS_RESET:
@@ -193,6 +198,20 @@ bool Workbench::HandleEvents() {
         }
     }
     return true;
+}
+
+void Workbench::ShowToPanel(const SDL_Event& event) {
+    if (!PanelShows())
+        return;
+    // The panel sees buttons and keys one by one, however fast they come: what a key means depends
+    // on where the last click went.
+    const bool press = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP ||
+                       event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP;
+    if (press && panel_behind_)
+        RedrawPanel();
+    panel_behind_ |= press;
+    canvas_->Take(event);
+    frames_to_settle_ = kFramesToSettle;
 }
 
 void Workbench::HandleKey(SDL_Keycode key) {
