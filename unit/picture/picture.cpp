@@ -15,6 +15,7 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
             bytes.push_back(static_cast<std::uint8_t>(pixel >> shift));
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
+    errno = 0;
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
@@ -22,6 +23,30 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
         return true;
     problem = path + ": " + (errno != 0 ? std::strerror(errno) : image.message);
     return false;
+}
+
+std::optional<Picture> ReadPng(const std::string& path, std::string& problem) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    errno = 0;
+    if (png_image_begin_read_from_file(&image, path.c_str()) == 0) {
+        problem = path + ": " + (errno != 0 ? std::strerror(errno) : image.message);
+        return std::nullopt;
+    }
+    image.format = PNG_FORMAT_RGB;
+    std::vector<std::uint8_t> bytes(PNG_IMAGE_SIZE(image));
+    const png_color black{};
+    if (png_image_finish_read(&image, &black, bytes.data(), 0, nullptr) == 0) {
+        problem = path + ": " + image.message;
+        png_image_free(&image);
+        return std::nullopt;
+    }
+    Picture picture{static_cast<int>(image.width), static_cast<int>(image.height), {}};
+    picture.pixels.reserve(bytes.size() / 3);
+    for (std::size_t at = 0; at < bytes.size(); at += 3)
+        picture.pixels.push_back(static_cast<std::uint32_t>(bytes[at] << 16) |
+                                 static_cast<std::uint32_t>(bytes[at + 1] << 8) | bytes[at + 2]);
+    return picture;
 }
 
 }  // namespace unit

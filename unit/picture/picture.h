@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,5 +22,9 @@ struct Picture {
 
 // Writes a PNG, 8 bits a channel. False with one line in `problem` when it could not.
 bool WritePng(const Picture& picture, const std::string& path, std::string& problem);
+
+// Reads a PNG of any kind, on black where it is transparent. Empty with one line in `problem` when
+// it could not.
+std::optional<Picture> ReadPng(const std::string& path, std::string& problem);
 
 }  // namespace unit
