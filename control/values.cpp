@@ -26,7 +26,8 @@ bool IsWithin(std::string_view word) {
     return number && *number >= kLeast && *number <= kMost;
 }
 bool IsOdds(std::string_view word) {
-    return ReadOdds(word).has_value();
+    const auto percent = ReadDecimal(word);
+    return percent && *percent > 0 && *percent <= 100;
 }
 bool IsBytes(std::string_view word) {
     const auto bytes = ReadBytes(word);
@@ -34,6 +35,11 @@ bool IsBytes(std::string_view word) {
 }
 bool IsDeviceName(std::string_view word) {
     return word.size() >= 2 && word.back() == ':';
+}
+
+bool IsSpeed(std::string_view word) {
+    const auto speed = ReadDecimal(word);
+    return speed && *speed >= 0.1 && *speed <= 1000;
 }
 
 constexpr std::int64_t kMostCount = 1'000'000'000;
@@ -57,6 +63,11 @@ constexpr Placeholder kPlaceholders[] = {
     {"X", "a whole number from 0 to 799", IsWithin<0, 799>},
     {"Y", "a whole number from 0 to 479", IsWithin<0, 479>},
     {"STEP", "a whole number from -1 to 6", IsWithin<-1, 6>},
+    {"SEED", "a whole number from 0 to 4294967295", IsWithin<0, 0xFFFFFFFF>},
+    {"SPEED", "a number from 0.1 to 1000", IsSpeed},
+    {"STATUS", "a number, such as 1", IsNumber},
+    {"WPARAM", "a number, such as 0", IsNumber},
+    {"LPARAM", "a number, such as 2", IsNumber},
     {"PERCENT", kPercentAllowed, IsWithin<0, 100>},
     {"TO-PERCENT", kPercentAllowed, IsWithin<0, 100>},
     {"CHANCE", "a whole number from 1 to 100, in percent", IsWithin<1, 100>},
@@ -118,11 +129,11 @@ std::optional<std::int64_t> ReadNumber(std::string_view word) {
     return number;
 }
 
-std::optional<double> ReadOdds(std::string_view word) {
+std::optional<double> ReadDecimal(std::string_view word) {
     double number = 0;
     const char* const end = word.data() + word.size();
     const auto result = std::from_chars(word.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end || !(number > 0 && number <= 100))
+    if (result.ec != std::errc() || result.ptr != end)
         return std::nullopt;
     return number;
 }

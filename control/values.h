@@ -25,8 +25,8 @@ const Placeholder* FindPlaceholder(std::string_view name);
 std::optional<std::chrono::microseconds> ReadDuration(std::string_view word);
 // Decimal, or hexadecimal after 0x; the whole word.
 std::optional<std::int64_t> ReadNumber(std::string_view word);
-// Of percent: above 0, at most 100.
-std::optional<double> ReadOdds(std::string_view word);
+// Decimal, with a point or not; the whole word.
+std::optional<double> ReadDecimal(std::string_view word);
 // Pairs of hexadecimal digits, with blanks between them or not.
 std::optional<std::vector<std::uint8_t>> ReadBytes(std::string_view word);
 

@@ -43,10 +43,18 @@ TEST_F(Process, AutoWalksTheUpdateAlikeForTheSameSeed) {
 
 TEST_F(Process, AutoSaysWhereAFailedWalkStood) {
     fs::create_directory(Path("empty"));
-    EXPECT_EQ(Run({"--auto", "--card", Path("empty"), "--screens", Path("screens")}), 1);
-    EXPECT_EQ(Read("err"),
-              "tolvane: stopped at the notice that the card holds no update image "
-              "(at station updating-start)\n");
+    EXPECT_EQ(Run({"--auto", "--card", Path("empty"), "--screens", Path("screens"), "--out",
+                   Path("left")}),
+              1);
+    const std::string said = Read("err");
+    EXPECT_TRUE(
+        said.starts_with("tolvane: update.scenario:45: wait percent at least 1 within 10s: "
+                         "did not come within 10 s; the percent is 0\n"))
+        << said;
+    EXPECT_NE(said.find("DVR用SDカードに “gp_cardvr_upgrade.bin” が入っていません。"),
+              std::string::npos)
+        << said;
+    EXPECT_GT(fs::file_size(Path("left/update/screen.png")), 1000U);
 }
 
 TEST_F(Process, WrongOptionsAreOneLineAndStatusTwo) {

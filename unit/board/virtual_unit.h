@@ -88,6 +88,8 @@ class VirtualUnit final : public platform::Board {
     // Called on any thread, under locks, when the screen changed. Set before Start.
     void OnScreenChange(std::function<void()> changed) { on_screen_change_ = std::move(changed); }
     bool suspended() const { return suspended_; }
+    // How many times as fast as the host's clock the unit runs, 1 at least; 1 in simulated time.
+    int time_scale() const { return time_scale_; }
     // The unit's power button: wakes a suspended unit.
     void WakeUp();
 

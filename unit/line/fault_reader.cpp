@@ -94,7 +94,7 @@ std::optional<FaultRule> ReadFaultRule(const control::Values& values, std::strin
     rule.skip = static_cast<std::uint64_t>(values.Number("SKIP", 0));
     rule.every = static_cast<std::uint64_t>(values.Number("NUMBER", 1));
     if (values.Has("ODDS"))
-        rule.chance_percent = control::ReadOdds(values.Text("ODDS")).value_or(100);
+        rule.chance_percent = control::ReadDecimal(values.Text("ODDS")).value_or(100);
     rule.seed = static_cast<std::uint32_t>(values.Number("CODE", 1));
     if (values.Has("COUNT"))
         rule.times = static_cast<std::uint64_t>(values.Number("COUNT"));

@@ -90,6 +90,13 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
                  "The unit's screen alone over the whole display, without the panel");
     app.add_flag("--stats", command_line.stats,
                  "At the end, say how many pictures the window showed while something moved");
+    CLI::Option* const scenario_option =
+        app.add_option("--scenario", command_line.scenarios,
+                       "Run scenario files, in simulated time and without a window unless told "
+                       "otherwise; ends with 0 when all passed, 1 when one failed, 2 when one is "
+                       "not in order")
+            ->excludes("--auto")
+            ->type_name("FILE ...");
     app.add_option("--com9", com9,
                    "What is at the serial port: sim (a simulated DVR in memory), pty (the same "
                    "behind a pseudo-terminal) or the path of a tty with a real DVR")
@@ -112,8 +119,23 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         ->check(Within<std::int64_t>(0, UINT32_MAX, "a whole number from 0 to 4294967295"))
         ->type_name("N");
     app.add_option("--screens", command_line.screens,
-                   "Folder for the pictures of --auto (default out/screens)")
+                   "Folder for the pictures of --auto (default out/screens) and of scenarios")
         ->type_name("DIR");
+    app.add_option("--out", command_line.out,
+                   "Folder for what a failed scenario leaves: screen, state, debug output "
+                   "(default out)")
+        ->type_name("DIR");
+    app.add_flag("--verbose", command_line.verbose,
+                 "Print a scenario's commands and the debug output while it runs");
+    app.add_flag("--window", command_line.window,
+                 "Show a scenario in the window, at the pace of the clock or of --speed")
+        ->needs(scenario_option)
+        ->excludes("--headless");
+    app.add_flag("--update-screens", command_line.update_screens,
+                 "Make the pictures that scenarios expect instead of comparing with them")
+        ->needs(scenario_option);
+    app.add_flag("--help-scenarios", command_line.help_scenarios,
+                 "Print everything that a scenario file can say, as Markdown, and end");
     app.add_option("--log", command_line.log, "File that takes the program's debug output")
         ->type_name("FILE");
     app.add_option(
@@ -135,6 +157,12 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         std::fprintf(stderr, "tolvane: %s\n", OneLine(error.what()).c_str());
+        exit_status = kWrongUsage;
+        return std::nullopt;
+    }
+    if (command_line.scenarios.size() > 1 && !command_line.log.empty()) {
+        std::fputs("tolvane: --log takes the output of one scenario; allowed is one file\n",
+                   stderr);
         exit_status = kWrongUsage;
         return std::nullopt;
     }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "unit/devices/dvr_bay.h"
 
@@ -19,10 +20,16 @@ struct CommandLine {
     std::string reset_command;
     std::string card;
     std::optional<double> speed;
-    std::uint32_t seed = 1;
+    std::optional<std::uint32_t> seed;
     std::string screens;
     std::string log;
     std::string unit = "unit";
+    std::vector<std::string> scenarios;
+    std::string out = "out";
+    bool update_screens = false;
+    bool verbose = false;
+    bool window = false;
+    bool help_scenarios = false;
 };
 
 // Reads the command line. On --help and on a wrong option or value it has printed what is to be

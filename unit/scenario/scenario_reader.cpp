@@ -1,0 +1,174 @@
+#include "unit/scenario/scenario_reader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "control/words.h"
+#include "unit/scenario/language.h"
+
+namespace unit {
+
+namespace fs = std::filesystem;
+using control::Done;
+using control::Outcome;
+using control::Refused;
+
+namespace {
+
+// What repetitions may grow a scenario to.
+constexpr std::size_t kMostSteps = 100'000;
+
+bool SameFile(const std::string& one, const std::string& other) {
+    return fs::path(one).lexically_normal() == fs::path(other).lexically_normal();
+}
+
+}  // namespace
+
+void ScenarioReader::ReadFile(const std::string& file) {
+    std::error_code ignored;
+    const bool is_folder = fs::is_directory(file, ignored);
+    std::ifstream stream(file);
+    if (is_folder || !stream) {
+        Complain(file + ": cannot be read: " + std::strerror(is_folder ? EISDIR : errno));
+        return;
+    }
+    std::ostringstream text;
+    text << stream.rdbuf();
+    ReadText(text.str(), file);
+}
+
+void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
+    places_.push_back({file});
+    for (std::size_t from = 0; from < text.size();) {
+        const std::size_t to = std::min(text.find('\n', from), text.size());
+        ++places_.back().line;
+        ReadLine(text.substr(from, to - from));
+        from = to + 1;
+    }
+    places_.pop_back();
+}
+
+void ScenarioReader::Finish() {
+    for (const Repeat& repeat : repeats_)
+        problems_.push_back(repeat.place + ": this repeat has no end");
+    repeats_.clear();
+}
+
+std::string ScenarioReader::Here() const {
+    return places_.back().file + ":" + std::to_string(places_.back().line);
+}
+
+void ScenarioReader::Complain(const std::string& problem) {
+    const std::string line = places_.empty() ? problem : Here() + ": " + problem;
+    // A file that is included twice is wrong once.
+    if (std::ranges::find(problems_, line) == problems_.end())
+        problems_.push_back(line);
+}
+
+void ScenarioReader::ReadLine(std::string_view line) {
+    std::string problem;
+    const auto words = control::SplitWords(line, problem);
+    if (!words) {
+        Complain(problem);
+        return;
+    }
+    if (words->empty())
+        return;
+    auto command = ScenarioLanguage().Read(*words, problem);
+    if (!command) {
+        Complain(problem);
+        return;
+    }
+    const std::string folder = fs::path(places_.back().file).parent_path().string();
+    if (!folder.empty())
+        command->values.StartPathsFrom(folder);
+    text_ = control::JoinWords(*words);
+    const Outcome outcome = command->Follow(*this);
+    if (!outcome.done)
+        Complain(outcome.text);
+}
+
+Outcome ScenarioReader::Add(decltype(Step::deed) deed) {
+    scenario_.steps.push_back({places_.back().file, places_.back().line, text_, std::move(deed)});
+    return Done();
+}
+
+Outcome ScenarioReader::Set(const std::function<void(StartSettings&)>& set) {
+    if (!scenario_.steps.empty())
+        return Refused("'" + text_ + "' holds from the start and must stand before the first " +
+                       "other command");
+    if (scenario_.first_setting.empty())
+        scenario_.first_setting = Here() + ": " + text_;
+    set(scenario_.settings);
+    return Done();
+}
+
+Outcome ScenarioReader::Include(const std::string& file) {
+    const bool reading = std::ranges::any_of(
+        places_, [&](const Place& place) { return SameFile(place.file, file); });
+    if (reading)
+        return Refused(file + " includes itself");
+    const std::size_t open = repeats_.size();
+    ReadFile(file);
+    if (repeats_.size() > open) {
+        repeats_.resize(open);
+        return Refused("a repeat in " + file + " has no end there");
+    }
+    return Done();
+}
+
+Outcome ScenarioReader::BeginRepeat(std::size_t count) {
+    repeats_.push_back({scenario_.steps.size(), count, Here()});
+    return Done();
+}
+
+Outcome ScenarioReader::EndRepeat() {
+    if (repeats_.empty() || !repeats_.back().place.starts_with(places_.back().file + ":"))
+        return Refused("there is no repeat to end");
+    const Repeat repeat = repeats_.back();
+    repeats_.pop_back();
+    auto& steps = scenario_.steps;
+    const std::vector<Step> body(steps.begin() + static_cast<std::ptrdiff_t>(repeat.begin),
+                                 steps.end());
+    if (body.size() * repeat.count > kMostSteps)
+        return Refused("the repetitions make more than " + std::to_string(kMostSteps) +
+                       " commands");
+    for (std::size_t round = 1; round < repeat.count; ++round)
+        steps.insert(steps.end(), body.begin(), body.end());
+    return Done();
+}
+
+namespace {
+
+std::optional<Scenario> Finished(ScenarioReader& reader, std::vector<std::string>& problems) {
+    reader.Finish();
+    problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
+    if (!reader.problems().empty())
+        return std::nullopt;
+    return std::move(reader.scenario());
+}
+
+std::string NameOf(const std::string& file) {
+    return fs::path(file).stem().string();
+}
+
+}  // namespace
+
+std::optional<Scenario> LoadScenario(const std::string& file, std::vector<std::string>& problems) {
+    ScenarioReader reader(NameOf(file));
+    reader.ReadFile(file);
+    return Finished(reader, problems);
+}
+
+std::optional<Scenario> ReadScenario(const std::string& text, const std::string& file,
+                                     std::vector<std::string>& problems) {
+    ScenarioReader reader(NameOf(file));
+    reader.ReadText(text, file);
+    return Finished(reader, problems);
+}
+
+}  // namespace unit

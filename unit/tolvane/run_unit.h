@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "unit/board/virtual_unit.h"
+#include "unit/tolvane/command_line.h"
+
+namespace unit {
+
+// What the command's ways of running a unit have in common.
+
+// Prints a line on the standard error. Any thread.
+void Say(const std::string& line);
+// Prints a line with the unit's time on the standard output. Any thread.
+void PrintLine(std::chrono::microseconds time, const std::string& line);
+
+// Free running, and what else the command line says.
+VirtualUnit::Options UnitOptions(const CommandLine& command_line);
+void SetSeed(VirtualUnit::Options& options, std::uint32_t seed);
+
+// Closes the program and says what is wrong with how it ended. Ends the process when the program
+// does not.
+bool CloseInOrder(VirtualUnit& unit);
+
+}  // namespace unit

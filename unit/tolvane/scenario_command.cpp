@@ -1,0 +1,139 @@
+#include "unit/tolvane/scenario_command.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/kernel/scheduler.h"
+#include "unit/scenario/scenario_run.h"
+#include "unit/tolvane/run_unit.h"
+#include "unit/tolvane/update_scenario.h"
+#include "unit/workbench/window_host.h"
+
+namespace unit {
+namespace {
+
+namespace kernel = platform::kernel;
+using HostClock = std::chrono::steady_clock;
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+// The command line wins over the file.
+VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& command_line) {
+    VirtualUnit::Options options = UnitOptions(command_line);
+    options.kernel.mode = kernel::Mode::kSimulated;
+    scenario.settings.ApplyTo(options);
+    if (command_line.seed)
+        SetSeed(options, *command_line.seed);
+    if (command_line.speed)
+        options.kernel.speed = *command_line.speed;
+    const bool real_time =
+        command_line.speed || command_line.window || command_line.line != DvrBay::Line::kMemory;
+    if (real_time)
+        options.kernel.mode = kernel::Mode::kFreeRunning;
+    if (options.kernel.mode == kernel::Mode::kSimulated)
+        options.kernel.speed = 1;
+    return options;
+}
+
+RunOptions RunOptionsFor(const CommandLine& command_line,
+                         const VirtualUnit::Options& unit_options) {
+    RunOptions options;
+    options.pictures = command_line.screens;
+    options.out = command_line.out;
+    options.update_screens = command_line.update_screens;
+    options.seed = static_cast<std::uint32_t>(unit_options.kernel.seed);
+    options.say = Say;
+    if (command_line.verbose)
+        options.trace = [](const std::string& command) {
+            PrintLine(kernel::Now(), "> " + command);
+        };
+    return options;
+}
+
+bool RunOn(VirtualUnit& unit, ScenarioRun& run, const CommandLine& command_line,
+           const CloseSignals& signals) {
+    const auto done = [&] { return run.finished() || signals.raised(); };
+    if (command_line.window) {
+        WindowHost window(unit, command_line.card);
+        unit.Start();
+        run.Start();
+        window.Run(done);
+    } else {
+        unit.Start();
+        run.Start();
+        kernel::RunHardware(done);
+    }
+    run.Stop(signals.raised() ? "interrupted" : "the window was closed");
+    return CloseInOrder(unit) && run.passed();
+}
+
+// False when it failed; prints why.
+bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Program& program,
+            const CloseSignals& signals) {
+    DebugLog log(
+        [verbose = command_line.verbose](std::chrono::microseconds time, const std::string& line) {
+            if (verbose)
+                PrintLine(time, line);
+        });
+    std::string problem;
+    if (!command_line.log.empty() && !log.OpenFile(command_line.log, problem)) {
+        Say(problem);
+        return false;
+    }
+    const VirtualUnit::Options options = OptionsFor(scenario, command_line);
+    VirtualUnit unit(options, program, log, Say);
+    Operator hands(unit, command_line.card);
+    ScenarioRun run(hands, scenario, RunOptionsFor(command_line, options));
+    const auto began = HostClock::now();
+    const bool passed = RunOn(unit, run, command_line, signals);
+    const std::chrono::duration<double> host_time = HostClock::now() - began;
+    if (!run.passed())
+        Say(run.problem());
+    if (!command_line.automatic) {
+        std::printf("%s: %s, %.1f s of unit time, %.1f s\n", scenario.name.c_str(),
+                    passed ? "passed" : "failed", static_cast<double>(run.duration().count()) / 1e6,
+                    host_time.count());
+        std::fflush(stdout);
+    }
+    return passed;
+}
+
+}  // namespace
+
+int RunScenarios(const CommandLine& command_line, const Program& program,
+                 const CloseSignals& signals) {
+    std::vector<Scenario> scenarios;
+    std::vector<std::string> problems;
+    for (const std::string& file : command_line.scenarios)
+        if (auto scenario = LoadScenario(file, problems))
+            scenarios.push_back(std::move(*scenario));
+    for (const std::string& problem : problems)
+        Say(problem);
+    if (!problems.empty())
+        return kWrongUsage;
+    int status = EXIT_SUCCESS;
+    for (const Scenario& scenario : scenarios) {
+        if (signals.raised())
+            return kFailed;
+        if (!RunOne(scenario, command_line, program, signals))
+            status = kFailed;
+    }
+    return status;
+}
+
+int RunAutomatically(const CommandLine& command_line, const Program& program,
+                     const CloseSignals& signals) {
+    CommandLine with_pictures = command_line;
+    with_pictures.verbose = true;
+    if (with_pictures.screens.empty())
+        with_pictures.screens = "out/screens";
+    std::vector<std::string> problems;
+    const auto scenario = ReadScenario(std::string(UpdateScenario()), "update.scenario", problems);
+    for (const std::string& problem : problems)
+        Say(problem);
+    return scenario && RunOne(*scenario, with_pictures, program, signals) ? EXIT_SUCCESS : kFailed;
+}
+
+}  // namespace unit
