@@ -94,7 +94,7 @@ ScenarioRun::Verdict ScenarioRun::Proceed(const Act& act) {
     if (!outcome.done)
         return Verdict::kFailed;
     if (!outcome.text.empty())
-        options_.say(outcome.text);
+        options_.trace("  " + outcome.text);
     return Verdict::kDone;
 }
 

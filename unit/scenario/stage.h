@@ -21,7 +21,7 @@ struct RunOptions {
     std::uint32_t seed = 1;  // of the unit, to be told with a failure
     // Takes a line for the person who runs it.
     std::function<void(const std::string&)> say = [](const std::string&) {};
-    // Takes each command as it begins.
+    // Takes each command as it begins, and what it answers.
     std::function<void(const std::string&)> trace = [](const std::string&) {};
 };
 

@@ -8,7 +8,7 @@
 #include "unit/scenario/scenario_run.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/update_scenario.h"
-#include "unit/workbench/window_host.h"
+#include "unit/workbench/workbench.h"
 
 namespace unit {
 namespace {
@@ -52,11 +52,11 @@ RunOptions RunOptionsFor(const CommandLine& command_line,
     return options;
 }
 
-bool RunOn(VirtualUnit& unit, ScenarioRun& run, const CommandLine& command_line,
+bool RunOn(VirtualUnit& unit, Operator& hands, ScenarioRun& run, const CommandLine& command_line,
            const CloseSignals& signals) {
     const auto done = [&] { return run.finished() || signals.raised(); };
     if (command_line.window) {
-        WindowHost window(unit, command_line.card);
+        Workbench window(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
         unit.Start();
         run.Start();
         window.Run(done);
@@ -87,7 +87,7 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
     Operator hands(unit, command_line.card);
     ScenarioRun run(hands, scenario, RunOptionsFor(command_line, options));
     const auto began = HostClock::now();
-    const bool passed = RunOn(unit, run, command_line, signals);
+    const bool passed = RunOn(unit, hands, run, command_line, signals);
     const std::chrono::duration<double> host_time = HostClock::now() - began;
     if (!run.passed())
         Say(run.problem());
