@@ -70,6 +70,7 @@ struct Report {
     }
     void operator()(const FaultApplied& fault) { Tell(wanted.frames, "fault", fault.text); }
     void operator()(const DvrReset&) { Tell(wanted.rest, "DVR", "reset"); }
+    void operator()(const OperatorTold& told) { Tell(wanted.rest, "operator", told.line); }
     void operator()(const ScreenDrawn&) {}
 
     static std::string Hex(std::span<const std::byte> bytes) {
