@@ -1,3 +1,4 @@
+#include <atomic>
 #include <vector>
 
 #include "platform/kernel/event_queue.h"
@@ -22,7 +23,14 @@ class FreeScheduler final : public Scheduler {
 
     Time Now() const override {
         const std::chrono::duration<double, std::micro> passed = HostClock::now() - host_start_;
-        return start_ + Time(static_cast<Time::rep>(passed.count() * speed_));
+        return start_ + Time(jumped_.load() + static_cast<Time::rep>(passed.count() * speed_));
+    }
+
+    void Jump(KernelLock&, Duration forward) override {
+        jumped_ += forward.count();
+        for (Thread* thread : waiting_)
+            thread->wake.notify_one();
+        WakeHardware();
     }
 
     bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
@@ -97,7 +105,8 @@ class FreeScheduler final : public Scheduler {
     }
 
     HostClock::time_point HostTime(Time time) const {
-        const std::chrono::duration<double, std::micro> unit_time = time - start_;
+        const std::chrono::duration<double, std::micro> unit_time =
+            time - start_ - Time(jumped_.load());
         const std::chrono::duration<double, std::micro> host_time = unit_time / speed_;
         if (time == kNever || host_time > kFarAway)
             return host_start_ + kFarAway;
@@ -117,6 +126,8 @@ class FreeScheduler final : public Scheduler {
     const Time start_;
     const HostClock::time_point host_start_;
     const double speed_;
+    // Changed with the lock held.
+    std::atomic<Time::rep> jumped_ = 0;
     Thread& hardware_;
     EventQueue events_;
     std::vector<Thread*> waiting_;

@@ -80,6 +80,16 @@ Time RunDueActions() {
     return State().scheduler->RunDueActions();
 }
 
+bool JumpClock(Duration forward) {
+    if (forward < Duration::zero() || forward > kLongestJump)
+        return false;
+    KernelLock lock = LockKernel();
+    State().scheduler->Jump(lock, forward);
+    if (State().hardware_waker)
+        State().hardware_waker();
+    return true;
+}
+
 void SetHardwareWaker(std::function<void()> waker) {
     KernelLock lock = LockKernel();
     State().hardware_waker = std::move(waker);

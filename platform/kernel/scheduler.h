@@ -21,6 +21,9 @@ class Scheduler {
 
     virtual Time Now() const = 0;
 
+    // See JumpClock.
+    virtual void Jump(KernelLock& lock, Duration forward) = 0;
+
     // Blocks the calling thread, which is not the hardware's, until ready() holds or the deadline
     // has come, and returns the last answer of ready(). The lock is let go of while the thread is
     // blocked; ready() is asked with the lock held, on any thread.
@@ -67,6 +70,14 @@ void Cancel(EventId id);
 
 bool RunHardware(const std::function<bool()>& done);
 Time RunDueActions();
+
+// Puts the unit's clock forward: what would have come meanwhile is all overdue at once. Actions run
+// in order of their time, each at the new one; waits and sleeps whose end has passed time out,
+// simulated threads of one priority in order of those ends. False, and nothing is done, for a jump
+// back (the clock of a unit never runs backwards) or one of more than kLongestJump. Hardware's
+// thread.
+inline constexpr Duration kLongestJump = std::chrono::hours(24 * 1000);
+bool JumpClock(Duration forward);
 
 // Called (any thread, kernel lock held) when an action was added or the screen changed: wakes an
 // event loop that waits outside the kernel. Set before threads start.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <random>
 #include <vector>
@@ -24,6 +25,11 @@ class SimulatedScheduler final : public Scheduler {
     }
 
     Time Now() const override { return Time(now_.load()); }
+
+    void Jump(KernelLock&, Duration forward) override {
+        now_ += forward.count();
+        woken_ = true;
+    }
 
     bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
         Thread& self = CurrentThread();
@@ -164,6 +170,10 @@ class SimulatedScheduler final : public Scheduler {
         }
         if (candidates_.empty())
             return nullptr;
+        // Overdue are only those that the clock jumped over.
+        Thread* const earliest = *std::ranges::min_element(candidates_, {}, &Thread::blocked_until);
+        if (earliest->blocked_until < Now())
+            return earliest;
         const std::size_t choice = candidates_.size() == 1 ? 0 : random_() % candidates_.size();
         return candidates_[choice];
     }

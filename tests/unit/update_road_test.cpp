@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/kernel/scheduler.h"
 #include "tests/rig/wizard_run.h"
 
 namespace tests {
@@ -49,6 +50,31 @@ TEST(UpdateRoad, SameSeedSameOutput) {
     EXPECT_GT(first.size(), 5000U);
     EXPECT_EQ(first, walk(7));
     EXPECT_NE(first, walk(8));
+}
+
+// The tick count begins anew while the DVR updates.
+TEST(UpdateRoad, SurvivesTheTickCountsWrap) {
+    VirtualUnit::Options options;
+    options.kernel.start = std::chrono::milliseconds(std::uint64_t{1} << 32) - 30s;
+    WizardRun run(options);
+    run.GoToRemoveCard();
+    EXPECT_LT(GetTickCount(), 120000U);
+    FinishFromRemoveCard(run);
+    EXPECT_TRUE(run.WaitForText(kSuccess, 20s));
+}
+
+// Everything that the program waits for is overdue at once; it goes on from there.
+TEST(UpdateRoad, SurvivesAClockThatJumps) {
+    WizardRun run;
+    run.GoToUpdating();
+    EXPECT_TRUE(platform::kernel::JumpClock(5s));
+    ASSERT_TRUE(run.WaitForText(L"OK", 60s)) << run.output();
+    run.RunFor(1s);
+    EXPECT_TRUE(platform::kernel::JumpClock(1h));
+    ASSERT_TRUE(run.Tap(L"OK"));
+    ASSERT_TRUE(run.WaitForText(L"7. DVR用SDカード挿入口からSDカードを抜いて下さい。", 3s));
+    FinishFromRemoveCard(run);
+    EXPECT_TRUE(run.WaitForText(kSuccess, 20s));
 }
 
 TEST(UpdateRoad, NoCardReportAfterPowerOnShowsTheErrorScreen) {
