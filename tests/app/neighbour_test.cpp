@@ -8,10 +8,10 @@ namespace {
 
 using platform::NamedKind;
 
-constexpr wchar_t kName[] = L"Tolvane";
+constexpr wchar_t kFirstName[] = L"Tolvane";
 
 // The first copy as another process: what it has, and when that changes.
-struct Row {
+struct FirstCopy {
     std::chrono::milliseconds window_after;  // 0 at once, -1 never
     std::chrono::milliseconds ends_after;    // -1 never
     std::chrono::milliseconds answer_after;  // of the second copy
@@ -19,19 +19,19 @@ struct Row {
 };
 
 TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
-    constexpr Row kRows[] = {
+    constexpr FirstCopy kCopies[] = {
         {0ms, -1ms, 0ms, false},        // the window is there
         {1050ms, -1ms, 1100ms, false},  // comes late
         {2350ms, -1ms, 2400ms, false},  // just in time
         {-1ms, -1ms, 2500ms, true},     // never comes
         {-1ms, 1050ms, 1100ms, true},   // the first copy ends
     };
-    for (const Row& row : kRows) {
+    for (const FirstCopy& row : kCopies) {
         WizardBench bench;
         Neighbour& first = bench.platform.board.neighbour;
         const auto show = [&] { first.window = 0x51; };
-        first.objects[kName] = NamedKind::kMutex;
-        first.window_class = kName;
+        first.objects[kFirstName] = NamedKind::kMutex;
+        first.window_class = kFirstName;
         if (row.window_after == 0ms)
             show();
         else if (row.window_after > 0ms)
@@ -60,7 +60,7 @@ TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
 
 TEST(SecondProcess, EndsWithAnErrorWhenTheNameIsOfAnotherKind) {
     WizardBench bench;
-    bench.platform.board.neighbour.objects[kName] = NamedKind::kMessageQueue;
+    bench.platform.board.neighbour.objects[kFirstName] = NamedKind::kMessageQueue;
     bench.Start();
     bench.ExpectExit(static_cast<int>(0x80070057));
 }

@@ -18,36 +18,36 @@ namespace {
 namespace kernel = platform::kernel;
 
 // Names of an event and a mutex that are there, and handles of nothing.
-constexpr wchar_t kEvent[] = L"an event";
-constexpr wchar_t kMutex[] = L"a mutex";
-const HWND kNoWindow = reinterpret_cast<HWND>(std::uintptr_t{0xABC8});
-const HDC kNoDc = reinterpret_cast<HDC>(std::uintptr_t{0xABC8});
+constexpr wchar_t kEventName[] = L"an event";
+constexpr wchar_t kMutexName[] = L"a mutex";
+const HWND kWindowOfNobody = reinterpret_cast<HWND>(std::uintptr_t{0xABC8});
+const HDC kDcOfNobody = reinterpret_cast<HDC>(std::uintptr_t{0xABC8});
 
-struct Call {
+struct FailingCall {
     std::string_view name;
     // Makes a call that mostly fails anyway, and returns whether its result says so as the API
     // documents it.
     bool (*failed)();
 };
 
-const Call kCalls[] = {
+const FailingCall kFailingCalls[] = {
     {"BeginPaint", [] { return BeginPaint(nullptr, nullptr) == nullptr; }},
     {"BitBlt", [] { return BitBlt(nullptr, 0, 0, 1, 1, nullptr, 0, 0, SRCCOPY) == FALSE; }},
     {"ClientToScreen", [] { return ClientToScreen(nullptr, nullptr) == FALSE; }},
     {"CloseHandle", [] { return CloseHandle(nullptr) == FALSE; }},
     {"CloseMsgQueue", [] { return CloseMsgQueue(nullptr) == FALSE; }},
-    {"CoInitializeEx", [] { return CoInitializeEx(kNoWindow, 0) < 0; }},
+    {"CoInitializeEx", [] { return CoInitializeEx(kWindowOfNobody, 0) < 0; }},
     {"CreateBitmap", [] { return CreateBitmap(0, 0, 1, 32, nullptr) == nullptr; }},
     {"CreateCompatibleBitmap", [] { return CreateCompatibleBitmap(nullptr, 1, 1) == nullptr; }},
-    {"CreateCompatibleDC", [] { return CreateCompatibleDC(kNoDc) == nullptr; }},
+    {"CreateCompatibleDC", [] { return CreateCompatibleDC(kDcOfNobody) == nullptr; }},
     {"CreateDialogIndirectParamW",
      [] { return CreateDialogIndirectParamW(nullptr, nullptr, nullptr, nullptr, 0) == nullptr; }},
-    {"CreateEventW", [] { return CreateEventW(nullptr, FALSE, FALSE, kMutex) == nullptr; }},
+    {"CreateEventW", [] { return CreateEventW(nullptr, FALSE, FALSE, kMutexName) == nullptr; }},
     {"CreateFileW",
      [] { return CreateFileW(nullptr, 0, 0, nullptr, 0, 0, nullptr) == INVALID_HANDLE_VALUE; }},
     {"CreateFontIndirectW", [] { return CreateFontIndirectW(nullptr) == nullptr; }},
     {"CreateMsgQueue", [] { return CreateMsgQueue(nullptr, nullptr) == nullptr; }},
-    {"CreateMutexW", [] { return CreateMutexW(nullptr, FALSE, kEvent) == nullptr; }},
+    {"CreateMutexW", [] { return CreateMutexW(nullptr, FALSE, kEventName) == nullptr; }},
     {"CreateSolidBrush",
      [] {
          const HBRUSH brush = CreateSolidBrush(0);
@@ -115,7 +115,7 @@ const Call kCalls[] = {
     {"GetWindowTextW", [] { return GetWindowTextW(nullptr, nullptr, 0) == 0; }},
     {"GetWindowThreadProcessId", [] { return GetWindowThreadProcessId(nullptr, nullptr) == 0; }},
     {"InitCommonControlsEx", [] { return InitCommonControlsEx(nullptr) == FALSE; }},
-    {"InvalidateRect", [] { return InvalidateRect(kNoWindow, nullptr, FALSE) == FALSE; }},
+    {"InvalidateRect", [] { return InvalidateRect(kWindowOfNobody, nullptr, FALSE) == FALSE; }},
     {"KernelIoControl",
      [] { return KernelIoControl(0, nullptr, 0, nullptr, 0, nullptr) == FALSE; }},
     {"KillTimer", [] { return KillTimer(nullptr, 9) == FALSE; }},
@@ -134,7 +134,7 @@ const Call kCalls[] = {
     {"OpenEventW", [] { return OpenEventW(0, FALSE, nullptr) == nullptr; }},
     {"OpenMsgQueue", [] { return OpenMsgQueue(nullptr, nullptr, nullptr) == nullptr; }},
     {"PatBlt", [] { return PatBlt(nullptr, 0, 0, 1, 1, PATCOPY) == FALSE; }},
-    {"PostMessageW", [] { return PostMessageW(kNoWindow, 0, 0, 0) == FALSE; }},
+    {"PostMessageW", [] { return PostMessageW(kWindowOfNobody, 0, 0, 0) == FALSE; }},
     {"PostThreadMessageW", [] { return PostThreadMessageW(0, 0, 0, 0) == FALSE; }},
     {"PulseEvent", [] { return PulseEvent(nullptr) == FALSE; }},
     {"PurgeComm", [] { return PurgeComm(nullptr, 0) == FALSE; }},
@@ -158,13 +158,13 @@ const Call kCalls[] = {
     {"SetCommState", [] { return SetCommState(nullptr, nullptr) == FALSE; }},
     {"SetCommTimeouts", [] { return SetCommTimeouts(nullptr, nullptr) == FALSE; }},
     {"SetEvent", [] { return SetEvent(nullptr) == FALSE; }},
-    {"SetFocus", [] { return SetFocus(kNoWindow) == nullptr; }},
+    {"SetFocus", [] { return SetFocus(kWindowOfNobody) == nullptr; }},
     {"SetForegroundWindow", [] { return SetForegroundWindow(nullptr) == FALSE; }},
     {"SetPixel", [] { return SetPixel(nullptr, 0, 0, 0) == CLR_INVALID; }},
     {"SetSystemPowerState", [] { return SetSystemPowerState(nullptr, 0, 0) != ERROR_SUCCESS; }},
     {"SetTextColor", [] { return SetTextColor(nullptr, 0) == CLR_INVALID; }},
     {"SetThreadPriority", [] { return SetThreadPriority(nullptr, 0) == FALSE; }},
-    {"SetTimer", [] { return SetTimer(kNoWindow, 1, 10, nullptr) == 0; }},
+    {"SetTimer", [] { return SetTimer(kWindowOfNobody, 1, 10, nullptr) == 0; }},
     {"SetWindowLongPtrW", [] { return SetWindowLongPtrW(nullptr, 0, 0) == 0; }},
     {"SetWindowLongW", [] { return SetWindowLongW(nullptr, 0, 0) == 0; }},
     {"SetWindowPos", [] { return SetWindowPos(nullptr, nullptr, 0, 0, 1, 1, 0) == FALSE; }},
@@ -195,14 +195,15 @@ bool WorksAnyway(std::string_view call) {
 
 // The first and the third call of each fail for a reason of their own, the second on demand.
 TEST(CallTable, EveryCallFailsWhenAskedToAndOnlyThen) {
-    EXPECT_TRUE(std::ranges::equal(kCalls, kernel::FailableCallNames(), {}, &Call::name));
+    EXPECT_TRUE(
+        std::ranges::equal(kFailingCalls, kernel::FailableCallNames(), {}, &FailingCall::name));
     constexpr DWORD kChosen = 424242;
     tests::Platform platform;
     platform.board.hal_answer = ERROR_NOT_SUPPORTED;
     platform.Run([&] {
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, kEvent);
-        const HANDLE mutex = CreateMutexW(nullptr, FALSE, kMutex);
-        for (const Call& call : kCalls) {
+        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, kEventName);
+        const HANDLE mutex = CreateMutexW(nullptr, FALSE, kMutexName);
+        for (const FailingCall& call : kFailingCalls) {
             const std::uint64_t before = kernel::CallCount(call.name);
             EXPECT_EQ(kernel::AddCallFault({std::string(call.name), 1, 1, kChosen}), "");
             for (int number = 1; number <= 3; ++number) {
@@ -220,7 +221,7 @@ TEST(CallTable, EveryCallFailsWhenAskedToAndOnlyThen) {
             EXPECT_TRUE(call.failed()) << call.name;
             EXPECT_TRUE(GetLastError() != 0 && GetLastError() != kChosen) << call.name;
         }
-        EXPECT_EQ(kernel::FailedCallCount(), 2 * std::size(kCalls));
+        EXPECT_EQ(kernel::FailedCallCount(), 2 * std::size(kFailingCalls));
         CloseHandle(event);
         CloseHandle(mutex);
     });

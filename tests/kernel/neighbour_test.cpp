@@ -12,7 +12,7 @@ namespace kernel = platform::kernel;
 using platform::NamedKind;
 using tests::Platform;
 
-constexpr wchar_t kName[] = L"shared";
+constexpr wchar_t kShared[] = L"shared";
 
 struct Maker {
     NamedKind kind;
@@ -20,12 +20,12 @@ struct Maker {
 };
 
 const Maker kMakers[] = {
-    {NamedKind::kEvent, [] { return CreateEventW(nullptr, TRUE, TRUE, kName); }},
-    {NamedKind::kMutex, [] { return CreateMutexW(nullptr, TRUE, kName); }},
+    {NamedKind::kEvent, [] { return CreateEventW(nullptr, TRUE, TRUE, kShared); }},
+    {NamedKind::kMutex, [] { return CreateMutexW(nullptr, TRUE, kShared); }},
     {NamedKind::kMessageQueue,
      [] {
          MSGQUEUEOPTIONS options{sizeof(MSGQUEUEOPTIONS), 0, 3, 16, TRUE};
-         return CreateMsgQueue(kName, &options);
+         return CreateMsgQueue(kShared, &options);
      }},
 };
 
@@ -34,7 +34,7 @@ TEST(Neighbours, ShareTheNamesOfTheirObjects) {
         for (const NamedKind there :
              {NamedKind::kNone, NamedKind::kEvent, NamedKind::kMutex, NamedKind::kMessageQueue}) {
             Platform platform;
-            platform.board.neighbour.objects[kName] = there;
+            platform.board.neighbour.objects[kShared] = there;
             platform.Run([&] {
                 const bool free = there == NamedKind::kNone;
                 const bool fits = free || there == maker.kind;
@@ -43,7 +43,7 @@ TEST(Neighbours, ShareTheNamesOfTheirObjects) {
                 EXPECT_EQ(GetLastError(), free   ? ERROR_SUCCESS
                                           : fits ? ERROR_ALREADY_EXISTS
                                                  : ERROR_INVALID_HANDLE);
-                EXPECT_EQ(kernel::FindNamedKind(kName), fits ? maker.kind : NamedKind::kNone);
+                EXPECT_EQ(kernel::FindNamedKind(kShared), fits ? maker.kind : NamedKind::kNone);
                 if (!fits)
                     return;
                 // What stands in for another process's object has no state to work with.
@@ -72,9 +72,9 @@ TEST(Neighbours, EventsAreOpenedByName) {
         for (const auto& [there, error] : {std::pair{NamedKind::kNone, ERROR_FILE_NOT_FOUND},
                                            {NamedKind::kMutex, ERROR_INVALID_HANDLE},
                                            {NamedKind::kEvent, ERROR_SUCCESS}}) {
-            platform.board.neighbour.objects[kName] = there;
+            platform.board.neighbour.objects[kShared] = there;
             SetLastError(ERROR_SUCCESS);
-            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kName);
+            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kShared);
             EXPECT_EQ(GetLastError(), error);
             EXPECT_EQ(event != nullptr, there == NamedKind::kEvent);
             EXPECT_EQ(event != nullptr, CloseHandle(event) != FALSE);
