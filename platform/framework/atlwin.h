@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+
 #include "atlapp.h"
 #include "atlmsgmap.h"
 
@@ -29,7 +31,7 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
     // A window that outlives its object is left to the default processing.
     virtual ~CWindowImplRoot() {
         if (m_hWnd != nullptr)
-            SetWindowLongPtrW(m_hWnd, GWLP_USERDATA, 0);
+            t_objects.erase(m_hWnd);
     }
 
   protected:
@@ -39,12 +41,12 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
     // waits for a window on this thread. NULL when the window has none.
     template <typename TImpl>
     static TImpl* FromWindow(HWND hWnd) {
-        if (const LONG_PTR known = GetWindowLongPtrW(hWnd, GWLP_USERDATA))
-            return reinterpret_cast<TImpl*>(known);
+        if (const auto known = t_objects.find(hWnd); known != t_objects.end())
+            return static_cast<TImpl*>(known->second);
         auto* const impl = static_cast<TImpl*>(_Module.ExtractCreateWndData());
         if (impl != nullptr) {
             impl->m_hWnd = hWnd;
-            SetWindowLongPtrW(hWnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(impl));
+            t_objects[hWnd] = impl;
         }
         return impl;
     }
@@ -69,13 +71,17 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
         m_destroyed = m_destroyed || uMsg == WM_NCDESTROY;
         if (--m_nesting != 0 || !m_destroyed)
             return false;
-        SetWindowLongPtrW(m_hWnd, GWLP_USERDATA, 0);
+        t_objects.erase(m_hWnd);
         m_hWnd = nullptr;
         m_destroyed = false;
         return true;
     }
 
   private:
+    // The objects behind the thread's windows. Not kept in the windows themselves: what a message
+    // is for must be found even while calls of the system fail.
+    static inline thread_local std::map<HWND, void*> t_objects;
+
     int m_nesting = 0;
     bool m_destroyed = false;
 };

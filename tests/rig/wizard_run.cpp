@@ -47,6 +47,11 @@ void WizardRun::Close() {
     EXPECT_EQ(unit_->program().exit_code(), 0);
 }
 
+bool WizardRun::CloseAnyhow() {
+    closed_ = true;
+    return unit_->Close(60s);
+}
+
 void WizardRun::RunFor(std::chrono::milliseconds time) {
     const kernel::Time deadline = kernel::Now() + time;
     kernel::At(deadline, [] {});

@@ -47,6 +47,8 @@ class WizardRun {
     // open is a failure.
     void Close();
 
+    // The same without a look at what was left or returned; false when it did not end.
+    bool CloseAnyhow();
     void ExpectLeftovers(std::string leftovers) { expected_leftovers_ = std::move(leftovers); }
 
     // The debug output so far, a line an entry.
