@@ -18,7 +18,7 @@ void Add(WizardRun& run, const std::string& text) {
     run.unit().dvr().faults().Add(*rule);
 }
 
-constexpr wchar_t kPercent[] = L"Update Percent : ";
+constexpr wchar_t kPercentStart[] = L"Update Percent : ";
 
 TEST(FaultyLine, PercentReportsWithBadChecksumsAreDroppedUntilTheRuleGoes) {
     WizardRun run;
@@ -82,9 +82,9 @@ TEST(FaultyLine, PseudoTerminalHasTheSameFaults) {
     run.unit().SetPlugged(false);
     // What was read before the plug was out may still be on its way to the screen.
     run.RunFor(1s);
-    const std::wstring stands = run.screen().TextStartingWith(kPercent);
+    const std::wstring stands = run.screen().TextStartingWith(kPercentStart);
     run.RunFor(4s);
-    EXPECT_EQ(run.screen().TextStartingWith(kPercent), stands);
+    EXPECT_EQ(run.screen().TextStartingWith(kPercentStart), stands);
     run.unit().SetPlugged(true);
     EXPECT_TRUE(run.RunUntil([&] { return !run.screen().Shows(stands); }, 20s));
     for (const auto& entry : run.unit().dvr().faults().List())

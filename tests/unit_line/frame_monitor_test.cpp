@@ -9,18 +9,17 @@ namespace {
 
 using namespace std::chrono_literals;
 using unit::Direction;
+using enum unit::Direction;
 using unit::LineBytes;
 using unit::LineHistory;
 
-struct Case {
+struct MonitorCase {
     Direction direction;
     const char* bytes;
     std::vector<const char*> texts;
 };
 
-constexpr Direction kToUnit = Direction::kToUnit;
-
-const Case kCases[] = {
+const MonitorCase kMonitorCases[] = {
     {kToUnit,
      "A55A 80 002E 0012 39 31342E30392E30312E56312E30322E3033 0559",
      {"to unit  IND  FW_Upgrade_Version  57 '14.09.01.V1.02.03'  ok"}},
@@ -39,8 +38,8 @@ const Case kCases[] = {
      "A55A 80 0022 0008 3100303132333435 0309",
      {"to unit  IND  Video_Record  recording '012345'  ok"}},
     {kToUnit, "A55A 80 0017 0002 C0DE 0336", {"to unit  IND  Play_DeleteFile  C0 DE  ok"}},
-    {Direction::kToDvr, "A55A 10 001C 0001 00 012C", {"to DVR  REQ  System_Reboot  00  ok"}},
-    {Direction::kToDvr, "A55A 10 0010 0000 011F", {"to DVR  REQ  DVR_RunningState  -  ok"}},
+    {kToDvr, "A55A 10 001C 0001 00 012C", {"to DVR  REQ  System_Reboot  00  ok"}},
+    {kToDvr, "A55A 10 0010 0000 011F", {"to DVR  REQ  DVR_RunningState  -  ok"}},
     {kToUnit, "A55A 44 0FFF 0000 0251", {"to unit  0x44  0x0FFF  -  ok"}},
     // Damage is shown, and what follows it is found where the program finds it.
     {kToUnit,
@@ -75,7 +74,7 @@ std::vector<std::uint8_t> Bytes(std::string hex) {
 }
 
 TEST(FrameMonitor, ShowsFramesDamageAndStrayBytesAtEverySplit) {
-    for (const Case& c : kCases) {
+    for (const MonitorCase& c : kMonitorCases) {
         SCOPED_TRACE(c.bytes);
         const std::vector<std::uint8_t> bytes = Bytes(c.bytes);
         for (std::size_t split = 0; split <= bytes.size() && !testing::Test::HasFailure();
@@ -96,7 +95,7 @@ TEST(FrameMonitor, EndsStrayRunsAtAGapAndKeepsUnfinishedFrames) {
     history.Take(49ms, {kToUnit, Bytes("03")});
     EXPECT_TRUE(history.Since(0, 98ms).empty());
     history.Take(110ms, {kToUnit, Bytes("04 A55A80")});
-    history.Take(110ms, {Direction::kToDvr, Bytes("05")});
+    history.Take(110ms, {kToDvr, Bytes("05")});
     EXPECT_EQ(Texts(history.Since(0, 110ms)),
               std::vector<std::string>{"to unit  3 stray bytes  01 02 03"});
     const auto later = history.Since(1, 10s);

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using std::chrono::microseconds;
-using unit::Direction;
+using enum unit::Direction;
 
 // Indications of 57 percent and of a card, an answer about the card, and a request.
 constexpr char kPercent[] = "A5 5A 80 00 2E 00 01 39 01 E7";
@@ -22,14 +22,14 @@ struct Sent {
     const char* hex;
 };
 
-struct Case {
+struct FaultCase {
     std::vector<const char*> rules;
     std::vector<Sent> sent;
     const char* arrives;
     std::vector<std::uint64_t> applied;
 };
 
-const Case kToUnitCases[] = {
+const FaultCase kFaultCases[] = {
     // Bytes.
     {{"drop bytes after 1 every 2"}, {{0, "01 02 03 04 05"}}, "0: 01 02 04", {2}},
     {{"drop bytes after 2 times 1"}, {{0, "01 02"}, {9, "03 04"}}, "0: 01 02 / 9: 04", {1}},
@@ -138,14 +138,14 @@ const Case kToUnitCases[] = {
 };
 
 TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
-    for (const Case& c : kToUnitCases)
+    for (const FaultCase& c : kFaultCases)
         for (const bool byte_by_byte : {false, true}) {
             SCOPED_TRACE(std::string(c.rules[0]) + (byte_by_byte ? ", byte by byte" : ""));
             TappedLine line;
             for (const char* rule : c.rules)
                 line.Add(rule);
             for (const Sent& sent : c.sent)
-                line.Send(Direction::kToUnit, microseconds(sent.at), sent.hex, byte_by_byte);
+                line.Send(kToUnit, microseconds(sent.at), sent.hex, byte_by_byte);
             line.RunFor(1s);
             EXPECT_EQ(line.program.text(), c.arrives);
             EXPECT_EQ(line.heard_to_unit.text(), c.arrives);
@@ -159,8 +159,8 @@ TEST(LineFaults, WhatTheProgramSendsIsHeardBeforeTheFaults) {
     TappedLine line;
     line.Add("corrupt checksum of requests to-dvr");
     line.Add("delay 2ms requests to-dvr");
-    line.Send(Direction::kToDvr, 0us, kRequest);
-    line.Send(Direction::kToUnit, 5us, kPercent);
+    line.Send(kToDvr, 0us, kRequest);
+    line.Send(kToUnit, 5us, kPercent);
     line.RunFor(10ms);
     EXPECT_EQ(line.heard_to_dvr.text(), "0: A5 5A 10 80 2E 00 01 00 01 BE");
     EXPECT_EQ(line.dvr.text(), "2000: A5 5A 10 80 2E 00 01 00 FE 41");
@@ -175,7 +175,7 @@ TEST(LineFaults, ChanceComesFromTheSeed) {
         line.tap->Open([&](std::span<const std::uint8_t> bytes) { arrived += bytes.size(); });
         for (int block = 0; block < 100; ++block)
             for (int byte = 0; byte < 100; ++byte)
-                line.Send(Direction::kToUnit, microseconds(block), "55");
+                line.Send(kToUnit, microseconds(block), "55");
         line.RunFor(10ms);
         const auto entry = line.faults->List().at(0);
         EXPECT_EQ(entry.matches, 10'000U);
@@ -195,8 +195,8 @@ TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
     line.faults->OnApplied([&](const std::string& text) { told.push_back(text); });
     line.Add("corrupt checksum of FW_Upgrade_Version indications to-unit");
     line.Add("drop bytes after 11 times 1");
-    line.Send(Direction::kToUnit, 0us, kPercent);
-    line.Send(Direction::kToUnit, 0us, "01 02");
+    line.Send(kToUnit, 0us, kPercent);
+    line.Send(kToUnit, 0us, "01 02");
     line.RunFor(1ms);
     EXPECT_EQ(told, (std::vector<std::string>{
                         "fault 1 (corrupt checksum of FW_Upgrade_Version indications to-unit): "
@@ -207,7 +207,7 @@ TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
     EXPECT_EQ(line.faults->List().at(0).number, 2);
     line.faults->Clear();
     EXPECT_TRUE(line.faults->List().empty());
-    line.Send(Direction::kToUnit, 2ms, kPercent);
+    line.Send(kToUnit, 2ms, kPercent);
     line.RunFor(1ms);
     EXPECT_TRUE(line.program.text().ends_with("/ 2000: A5 5A 80 00 2E 00 01 39 01 E7"));
     line.Add("drop bytes");

@@ -8,10 +8,7 @@ namespace tests {
 namespace {
 
 using namespace std::chrono_literals;
-using unit::Direction;
-
-constexpr Direction kToUnit = Direction::kToUnit;
-constexpr Direction kToDvr = Direction::kToDvr;
+using enum unit::Direction;
 
 TEST(LineTap, TellsWhatPassesWhenItPasses) {
     TappedLine line;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -10,6 +11,9 @@ namespace unit {
 
 inline constexpr std::size_t kFrameHeaderBytes = 7;
 inline constexpr std::size_t kFrameChecksumBytes = 2;
+
+// Bytes of one piece follow each other more closely than this.
+inline constexpr std::chrono::milliseconds kLongestGap{50};
 
 // A piece of the line's byte stream.
 struct Cut {

@@ -10,9 +10,6 @@
 namespace unit {
 namespace {
 
-// After such a pause, what comes next is another run of stray bytes.
-constexpr auto kLongestGap = std::chrono::milliseconds(50);
-
 constexpr std::size_t kMostShown = 16;
 
 std::string StrayText(const std::vector<std::uint8_t>& bytes) {

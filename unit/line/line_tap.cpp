@@ -9,13 +9,6 @@ namespace unit {
 
 namespace kernel = platform::kernel;
 
-namespace {
-
-// The longest gap in a frame after which its beginning is still held back.
-constexpr auto kLongestGap = std::chrono::milliseconds(50);
-
-}  // namespace
-
 LineTap::LineTap(std::shared_ptr<SerialLine> line, std::shared_ptr<LineFaults> faults,
                  Listener listener)
     : line_(std::move(line)), faults_(std::move(faults)), listener_(std::move(listener)) {
