@@ -13,7 +13,7 @@
 namespace control {
 namespace {
 
-constexpr mode_t kUserOnly = 0600;
+constexpr mode_t kSocketMode = 0600;
 constexpr int kWaitingConnections = 64;
 
 // Removes what a dead process left; false with errno set when something else is in the way.
@@ -32,7 +32,7 @@ Descriptor Listen(const RuntimeFolder& folder, const std::string& entry) {
     Descriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     const SocketAddress address(folder.Inside(entry));
     // The mode that the socket's file is made with.
-    if (!listener || fchmod(listener.get(), kUserOnly) != 0 ||
+    if (!listener || fchmod(listener.get(), kSocketMode) != 0 ||
         bind(listener.get(), address.get(), SocketAddress::size()) != 0 ||
         listen(listener.get(), kWaitingConnections) != 0)
         return {};
@@ -61,7 +61,7 @@ std::optional<SocketClaim> SocketClaim::Make(const std::string& name, bool& take
     // the same name.
     const std::string lock_entry = name + ".lock";
     Descriptor lock(openat(folder->descriptor(), lock_entry.c_str(),
-                           O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kUserOnly));
+                           O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kSocketMode));
     if (!lock)
         return refuse(lock_entry);
     if (flock(lock.get(), LOCK_EX | LOCK_NB) != 0) {
