@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kWhite = 0xF0F0F0;
 constexpr std::uint32_t kBlack = 0x000000;
 
-std::uint32_t Blend(std::uint32_t under, std::uint32_t over, unsigned ink) {
+std::uint32_t InkOver(std::uint32_t under, std::uint32_t over, unsigned ink) {
     std::uint32_t mixed = 0;
     for (const unsigned shift : {16U, 8U, 0U})
         mixed |= ((under >> shift & 0xFF) * (255 - ink) + (over >> shift & 0xFF) * ink) / 255
@@ -56,7 +56,7 @@ void Caption::Copy(Picture& picture, int x, int y, int character, std::uint32_t 
             &picture.pixels[static_cast<std::size_t>((y + row) * picture.width + x)];
         for (int column = 0; column < kCharacterWidth; ++column)
             if (ink[column] != 0)
-                pixel[column] = Blend(pixel[column], color, ink[column]);
+                pixel[column] = InkOver(pixel[column], color, ink[column]);
     }
 }
 
