@@ -20,6 +20,8 @@ struct CommandLine {
     std::uint32_t seed = 1;
     std::string screens;
     std::string log;
+    std::string record;
+    std::string replay;
 };
 
 // Reads the command line. On --help and on a wrong option or value it has printed what is to be

@@ -11,8 +11,10 @@
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "unit/board/virtual_unit.h"
+#include "unit/recording/recorder.h"
 #include "unit/tolvane/auto_user.h"
 #include "unit/tolvane/command_line.h"
+#include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/signals.h"
 #include "unit/workbench/window_host.h"
 
@@ -111,7 +113,7 @@ int RunInWindow(VirtualUnit& unit, const std::string& card, const CloseSignals& 
 
 int Run(CommandLine command_line) {
     const CloseSignals signals;
-    if (!command_line.automatic && !command_line.headless) {
+    if (!command_line.automatic && !command_line.headless && command_line.replay.empty()) {
         std::string problem;
         if (!WindowHost::DisplayAvailable(problem)) {
             Say("no display (" + problem + "); running --auto");
@@ -128,6 +130,12 @@ int Run(CommandLine command_line) {
         Say(problem);
         return kFailed;
     }
+    if (!command_line.replay.empty()) {
+        const int replay_status =
+            RunReplay(command_line, {RunProgram, res::ProgramResources()}, log, Say);
+        platform::gdi::Shutdown();
+        return replay_status;
+    }
     std::optional<dvrsim::TemporaryCard> made_card;
     if (command_line.card.empty())
         made_card.emplace();
@@ -135,8 +143,13 @@ int Run(CommandLine command_line) {
 
     int status = kFailed;
     {
-        VirtualUnit unit(UnitOptions(command_line), {RunProgram, res::ProgramResources()}, log,
-                         Say);
+        const VirtualUnit::Options options = UnitOptions(command_line);
+        VirtualUnit unit(options, {RunProgram, res::ProgramResources()}, log, Say);
+        Recorder recorder(unit, options);
+        if (!command_line.record.empty() && !recorder.Start(command_line.record, problem)) {
+            Say(problem);
+            return kFailed;
+        }
         if (command_line.automatic)
             status = RunAutomatically(unit, command_line, card, signals);
         else if (command_line.headless)
