@@ -53,7 +53,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
             events_.Tell(LineBytes{direction, {bytes.begin(), bytes.end()}});
         });
     dvr_->faults().OnApplied([this](const std::string& text) { events_.Tell(FaultApplied{text}); });
-    LoadDrivers(options.missing_drivers);
+    LoadDrivers(options);
     log_.Listen([this](std::chrono::microseconds, const std::string& line) {
         events_.Tell(LineLogged{line});
     });
@@ -76,13 +76,15 @@ VirtualUnit::~VirtualUnit() {
     kernel::Shutdown();
 }
 
-void VirtualUnit::LoadDrivers(const std::vector<std::wstring>& missing) {
+void VirtualUnit::LoadDrivers(const Options& options) {
     if (const auto line = dvr_->line())
         drivers_.LoadSerial(L"COM9:", std::make_shared<platform::device::SerialDriver>(line));
     drivers_.Load(L"DVR1:", std::make_shared<DvrResetDriver>(
                                 [this] { kernel::At(kernel::Now(), [this] { ResetDvr(); }); }));
     drivers_.Load(L"SCA0:", scaler_);
-    for (const std::wstring& name : missing)
+    for (const auto& [name, driver] : options.drivers)
+        drivers_.LoadSerial(name, driver);
+    for (const std::wstring& name : options.missing_drivers)
         drivers_.HideUntil(name, kernel::kNever);
 }
 
@@ -112,6 +114,8 @@ bool VirtualUnit::CloseUntil(const std::function<void()>& ask, const std::functi
 }
 
 bool VirtualUnit::Close(std::chrono::seconds limit) {
+    if (on_closing_)
+        on_closing_();
     CloseUntil(
         ProgramHost::CloseWindow, [this] { return !program_.running(); }, limit * time_scale_);
     // An application that has only begun to start has no window to close yet: ask again.
@@ -175,6 +179,10 @@ void VirtualUnit::SetBattery(BYTE flag, BYTE percent) {
     });
 }
 
+void VirtualUnit::SetSupply(const platform::PowerSupply& supply) {
+    ChangeSupply([&supply](platform::PowerSupply& changed) { changed = supply; });
+}
+
 platform::PowerSupply VirtualUnit::supply() const {
     const std::scoped_lock lock(mutex_);
     return supply_;
@@ -207,6 +215,16 @@ const platform::gdi::Surface& VirtualUnit::Screen() {
         composed_ = window::ComposeScreen();
     composed_version_ = version;
     return composed_;
+}
+
+void VirtualUnit::SetHalRefuses(bool refuses) {
+    hal_refuses_ = refuses;
+    events_.Tell(BoardFaultSwitched{BoardFaultSwitched::Fault::kHalRefuses, refuses});
+}
+
+void VirtualUnit::SetBatteryDriverFails(bool fails) {
+    battery_driver_fails_ = fails;
+    events_.Tell(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
 }
 
 void VirtualUnit::WakeUp() {

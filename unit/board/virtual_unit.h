@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -43,6 +44,8 @@ class VirtualUnit final : public platform::Board {
         std::vector<std::wstring> missing_drivers;
         std::vector<WORD> missing_bitmaps;
         bool external_power = true;
+        // Drivers that are loaded in place of the unit's own.
+        std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>> drivers;
     };
 
     // `say` takes one line for the operator; `log` takes the program's debug output. Any thread.
@@ -57,6 +60,9 @@ class VirtualUnit final : public platform::Board {
     // `limit` (of host time when the unit runs faster than the host), and returns whether all
     // ended. Afterwards only the destructor may be called.
     bool Close(std::chrono::seconds limit);
+
+    // Called on the hardware's thread when Close begins. Set before.
+    void OnClosing(std::function<void()> begins) { on_closing_ = std::move(begins); }
 
     // Everything that happens at the unit's edges. Any thread.
     EventHub& events() { return events_; }
@@ -74,6 +80,7 @@ class VirtualUnit final : public platform::Board {
     bool external_power() const;
     // The battery's flag and charge as the battery driver reports them (SYSTEM_POWER_STATUS_EX2).
     void SetBattery(BYTE flag, BYTE percent);
+    void SetSupply(const platform::PowerSupply& supply);
     platform::PowerSupply supply() const;
     void SetPlugged(bool plugged);
     // Pulls the DVR's reset wire.
@@ -99,8 +106,8 @@ class VirtualUnit final : public platform::Board {
     const std::string& leftovers() const { return leftovers_; }
 
     // Faults of the board that tests and the workbench switch. Any thread.
-    void SetHalRefuses(bool refuses) { hal_refuses_ = refuses; }
-    void SetBatteryDriverFails(bool fails) { battery_driver_fails_ = fails; }
+    void SetHalRefuses(bool refuses);
+    void SetBatteryDriverFails(bool fails);
 
     // platform::Board
     std::shared_ptr<platform::device::StreamDriver> FindDriver(std::wstring_view name) override;
@@ -112,7 +119,7 @@ class VirtualUnit final : public platform::Board {
     void ScreenChanged() override;
 
   private:
-    void LoadDrivers(const std::vector<std::wstring>& missing);
+    void LoadDrivers(const Options& options);
     void ChangeSupply(const std::function<void(platform::PowerSupply&)>& change);
     void SetSuspended(bool suspended);
     bool RunUntil(const std::function<bool()>& done, std::chrono::seconds limit);
@@ -144,6 +151,7 @@ class VirtualUnit final : public platform::Board {
     std::atomic<bool> hal_refuses_{false};
     std::atomic<bool> battery_driver_fails_{false};
     std::function<void()> on_screen_change_;
+    std::function<void()> on_closing_;
     std::string leftovers_;
 };
 

@@ -69,6 +69,11 @@ struct Report {
         Tell(wanted.rest, "unit", change.suspended ? "suspended" : "awake");
     }
     void operator()(const FaultApplied& fault) { Tell(wanted.frames, "fault", fault.text); }
+    void operator()(const BoardFaultSwitched& fault) {
+        const bool hal = fault.fault == BoardFaultSwitched::Fault::kHalRefuses;
+        Tell(wanted.rest, hal ? "HAL" : "battery driver",
+             fault.on ? (hal ? "refuses" : "fails") : "works");
+    }
     void operator()(const DvrReset&) { Tell(wanted.rest, "DVR", "reset"); }
     void operator()(const OperatorTold& told) { Tell(wanted.rest, "operator", told.line); }
     void operator()(const ScreenDrawn&) {}

@@ -18,7 +18,7 @@ constexpr DWORD kBaudRate = 460800;
 DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> say,
                LineTap::Listener bytes)
     : say_(std::move(say)) {
-    if (options.line != Line::kTty) {
+    if (options.line == Line::kMemory || options.line == Line::kPseudoTerminal) {
         dvrsim::Host& host = *this;
         dvr_ = std::make_unique<dvrsim::Dvr>(host, options.dvr);
     }
@@ -32,6 +32,8 @@ DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> s
 DvrBay::~DvrBay() = default;
 
 std::shared_ptr<platform::device::SerialLine> DvrBay::MakeLine(const Options& options) {
+    if (options.line == Line::kNone)
+        return nullptr;
     if (options.line == Line::kTty)
         return std::make_shared<TtyLine>(options.tty, say_);
     const auto to_dvr = [this](std::span<const std::uint8_t> bytes) { Receive(bytes); };

@@ -13,11 +13,11 @@
 
 namespace unit {
 
-// Where the DVR is attached: the simulated one on a memory line or behind a pseudo-terminal, or a
-// real one on a tty of the host. All on the hardware's thread, while the platform is booted.
+// Where the DVR is attached: the simulated one on a memory line or behind a pseudo-terminal, a real
+// one on a tty of the host, or none. All on the hardware's thread, while the platform is booted.
 class DvrBay final : private dvrsim::Host {
   public:
-    enum class Line { kMemory, kPseudoTerminal, kTty };
+    enum class Line { kMemory, kPseudoTerminal, kTty, kNone };
 
     struct Options {
         Line line = Line::kMemory;
@@ -33,10 +33,11 @@ class DvrBay final : private dvrsim::Host {
            LineTap::Listener bytes = {});
     ~DvrBay() override;
 
-    // What the serial driver of "COM9:" drives; null when the host gave no pseudo-terminal.
+    // What the serial driver of "COM9:" drives; null when there is no DVR, or the host gave
+    // no pseudo-terminal.
     std::shared_ptr<platform::device::SerialLine> line() const { return tap_; }
 
-    // The simulated DVR, or null when a real one is attached.
+    // The simulated DVR, or null when another or none is attached.
     dvrsim::Dvr* dvr() { return dvr_.get(); }
 
     // The reset wire: resets the simulated DVR; for a real one the reset command is run, or the

@@ -87,12 +87,19 @@ struct FaultApplied {
     std::string text;
 };
 
+// A fault of the board was switched on or off.
+struct BoardFaultSwitched {
+    enum class Fault { kHalRefuses, kBatteryDriverFails };
+    Fault fault;
+    bool on;
+};
+
 // The DVR restarts because its reset wire was pulled.
 struct DvrReset {};
 
 using Event = std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested,
                            DriverCalled, BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged,
-                           FaultApplied, DvrReset, OperatorTold>;
+                           FaultApplied, BoardFaultSwitched, DvrReset, OperatorTold>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit

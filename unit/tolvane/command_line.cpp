@@ -144,6 +144,15 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
            "side by side")
         ->check(CheckUnit)
         ->type_name("NAME");
+    CLI::Option* const record_option =
+        app.add_option("--record", command_line.record,
+                       "File that takes everything the program is given and does, for --replay")
+            ->type_name("FILE");
+    app.add_option("--replay", command_line.replay,
+                   "Run the program in simulated time against a recording; ends with 0 when it did "
+                   "the same again, else with 1 and the first difference")
+        ->excludes(record_option)
+        ->type_name("FILE");
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {

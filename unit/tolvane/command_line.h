@@ -30,6 +30,8 @@ struct CommandLine {
     bool verbose = false;
     bool window = false;
     bool help_scenarios = false;
+    std::string record;
+    std::string replay;
 };
 
 // Reads the command line. On --help and on a wrong option or value it has printed what is to be

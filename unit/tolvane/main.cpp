@@ -12,9 +12,11 @@
 #include "unit/board/virtual_unit.h"
 #include "unit/commands/operator.h"
 #include "unit/control/control_server.h"
+#include "unit/recording/recorder.h"
 #include "unit/scenario/reference.h"
 #include "unit/state/unit_state.h"
 #include "unit/tolvane/command_line.h"
+#include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/scenario_command.h"
 #include "unit/tolvane/signals.h"
@@ -58,12 +60,13 @@ ControlServer::Abilities ControlAbilities(VirtualUnit& unit) {
 int RunByHand(const CommandLine& command_line, const Program& program,
               const CloseSignals& signals) {
     DebugLog log(PrintLine);
-    std::string problem;
-    if (!command_line.log.empty() && !log.OpenFile(command_line.log, problem)) {
-        Say(problem);
+    if (!OpenLog(log, command_line))
         return kFailed;
-    }
-    VirtualUnit unit(UnitOptions(command_line), program, log, Say);
+    const VirtualUnit::Options options = UnitOptions(command_line);
+    VirtualUnit unit(options, program, log, Say);
+    Recorder recorder(unit, options);
+    if (!StartRecording(recorder, command_line))
+        return kFailed;
     Operator hands(unit, command_line.card);
     const ControlServer control(hands, command_line.unit, ControlAbilities(unit), Say);
     return command_line.headless ? RunWithoutWindow(unit, signals)
@@ -73,8 +76,8 @@ int RunByHand(const CommandLine& command_line, const Program& program,
 int Run(CommandLine command_line) {
     const CloseSignals signals;
     const bool wants_window =
-        command_line.window ||
-        (!command_line.automatic && !command_line.headless && command_line.scenarios.empty());
+        command_line.window || (!command_line.automatic && !command_line.headless &&
+                                command_line.scenarios.empty() && command_line.replay.empty());
     if (wants_window) {
         std::string problem;
         if (!Workbench::DisplayAvailable(problem)) {
@@ -96,7 +99,9 @@ int Run(CommandLine command_line) {
         command_line.card = made_card.emplace().path();
     const Program program{RunProgram, res::ProgramResources()};
     int status = kFailed;
-    if (!command_line.scenarios.empty())
+    if (!command_line.replay.empty())
+        status = RunReplay(command_line, program);
+    else if (!command_line.scenarios.empty())
         status = RunScenarios(command_line, program, signals);
     else if (command_line.automatic)
         status = RunAutomatically(command_line, program, signals);

@@ -36,6 +36,22 @@ VirtualUnit::Options UnitOptions(const CommandLine& command_line) {
     return options;
 }
 
+bool OpenLog(DebugLog& log, const CommandLine& command_line) {
+    std::string problem;
+    if (command_line.log.empty() || log.OpenFile(command_line.log, problem))
+        return true;
+    Say(problem);
+    return false;
+}
+
+bool StartRecording(Recorder& recorder, const CommandLine& command_line) {
+    std::string problem;
+    if (command_line.record.empty() || recorder.Start(command_line.record, problem))
+        return true;
+    Say(problem);
+    return false;
+}
+
 bool CloseInOrder(VirtualUnit& unit) {
     if (!unit.Close(kCloseLimit)) {
         Say("the program did not end within " + std::to_string(kCloseLimit.count()) +

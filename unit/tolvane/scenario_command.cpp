@@ -77,13 +77,13 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
             if (verbose)
                 PrintLine(time, line);
         });
-    std::string problem;
-    if (!command_line.log.empty() && !log.OpenFile(command_line.log, problem)) {
-        Say(problem);
+    if (!OpenLog(log, command_line))
         return false;
-    }
     const VirtualUnit::Options options = OptionsFor(scenario, command_line);
     VirtualUnit unit(options, program, log, Say);
+    Recorder recorder(unit, options);
+    if (!StartRecording(recorder, command_line))
+        return false;
     Operator hands(unit, command_line.card);
     ScenarioRun run(hands, scenario, RunOptionsFor(command_line, options));
     const auto began = HostClock::now();

@@ -1,0 +1,181 @@
+#include "unit/recording/recording_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace tests {
+namespace {
+
+constexpr char kHeader[] =
+    "tolvane recording 1\n"
+    "program 1.0.0.0\n"
+    "mode simulated\n"
+    "seed 3\n"
+    "start 20.000000\n"
+    "supply line 1 battery 1 percent 100\n"
+    "begin\n";
+
+class ReadRecording : public testing::Test {
+  protected:
+    ReadRecording() {
+        char name[] = "/tmp/tolvane-recording-XXXXXX";
+        close(mkstemp(name));
+        file_ = name;
+    }
+    ~ReadRecording() override { unlink(file_.c_str()); }
+
+    std::optional<unit::Recording> Read(const std::string& text) {
+        std::ofstream(file_, std::ios::binary) << text;
+        problem_.clear();
+        return unit::ReadRecording(file_, problem_);
+    }
+
+    // Behind the name of the file.
+    std::string Problem(const std::string& text) {
+        EXPECT_FALSE(Read(text));
+        EXPECT_TRUE(problem_.starts_with(file_ + ":")) << problem_;
+        return problem_.substr(std::min(problem_.size(), file_.size() + 1));
+    }
+
+    std::string file_;
+    std::string problem_;
+};
+
+TEST_F(ReadRecording, EveryKindOfLineIsRead) {
+    const auto recording = Read(std::string(kHeader) +
+                                "# a remark\n"
+                                "20.000000 driver COM9: open -> 55\n"
+                                "20.000000 driver DVR1: control 0x0881 02 -> 0\n"
+                                "20.000001 driver DVR1: close\n"
+                                "21.000000 line to-unit wire A5 5A\n"
+                                "21.000044 line to-dvr A5 5A\n"
+                                "22.000000 finger down 799 479\n"
+                                "22.500000 supply line 0 battery 8 percent 255\n"
+                                "23.000000 card in \"/tmp/a card\"\n"
+                                "23.000000 card out\n"
+                                "23.000000 dvr reset\n"
+                                "23.000000 request _Suspend_\n"
+                                "23.000000 suspend\n"
+                                "23.000000 wake\n"
+                                "23.000000 broadcast _Acknowledge_ 0x1 0xFFFFFFFF\n"
+                                "23.000000 screen 00112233445566ff \"Update Percent : 5%\" OK\n"
+                                "23.000000 unseen since 22.000000\n"
+                                "23.000000 hal refuses\n"
+                                "23.000000 battery-driver works\n"
+                                "23.000000 line-fault \"dropped 3 bytes\"\n"
+                                "23.000000 failed-call CreateFileW 3 -> 5\n"
+                                "23.000000 lost 17\n"
+                                "24.000000 close\n"
+                                "24.100000 end\n");
+    ASSERT_TRUE(recording) << problem_;
+    EXPECT_TRUE(recording->complete);
+    ASSERT_EQ(recording->moments.size(), 23U);
+    EXPECT_EQ(recording->moments.front().line, 9);
+    EXPECT_EQ(recording->moments.back().line, 31);
+    EXPECT_EQ(recording->moments.back().time.count(), 24'100'000);
+    const auto& call = std::get<unit::DriverCalled>(recording->moments[0].moment);
+    EXPECT_EQ(call.driver, L"COM9:");
+    EXPECT_EQ(call.error, 55U);
+    const auto& screen = std::get<unit::SettledScreen>(recording->moments[14].moment);
+    EXPECT_EQ(screen.digest, 0x00112233445566FFU);
+    EXPECT_EQ(screen.texts, (std::vector<std::string>{"Update Percent : 5%", "OK"}));
+}
+
+TEST_F(ReadRecording, OneCutOffEndsWithItsLastWholeLine) {
+    const auto recording =
+        Read(std::string(kHeader) + "20.500000 finger down 1 1\n20.600000 finger up 1");
+    ASSERT_TRUE(recording) << problem_;
+    EXPECT_FALSE(recording->complete);
+    EXPECT_EQ(recording->moments.size(), 1U);
+}
+
+TEST_F(ReadRecording, AnotherVersionIsRefusedWithTheOneThatCanBeRead) {
+    EXPECT_EQ(Problem("tolvane recording 2\nwhatever\n"),
+              "1: a recording of version 2; this tolvane reads version 1");
+    const std::string no_recording =
+        "1: this is no recording; one begins with 'tolvane recording 1'";
+    for (const char* text : {"\n", "tolvane recording x\n", "tolvane recording 0\n",
+                             "tolvane scenario 1\n", "\x89PNG\r\n\x1a\n"})
+        EXPECT_EQ(Problem(text), no_recording) << text;
+}
+
+TEST_F(ReadRecording, DamagedHeadersAreRefused) {
+    const struct {
+        const char* text;
+        const char* problem;
+    } cases[] = {
+        {"", "1: the recording ends before its first event; it cannot be replayed"},
+        {"tolvane recording 1\nprogram 1\n",
+         "3: the recording ends before its first event; it cannot be replayed"},
+        {"tolvane recording 1\nbegin\n", "2: the header lacks the line 'program'"},
+        {"tolvane recording 1\nseed 1\nseed 2\n", "3: 'seed' stands here a second time"},
+        {"tolvane recording 1\nseed -1\n",
+         "2: '-1' is not allowed after 'seed'; allowed is a whole number from 0 to "
+         "9223372036854775807"},
+        {"tolvane recording 1\nmode fast\n",
+         "2: 'fast' is not allowed after 'mode'; allowed is simulated or free"},
+        {"tolvane recording 1\nmode free speed 0\n",
+         "2: '0' is not allowed after 'mode free speed'; allowed is a number from 0.1 to 1000"},
+        {"tolvane recording 1\nvolume 11\n",
+         "2: 'volume' is not allowed; allowed is program, mode, seed, start, supply, "
+         "missing-bitmap or begin"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Problem(c.text), c.problem) << c.text;
+}
+
+TEST_F(ReadRecording, DamagedEventsAreRefused) {
+    const struct {
+        const char* line;
+        const char* problem;
+    } cases[] = {
+        {"20 finger up 1 1",
+         "'20' is not allowed; allowed is a time in seconds with six decimals, such as 21.704512"},
+        {"19.999999 finger up 1 1", "the time 19.999999 is earlier than that of the line before"},
+        {"20.000000",
+         "something is missing; allowed is line, finger, supply, card, dvr, request, "
+         "driver, suspend, wake, broadcast, screen, unseen, hal, battery-driver, "
+         "line-fault, failed-call, close, lost or end"},
+        {"20.000000 finger up 800 1",
+         "'800' is not allowed after 'finger up'; allowed is a whole number from 0 to 799"},
+        {"20.000000 finger up 1 1 1",
+         "'1' is not allowed after 'finger up 1 1'; allowed is nothing more"},
+        {"20.000000 line to-dvr A5 5",
+         "'5' is not allowed; allowed is a byte as two hexadecimal digits, or + and the "
+         "microseconds to the next byte"},
+        {"20.000000 line sideways A5",
+         "'sideways' is not allowed after 'line'; allowed is to-unit or to-dvr"},
+        {"20.000000 driver DVR1: open",
+         "something is missing after 'driver DVR1: open'; allowed is ->"},
+        {"20.000000 driver DVR1: control 0x0881 2 -> 0",
+         "'2' is not allowed after 'driver DVR1: control 0x0881'; allowed is a byte as two "
+         "hexadecimal digits, or ->"},
+        {"20.000000 screen 5f3a",
+         "'5f3a' is not allowed after 'screen'; allowed is 16 hexadecimal digits"},
+        {"20.000000 screen 0123456789abcdef \"Update", "a quote \" is not closed"},
+        {"20.000000 failed-call Open 1 -> 5",
+         "'Open' is not allowed after 'failed-call'; allowed is the name of a call that can fail, "
+         "such as CreateFileW"},
+        {"20.000000 end\n20.000000 wake", "something follows after 'end'; allowed is nothing more"},
+    };
+    for (const auto& c : cases) {
+        const std::string text = std::string(kHeader) + c.line + "\n";
+        const auto lines = std::ranges::count(text, '\n');
+        EXPECT_EQ(Problem(text), std::to_string(lines) + ": " + c.problem) << c.line;
+    }
+    EXPECT_EQ(Problem(kHeader + std::string(20'000, 'x')),
+              "8: the line is longer than 16384 bytes; no line of a recording is");
+}
+
+TEST_F(ReadRecording, AMissingFileIsTold) {
+    std::string problem;
+    EXPECT_FALSE(unit::ReadRecording("/no/such/recording", problem));
+    EXPECT_EQ(problem, "/no/such/recording: No such file or directory");
+}
+
+}  // namespace
+}  // namespace tests

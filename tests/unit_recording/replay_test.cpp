@@ -1,0 +1,243 @@
+#include "unit/recording/replay.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+#include <sstream>
+
+#include "platform/kernel/call_faults.h"
+#include "platform/resource/module.h"
+#include "res/program_resources.h"
+#include "tests/rig/wizard_run.h"
+#include "tests/support/process.h"
+#include "unit/recording/recorder.h"
+#include "unit/recording/recording_reader.h"
+
+namespace tests {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char kUpdate[] = RECORDINGS "/update.recording";
+
+int RunProgram() {
+    wchar_t command_line[] = L"";
+    return WinMain(platform::resource::ModuleInstance(), nullptr, command_line, SW_SHOWNORMAL);
+}
+
+class Replays : public Process {
+  protected:
+    // Records what `walk` does to a unit with those options, in simulated time.
+    std::string Record(const unit::VirtualUnit::Options& options,
+                       const std::function<void(WizardRun&)>& walk) {
+        const std::string file = Path("recording");
+        WizardRun run(options);
+        {
+            // Nothing of the program has run yet: in simulated time it waits for the hardware.
+            unit::Recorder recorder(run.unit(), options);
+            std::string problem;
+            EXPECT_TRUE(recorder.Start(file, problem)) << problem;
+            walk(run);
+            run.Close();
+        }
+        recorded_log_ = run.output();
+        return file;
+    }
+
+    unit::ReplayResult Replay(const std::string& file) {
+        std::string problem;
+        const auto recording = unit::ReadRecording(file, problem);
+        EXPECT_TRUE(recording) << problem;
+        if (!recording)
+            return {};
+        replayed_log_.clear();
+        unit::DebugLog log([this](std::chrono::microseconds, const std::string& line) {
+            replayed_log_ += line + '\n';
+        });
+        unit::ReplayResult result = unit::Replay(*recording, {RunProgram, res::ProgramResources()},
+                                                 log, [](const std::string&) {});
+        report_ = unit::ReplayReport(*recording, result);
+        return result;
+    }
+
+    static std::string TextOf(const std::string& file) {
+        std::ostringstream text;
+        text << std::ifstream(file).rdbuf();
+        return text.str();
+    }
+
+    // The kept recording with its first match of `pattern` replaced: the file, and the line.
+    std::pair<std::string, int> Changed(const std::string& pattern, const std::string& by) {
+        const std::string text = TextOf(kUpdate);
+        std::smatch match;
+        EXPECT_TRUE(std::regex_search(text, match, std::regex(pattern))) << pattern;
+        const auto line = 1 + std::count(text.begin(), match[0].first, '\n');
+        std::ofstream(Path("changed"), std::ios::binary)
+            << match.prefix() << match.format(by) << match.suffix();
+        return {Path("changed"), static_cast<int>(line)};
+    }
+
+    // The line of the first screen from that line on.
+    static int NextScreen(const std::string& text, int line) {
+        std::istringstream lines(text);
+        std::string each;
+        for (int number = 1; std::getline(lines, each); ++number)
+            if (number >= line && each.find(" screen ") != std::string::npos)
+                return number;
+        return 0;
+    }
+
+    std::string recorded_log_;
+    std::string replayed_log_;
+    std::string report_;
+};
+
+TEST_F(Replays, TheKeptRecordingOfAnUpdateIsAlike) {
+    const unit::ReplayResult result = Replay(kUpdate);
+    EXPECT_FALSE(result.difference) << report_;
+    EXPECT_EQ(result.notes, std::vector<std::string>());
+    EXPECT_EQ(result.lateness, 0us);
+    // 2 frames a state report, 1 a card report, and the 4 opening ones and 2 of "Power On".
+    EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kFrame)], 30U);
+    EXPECT_GT(result.screens, 110U);
+    EXPECT_NE(replayed_log_.find("FW_Upgrade_Version_IND, Percent:100%"), std::string::npos);
+}
+
+TEST_F(Replays, WhatWasChangedIsTheFirstDifference) {
+    const struct {
+        const char* what;
+        const char* pattern;
+        const char* by;
+        const char* difference;
+        bool in_that_line;
+        const char* recorded;
+        const char* came;
+    } cases[] = {
+        {"a byte that the program sent", "line to-dvr A5 5A 10 80 2E 00 01 00 01 BE",
+         "line to-dvr A5 5A 10 80 2E 00 01 01 01 BF", "frame", true, "00 01 01 01 BF",
+         "FW_Upgrade_Version query"},
+        {"an input of a request", "control 0x80012070 3F", "control 0x80012070 3E", "request", true,
+         "control 0x80012070 3E 00 00 00", "control 0x80012070 3F 00 00 00"},
+        {"a text of a screen", "Update Percent : 57%", "Update Percent : 75%", "screen", true,
+         "Update Percent : 75%", "Update Percent : 57%"},
+        // 57 % becomes 47 %, and the checksum ten less.
+        {"a percent that the DVR sent", "80 00 2E 00 12 39 ([^\n]*) 05 59",
+         "80 00 2E 00 12 2F $1 05 4F", "screen", false, "Update Percent : 57%",
+         "Update Percent : 47%"},
+        {"a touch that is not there", "[0-9.]+ finger up [0-9]+ [0-9]+\n", "", "screen", false, "",
+         ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const auto [file, line] = Changed(c.pattern, c.by);
+        const unit::ReplayResult result = Replay(file);
+        ASSERT_TRUE(result.difference);
+        // Otherwise where its consequence shows: the next screen that was recorded.
+        const std::string text = TextOf(file);
+        const int expected = c.in_that_line ? line : NextScreen(text, line);
+        EXPECT_EQ(result.difference->line, expected) << report_;
+        EXPECT_EQ(result.difference->what, c.difference) << report_;
+        EXPECT_NE(result.difference->recorded.find(c.recorded), std::string::npos) << report_;
+        EXPECT_NE(result.difference->came.find(c.came), std::string::npos) << report_;
+        EXPECT_TRUE(result.screen);
+        EXPECT_TRUE(report_.starts_with(file + ":")) << report_;
+    }
+}
+
+TEST_F(Replays, ARequestThatFailedFailsAgain) {
+    const auto [file, line] = Changed("(driver DVR1: control 0x0881 02) -> 0", "$1 -> 1167");
+    Replay(file);
+    EXPECT_NE(replayed_log_.find("Reset_DVR, DeviceIoControl() fail!!!, ErrorCode(1167)"),
+              std::string::npos);
+}
+
+TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
+    unit::VirtualUnit::Options options;
+    options.kernel.seed = 5;
+    options.kernel.preempt = true;
+    options.missing_bitmaps = {203};
+    options.external_power = false;
+    const std::string file = Record(options, [](WizardRun& run) {
+        // The third and the fifth opening of a driver fail.
+        platform::kernel::AddCallFault({"CreateFileW", 2, 1, {}});
+        platform::kernel::AddCallFault({"CreateFileW", 4, 1, 1450});
+        run.RunFor(2s);
+        run.unit().SetExternalPower(true);
+        run.unit().drivers().Refuse(L"SCA0:", 0x80012070, ERROR_BUSY, 1);
+        run.GoToInsertCard();
+        run.unit().SetBattery(8, 40);
+        run.unit().SetPlugged(false);
+        run.RunFor(1s);
+        run.unit().SetPlugged(true);
+        run.unit().SetBatteryDriverFails(true);
+        run.unit().SetExternalPower(false);
+        run.RunFor(1s);
+        run.unit().SetBatteryDriverFails(false);
+        run.unit().SetExternalPower(false);
+        run.RunFor(1s);
+    });
+    const unit::ReplayResult result = Replay(file);
+    EXPECT_FALSE(result.difference) << report_;
+    EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kBroadcast)], 1U);
+    EXPECT_GT(recorded_log_.size(), 4000U);
+    EXPECT_EQ(recorded_log_, replayed_log_);
+    EXPECT_NE(TextOf(file).find("-> 170\n"), std::string::npos);
+}
+
+TEST_F(Replays, RecordingARunDoesNotChangeIt) {
+    unit::VirtualUnit::Options options;
+    options.kernel.seed = 9;
+    const auto walk = [](WizardRun& run) { run.GoToInsertCard(); };
+    const std::string first = TextOf(Record(options, walk));
+    const std::string log = recorded_log_;
+    EXPECT_EQ(first, TextOf(Record(options, walk)));
+    WizardRun run(options);
+    walk(run);
+    run.Close();
+    EXPECT_EQ(log, run.output());
+}
+
+TEST_F(Replays, ARecordingThatWasCutOffIsReplayedToItsEnd) {
+    const std::string text = TextOf(kUpdate);
+    std::ofstream(Path("cut"), std::ios::binary) << text.substr(0, text.size() / 2);
+    const unit::ReplayResult result = Replay(Path("cut"));
+    EXPECT_FALSE(result.difference) << report_;
+    ASSERT_EQ(result.notes.size(), 1U);
+    EXPECT_TRUE(result.notes[0].starts_with("the recording was cut off at ")) << result.notes[0];
+}
+
+// Recordings against the host's clock, over both kinds of line, through the command itself.
+TEST_F(Replays, FreeRunningRecordingsAreAlike) {
+    const char* const lines[] = {"sim", "pty"};
+    std::vector<pid_t> children;
+    for (const char* line : lines)
+        children.push_back(Start(TOLVANE_BINARY,
+                                 {"--auto", "--speed", "20", "--com9", line, "--record", Path(line),
+                                  "--screens", Path("screens")},
+                                 line));
+    for (const pid_t child : children)
+        ASSERT_EQ(Wait(child), 0);
+    for (const char* line : lines) {
+        EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path(line)}), 0) << Read("err");
+        EXPECT_NE(Read("err").find(" alike, "), std::string::npos) << Read("err");
+    }
+}
+
+TEST_F(Replays, TheCommandTellsTheDifferenceAndSavesTheScreen) {
+    const auto [file, line] = Changed("Update Percent : 57%", "Update Percent : 75%");
+    EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", file, "--screens", Path("screens")}), 1);
+    EXPECT_TRUE(Read("err").starts_with("tolvane: " + file + ":" + std::to_string(line) +
+                                        ": the replay differs in a screen; "))
+        << Read("err");
+    EXPECT_TRUE(std::ifstream(Path("screens/replay.png")).good());
+    std::ofstream(Path("newer")) << "tolvane recording 2\n";
+    EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path("newer")}), 1);
+    EXPECT_EQ(Read("err"), "tolvane: " + Path("newer") +
+                               ":1: a recording of version 2; this tolvane reads version 1\n");
+    EXPECT_EQ(Run(TOLVANE_BINARY, {"--auto", "--record", Path("no/folder")}), 1);
+    EXPECT_EQ(Read("err"), "tolvane: " + Path("no/folder") + ": No such file or directory\n");
+}
+
+}  // namespace
+}  // namespace tests
