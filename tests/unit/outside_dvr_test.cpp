@@ -16,16 +16,6 @@ class OutsideDvr : public tests::Process {
     void Command(const std::string& command) {
         EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), 0) << Read("send-err");
     }
-    // Waits for a picture of that screen.
-    bool Reached(const std::string& screen) {
-        return WaitUntil([&] {
-            std::error_code error;
-            for (const auto& entry : fs::directory_iterator(Path("screens"), error))
-                if (entry.path().filename().string().ends_with(screen + ".png"))
-                    return true;
-            return false;
-        });
-    }
 };
 
 TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
@@ -37,19 +27,20 @@ TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
         Start(TOLVANE_BINARY, {"--auto", "--speed", "3", "--com9", link, "--reset-command",
                                DVRSIM_BINARY " --send reset && echo reset >&2", "--screens",
                                Path("screens"), "--log", Path("log")});
-    // The hands that a person has at the DVR.
-    ASSERT_TRUE(Reached("insert-card")) << Read("err");
+    // The hands that a person has at the DVR, as they are asked to.
+    const std::string put = "tolvane: Put the SD card with the update image into the DVR.\n";
+    const std::string take = "tolvane: Take the SD card out of the DVR.\n";
+    ASSERT_TRUE(WaitUntil([&] { return Read("err") == "reset\nreset\n" + put; })) << Read("err");
     // A card that is in when the DVR looks for one starts the update before it is asked for.
-    ASSERT_TRUE(WaitUntil([&] { return Read("err") == "reset\nreset\n"; })) << Read("err");
     ASSERT_TRUE(WaitUntil([&] {
         Command("state");
         return Read("send-out").find("\"state\": \"normal\"") != std::string::npos;
     }));
     Command("card in");
-    ASSERT_TRUE(Reached("notice-remove-card")) << Read("err");
+    ASSERT_TRUE(WaitUntil([&] { return Read("err").ends_with(take); })) << Read("err");
     Command("card out");
     EXPECT_EQ(Wait(wizard), 0) << Read("err");
-    EXPECT_EQ(Read("err"), "reset\nreset\nreset\nreset\n");
+    EXPECT_EQ(Read("err"), "reset\nreset\n" + put + "reset\n" + take + "reset\n");
     Command("state");
     EXPECT_NE(Read("send-out").find("\"firmware\": \"14.09.01.V1.02.03\""), std::string::npos);
     EXPECT_NE(Read("log").find("FW_Upgrade_Version_IND, Percent:100%\r\n"), std::string::npos);

@@ -10,12 +10,22 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome Insert(Operator& hands, const std::string& folder) {
-    dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
+// The card of a DVR that is not simulated is in the hands of a person, who is asked.
+Outcome Ask(Operator& hands, const std::string& what) {
+    hands.unit().Say(what);
+    return Done();
+}
+
+Outcome Insert(Operator& hands, const std::string& folder, const std::string& card) {
+    const dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
     if (!dvr)
-        return Refused("the DVR is not the simulated one; its card is in your hands");
+        return Ask(hands, "Put " + card + " into the DVR.");
     if (dvr->CardIn())
         return Refused("a card is in already; take it out first");
+    if (folder.empty())
+        return Refused(
+            "there can be no such card: a version has 17 to 63 characters, none of them "
+            "a blank, and the host must have room for a folder");
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         return Refused(folder + " is not a folder");
@@ -25,17 +35,21 @@ Outcome Insert(Operator& hands, const std::string& folder) {
 
 Outcome CardIn(Operator& hands, const Values& values) {
     if (values.Has("VERSION"))
-        return Insert(hands, hands.MakeCard(values.Text("VERSION")));
-    return Insert(hands, values.Has("FOLDER") ? values.Text("FOLDER") : hands.image_card());
+        return Insert(hands, hands.MakeCard(values.Text("VERSION")),
+                      "the SD card with the update image " + values.Text("VERSION"));
+    return Insert(hands, values.Has("FOLDER") ? values.Text("FOLDER") : hands.image_card(),
+                  "the SD card with the update image");
 }
 
 Outcome CardWithoutImage(Operator& hands, const Values&) {
-    return Insert(hands, hands.MakeCard(std::nullopt));
+    return Insert(hands, hands.MakeCard(std::nullopt), "an SD card without an update image");
 }
 
 Outcome CardOut(Operator& hands, const Values&) {
     const dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
-    if (!dvr || !dvr->CardIn())
+    if (!dvr)
+        return Ask(hands, "Take the SD card out of the DVR.");
+    if (!dvr->CardIn())
         return Refused("there is no card to take out");
     hands.unit().RemoveCard();
     return Done();

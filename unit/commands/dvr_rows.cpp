@@ -17,7 +17,7 @@ constexpr char kNotOurs[] =
     "commands there";
 
 Outcome Reset(Operator& hands, const Values&) {
-    hands.unit().dvr().Reset();
+    hands.unit().ResetDvr();
     return Done();
 }
 

@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace unit {
@@ -19,9 +20,13 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
-    if (png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr) != 0)
+    // Whoever waits for the file finds it whole or not at all.
+    const std::string unfinished = path + ".part";
+    if (png_image_write_to_file(&image, unfinished.c_str(), 0, bytes.data(), 0, nullptr) != 0 &&
+        std::rename(unfinished.c_str(), path.c_str()) == 0)
         return true;
     problem = path + ": " + (errno != 0 ? std::strerror(errno) : image.message);
+    std::remove(unfinished.c_str());
     return false;
 }
 
