@@ -96,7 +96,7 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
                        "otherwise; ends with 0 when all passed, 1 when one failed, 2 when one is "
                        "not in order")
             ->excludes("--auto")
-            ->type_name("FILE ...");
+            ->type_name("FILE");
     app.add_option("--com9", com9,
                    "What is at the serial port: sim (a simulated DVR in memory), pty (the same "
                    "behind a pseudo-terminal) or the path of a tty with a real DVR")
