@@ -26,6 +26,8 @@ TEST(ParseData, FindsFramesWhereverTheStreamIsSplit) {
         {"exact fit", "A55A 80 0019 0040" + Repeat(64, "A5") + "2B18" + kLanguage, both},
         {"wrong sum, low byte", "A55A 80 0019 0001 07 01A1" + kLanguage, kLanguageLine},
         {"wrong sum, high byte", "A55A 80 0019 0001 07 00A0" + kLanguage, kLanguageLine},
+        {"sync pair as a wrong sum", "A55A 80 0019 0001 07 A55A" + kLanguage, kLanguageLine},
+        {"sum ends as a sync pair begins", "A55A 80 0019 0001 0C 01A5 5A" + kLanguage, both},
         // The lost byte is made up from the next frame, which goes with it.
         {"lost byte", "A55A 80 0019 0001 07 01" + kVolume + kLanguage, kLanguageLine},
         // The text shows what an earlier frame left behind.

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "link_fixture.h"
+#include "platform/kernel/call_faults.h"
 
 namespace tests {
 namespace {
@@ -98,6 +99,29 @@ TEST(Link, StopTakesNoLongerThanAReadAndTheTwoPauses) {
         EXPECT_LE(taken, 100ms + 1ms + 20ms);
         EXPECT_EQ(Count(link, "\tStorageCardStatus_IND, (0x0026)") > 100, reports > 0);
         EXPECT_EQ(ProgramLog(link.platform.board).back(), "---ThreadProc_COM_Rx");
+    }
+}
+
+// A read that finds nothing takes 100 ms and one that fails none; 1 ms of rest follows either.
+TEST(Link, ReadsWithoutSpinningOnASilentOrDeadLine) {
+    constexpr DWORD kRounds = 1000;
+    for (const auto& [dead, round] : {std::pair(false, 101U), std::pair(true, 1U)}) {
+        LinkFixture link;
+        std::uint64_t reads = 0;
+        link.platform.Run([&] {
+            ASSERT_TRUE(UART_Init());
+            Sleep(1);
+            if (dead) {
+                EXPECT_TRUE(CloseHandle(g_hComPort));
+                Sleep(101);  // until the read that waits has ended
+            }
+            reads = kernel::CallCount("ReadFile");
+            Sleep(kRounds * round);
+            reads = kernel::CallCount("ReadFile") - reads;
+            UART_DeInit();
+        });
+        EXPECT_NEAR(static_cast<double>(reads), kRounds, 1);
+        EXPECT_EQ(Count(link, "---ThreadProc_COM_Rx"), 1);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "platform/kernel/call_faults.h"
 #include "platform/kernel/kernel_state.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
@@ -49,45 +50,112 @@ std::string Hear() {
     return std::exchange(g_heard, "");
 }
 
+// A body on a thread that has a top-level window to listen with.
+template <typename Body>
+void RunOn(Platform& platform, Body body) {
+    platform.Run(
+        [&] {
+            WNDCLASSW window_class{};
+            window_class.lpfnWndProc = Listen;
+            window_class.lpszClassName = L"Coordinator";
+            RegisterClassW(&window_class);
+            const HWND window = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10, nullptr,
+                                                nullptr, nullptr, nullptr);
+            body();
+            DestroyWindow(window);
+        },
+        1s);
+}
+
 class PowerDetector : public testing::Test {
   protected:
-    // A body on a thread that has a top-level window to listen with.
     template <typename Body>
     void Run(Body body) {
-        platform_.Run(
-            [&] {
-                WNDCLASSW window_class{};
-                window_class.lpfnWndProc = Listen;
-                window_class.lpszClassName = L"Coordinator";
-                RegisterClassW(&window_class);
-                const HWND window = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10,
-                                                    nullptr, nullptr, nullptr, nullptr);
-                body();
-                DestroyWindow(window);
-            },
-            1s);
+        RunOn(platform_, body);
     }
 
     Platform platform_;
 };
 
 TEST_F(PowerDetector, AcknowledgesEveryRequestInOrder) {
-    Run([] {
-        // The coordinator was there first: its events are used as it made them.
-        HANDLE events[3];
-        for (int request = 0; request < 3; ++request)
-            events[request] = CreateEventW(nullptr, FALSE, TRUE, kRequests[request]);
-        CPowerDetector detector;
-        ASSERT_TRUE(detector.Init());
-        EXPECT_EQ(Hear(), "0(0,0)1(0,0)2(0,0)") << "three at one moment";
-        for (const int request : {2, 0, 1}) {
-            SetEvent(events[request]);
-            EXPECT_EQ(Hear(), std::to_string(request) + "(0,0)");
+    // Events that the coordinator made before are used as it made them; those that it opens later
+    // are the same ones.
+    for (const bool coordinator_first : {true, false}) {
+        Run([coordinator_first] {
+            HANDLE events[3] = {};
+            if (coordinator_first)
+                for (int request = 0; request < 3; ++request)
+                    events[request] = CreateEventW(nullptr, FALSE, TRUE, kRequests[request]);
+            CPowerDetector detector;
+            ASSERT_TRUE(detector.Init());
+            EXPECT_EQ(Hear(), coordinator_first ? "0(0,0)1(0,0)2(0,0)" : "");
+            if (!coordinator_first)
+                for (int request = 0; request < 3; ++request)
+                    events[request] = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[request]);
+            for (const int request : {2, 0, 1}) {
+                SetEvent(events[request]);
+                EXPECT_EQ(Hear(), std::to_string(request) + "(0,0)");
+            }
+            EXPECT_EQ(Hear(), "") << "the events reset themselves";
+            for (const HANDLE event : events)
+                CloseHandle(event);
+        });
+    }
+}
+
+// One call of the program fails; what is said, and what still works.
+TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
+    constexpr DWORD kError = 1234;
+    const struct {
+        const char* call;
+        std::uint64_t skip;
+        BOOL ready;
+        std::string where;    // of the one failure line; none when empty
+        std::string heard;    // after a suspend request and a change of the supply
+        std::size_t handles;  // left because they could not be closed
+        DWORD error = kError;
+    } rows[] = {
+        {"CreateThread", 0, TRUE, "Init, CreateThread()", "3(1,1)", 0},
+        {"CreateThread", 1, TRUE, "Init, CreateThread()", "0(0,0)", 0},
+        // The request events, then the two that stop the threads.
+        {"CreateEventW", 0, TRUE, "Init, CreateEvent()", "3(1,1)", 0},
+        {"CreateEventW", 3, FALSE, "Init, CreateEvent()", "", 0},
+        {"CreateEventW", 4, FALSE, "Init, CreateEvent()", "", 0},
+        {"CreateMsgQueue", 0, FALSE, "Init, CreateMsgQueue()", "", 0},
+        {"RequestPowerNotifications", 0, FALSE, "Init, RequestPowerNotifications()", "", 0},
+        {"ReadMsgQueue", 0, TRUE, "ThreadProc_PowerDetector, ReadMsgQueue()", "0(0,0)3(1,1)", 0},
+        {"ReadMsgQueue", 0, TRUE, "", "0(0,0)3(1,1)", 0, ERROR_TIMEOUT},
+        {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 2},
+        {"CloseMsgQueue", 0, TRUE, "DeInit, CloseMsgQueue()", "0(0,0)3(1,1)", 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.skip));
+        Platform platform;
+        platform.AllowHandles(row.handles);
+        ASSERT_EQ(kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error}),
+                  "");
+        RunOn(platform, [&] {
+            CPowerDetector detector;
+            EXPECT_EQ(detector.Init(), row.ready);
+            const HANDLE suspend = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[0]);
+            if (suspend != nullptr)
+                SetEvent(suspend);
+            Sleep(1);
+            Notify(PBT_POWERSTATUSCHANGE);
+            EXPECT_EQ(Hear(), row.heard);
+            CloseHandle(suspend);
+        });
+        Log failures = ProgramLog(platform.board);
+        std::erase_if(failures,
+                      [](const std::string& line) { return line.find("fail!!!") == line.npos; });
+        Log expected;
+        if (!row.where.empty())
+            expected.push_back("\tCPowerDetector::" + row.where + " fail!!!, ErrorCode(1234), ");
+        ASSERT_EQ(failures.size(), expected.size());
+        if (!expected.empty()) {
+            EXPECT_TRUE(failures[0].starts_with(expected[0])) << failures[0];
         }
-        EXPECT_EQ(Hear(), "") << "the events reset themselves";
-        for (const HANDLE event : events)
-            CloseHandle(event);
-    });
+    }
 }
 
 TEST_F(PowerDetector, BroadcastsAChangeOfTheSupply) {
