@@ -6,8 +6,11 @@ namespace platform::device {
 
 using kernel::KernelLock;
 
-MemoryLine::MemoryLine(DWORD baud_rate, Receiver device)
-    : baud_rate_(baud_rate), device_(std::move(device)) {
+MemoryLine::MemoryLine(DWORD baud_rate, Receiver device, Pace pace)
+    : baud_rate_(baud_rate),
+      device_(std::move(device)),
+      to_port_(baud_rate, pace),
+      to_device_(baud_rate, pace) {
     settings_.DCBlength = sizeof(DCB);
     settings_.BaudRate = CBR_9600;
     settings_.fBinary = TRUE;
@@ -19,6 +22,8 @@ MemoryLine::MemoryLine(DWORD baud_rate, Receiver device)
 }
 
 kernel::Time MemoryLine::Wire::End() const {
+    if (pace_ == Pace::kAtOnce)
+        return busy_since_;
     constexpr std::int64_t kBitsAByte = 10;
     constexpr std::int64_t kMicrosecondsASecond = 1'000'000;
     // Rounded up: never faster than the wire.

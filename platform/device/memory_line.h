@@ -14,8 +14,11 @@ namespace platform::device {
 // a real one could be. A port with other settings than the device's exchanges nothing with it.
 class MemoryLine final : public SerialLine, public std::enable_shared_from_this<MemoryLine> {
   public:
+    // What bytes take on the wire: nothing is for tests that do not look at it and have many.
+    enum class Pace { kBaudRate, kAtOnce };
+
     // What the port sends goes to `device` on the hardware's thread.
-    MemoryLine(DWORD baud_rate, Receiver device);
+    MemoryLine(DWORD baud_rate, Receiver device, Pace pace = Pace::kBaudRate);
 
     // The device sends. Hardware's thread.
     void Send(std::span<const std::uint8_t> bytes);
@@ -31,7 +34,7 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     // One direction: when its bytes have passed, to the fraction of a bit over any length.
     class Wire {
       public:
-        explicit Wire(DWORD baud_rate) : baud_rate_(baud_rate) {}
+        Wire(DWORD baud_rate, Pace pace) : baud_rate_(baud_rate), pace_(pace) {}
         // The end of `bytes` more, which start now or after those before them.
         kernel::Time Start(std::size_t bytes);
         // The end of one more, right behind those before it.
@@ -41,6 +44,7 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
         kernel::Time End() const;
 
         DWORD baud_rate_;
+        Pace pace_;
         kernel::Time busy_since_{};
         std::int64_t bytes_ = 0;
     };
@@ -54,8 +58,8 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     Receiver port_;
     DCB settings_{};
     std::deque<std::uint8_t> waiting_for_port_;
-    Wire to_port_{baud_rate_};
-    Wire to_device_{baud_rate_};
+    Wire to_port_;
+    Wire to_device_;
 };
 
 }  // namespace platform::device

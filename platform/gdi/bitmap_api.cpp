@@ -24,7 +24,9 @@ HBITMAP AddBitmap(int width, int height, const std::uint32_t* pixels) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
-    auto surface = std::make_shared<Surface>(width, height);
+    // An image is read, not drawn on.
+    auto surface = pixels ? std::make_shared<Surface>(width, height, Surface::kAllRows)
+                          : std::make_shared<Surface>(width, height);
     if (pixels) {
         std::uint32_t* target = surface->row(0);
         for (std::size_t i = 0; i < surface->pixels().size(); ++i)

@@ -45,7 +45,8 @@ bool ValidSize(int width, int height) {
 }
 
 bool Inside(const Surface& surface, int x, int y) {
-    return x >= 0 && y >= 0 && x < surface.width() && y < surface.height();
+    const RECT kept = surface.kept();
+    return x >= 0 && y >= 0 && x < kept.right && y < kept.bottom;
 }
 
 // Copies without change, texts included.
@@ -65,7 +66,8 @@ void Combine(DrawingContext& target, const RECT& target_rectangle, const Surface
     if (IsEmpty(visible) || (source && IsEmpty(source_rectangle)))
         return;
     const Stretch stretch(target_rectangle, source_rectangle);
-    for (int y = visible.top; y < visible.bottom; ++y) {
+    const RECT kept = Intersect(visible, target.surface->kept());
+    for (int y = kept.top; y < kept.bottom; ++y) {
         std::uint32_t* row = target.surface->row(y);
         for (int x = visible.left; x < visible.right; ++x) {
             std::uint32_t source_pixel = 0;
@@ -174,7 +176,8 @@ BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE so
     const Stretch stretch(target, from);
     const std::uint32_t key = PixelOf(transparent);
     bool opaque = true;
-    for (int row_y = visible.top; row_y < visible.bottom; ++row_y) {
+    const RECT kept = Intersect(visible, context->surface->kept());
+    for (int row_y = kept.top; row_y < kept.bottom; ++row_y) {
         std::uint32_t* row = context->surface->row(row_y);
         for (int row_x = visible.left; row_x < visible.right; ++row_x) {
             const int from_x = stretch.SourceX(row_x);

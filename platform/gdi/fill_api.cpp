@@ -14,7 +14,8 @@ void Fill(DrawingContext& context, const RECT& rectangle, std::uint32_t pixel) {
     const RECT visible = Intersect(rectangle, context.Drawable());
     if (IsEmpty(visible))
         return;
-    for (int y = visible.top; y < visible.bottom; ++y)
+    const RECT kept = Intersect(visible, context.surface->kept());
+    for (int y = kept.top; y < kept.bottom; ++y)
         std::fill_n(context.surface->row(y) + visible.left, Width(visible), pixel);
     context.surface->CoverTexts(visible);
 }
@@ -82,7 +83,8 @@ COLORREF GetPixel(HDC dc, int x, int y) {
     const ContextCall context(dc);
     if (!context)
         return CLR_INVALID;
-    if (IsEmpty(Intersect(RectangleAt(x, y, 1, 1), context->Drawable()))) {
+    const RECT readable = Intersect(context->Drawable(), context->surface->kept());
+    if (IsEmpty(Intersect(RectangleAt(x, y, 1, 1), readable))) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return CLR_INVALID;
     }

@@ -1,18 +1,36 @@
 #include "platform/gdi/surface.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "platform/gdi/rectangle.h"
 
 namespace platform::gdi {
+namespace {
+
+std::atomic<int> g_rows_to_keep{Surface::kAllRows};
+
+}  // namespace
 
 std::unique_lock<std::mutex> LockGdi() {
     static std::mutex mutex;
     return std::unique_lock(mutex);
 }
 
-Surface::Surface(int width, int height)
-    : width_(width), height_(height), pixels_(std::size_t(width) * std::size_t(height)) {}
+Surface::Surface(int width, int height, int rows)
+    : width_(width),
+      height_(height),
+      kept_rows_(std::min(height, rows)),
+      pixels_(std::size_t(width) * std::size_t(kept_rows_)) {}
+
+void Surface::KeepRows(int rows) {
+    g_rows_to_keep = rows;
+}
+
+int Surface::RowsToKeep() {
+    return g_rows_to_keep;
+}
 
 void Surface::AddText(PlacedText text) {
     const auto same = [&text](const PlacedText& other) {
@@ -43,9 +61,10 @@ void Surface::CopyFrom(const Surface& source, const RECT& source_rectangle, int 
 
     // Away from the rows still to be read, when a surface is copied onto itself.
     const bool upwards = &source == this && dy > 0;
+    const RECT rows = Intersect(Intersect(target, kept()), Moved(source.kept(), dx, dy));
     const std::size_t bytes = std::size_t(Width(target)) * sizeof(std::uint32_t);
-    for (int i = 0; i < Height(target); ++i) {
-        const int row_y = upwards ? target.bottom - 1 - i : target.top + i;
+    for (int i = 0; i < Height(rows); ++i) {
+        const int row_y = upwards ? rows.bottom - 1 - i : rows.top + i;
         std::memmove(row(row_y) + target.left, source.row(row_y - dy) + (target.left - dx), bytes);
     }
 

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <limits>
 #include <mutex>
 #include <span>
 #include <string>
@@ -22,11 +23,22 @@ struct PlacedText {
 // Guarded by LockGdi().
 class Surface {
   public:
+    static constexpr int kAllRows = std::numeric_limits<int>::max();
+
     // All black.
-    Surface(int width, int height);
+    Surface(int width, int height) : Surface(width, height, RowsToKeep()) {}
+    // Keeps the pixels of so many rows at its top alone: drawing below them leaves its texts and
+    // nothing else.
+    Surface(int width, int height, int rows);
+
+    // What surfaces keep that are to be drawn on and are made from now on. For whoever looks at
+    // texts only; painting then costs a tenth.
+    static void KeepRows(int rows);
 
     int width() const { return width_; }
     int height() const { return height_; }
+    // Where there are pixels; what row() gives lies within.
+    RECT kept() const { return {0, 0, width_, kept_rows_}; }
     std::uint32_t* row(int y) { return pixels_.data() + std::size_t(y) * std::size_t(width_); }
     const std::uint32_t* row(int y) const {
         return pixels_.data() + std::size_t(y) * std::size_t(width_);
@@ -43,8 +55,11 @@ class Surface {
     void CopyFrom(const Surface& source, const RECT& source_rectangle, int x, int y);
 
   private:
+    static int RowsToKeep();
+
     int width_;
     int height_;
+    int kept_rows_;
     std::vector<std::uint32_t> pixels_;
     std::vector<PlacedText> texts_;
 };

@@ -37,7 +37,8 @@ RECT BlendInk(Surface& surface, const Ink& ink, int x, int y, const RECT& clip,
               std::uint32_t color) {
     const RECT box = Moved(ink.box, x, y);
     const RECT visible = Intersect(box, clip);
-    for (int row_y = visible.top; row_y < visible.bottom; ++row_y) {
+    const RECT kept = Intersect(visible, surface.kept());
+    for (int row_y = kept.top; row_y < kept.bottom; ++row_y) {
         std::uint32_t* row = surface.row(row_y);
         const std::uint8_t* coverage =
             ink.coverage.data() + std::size_t(row_y - box.top) * std::size_t(Width(box));

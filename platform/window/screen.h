@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 
 #include "platform/board.h"
 #include "platform/gdi/surface.h"
+#include "platform/kernel/clock.h"
 
 namespace platform::window {
 
@@ -56,6 +58,9 @@ struct WindowState {
     bool topmost;
 };
 std::vector<WindowState> TopLevelWindows();
+
+// The timers that run for a window, by their ids.
+std::map<UINT_PTR, kernel::Time> RunningTimers(HWND window);
 
 // Observes broadcasts (messages posted to HWND_BROADCAST): called on the posting thread without
 // locks. Set before threads start.

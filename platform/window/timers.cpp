@@ -72,6 +72,18 @@ std::optional<MSG> NextTimerMessage(kernel::KernelLock& lock, MessageQueue& queu
     return message;
 }
 
+std::map<UINT_PTR, kernel::Time> RunningTimers(HWND window) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    std::map<UINT_PTR, kernel::Time> running;
+    const auto target = FindWindowObject(lock, window);
+    if (!target)
+        return running;
+    for (const Timer& timer : target->queue->timers)
+        if (timer.window == window)
+            running[timer.id] = timer.due;
+    return running;
+}
+
 }  // namespace platform::window
 
 using namespace platform;

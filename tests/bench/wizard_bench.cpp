@@ -81,8 +81,10 @@ void EmptyParser() {
 }  // namespace
 
 DWORD RecordingDriver::Open(DWORD, DWORD, std::shared_ptr<platform::device::Stream>& stream) {
-    stream = std::make_shared<RecordedStream>(*this);
-    return ERROR_SUCCESS;
+    ++opens;
+    if (open_answer == ERROR_SUCCESS)
+        stream = std::make_shared<RecordedStream>(*this);
+    return open_answer;
 }
 
 std::vector<std::string> RecordingDriver::Take() {
@@ -109,10 +111,10 @@ const std::vector<std::string> WizardBench::kVideoOff = {
     "80012078 00 00 00 00 00 00 00 00",
 };
 
-WizardBench::WizardBench(const kernel::Options& options) : platform(options) {
+WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(options) {
     EmptyParser();
     line_ = std::make_shared<platform::device::MemoryLine>(
-        460800, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
+        460800, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); }, pace);
     auto& drivers = platform.board.drivers;
     drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line_);
     drivers[L"DVR1:"] = reset;

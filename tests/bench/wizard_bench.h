@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,7 +38,9 @@ class RecordingDriver final : public platform::device::StreamDriver {
     // The texts since the last call.
     std::vector<std::string> Take();
 
+    DWORD open_answer = ERROR_SUCCESS;
     DWORD request_answer = ERROR_SUCCESS;
+    int opens = 0;  // those that failed too
     std::vector<Request> requests;
     int open_handles = 0;
 };
@@ -57,7 +60,9 @@ class WizardBench {
     // The step while there is no frame.
     static constexpr int kNoFrame = -9;
 
-    explicit WizardBench(const platform::kernel::Options& options = {});
+    using Pace = platform::device::MemoryLine::Pace;
+    explicit WizardBench(const platform::kernel::Options& options = {},
+                         Pace pace = Pace::kBaudRate);
     // Closes the window if that has not been done, and expects a clean end.
     ~WizardBench();
     WizardBench(const WizardBench&) = delete;
@@ -96,6 +101,8 @@ class WizardBench {
     // The DVR: an indication or an acknowledgement of it, at once or after a while.
     using Bytes = std::vector<std::uint8_t>;
     void Indicate(WORD command, const Bytes& payload) { SendFrame(0x80, command, payload); }
+    // Bytes as they are, frames or not.
+    void SendBytes(std::span<const std::uint8_t> bytes) { line_->Send(bytes); }
     void Card(BYTE status) { Indicate(0x0026, {status, 0}); }
     void Running(BYTE state) { Indicate(0x0010, {state}); }
     void Percent(BYTE percent) { Indicate(0x002E, {percent}); }

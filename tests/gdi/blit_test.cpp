@@ -28,6 +28,26 @@ class Blits : public testing::Test {
     }
 };
 
+TEST_F(Blits, BelowTheKeptRowsThereAreTextsAlone) {
+    Number(*canvas.surface);
+    Write(canvas, L"a", 0, 30);
+    Surface::KeepRows(10);
+    Canvas sparse(100, 80);
+    Surface::KeepRows(Surface::kAllRows);
+    EXPECT_EQ(sparse.surface->pixels().size(), 1000U);
+    sparse.FillWith(kRed);
+    EXPECT_EQ(sparse.At(99, 9), 0xFF0000U);
+    Write(sparse, L"b", 0, 50);
+    EXPECT_EQ(sparse.Texts(), Strings{L"b"});
+    EXPECT_EQ(GetPixel(sparse.dc, 5, 10), CLR_INVALID);
+    EXPECT_TRUE(BitBlt(sparse.dc, 0, 5, 100, 40, canvas.dc, 0, 0, SRCCOPY));
+    EXPECT_EQ(sparse.Texts(), (Strings{L"b", L"a"}));
+    EXPECT_EQ(sparse.At(7, 9), 4008U);
+    EXPECT_TRUE(BitBlt(canvas.dc, 0, 0, 100, 80, sparse.dc, 0, 0, SRCCOPY));
+    EXPECT_EQ(canvas.At(7, 9), 4008U);
+    EXPECT_EQ(canvas.At(7, 10), 10008U) << "there is nothing to copy";
+}
+
 TEST_F(Blits, AColourIsTheSamePixelEverywhere) {
     canvas.FillWith(RGB(0x12, 0x34, 0x56), {1, 1, 2, 2});
     EXPECT_EQ(canvas.At(1, 1), 0x123456u);

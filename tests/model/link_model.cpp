@@ -1,7 +1,5 @@
 #include "tests/model/link_model.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <numeric>
 #include <utility>
 
@@ -64,10 +62,16 @@ std::string PayloadText(const Report& report, std::size_t from) {
     return text;
 }
 
+// Of two characters; what is no digit ends it.
 int Decimal(const Report& report, std::size_t at) {
-    const char digits[] = {static_cast<char>(report.byte(at)),
-                           static_cast<char>(report.byte(at + 1)), 0};
-    return static_cast<std::uint16_t>(std::atoi(digits));
+    int number = 0;
+    for (const std::size_t end = at + 2; at < end; ++at) {
+        const int digit = report.byte(at) - '0';
+        if (digit < 0 || digit > 9)
+            break;
+        number = number * 10 + digit;
+    }
+    return number;
 }
 
 constexpr char kBadLength[] = "wLen invalid!!!";
