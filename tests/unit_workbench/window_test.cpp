@@ -75,10 +75,11 @@ TEST_F(Window, ShowsTheUnitsScreenAndFollowsMouseAndKeyboard) {
     }));
     EXPECT_EQ(session_.Read("log").find("PLUG_IN"), std::string::npos);
 
-    // The window shows the same, pixel by pixel; beside it there is a panel.
+    // The window shows the same, pixel by pixel, above the task bar and its clock; beside it there
+    // is a panel.
     const auto shows_screen = [&] {
         const Capture window = session_.Look();
-        for (int y = 0; y < 480; ++y)
+        for (int y = 0; y < 472; ++y)
             for (int x = 0; x < 800; ++x)
                 if (window.At(static_cast<int>(Screen().x) + x, static_cast<int>(Screen().y) + y) !=
                     screen[static_cast<std::size_t>(y * 800 + x)])

@@ -17,8 +17,11 @@ void CommandRunner::Follow(const std::string& line) {
         entries_.pop_front();
 }
 
-bool CommandRunner::Knows(const std::string& line) const {
-    return !HelpOf(line).empty();
+bool CommandRunner::Knows(const std::string& line) {
+    const auto [answer, is_new] = asked_.try_emplace(line);
+    if (is_new)
+        answer->second = !HelpOf(line).empty();
+    return answer->second;
 }
 
 std::string CommandRunner::HelpOf(const std::string& line) const {

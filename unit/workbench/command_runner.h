@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <deque>
-#include <set>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -25,8 +25,10 @@ class CommandRunner {
 
     void Follow(const std::string& line);
 
-    // Whether there is such a command, whatever its outcome would be.
-    bool Knows(const std::string& line) const;
+    // Whether there is such a command, whatever its outcome would be. Asked for every button of
+    // every picture, so the answers are kept.
+    bool Knows(const std::string& line);
+    const std::map<std::string, bool>& asked() const { return asked_; }
 
     // What the command does, a sentence; empty when there is none.
     std::string HelpOf(const std::string& line) const;
@@ -42,6 +44,7 @@ class CommandRunner {
     const UnitTable& table_;
     Operator& hands_;
     std::deque<Entry> entries_;
+    std::map<std::string, bool> asked_;
 };
 
 }  // namespace unit

@@ -23,6 +23,8 @@ struct Desk {
     // The dock's height, in the window's units; the user drags it.
     float dock_height = kUsualDock;
     bool full_screen = false;
+    // Every group is open, whatever the user has folded.
+    bool unfolded = false;
     // The command line is to take the keyboard.
     bool focus_command_line = false;
 };

@@ -45,7 +45,6 @@ void PanelCanvas::Fit() {
     pixels_ = pixels;
     texture_.reset(SDL_CreateTexture(window_.renderer(), SDL_PIXELFORMAT_ARGB8888,
                                      SDL_TEXTUREACCESS_TARGET, pixels.x, pixels.y));
-    SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
 }
 
 void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
@@ -56,14 +55,45 @@ void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
     draw(fonts_);
     ImGui::Render();
     SDL_SetRenderTarget(window_.renderer(), texture_.get());
-    SDL_SetRenderDrawColor(window_.renderer(), 0, 0, 0, 0);
+    // Where nothing is drawn, the background, and the unit's screen shines through.
+    SetDrawColor(window_.renderer(), color::kBackground, 0);
     SDL_RenderClear(window_.renderer());
     triangles_.Draw(*ImGui::GetDrawData());
     SDL_SetRenderTarget(window_.renderer(), nullptr);
 }
 
-void PanelCanvas::Show() const {
-    SDL_RenderCopy(window_.renderer(), texture_.get(), nullptr, nullptr);
+void PanelCanvas::ShowAround(const SDL_Rect& screen) const {
+    const int right = screen.x + screen.w;
+    const int bottom = screen.y + screen.h;
+    const SDL_Rect around[] = {{0, 0, pixels_.x, screen.y},
+                               {0, bottom, pixels_.x, pixels_.y - bottom},
+                               {0, screen.y, screen.x, screen.h},
+                               {right, screen.y, pixels_.x - right, screen.h}};
+    SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_NONE);
+    for (const SDL_Rect& part : around)
+        if (part.w > 0 && part.h > 0)
+            SDL_RenderCopy(window_.renderer(), texture_.get(), &part, &part);
+}
+
+void PanelCanvas::ShowOver(const SDL_Rect& screen) const {
+    if (!Covers(screen))
+        return;
+    SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
+    SDL_RenderCopy(window_.renderer(), texture_.get(), &screen, &screen);
+}
+
+bool PanelCanvas::Covers(const SDL_Rect& screen) const {
+    const ImDrawData& data = *ImGui::GetDrawData();
+    for (int list = 0; list < data.CmdListsCount; ++list)
+        for (const ImDrawCmd& command : data.CmdLists[list]->CmdBuffer) {
+            const ImVec4& clip = command.ClipRect;
+            const auto pixel = [this](float units) { return static_cast<int>(units * density_); };
+            if (command.ElemCount > 0 && pixel(clip.x) < screen.x + screen.w &&
+                pixel(clip.z) > screen.x && pixel(clip.y) < screen.y + screen.h &&
+                pixel(clip.w) > screen.y)
+                return true;
+        }
+    return false;
 }
 
 }  // namespace unit

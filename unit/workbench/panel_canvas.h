@@ -24,12 +24,16 @@ class PanelCanvas {
     // Draws the panel anew: `draw` says what is in it, with fonts fit for the display.
     void Redraw(const std::function<void(const Fonts&)>& draw);
 
-    // Copies it over what the renderer's target holds.
-    void Show() const;
+    // Copies it into the renderer's target, all but the unit's screen; and then onto that what lies
+    // over it for a moment, such as a tip.
+    void ShowAround(const SDL_Rect& screen) const;
+    void ShowOver(const SDL_Rect& screen) const;
 
   private:
     // Fonts and texture as the window's size and density want them now.
     void Fit();
+    // Whether something of the panel lies over that part.
+    bool Covers(const SDL_Rect& screen) const;
 
     const DesktopWindow& window_;
     TriangleRenderer triangles_;

@@ -92,6 +92,11 @@ void SetColors(ImVec4* colors) {
 
 }  // namespace
 
+void SetDrawColor(SDL_Renderer* renderer, const ImVec4& tone, Uint8 alpha) {
+    const auto channel = [](float value) { return static_cast<Uint8>(value * 255); };
+    SDL_SetRenderDrawColor(renderer, channel(tone.x), channel(tone.y), channel(tone.z), alpha);
+}
+
 bool LoadFonts(float scale, float density, Fonts& fonts, std::string& problem) {
     std::map<Typeface, std::filesystem::path> files;
     if (!platform::gdi::FindFontFiles(platform::gdi::kFontDirectory, files, problem))

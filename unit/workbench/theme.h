@@ -1,5 +1,6 @@
 #pragma once
 
+#include <SDL.h>
 #include <imgui.h>
 
 #include <string>
@@ -19,6 +20,9 @@ inline const ImVec4 kPanel{0.105F, 0.120F, 0.145F, 1};
 inline const ImVec4 kBezel{0.20F, 0.22F, 0.26F, 1};
 inline const ImVec4 kBlack{0, 0, 0, 1};
 }  // namespace color
+
+// What SDL draws with next.
+void SetDrawColor(SDL_Renderer* renderer, const ImVec4& tone, Uint8 alpha = 255);
 
 struct Fonts {
     ImFont* text = nullptr;

@@ -29,6 +29,8 @@ void CommandTip(Desk& desk, const std::string& command, bool known) {
 }  // namespace
 
 bool Group(const Desk& desk, const char* title, bool open_at_first) {
+    if (desk.unfolded)
+        ImGui::SetNextItemOpen(true);
     ImGui::PushFont(desk.fonts.heading);
     const bool open =
         ImGui::CollapsingHeader(title, open_at_first ? ImGuiTreeNodeFlags_DefaultOpen : 0);

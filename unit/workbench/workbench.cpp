@@ -28,9 +28,9 @@ double Seconds() {
            static_cast<double>(SDL_GetPerformanceFrequency());
 }
 
-void SetColor(SDL_Renderer* renderer, const ImVec4& tone) {
-    const auto channel = [](float value) { return static_cast<Uint8>(value * 255); };
-    SDL_SetRenderDrawColor(renderer, channel(tone.x), channel(tone.y), channel(tone.z), 255);
+// Whether the unit's screen is not drawn in whole multiples of its pixels.
+bool Smooth(const SDL_Rect& screen) {
+    return screen.w % platform::window::kScreenWidth != 0;
 }
 
 // One wake-up in the queue is enough, however often the kernel asks.
@@ -113,18 +113,20 @@ void Workbench::DrawPicture(bool with_panel) {
     const SDL_Rect screen{pixels(place.x), pixels(place.y), pixels(place.width),
                           pixels(place.height)};
     SDL_Renderer* const renderer = window_.renderer();
-    SetColor(renderer, PanelShows() ? color::kBackground : color::kBlack);
-    SDL_RenderClear(renderer);
-    if (PanelShows()) {
+    if (!PanelShows()) {
+        SetDrawColor(renderer, color::kBlack);
+        SDL_RenderClear(renderer);
+        screen_.Draw(screen, Smooth(screen));
+    } else {
+        canvas_->ShowAround(screen);
         const int edge = pixels(kBezel * desk_.scale);
         const SDL_Rect bezel{screen.x - edge, screen.y - edge, screen.w + 2 * edge,
                              screen.h + 2 * edge};
-        SetColor(renderer, color::kBezel);
+        SetDrawColor(renderer, color::kBezel);
         SDL_RenderFillRect(renderer, &bezel);
+        screen_.Draw(screen, Smooth(screen));
+        canvas_->ShowOver(screen);
     }
-    screen_.Draw(screen, screen.w % platform::window::kScreenWidth != 0);
-    if (PanelShows())
-        canvas_->Show();
     SDL_RenderPresent(renderer);
 }
 
