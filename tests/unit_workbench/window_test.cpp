@@ -55,7 +55,9 @@ std::vector<std::uint32_t> ReadPng(const std::string& path) {
         return {};
     image.format = PNG_FORMAT_BGRA;
     std::vector<std::uint32_t> pixels(PNG_IMAGE_SIZE(image) / 4);
-    png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
+    // A file that is still being written is as good as none.
+    if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0)
+        return {};
     for (std::uint32_t& pixel : pixels)
         pixel &= 0xFFFFFF;
     return pixels;
