@@ -39,6 +39,12 @@ TEST(ScenarioReader, RefusesAWrongLineWithPlaceAndWhatIsAllowed) {
         {"time free-running speed 2000",
          "a.scenario:1: '2000' is not allowed after 'time free-running speed'; allowed is SPEED (a "
          "number from 0.1 to 1000)"},
+        {"wait frame FW_Upgrade to-unit",
+         "a.scenario:1: 'FW_Upgrade' is no command of the DVR; allowed is a name such as "
+         "FW_Upgrade_Version, or a number such as 0x2E"},
+        {"fault line drop Nonsense frames",
+         "a.scenario:1: 'Nonsense' is no command of the DVR; allowed is a name such as "
+         "FW_Upgrade_Version, or a number such as 0x2E"},
         {"end", "a.scenario:1: there is no repeat to end"},
         {"repeat 2\nwait 1s", "a.scenario:1: this repeat has no end"},
         {"repeat 1000\nrepeat 1000\nwait 1s\nend\nend",

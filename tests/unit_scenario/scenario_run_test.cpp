@@ -135,6 +135,30 @@ TEST_F(Scenarios, WaitsReadOnAndExpectationsLookBack) {
         << problem_;
 }
 
+TEST_F(Scenarios, SeeFramesAndTheLinesFaults) {
+    // "Power On" asks for version and card; the answers carry both.
+    ASSERT_EQ(Run("wait button 'Power On' within 5s\nwait 5s\n"
+                  "fault line corrupt checksum of StorageCardStatus acknowledgements to-unit\n"
+                  "forget\ntap 'Power On'\nwait button OK\ntap OK\nwait step check-card\n"
+                  "wait frame query FW_Upgrade_Version request to-dvr payload 00 within 1s\n"
+                  "wait frame query StorageCardStatus request to-dvr within 1s\n"
+                  "wait frame 0x2E acknowledgement to-unit payload '31 34 2E' within 1s\n"
+                  "wait frame damaged StorageCardStatus acknowledgement to-unit within 1s\n"
+                  "wait line fault 'ACK StorageCardStatus' within 0s\n"
+                  "expect frame StorageCardStatus indication to-unit\n"
+                  "expect no frame StorageCardStatus acknowledgement to-unit\n"
+                  "expect no frame plain FW_Upgrade_Version request to-dvr\n"
+                  "expect no frame damaged to-dvr\nfault line clear"),
+              "")
+        << problem_;
+    const std::string late = Run("wait frame FW_Upgrade_Version indication to-unit within 1s");
+    EXPECT_TRUE(
+        late.starts_with("1: wait frame FW_Upgrade_Version indication to-unit within 1s: "
+                         "did not come within 1 s; the latest of its kind:"))
+        << late;
+    EXPECT_NE(problem_.find("  line       to unit  "), std::string::npos) << problem_;
+}
+
 TEST_F(Scenarios, PassTimeAndSpeak) {
     ASSERT_EQ(Run("repeat 3\nwait 1.5s\nsay 'so far'\nend"), "");
     EXPECT_EQ(said_, "so far\nso far\nso far\n");

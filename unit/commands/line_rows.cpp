@@ -22,6 +22,12 @@ Outcome AddFault(Operator& hands, const Values& values) {
     return Done("fault " + std::to_string(number) + ": " + text);
 }
 
+std::string WrongFault(const Values& values) {
+    std::string problem;
+    ReadFaultRule(values, problem);
+    return problem;
+}
+
 Outcome ListFaults(Operator& hands, const Values&) {
     std::string lines;
     for (const LineFaults::Entry& entry : hands.unit().dvr().faults().List())
@@ -70,7 +76,7 @@ UnitRows LineRows() {
     }();
     UnitRows rows;
     for (std::size_t index = 0; index < patterns.size(); ++index)
-        rows.push_back({patterns[index], FaultPatterns()[index].help, AddFault});
+        rows.push_back({patterns[index], FaultPatterns()[index].help, AddFault, WrongFault});
     rows.push_back({"fault line list", "Lists the faults of the line, and how often each applied.",
                     ListFaults});
     rows.push_back({"fault line clear [NUMBER]",

@@ -10,7 +10,7 @@ const UnitTable& UnitCommands() {
     static const UnitTable table([] {
         UnitRows all;
         for (const auto rows : {FingerRows, CardRows, DvrRows, PowerRows, RequestRows, DriverRows,
-                                LineRows, LookRows})
+                                CallRows, LineRows, LookRows})
             std::ranges::move(rows(), std::back_inserter(all));
         return all;
     }());

@@ -1,31 +1,11 @@
 #include "platform/kernel/text.h"
-#include "unit/scenario/conditions.h"
+#include "unit/scenario/happening_condition.h"
 
 namespace unit {
 namespace {
 
 using control::Values;
 using Call = DriverCalled::Call;
-
-template <class Kind, class... Kinds>
-constexpr std::size_t IndexIn(const std::variant<Kinds...>*) {
-    std::size_t index = 0;
-    const bool found = ((std::is_same_v<Kind, Kinds> || (++index, false)) || ...);
-    return found ? index : sizeof...(Kinds);
-}
-
-// A condition about one kind of happening.
-template <class Kind>
-Condition About(std::string_view pattern, std::string_view help,
-                bool (*matches)(const Kind&, const Values&)) {
-    Condition condition{pattern, help};
-    condition.kind = IndexIn<Kind>(static_cast<const Happening*>(nullptr));
-    condition.matches = [matches](const Happening& happening, const Values& values) {
-        const Kind* const kind = std::get_if<Kind>(&happening);
-        return kind && matches(*kind, values);
-    };
-    return condition;
-}
 
 bool IsLogged(const LineLogged& line, const Values& values) {
     return line.text.find(values.Text("TEXT")) != std::string::npos;
@@ -56,10 +36,15 @@ bool IsCalled(const DriverCalled& call, const Values& values) {
            IsOrOpen(values, "CODE", call.code);
 }
 
+bool IsApplied(const FaultApplied& fault, const Values& values) {
+    return fault.text.find(values.Text("TEXT")) != std::string::npos;
+}
+
 }  // namespace
 
 std::vector<Condition> HappeningConditions() {
     return {
+        FrameCondition(),
         About<LineLogged>("log TEXT", "The program printed a line with that in it.", IsLogged),
         About<BroadcastPosted>("broadcast NAME [wparam WPARAM] [lparam LPARAM]",
                                "A message whose name has that in it was posted to all windows.",
@@ -71,6 +56,8 @@ std::vector<Condition> HappeningConditions() {
         About<DriverCalled>("driver DRIVER refuses [code CODE] [error ERROR]",
                             "The program could not open the driver, or a request failed.",
                             IsCalled),
+        About<FaultApplied>("line fault [TEXT]",
+                            "A fault of the line struck; its message has that in it.", IsApplied),
     };
 }
 

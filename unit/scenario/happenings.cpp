@@ -36,6 +36,14 @@ std::string Told(const DriverCalled& call) {
     return text;
 }
 
+std::string Told(const LineEntry& entry) {
+    return "line       " + entry.Text();
+}
+
+std::string Told(const FaultApplied& fault) {
+    return "line fault " + fault.text;
+}
+
 }  // namespace
 
 std::string TimedHappening::Text() const {
@@ -49,12 +57,17 @@ Happenings::Happenings(EventHub& events) {
 }
 
 void Happenings::Note(const TimedEvent& event) {
+    const std::scoped_lock lock(mutex_);
+    if (const auto* const piece = std::get_if<LineBytes>(&event.event)) {
+        FrameMonitor& monitor = piece->direction == Direction::kToUnit ? to_unit_ : to_dvr_;
+        for (LineEntry& entry : monitor.Take(event.time, piece->bytes))
+            all_.push_back({event.time, std::move(entry)});
+        return;
+    }
     std::visit(
         [&](const auto& kind) {
-            if constexpr (std::is_constructible_v<Happening, decltype(kind)>) {
-                const std::scoped_lock lock(mutex_);
+            if constexpr (std::is_constructible_v<Happening, decltype(kind)>)
                 all_.push_back({event.time, kind});
-            }
         },
         event.event);
 }

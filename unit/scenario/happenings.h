@@ -9,11 +9,12 @@
 #include <vector>
 
 #include "unit/events/event_hub.h"
+#include "unit/line/frame_monitor.h"
 
 namespace unit {
 
 // What came and went at the unit's edges, for conditions that ask whether something has happened.
-using Happening = std::variant<LineLogged, BroadcastPosted, DriverCalled>;
+using Happening = std::variant<LineLogged, BroadcastPosted, DriverCalled, LineEntry, FaultApplied>;
 inline constexpr std::size_t kHappeningKinds = std::variant_size_v<Happening>;
 
 struct TimedHappening {
@@ -43,6 +44,8 @@ class Happenings {
 
     mutable std::mutex mutex_;
     std::vector<TimedHappening> all_;
+    FrameMonitor to_unit_{Direction::kToUnit};
+    FrameMonitor to_dvr_{Direction::kToDvr};
     // Ends before what it notes down to.
     EventHub::Subscription subscription_;
 };

@@ -11,11 +11,13 @@ namespace {
 ScenarioRows UnitRowsOfScenarios() {
     ScenarioRows rows;
     for (const UnitTable::Row& row : UnitCommands().rows())
-        rows.push_back(
-            {row.pattern, row.help, [&row](ScenarioReader& reader, const control::Values& values) {
-                 return reader.Add(
-                     Act{[&row, values](Stage& stage) { return row.follow(stage.hands, values); }});
-             }});
+        rows.push_back({row.pattern, row.help,
+                        [&row](ScenarioReader& reader, const control::Values& values) {
+                            return reader.Add(Act{[&row, values](Stage& stage) {
+                                return row.follow(stage.hands, values);
+                            }});
+                        },
+                        row.check});
     return rows;
 }
 

@@ -1,0 +1,84 @@
+#include "platform/kernel/call_faults.h"
+
+#include <algorithm>
+
+#include "unit/commands/command_rows.h"
+
+namespace unit {
+namespace {
+
+namespace kernel = platform::kernel;
+using control::Done;
+using control::Outcome;
+using control::Refused;
+using control::Values;
+
+Outcome FailCall(Operator&, const Values& values) {
+    kernel::CallFault fault;
+    fault.call = values.Text("CALL");
+    fault.skip = static_cast<std::uint64_t>(values.Number("SKIP"));
+    fault.times = values.Chose("always") ? kernel::kForEver
+                                         : static_cast<std::uint64_t>(values.Number("COUNT", 1));
+    if (values.Has("ERROR"))
+        fault.error = static_cast<DWORD>(values.Number("ERROR"));
+    const std::string problem = kernel::AddCallFault(fault);
+    return problem.empty() ? Done() : Refused(problem);
+}
+
+std::string WrongCall(const Values& values) {
+    const std::string call = values.Text("CALL");
+    const auto names = kernel::FailableCallNames();
+    if (!values.Has("CALL") || std::ranges::find(names, call) != names.end())
+        return {};
+    std::string list;
+    for (const std::string_view name : names)
+        list += (list.empty() ? "" : ", ") + std::string(name);
+    return "the program makes no call '" + call + "' that can fail; allowed is one of " + list;
+}
+
+Outcome ListCalls(Operator&, const Values&) {
+    std::string lines;
+    for (const auto& [call, count] : kernel::CallCounts())
+        lines += (lines.empty() ? "" : "\n") + std::string(call) + " " + std::to_string(count);
+    return Done(lines);
+}
+
+Outcome ClearCalls(Operator&, const Values& values) {
+    if (!values.Has("CALL"))
+        kernel::ClearCallFaults();
+    else if (kernel::ClearCallFaults(values.Text("CALL")) == 0)
+        return Refused("no fault of " + values.Text("CALL") + " waits to strike");
+    return Done();
+}
+
+Outcome ClearAll(Operator& hands, const Values&) {
+    kernel::ClearCallFaults();
+    hands.unit().drivers().Mend();
+    hands.unit().SetHalRefuses(false);
+    hands.unit().SetBatteryDriverFails(false);
+    hands.unit().dvr().faults().Clear();
+    if (dvrsim::Dvr* const dvr = hands.unit().dvr().dvr())
+        dvr->SetFaults({});
+    return Done();
+}
+
+}  // namespace
+
+UnitRows CallRows() {
+    return {
+        {"fault call CALL [after SKIP] [times COUNT] [always] [error ERROR]",
+         "The program's next calls of that name fail (once unless told), with that last error or "
+         "the one that is usual for the call.",
+         FailCall, WrongCall},
+        {"fault any-call [after SKIP] [times COUNT] [always] [error ERROR]",
+         "The program's next calls fail, whichever they are.", FailCall},
+        {"fault call clear [CALL]", "Ends the faults of that call, or of all calls.", ClearCalls,
+         WrongCall},
+        {"calls", "Lists the calls that the program has made and that can fail, with their number.",
+         ListCalls},
+        {"fault clear", "Ends every fault: of calls, drivers, the HAL, the line and the DVR.",
+         ClearAll},
+    };
+}
+
+}  // namespace unit
