@@ -1,7 +1,7 @@
-#include "platform/kernel/call_faults.h"
-
 #include <algorithm>
 
+#include "platform/kernel/call_faults.h"
+#include "platform/kernel/scheduler.h"
 #include "unit/commands/command_rows.h"
 
 namespace unit {
@@ -51,6 +51,12 @@ Outcome ClearCalls(Operator&, const Values& values) {
     return Done();
 }
 
+Outcome JumpClock(Operator&, const Values& values) {
+    if (kernel::JumpClock(values.Duration("DURATION")))
+        return Done();
+    return Refused("the clock does not jump that far; allowed are 24000 hours");
+}
+
 Outcome ClearAll(Operator& hands, const Values&) {
     kernel::ClearCallFaults();
     hands.unit().drivers().Mend();
@@ -76,6 +82,9 @@ UnitRows CallRows() {
          WrongCall},
         {"calls", "Lists the calls that the program has made and that can fail, with their number.",
          ListCalls},
+        {"fault clock jump DURATION",
+         "Puts the unit's clock forward: whatever was to come meanwhile is overdue at once.",
+         JumpClock},
         {"fault clear", "Ends every fault: of calls, drivers, the HAL, the line and the DVR.",
          ClearAll},
     };

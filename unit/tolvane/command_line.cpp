@@ -5,11 +5,11 @@
 #include <filesystem>
 
 #include "control/runtime_folder.h"
+#include "unit/tolvane/exit_status.h"
 
 namespace unit {
 namespace {
 
-constexpr int kWrongUsage = 2;
 constexpr double kSlowest = 0.1;
 constexpr double kFastest = 1000;
 
@@ -162,17 +162,17 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     } catch (const CLI::ExtrasError& error) {
         std::fprintf(stderr, "tolvane: %s; allowed are the options that tolvane --help lists\n",
                      OneLine(error.what()).c_str());
-        exit_status = kWrongUsage;
+        exit_status = kExitWrongUsage;
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         std::fprintf(stderr, "tolvane: %s\n", OneLine(error.what()).c_str());
-        exit_status = kWrongUsage;
+        exit_status = kExitWrongUsage;
         return std::nullopt;
     }
     if (command_line.scenarios.size() > 1 && !command_line.log.empty()) {
         std::fputs("tolvane: --log takes the output of one scenario; allowed is one file\n",
                    stderr);
-        exit_status = kWrongUsage;
+        exit_status = kExitWrongUsage;
         return std::nullopt;
     }
     SetLine(command_line, com9);
@@ -180,7 +180,7 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         std::fputs(
             "tolvane: --reset-command is for a DVR at --com9 PATH; the simulated one needs none\n",
             stderr);
-        exit_status = kWrongUsage;
+        exit_status = kExitWrongUsage;
         return std::nullopt;
     }
     if (*speed_option)

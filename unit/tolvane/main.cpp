@@ -16,6 +16,7 @@
 #include "unit/scenario/reference.h"
 #include "unit/state/unit_state.h"
 #include "unit/tolvane/command_line.h"
+#include "unit/tolvane/exit_status.h"
 #include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/scenario_command.h"
@@ -28,8 +29,6 @@ namespace {
 namespace kernel = platform::kernel;
 using namespace unit;
 
-constexpr int kFailed = 1;
-
 int RunProgram() {
     wchar_t command_line[] = L"";
     return WinMain(platform::resource::ModuleInstance(), nullptr, command_line, SW_SHOWNORMAL);
@@ -38,7 +37,7 @@ int RunProgram() {
 int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     unit.Start();
     kernel::RunHardware([&] { return signals.raised() || !unit.program().running(); });
-    return CloseInOrder(unit) ? unit.program().exit_code() : kFailed;
+    return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
 int RunInWindow(VirtualUnit& unit, Operator& hands, const CommandLine& command_line,
@@ -50,7 +49,7 @@ int RunInWindow(VirtualUnit& unit, Operator& hands, const CommandLine& command_l
         if (command_line.stats)
             Say(workbench.meter().Summary());
     }
-    return CloseInOrder(unit) ? unit.program().exit_code() : kFailed;
+    return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
 ControlServer::Abilities ControlAbilities(VirtualUnit& unit) {
@@ -61,12 +60,12 @@ int RunByHand(const CommandLine& command_line, const Program& program,
               const CloseSignals& signals) {
     DebugLog log(PrintLine);
     if (!OpenLog(log, command_line))
-        return kFailed;
+        return kExitFailed;
     const VirtualUnit::Options options = UnitOptions(command_line);
     VirtualUnit unit(options, program, log, Say);
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
-        return kFailed;
+        return kExitFailed;
     Operator hands(unit, command_line.card);
     const ControlServer control(hands, command_line.unit, ControlAbilities(unit), Say);
     return command_line.headless ? RunWithoutWindow(unit, signals)
@@ -83,7 +82,7 @@ int Run(CommandLine command_line) {
         if (!Workbench::DisplayAvailable(problem)) {
             if (command_line.window) {
                 Say("no display (" + problem + ")");
-                return kFailed;
+                return kExitFailed;
             }
             Say("no display (" + problem + "); running --auto");
             command_line.automatic = true;
@@ -92,13 +91,13 @@ int Run(CommandLine command_line) {
     std::string problem;
     if (!platform::gdi::CheckFonts(problem)) {
         Say(problem);
-        return kFailed;
+        return kExitFailed;
     }
     std::optional<dvrsim::TemporaryCard> made_card;
     if (command_line.card.empty())
         command_line.card = made_card.emplace().path();
     const Program program{RunProgram, res::ProgramResources()};
-    int status = kFailed;
+    int status = kExitFailed;
     if (!command_line.replay.empty())
         status = RunReplay(command_line, program);
     else if (!command_line.scenarios.empty())

@@ -3,11 +3,12 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "unit/tolvane/exit_status.h"
+
 namespace unit {
 namespace {
 
 constexpr auto kCloseLimit = std::chrono::seconds(60);
-constexpr int kFailed = 1;
 
 }  // namespace
 
@@ -57,7 +58,7 @@ bool CloseInOrder(VirtualUnit& unit) {
         Say("the program did not end within " + std::to_string(kCloseLimit.count()) +
             " s of its window's close: " + unit.leftovers());
         // Its threads still use the platform: nothing may be torn down under them.
-        std::_Exit(kFailed);
+        std::_Exit(kExitFailed);
     }
     if (!unit.leftovers().empty())
         Say("left open at the end: " + unit.leftovers());

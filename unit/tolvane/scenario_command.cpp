@@ -6,6 +6,7 @@
 
 #include "platform/kernel/scheduler.h"
 #include "unit/scenario/scenario_run.h"
+#include "unit/tolvane/exit_status.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/update_scenario.h"
 #include "unit/workbench/workbench.h"
@@ -15,9 +16,6 @@ namespace {
 
 namespace kernel = platform::kernel;
 using HostClock = std::chrono::steady_clock;
-
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
 
 // The command line wins over the file.
 VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& command_line) {
@@ -112,13 +110,13 @@ int RunScenarios(const CommandLine& command_line, const Program& program,
     for (const std::string& problem : problems)
         Say(problem);
     if (!problems.empty())
-        return kWrongUsage;
+        return kExitWrongUsage;
     int status = EXIT_SUCCESS;
     for (const Scenario& scenario : scenarios) {
         if (signals.raised())
-            return kFailed;
+            return kExitFailed;
         if (!RunOne(scenario, command_line, program, signals))
-            status = kFailed;
+            status = kExitFailed;
     }
     return status;
 }
@@ -133,7 +131,8 @@ int RunAutomatically(const CommandLine& command_line, const Program& program,
     const auto scenario = ReadScenario(std::string(UpdateScenario()), "update.scenario", problems);
     for (const std::string& problem : problems)
         Say(problem);
-    return scenario && RunOne(*scenario, with_pictures, program, signals) ? EXIT_SUCCESS : kFailed;
+    return scenario && RunOne(*scenario, with_pictures, program, signals) ? EXIT_SUCCESS
+                                                                          : kExitFailed;
 }
 
 }  // namespace unit
