@@ -48,8 +48,8 @@ TEST_F(Process, AutoSaysWhereAFailedWalkStood) {
               1);
     const std::string said = Read("err");
     EXPECT_TRUE(
-        said.starts_with("tolvane: update.scenario:45: wait percent at least 1 within 10s: "
-                         "did not come within 10 s; the percent is 0\n"))
+        said.starts_with("tolvane: update.scenario:45: wait percent at least 1: "
+                         "did not come within 30 s; the percent is 0\n"))
         << said;
     EXPECT_NE(said.find("DVR用SDカードに “gp_cardvr_upgrade.bin” が入っていません。"),
               std::string::npos)

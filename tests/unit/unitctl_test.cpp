@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "tests/support/process.h"
 
@@ -113,6 +114,33 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     EXPECT_EQ(Wait(watcher), 3);
     EXPECT_EQ(Read("watch-err"), "unitctl: the other end has hung up\n");
     EXPECT_FALSE(fs::exists(Path("tolvane/unit.sock")));
+}
+
+TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
+    const pid_t unit = StartUnit({"--out", Path("left")});
+    std::ofstream(Path("walk.scenario"))
+        << "wait button 'Power On'\ninclude press.scenario\nwait button OK\n";
+    std::ofstream(Path("press.scenario")) << "tap 'Power On'\n";
+    EXPECT_EQ(Ctl({"run", Path("walk.scenario")}), 0) << Read("ctl-err");
+    const std::string told = Read("ctl-out");
+    EXPECT_TRUE(told.starts_with("> wait button \"Power On\"\n> tap \"Power On\"\n")) << told;
+    EXPECT_NE(told.find("walk: passed, "), std::string::npos) << told;
+
+    EXPECT_EQ(Ctl({"run", Path("press.scenario")}), 1);
+    EXPECT_TRUE(Read("ctl-err").starts_with("unitctl: " + Path("press.scenario") +
+                                            ":1: tap \"Power On\": there is no \"Power On\""))
+        << Read("ctl-err");
+    EXPECT_GT(fs::file_size(Path("left/press/state.json")), 100U);
+    for (const auto& [text, problem] :
+         {std::pair("card inn", ":1: 'inn' is not allowed after 'card'"),
+          std::pair("seed 3", ":1: seed 3: holds from a unit's start")}) {
+        std::ofstream(Path("wrong.scenario")) << text;
+        EXPECT_EQ(Ctl({"run", Path("wrong.scenario")}), 1);
+        EXPECT_TRUE(Read("ctl-err").starts_with("unitctl: " + Path("wrong.scenario") + problem))
+            << Read("ctl-err");
+    }
+    kill(unit, SIGTERM);
+    EXPECT_EQ(Wait(unit), 0);
 }
 
 TEST_F(Unitctl, UnitsWithNamesLiveSideBySideAndADeadOneIsNotInTheWay) {

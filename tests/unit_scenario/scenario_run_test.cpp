@@ -193,7 +193,7 @@ TEST_F(Scenarios, ComparePicturesAndSaveWhatDiffers) {
     ASSERT_TRUE(difference) << problem;
     EXPECT_EQ(std::ranges::count(difference->pixels, 0xFF2020U), 2);
     EXPECT_EQ(difference->At(30, 20), 0xFF2020U);
-    for (const char* file : {"failure.txt", "state.txt", "screen.png", "debug.log", "events.log"})
+    for (const char* file : {"failure.txt", "state.json", "screen.png", "debug.log", "events.log"})
         EXPECT_TRUE(fs::exists(options_.out + "/a/" + file)) << file;
 
     ASSERT_TRUE(WritePng({1, 1, {0}}, folder_ + "/small.png", problem));

@@ -7,7 +7,7 @@
 #include <limits>
 #include <utility>
 
-#include "unit/probe/wizard_probe.h"
+#include "unit/state/unit_state.h"
 
 namespace unit {
 namespace {
@@ -19,24 +19,6 @@ std::string Lines(const std::vector<std::string>& lines) {
     for (const std::string& line : lines)
         text += line + "\n";
     return text;
-}
-
-std::string StateText(Stage& stage) {
-    VirtualUnit& unit = stage.hands.unit();
-    std::string text;
-    if (const auto wizard = ReadWizard())
-        text += "step " + std::to_string(wizard->step) + ", " + WizardStepName(wizard->step) +
-                "\npercent " + std::to_string(wizard->percent) + "\nDVR version '" +
-                wizard->dvr_version + "'\nDVR running state " +
-                RunningStateName(wizard->running_state) + "\n";
-    else
-        text += "the wizard has no window\n";
-    text += std::string("external power ") + (unit.external_power() ? "on" : "off") + "\n";
-    if (unit.suspended())
-        text += "suspended\n";
-    for (const std::string& fault : unit.drivers().Faults())
-        text += "driver " + fault + "\n";
-    return text + "on the screen stand " + stage.hands.WhatStands() + "\n";
 }
 
 bool Write(const std::string& path, const std::string& text, std::string& problem) {
@@ -63,7 +45,7 @@ std::string SaveFailure(Stage& stage, const std::string& problem) {
     const auto is_any = [](const Happening&) { return true; };
     const std::pair<const char*, std::string> files[] = {
         {"failure.txt", problem + "\nseed " + std::to_string(stage.options.seed) + "\n"},
-        {"state.txt", StateText(stage)},
+        {"state.json", StateJson(stage.hands.unit()) + "\n"},
         {"debug.log", Lines(stage.happenings.Latest(kAll, is_log))},
         {"events.log", Lines(stage.happenings.Latest(kAll, is_any))},
     };
@@ -74,7 +56,7 @@ std::string SaveFailure(Stage& stage, const std::string& problem) {
     if (!WritePng(stage.hands.unit().TakePicture(), stage.out + "/screen.png", wrong))
         return wrong;
     return "seed " + std::to_string(stage.options.seed) + "; saved in " + stage.out +
-           ": failure.txt, state.txt, screen.png, debug.log, events.log";
+           ": failure.txt, state.json, screen.png, debug.log, events.log";
 }
 
 }  // namespace unit

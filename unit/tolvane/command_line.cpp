@@ -169,9 +169,9 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         exit_status = kExitWrongUsage;
         return std::nullopt;
     }
-    if (command_line.scenarios.size() > 1 && !command_line.log.empty()) {
-        std::fputs("tolvane: --log takes the output of one scenario; allowed is one file\n",
-                   stderr);
+    const bool one_run = !command_line.log.empty() || !command_line.record.empty();
+    if (command_line.scenarios.size() > 1 && one_run) {
+        std::fputs("tolvane: --log and --record take one scenario; allowed is one file\n", stderr);
         exit_status = kExitWrongUsage;
         return std::nullopt;
     }

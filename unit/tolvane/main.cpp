@@ -20,6 +20,7 @@
 #include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/scenario_command.h"
+#include "unit/tolvane/sent_scenarios.h"
 #include "unit/tolvane/signals.h"
 #include "unit/tolvane/update_scenario.h"
 #include "unit/workbench/workbench.h"
@@ -52,8 +53,9 @@ int RunInWindow(VirtualUnit& unit, Operator& hands, const CommandLine& command_l
     return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
-ControlServer::Abilities ControlAbilities(VirtualUnit& unit) {
-    return {.state = [&unit] { return StateJson(unit); }, .run = {}};
+ControlServer::Abilities ControlAbilities(VirtualUnit& unit, SentScenarios& scenarios) {
+    return {.state = [&unit] { return StateJson(unit); },
+            .run = [&scenarios](const SentScenario& sent) { scenarios.Run(sent); }};
 }
 
 int RunByHand(const CommandLine& command_line, const Program& program,
@@ -67,7 +69,8 @@ int RunByHand(const CommandLine& command_line, const Program& program,
     if (!StartRecording(recorder, command_line))
         return kExitFailed;
     Operator hands(unit, command_line.card);
-    const ControlServer control(hands, command_line.unit, ControlAbilities(unit), Say);
+    SentScenarios scenarios(hands, RunOptionsFor(command_line, options));
+    const ControlServer control(hands, command_line.unit, ControlAbilities(unit, scenarios), Say);
     return command_line.headless ? RunWithoutWindow(unit, signals)
                                  : RunInWindow(unit, hands, command_line, signals);
 }

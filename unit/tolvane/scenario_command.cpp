@@ -35,21 +35,6 @@ VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& com
     return options;
 }
 
-RunOptions RunOptionsFor(const CommandLine& command_line,
-                         const VirtualUnit::Options& unit_options) {
-    RunOptions options;
-    options.pictures = command_line.screens;
-    options.out = command_line.out;
-    options.update_screens = command_line.update_screens;
-    options.seed = static_cast<std::uint32_t>(unit_options.kernel.seed);
-    options.say = Say;
-    if (command_line.verbose)
-        options.trace = [](const std::string& command) {
-            PrintLine(kernel::Now(), "> " + command);
-        };
-    return options;
-}
-
 bool RunOn(VirtualUnit& unit, Operator& hands, ScenarioRun& run, const CommandLine& command_line,
            const CloseSignals& signals) {
     const auto done = [&] { return run.finished() || signals.raised(); };
@@ -99,6 +84,21 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
 }
 
 }  // namespace
+
+RunOptions RunOptionsFor(const CommandLine& command_line,
+                         const VirtualUnit::Options& unit_options) {
+    RunOptions options;
+    options.pictures = command_line.screens;
+    options.out = command_line.out;
+    options.update_screens = command_line.update_screens;
+    options.seed = static_cast<std::uint32_t>(unit_options.kernel.seed);
+    options.say = Say;
+    if (command_line.verbose)
+        options.trace = [](const std::string& command) {
+            PrintLine(kernel::Now(), "> " + command);
+        };
+    return options;
+}
 
 int RunScenarios(const CommandLine& command_line, const Program& program,
                  const CloseSignals& signals) {

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "unit/board/virtual_unit.h"
+#include "unit/scenario/stage.h"
 #include "unit/tolvane/command_line.h"
 #include "unit/tolvane/signals.h"
 
 namespace unit {
+
+// What the command line says about how scenarios run.
+RunOptions RunOptionsFor(const CommandLine& command_line, const VirtualUnit::Options& unit_options);
 
 // `tolvane --scenario`: reads all files before anything runs, then runs each on a unit of its own
 // and prints a line for it. The exit status: 0 when all passed, 1, or 2 for a file that is not in
