@@ -139,6 +139,19 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
         EXPECT_TRUE(Read("ctl-err").starts_with("unitctl: " + Path("wrong.scenario") + problem))
             << Read("ctl-err");
     }
+    // One at a time, and one that nobody waits for any more is given up.
+    std::ofstream(Path("long.scenario")) << "power on\nwait 60min\n";
+    const pid_t waiting = Start(UNITCTL_BINARY, {"run", Path("long.scenario")}, "long-");
+    ASSERT_TRUE(WaitUntil([&] { return !Read("long-out").empty(); }));
+    EXPECT_EQ(Ctl({"run", Path("press.scenario")}), 1);
+    EXPECT_EQ(Read("ctl-err"),
+              "unitctl: the unit is at another scenario, long; allowed is one at a time\n");
+    kill(waiting, SIGKILL);
+    EXPECT_EQ(Wait(waiting), -SIGKILL);
+    EXPECT_TRUE(WaitUntil([&] {
+        return Ctl({"run", Path("press.scenario")}) == 1 &&
+               Read("ctl-err").find("there is no \"Power On\"") != std::string::npos;
+    }));
     kill(unit, SIGTERM);
     EXPECT_EQ(Wait(unit), 0);
 }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/kernel/kernel.h"
+#include "platform/window/screen.h"
 
 namespace unit {
 namespace {
@@ -24,8 +25,17 @@ void ProgramHost::Start(Entry entry) {
 }
 
 void ProgramHost::CloseWindow() {
-    if (const HWND window = FindWindowW(kName, nullptr))
-        PostMessageW(window, WM_CLOSE, 0, 0);
+    const auto window = platform::window::FindOwnWindow(kName, std::nullopt);
+    if (window != 0)
+        PostMessageW(reinterpret_cast<HWND>(window), WM_CLOSE, 0, 0);
+}
+
+bool ProgramHost::HasWindow() {
+    return platform::window::FindOwnWindow(kName, std::nullopt) != 0;
+}
+
+bool ProgramHost::Starts(std::wstring_view name) const {
+    return name == kName && !ended_ && !HasWindow();
 }
 
 std::size_t ProgramHost::HandlesKept() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <string_view>
 
 #include "platform/kernel/thread.h"
 
@@ -24,6 +25,12 @@ class ProgramHost {
     // Closes the program's window in order, as a tap on its close button would; a program without
     // a window is left alone.
     static void CloseWindow();
+
+    // Any thread.
+    static bool HasWindow();
+    // Whether the program is about to start, or has started and not come to its window, and has
+    // that name for its mutex. Any thread.
+    bool Starts(std::wstring_view name) const;
 
     // Handles that the program means to keep until its process ends: the single-instance mutex.
     static std::size_t HandlesKept();

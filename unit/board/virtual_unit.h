@@ -15,6 +15,7 @@
 #include "platform/window/screen.h"
 #include "unit/board/debug_log.h"
 #include "unit/board/driver_shelf.h"
+#include "unit/board/neighbours.h"
 #include "unit/board/power_coordinator.h"
 #include "unit/board/program_host.h"
 #include "unit/devices/dvr_bay.h"
@@ -94,6 +95,10 @@ class VirtualUnit final : public platform::Board {
     std::uint64_t screen_version() const { return screen_version_; }
     // Called on any thread, under locks, when the screen changed. Set before Start.
     void OnScreenChange(std::function<void()> changed) { on_screen_change_ = std::move(changed); }
+    // The other processes of the unit; there are none unless told. Set before Start.
+    void SetNeighbours(std::shared_ptr<Neighbours> neighbours) {
+        neighbours_ = std::move(neighbours);
+    }
     bool suspended() const { return suspended_; }
     // How many times as fast as the host's clock the unit runs, 1 at least; 1 in simulated time.
     int time_scale() const { return time_scale_; }
@@ -115,6 +120,11 @@ class VirtualUnit final : public platform::Board {
     DWORD HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                      DWORD& returned) override;
     DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override;
+    platform::NamedKind FindNeighbourObject(std::wstring_view name) override;
+    platform::NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> class_name,
+                                                  std::optional<std::wstring_view> title) override;
+    bool NeighbourWindowExists(platform::NeighbourWindow window) override;
+    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override;
     void DebugOutput(std::wstring_view text) override;
     void ScreenChanged() override;
 
@@ -133,6 +143,7 @@ class VirtualUnit final : public platform::Board {
     // A unit that runs faster than the host's clock leaves its threads less of the host's time.
     const int time_scale_;
     ProgramHost program_;
+    std::shared_ptr<Neighbours> neighbours_;
     std::shared_ptr<Scaler> scaler_;
     std::unique_ptr<DvrBay> dvr_;
 

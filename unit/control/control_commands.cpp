@@ -35,6 +35,16 @@ const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
          &ControlServer::StartRequest},
         {"run [FILE]", "Follows the scenario that was sent along.", &ControlServer::StartRun},
         {"help", "Lists the commands.", &ControlServer::StartHelp},
+        {"neighbour object NAME", "Asked by a second copy of the program: what has that name here.",
+         &ControlServer::StartFindObject},
+        {"neighbour window [class NAME] [title TEXT]",
+         "Asked by a second copy: the number of such a window, or 0.",
+         &ControlServer::StartFindWindow},
+        {"neighbour has CODE", "Asked by a second copy: whether that window is there.",
+         &ControlServer::StartHasWindow},
+        {"neighbour forward CODE [owned]",
+         "Brings that window forward, with those that it owns, and the host's window.",
+         &ControlServer::StartBringForward},
     };
     return commands;
 }
@@ -101,7 +111,9 @@ void ControlServer::StartState(const Job& job) {
 void ControlServer::StartRun(const Job& job) {
     if (!abilities_.run)
         return job.answer->End(Refused("this unit runs no scenarios"));
-    Post([this, job] { abilities_.run({job.values.Text("FILE"), job.request.text, job.answer}); });
+    Post([this, job] {
+        abilities_.run({job.values.Text("FILE"), job.request.text, job.request.folder, job.answer});
+    });
 }
 
 void ControlServer::StartRequest(const Job& job) {

@@ -17,7 +17,7 @@ using control::Refused;
 namespace {
 
 // Between two tries to claim the socket, in milliseconds of the host.
-constexpr int kClaimAgain = 200;
+constexpr int kClaimAgain = 50;
 
 }  // namespace
 
@@ -48,6 +48,7 @@ bool ControlServer::Claim() {
     std::string problem;
     bool taken = false;
     std::optional<control::SocketClaim> claim = control::SocketClaim::Make(name_, taken, problem);
+    taken_ = taken;
     if (!claim) {
         if (!taken)
             say_("no control socket: " + problem);

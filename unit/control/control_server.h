@@ -20,6 +20,7 @@ namespace unit {
 struct SentScenario {
     std::string file;  // its absolute path where the client read it, or empty
     std::string text;
+    std::string folder;              // where the client stands, or empty
     std::shared_ptr<Answer> answer;  // abandoned when the client hangs up: the scenario is to stop
 };
 
@@ -30,8 +31,9 @@ class ControlServer {
   public:
     // What the unit can do beside the commands of UnitCommands; called on the hardware's thread.
     struct Abilities {
-        std::function<std::string()> state;  // JSON
-        std::function<void(SentScenario)> run;
+        std::function<std::string()> state{};  // JSON
+        std::function<void(SentScenario)> run{};
+        std::function<void()> raise{};  // the host's window, if there is one
     };
 
     // Claims the socket of that name; while another unit has it, it is tried again and again until
@@ -42,8 +44,9 @@ class ControlServer {
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
 
-    // Whether this unit has the socket. Any thread.
+    // Whether this unit has the socket, or else another one. Any thread.
     bool claimed() const { return claimed_; }
+    bool taken() const { return taken_; }
 
   private:
     using ClientId = control::SocketServer::ClientId;
@@ -81,6 +84,10 @@ class ControlServer {
     void StartState(const Job& job);
     void StartRequest(const Job& job);
     void StartHelp(const Job& job);
+    void StartFindObject(const Job& job);
+    void StartFindWindow(const Job& job);
+    void StartHasWindow(const Job& job);
+    void StartBringForward(const Job& job);
     void Follow(const UnitTable::Row& row, const Job& job);
     void RaiseRequest(const Job& job);
 
@@ -91,6 +98,7 @@ class ControlServer {
     // Its value is the hardware thread's alone.
     const std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     std::atomic<bool> claimed_{false};
+    std::atomic<bool> taken_{false};
 
     // The thread's alone, once it runs.
     control::Descriptor stop_;

@@ -11,16 +11,14 @@
 #include "res/program_resources.h"
 #include "unit/board/virtual_unit.h"
 #include "unit/commands/operator.h"
-#include "unit/control/control_server.h"
 #include "unit/recording/recorder.h"
 #include "unit/scenario/reference.h"
-#include "unit/state/unit_state.h"
 #include "unit/tolvane/command_line.h"
 #include "unit/tolvane/exit_status.h"
+#include "unit/tolvane/process_links.h"
 #include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/scenario_command.h"
-#include "unit/tolvane/sent_scenarios.h"
 #include "unit/tolvane/signals.h"
 #include "unit/tolvane/update_scenario.h"
 #include "unit/workbench/workbench.h"
@@ -41,21 +39,27 @@ int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
-int RunInWindow(VirtualUnit& unit, Operator& hands, const CommandLine& command_line,
-                const CloseSignals& signals) {
-    {
-        Workbench workbench(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
+int RunInWindow(VirtualUnit& unit, Operator& hands, ProcessLinks& links,
+                const CommandLine& command_line, const CloseSignals& signals) {
+    // A second copy of the program that lets the first one go before it shows nothing at all.
+    const bool waits = links.second();
+    if (waits) {
         unit.Start();
+        kernel::RunHardware([&] {
+            return signals.raised() || !unit.program().running() || ProgramHost::HasWindow();
+        });
+    }
+    if (!waits || (unit.program().running() && !signals.raised())) {
+        Workbench workbench(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
+        links.OnRaise([&workbench] { workbench.BringForward(); });
+        if (!waits)
+            unit.Start();
         workbench.Run([&] { return signals.raised(); });
+        links.OnRaise({});
         if (command_line.stats)
             Say(workbench.meter().Summary());
     }
     return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
-}
-
-ControlServer::Abilities ControlAbilities(VirtualUnit& unit, SentScenarios& scenarios) {
-    return {.state = [&unit] { return StateJson(unit); },
-            .run = [&scenarios](const SentScenario& sent) { scenarios.Run(sent); }};
 }
 
 int RunByHand(const CommandLine& command_line, const Program& program,
@@ -69,10 +73,9 @@ int RunByHand(const CommandLine& command_line, const Program& program,
     if (!StartRecording(recorder, command_line))
         return kExitFailed;
     Operator hands(unit, command_line.card);
-    SentScenarios scenarios(hands, RunOptionsFor(command_line, options));
-    const ControlServer control(hands, command_line.unit, ControlAbilities(unit, scenarios), Say);
+    ProcessLinks links(hands, command_line.unit, RunOptionsFor(command_line, options));
     return command_line.headless ? RunWithoutWindow(unit, signals)
-                                 : RunInWindow(unit, hands, command_line, signals);
+                                 : RunInWindow(unit, hands, links, command_line, signals);
 }
 
 int Run(CommandLine command_line) {

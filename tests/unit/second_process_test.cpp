@@ -1,0 +1,220 @@
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <atomic>
+#include <thread>
+
+#include "control/socket_server.h"
+#include "tests/support/process.h"
+
+// A second tolvane while the first runs, as processes.
+
+namespace {
+
+using namespace std::chrono_literals;
+using Words = std::vector<std::string>;
+
+constexpr char kWindowStands[] = "---CMainFrame::OnCreate";
+
+class SecondProcess : public tests::Process {
+  protected:
+    pid_t StartUnit(const std::string& tag, Words options = {"--headless"}) {
+        options.insert(options.end(), {"--speed", "10"});
+        return Start(TOLVANE_BINARY, options, tag);
+    }
+    bool Stands(const std::string& tag) const {
+        return Read(tag + "out").find(kWindowStands) != std::string::npos;
+    }
+    bool WaitForWindow(const std::string& tag) {
+        return WaitUntil([&] { return Stands(tag); });
+    }
+    // Whether a unit has the control socket within the time; it is the one whose power is off.
+    bool WaitForSocket() {
+        return WaitUntil([this] { return Run(UNITCTL_BINARY, {"power", "off"}, "ctl-") == 0; });
+    }
+    // The exit status of a copy that is to end by itself.
+    int WaitForEnd(pid_t unit) {
+        const bool ended = WaitUntil([unit] {
+            siginfo_t info{};
+            return waitid(P_PID, unit, &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+                   info.si_pid == unit;
+        });
+        return ended ? Wait(unit) : End(unit, SIGKILL);
+    }
+    int End(pid_t unit, int signal = SIGTERM) {
+        kill(unit, signal);
+        return Wait(unit);
+    }
+};
+
+TEST_F(SecondProcess, BringsTheFirstForwardAndEndsWithOneAndNoWindow) {
+    setenv("SDL_VIDEODRIVER", "dummy", 1);
+    setenv("DISPLAY", ":0", 1);
+    const pid_t first = StartUnit("first-", {});
+    ASSERT_TRUE(WaitForWindow("first-"));
+    for (const Words& options : {Words{"--headless"}, Words{}}) {
+        EXPECT_EQ(WaitForEnd(StartUnit("second-", options)), 1);
+        EXPECT_EQ(Read("second-err"), "tolvane: the unit that runs already has come forward\n");
+        EXPECT_EQ(Read("second-out"), "");
+    }
+    // The name of another unit is another unit.
+    const pid_t other = StartUnit("other-", {"--headless", "--unit", "bench-2"});
+    EXPECT_TRUE(WaitForWindow("other-"));
+    EXPECT_EQ(End(other), 0);
+    EXPECT_EQ(End(first), 0);
+    EXPECT_EQ(Read("first-err"), "");
+}
+
+TEST_F(SecondProcess, OfTwoStartedTogetherOneRuns) {
+    for (int round = 0; round < 5; ++round) {
+        const pid_t units[] = {StartUnit("a-"), StartUnit("b-")};
+        const std::string tags[] = {"a-", "b-"};
+        int runs = -1;
+        ASSERT_TRUE(WaitUntil([&] {
+            runs = Stands(tags[0]) ? 0 : Stands(tags[1]) ? 1 : -1;
+            return runs >= 0;
+        }));
+        EXPECT_EQ(WaitForEnd(units[1 - runs]), 1) << Read(tags[1 - runs] + "err");
+        EXPECT_FALSE(Stands(tags[1 - runs]));
+        EXPECT_EQ(End(units[runs]), 0);
+    }
+}
+
+TEST_F(SecondProcess, AKilledFirstIsNeverInTheWay) {
+    for (int round = 0; round < 12; ++round) {
+        SCOPED_TRACE(round);
+        const pid_t first = StartUnit("first-");
+        // From before its socket to after its window.
+        std::this_thread::sleep_for(round * 7ms);
+        const pid_t second = round % 2 == 0 ? StartUnit("second-") : 0;
+        EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
+        // One that was just asking may have been told of the window and still found it gone.
+        const pid_t next = second != 0 ? second : StartUnit("second-");
+        const bool stands =
+            WaitUntil([&] { return Stands("second-") || !Read("second-err").empty(); });
+        EXPECT_TRUE(stands);
+        EXPECT_EQ(End(next), Stands("second-") ? 0 : 1) << Read("second-err");
+    }
+}
+
+TEST_F(SecondProcess, AFirstThatHangsCountsAsGoneAndItsSocketIsTakenOverWhenItEnds) {
+    const pid_t first = StartUnit("first-");
+    ASSERT_TRUE(WaitForWindow("first-"));
+    kill(first, SIGSTOP);
+    const pid_t second = StartUnit("second-");
+    EXPECT_TRUE(WaitForWindow("second-")) << Read("second-err");
+    EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
+    EXPECT_TRUE(WaitForSocket());
+    EXPECT_TRUE(WaitUntil(
+        [this] { return Read("second-out").find("AC_LINE_OFFLINE") != std::string::npos; }));
+    // Now it is the first itself.
+    EXPECT_EQ(WaitForEnd(StartUnit("third-")), 1);
+    EXPECT_EQ(End(second), 0);
+    EXPECT_EQ(Read("second-err"), "");
+}
+
+// What the test itself answers in the first unit's place.
+struct Answers {
+    const char* object = "mutex";
+    int windowless_questions = 0;  // before "window" has a number
+    const char* forward = "yes";
+    bool hangs_up = false;  // instead of the first answer about a window
+};
+
+class PlayedFirst {
+  public:
+    explicit PlayedFirst(const Answers& answers) : answers_(answers) {
+        std::string problem;
+        bool taken = false;
+        auto claim = control::SocketClaim::Make("unit", taken, problem);
+        EXPECT_TRUE(claim) << problem;
+        server_.emplace(*std::move(claim),
+                        control::SocketServer::Handlers{
+                            [this](control::SocketServer::ClientId id,
+                                   const control::Request& request) { Answer(id, request.line); },
+                            [](control::SocketServer::ClientId) {}});
+        thread_ = std::thread([this] {
+            while (!ending_) {
+                pollfd watched{server_->descriptor(), POLLIN, 0};
+                poll(&watched, 1, 10);
+                server_->HandleReady();
+            }
+            server_.reset();
+        });
+    }
+    ~PlayedFirst() {
+        ending_ = true;
+        thread_.join();
+    }
+
+    std::atomic<int> questions{0};
+    std::atomic<int> window_questions{0};
+    std::atomic<int> forwards{0};
+
+  private:
+    void Answer(control::SocketServer::ClientId id, const std::string& line) {
+        ++questions;
+        if (line == "neighbour object Tolvane")
+            return Say(id, answers_.object);
+        if (line == "neighbour window class Tolvane") {
+            if (answers_.hangs_up)
+                ending_ = true;
+            return Say(id, window_questions++ < answers_.windowless_questions ? "0" : "305419896");
+        }
+        if (line == "neighbour forward 305419896 owned") {
+            ++forwards;
+            return Say(id, answers_.forward);
+        }
+        Say(id, "none");
+    }
+    void Say(control::SocketServer::ClientId id, const char* answer) {
+        if (answer)
+            server_->End(id, control::Done(answer));
+    }
+
+    const Answers answers_;
+    std::optional<control::SocketServer> server_;
+    std::atomic<bool> ending_{false};
+    std::thread thread_;
+};
+
+TEST_F(SecondProcess, FollowsWhatAFirstAnswersAndRunsOnItsOwnWithoutOne) {
+    constexpr int kNever = 1000;
+    const struct {
+        const char* what;
+        Answers answers;
+        bool runs;
+        int windows_asked;
+        int forwards;
+        double earliest;  // of its own window, on its clock that begins at 20 s
+    } cases[] = {
+        {"the window comes late", {.windowless_questions = 7}, false, 8, 1, 0},
+        {"the window never comes", {.windowless_questions = kNever}, true, 25, 0, 22.5},
+        {"the window cannot come forward", {.forward = "no"}, true, 25, 25, 20},
+        {"it ends while it is asked", {.hangs_up = true}, true, 1, 0, 20},
+        {"the name is free", {.object = "none"}, true, 0, 0, 20},
+        {"its answers make no sense", {.object = "\x01?"}, true, 0, 0, 20},
+        {"it never answers", {.object = nullptr}, true, 0, 0, 20},
+        {"it hangs later", {.forward = nullptr}, true, 1, 1, 20},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        PlayedFirst first(c.answers);
+        const pid_t second = StartUnit("second-");
+        if (c.runs) {
+            ASSERT_TRUE(WaitForWindow("second-")) << Read("second-err");
+            EXPECT_GE(std::stod(Read("second-out")), c.earliest);
+            EXPECT_TRUE(!c.answers.hangs_up || WaitForSocket());
+            EXPECT_EQ(End(second), 0);
+            EXPECT_EQ(Read("second-err"), "");
+        } else {
+            EXPECT_EQ(WaitForEnd(second), 1);
+            EXPECT_EQ(Read("second-out"), "");
+        }
+        EXPECT_EQ(first.window_questions, c.windows_asked);
+        EXPECT_EQ(first.forwards, c.forwards);
+    }
+}
+
+}  // namespace

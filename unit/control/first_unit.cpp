@@ -1,0 +1,90 @@
+#include "unit/control/first_unit.h"
+
+#include <chrono>
+#include <optional>
+#include <thread>
+
+#include "control/socket_client.h"
+#include "control/values.h"
+#include "control/words.h"
+#include "platform/kernel/text.h"
+
+namespace unit {
+
+using control::QuoteWord;
+using control::SocketClient;
+using platform::NamedKind;
+using platform::NeighbourWindow;
+using platform::kernel::ToUtf8;
+using namespace std::chrono_literals;
+
+namespace {
+
+using HostClock = std::chrono::steady_clock;
+
+constexpr auto kAnswerLimit = 500ms;
+// Its hardware may be busy, with the first picture of its window say.
+constexpr auto kForwardLimit = 3s;
+constexpr auto kConnectAgain = 5ms;
+
+NeighbourWindow ReadWindow(const std::string& answer) {
+    return static_cast<NeighbourWindow>(control::ReadNumber(answer).value_or(0));
+}
+
+}  // namespace
+
+std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds limit) {
+    const auto deadline = HostClock::now() + limit;
+    const auto left = [deadline] {
+        return std::chrono::ceil<std::chrono::milliseconds>(deadline - HostClock::now());
+    };
+    std::optional<SocketClient> client;
+    // Without its socket it is about to have one, or it has died and this process is about to.
+    while (there()) {
+        bool nobody = false;
+        std::string problem;
+        client = SocketClient::Connect(name_, left(), nobody, problem);
+        if (client)
+            break;
+        if (!nobody || HostClock::now() >= deadline)
+            gone_ = true;
+        std::this_thread::sleep_for(kConnectAgain);
+    }
+    if (!client)
+        return {};
+    client->Send({line}, left());
+    const SocketClient::Reply reply = client->Receive(left());
+    if (reply.kind == SocketClient::Reply::Kind::kLate)
+        gone_ = true;
+    return reply.kind == SocketClient::Reply::Kind::kLine ? reply.text : std::string();
+}
+
+NamedKind FirstUnit::FindObject(std::wstring_view name) {
+    const std::string answer = Ask("neighbour object " + QuoteWord(ToUtf8(name)), kAnswerLimit);
+    return answer == "mutex" ? NamedKind::kMutex : NamedKind::kNone;
+}
+
+NeighbourWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_name,
+                                      std::optional<std::wstring_view> title) {
+    std::string line = "neighbour window";
+    if (class_name)
+        line += " class " + QuoteWord(ToUtf8(*class_name));
+    if (title)
+        line += " title " + QuoteWord(ToUtf8(*title));
+    return ReadWindow(Ask(line, kAnswerLimit));
+}
+
+bool FirstUnit::WindowExists(NeighbourWindow window) {
+    return Ask("neighbour has " + std::to_string(window), kAnswerLimit) == "yes";
+}
+
+bool FirstUnit::BringForward(NeighbourWindow window, bool with_owned) {
+    const std::string owned = with_owned ? " owned" : "";
+    const bool came =
+        Ask("neighbour forward " + std::to_string(window) + owned, kForwardLimit) == "yes";
+    if (came)
+        came_forward_();
+    return came;
+}
+
+}  // namespace unit
