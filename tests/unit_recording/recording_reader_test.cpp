@@ -66,6 +66,7 @@ TEST_F(ReadRecording, EveryKindOfLineIsRead) {
                                 "23.000000 unseen since 22.000000\n"
                                 "23.000000 hal refuses\n"
                                 "23.000000 battery-driver works\n"
+                                "23.000000 clock forward 3600.000000\n"
                                 "23.000000 line-fault \"dropped 3 bytes\"\n"
                                 "23.000000 failed-call CreateFileW 3 -> 5\n"
                                 "23.000000 lost 17\n"
@@ -73,9 +74,9 @@ TEST_F(ReadRecording, EveryKindOfLineIsRead) {
                                 "24.100000 end\n");
     ASSERT_TRUE(recording) << problem_;
     EXPECT_TRUE(recording->complete);
-    ASSERT_EQ(recording->moments.size(), 23U);
+    ASSERT_EQ(recording->moments.size(), 24U);
     EXPECT_EQ(recording->moments.front().line, 9);
-    EXPECT_EQ(recording->moments.back().line, 31);
+    EXPECT_EQ(recording->moments.back().line, 32);
     EXPECT_EQ(recording->moments.back().time.count(), 24'100'000);
     const auto& call = std::get<unit::DriverCalled>(recording->moments[0].moment);
     EXPECT_EQ(call.driver, L"COM9:");
@@ -138,7 +139,7 @@ TEST_F(ReadRecording, DamagedEventsAreRefused) {
         {"19.999999 finger up 1 1", "the time 19.999999 is earlier than that of the line before"},
         {"20.000000",
          "something is missing; allowed is line, finger, supply, card, dvr, request, "
-         "driver, suspend, wake, broadcast, screen, unseen, hal, battery-driver, "
+         "driver, suspend, wake, broadcast, screen, unseen, hal, battery-driver, clock, "
          "line-fault, failed-call, close, lost or end"},
         {"20.000000 finger up 800 1",
          "'800' is not allowed after 'finger up'; allowed is a whole number from 0 to 799"},

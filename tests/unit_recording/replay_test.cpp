@@ -174,12 +174,15 @@ TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
         run.unit().SetExternalPower(false);
         run.RunFor(1s);
         run.unit().SetBatteryDriverFails(false);
+        run.unit().JumpClock(1h);
+        for (const unit::PowerRequest& request : unit::PowerRequests())
+            run.unit().power_coordinator().Raise(request);
         run.unit().SetExternalPower(false);
         run.RunFor(1s);
     });
     const unit::ReplayResult result = Replay(file);
     EXPECT_FALSE(result.difference) << report_;
-    EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kBroadcast)], 1U);
+    EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kBroadcast)], 4U);
     EXPECT_GT(recorded_log_.size(), 4000U);
     EXPECT_EQ(recorded_log_, replayed_log_);
     EXPECT_NE(TextOf(file).find("-> 170\n"), std::string::npos);
@@ -213,7 +216,7 @@ TEST_F(Replays, FreeRunningRecordingsAreAlike) {
     std::vector<pid_t> children;
     for (const char* line : lines)
         children.push_back(Start(TOLVANE_BINARY,
-                                 {"--auto", "--speed", "20", "--com9", line, "--record", Path(line),
+                                 {"--auto", "--speed", "8", "--com9", line, "--record", Path(line),
                                   "--screens", Path("screens")},
                                  line));
     for (const pid_t child : children)
@@ -232,7 +235,7 @@ TEST_F(Replays, TheCommandTellsTheDifferenceAndSavesTheScreen) {
         << Read("err");
     EXPECT_TRUE(std::ifstream(Path("screens/replay.png")).good());
     std::ofstream(Path("newer")) << "tolvane recording 2\n";
-    EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path("newer")}), 1);
+    EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path("newer")}), 2);
     EXPECT_EQ(Read("err"), "tolvane: " + Path("newer") +
                                ":1: a recording of version 2; this tolvane reads version 1\n");
     EXPECT_EQ(Run(TOLVANE_BINARY, {"--auto", "--record", Path("no/folder")}), 1);

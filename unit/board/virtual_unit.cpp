@@ -227,6 +227,13 @@ void VirtualUnit::SetBatteryDriverFails(bool fails) {
     events_.Tell(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
 }
 
+bool VirtualUnit::JumpClock(kernel::Duration forward) {
+    if (forward.count() < 0 || forward > kernel::kLongestJump)
+        return false;
+    events_.Tell(ClockJumped{forward});
+    return kernel::JumpClock(forward);
+}
+
 void VirtualUnit::WakeUp() {
     if (!suspended_)
         return;

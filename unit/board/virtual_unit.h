@@ -105,6 +105,9 @@ class VirtualUnit final : public platform::Board {
     // The unit's power button: wakes a suspended unit.
     void WakeUp();
 
+    // See kernel::JumpClock.
+    bool JumpClock(platform::kernel::Duration forward);
+
     void Say(const std::string& line) const { say_(line); }
 
     // Handles, threads, windows and drawing objects left after Close, in one line; empty when none.

@@ -74,6 +74,10 @@ struct Report {
         Tell(wanted.rest, hal ? "HAL" : "battery driver",
              fault.on ? (hal ? "refuses" : "fails") : "works");
     }
+    void operator()(const ClockJumped& jump) {
+        Tell(wanted.rest, "clock",
+             "forward by " + std::to_string(jump.forward.count() / 1000) + " ms");
+    }
     void operator()(const DvrReset&) { Tell(wanted.rest, "DVR", "reset"); }
     void operator()(const OperatorTold& told) { Tell(wanted.rest, "operator", told.line); }
     void operator()(const ScreenDrawn&) {}

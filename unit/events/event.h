@@ -94,12 +94,17 @@ struct BoardFaultSwitched {
     bool on;
 };
 
+// The unit's clock was put forward; the event's time is the one before.
+struct ClockJumped {
+    std::chrono::microseconds forward;
+};
+
 // The DVR restarts because its reset wire was pulled.
 struct DvrReset {};
 
 using Event = std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested,
                            DriverCalled, BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged,
-                           FaultApplied, BoardFaultSwitched, DvrReset, OperatorTold>;
+                           FaultApplied, BoardFaultSwitched, ClockJumped, DvrReset, OperatorTold>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit

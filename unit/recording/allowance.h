@@ -15,10 +15,11 @@ struct Allowance {
     // round. None for a recording in simulated time.
     std::chrono::microseconds jitter{};
     // For so long the program may have been at work on what takes a replay no time, or have waited
-    // for the host: a screen that stood no longer may be missing on either side.
+    // for the host, which shows where the recorder could not look: a screen that stood no longer
+    // may be missing on either side.
     std::chrono::microseconds work{};
 
-    static Allowance Of(const RecordingHeader& header);
+    static Allowance Of(const Recording& recording);
     bool Exact() const { return jitter.count() == 0; }
 };
 

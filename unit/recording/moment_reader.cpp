@@ -138,6 +138,11 @@ Moment ReadBatteryDriver(WordReader& words) {
                               words.OneOf(kStates) == 1};
 }
 
+Moment ReadClock(WordReader& words) {
+    words.Expect("forward");
+    return ClockJumped{ReadTime(words)};
+}
+
 Moment ReadLineFault(WordReader& words) {
     return FaultApplied{words.Text("what the fault did")};
 }
@@ -177,6 +182,7 @@ constexpr MomentWord kMoments[] = {
     {"unseen", ReadUnseen},
     {"hal", ReadHal},
     {"battery-driver", ReadBatteryDriver},
+    {"clock", ReadClock},
     {"line-fault", ReadLineFault},
     {"failed-call", ReadFailedCall},
     {"close", [](WordReader&) -> Moment { return ClosingBegan{}; }},

@@ -82,6 +82,9 @@ struct Writer {
             return fault.on ? "hal refuses" : "hal works";
         return fault.on ? "battery-driver fails" : "battery-driver works";
     }
+    std::string operator()(const ClockJumped& jump) const {
+        return "clock forward " + TimeText(jump.forward);
+    }
     std::string operator()(const FaultApplied& fault) const {
         return "line-fault " + OneLineWord(fault.text);
     }

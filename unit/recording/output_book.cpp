@@ -85,9 +85,7 @@ std::vector<std::size_t> OutputBook::CountBefore(const Recording& recording) {
 }
 
 OutputBook::OutputBook(const Recording& recording, Lateness& lateness)
-    : allowance_(Allowance::Of(recording.header)),
-      lateness_(lateness),
-      outputs_(OutputsOf(recording)) {}
+    : allowance_(Allowance::Of(recording)), lateness_(lateness), outputs_(OutputsOf(recording)) {}
 
 OutputBook::Output* OutputBook::Find(OutputKind kind, const std::string& text) {
     std::size_t& next = next_[static_cast<std::size_t>(kind)];

@@ -67,8 +67,8 @@ struct RecordingEnded {};
 
 using Moment = std::variant<LineBurst, FingerMoved, SupplyChanged, CardMoved, DvrReset,
                             PowerRequested, DriverCalled, SuspendChanged, BroadcastPosted,
-                            SettledScreen, ScreenUnseen, BoardFaultSwitched, FaultApplied,
-                            CallFailed, ClosingBegan, EventsLost, RecordingEnded>;
+                            SettledScreen, ScreenUnseen, BoardFaultSwitched, ClockJumped,
+                            FaultApplied, CallFailed, ClosingBegan, EventsLost, RecordingEnded>;
 
 struct RecordedMoment {
     std::chrono::microseconds time;  // of the unit

@@ -1,5 +1,6 @@
 #include "unit/recording/replay_inputs.h"
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -14,12 +15,11 @@ namespace {
 constexpr kernel::Duration kFirstLook = std::chrono::microseconds(1);
 constexpr kernel::Duration kLook = std::chrono::milliseconds(1);
 
-// An application that has not made the event does not hear of it.
-void RaisePowerRequest(const std::wstring& name) {
-    if (const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, name.c_str())) {
-        SetEvent(event);
-        CloseHandle(event);
-    }
+void Raise(PowerCoordinator& coordinator, const std::wstring& event) {
+    const std::span<const PowerRequest> known = PowerRequests();
+    const auto request = std::ranges::find(known, event, &PowerRequest::event);
+    if (request != known.end())
+        coordinator.Raise(*request);
 }
 
 }  // namespace
@@ -71,8 +71,10 @@ void ReplayInputs::Add(const Input& when, const Moment& moment) {
                 add({}, [&] { unit.SetHalRefuses(input.on); });
             else
                 add({}, [&] { unit.SetBatteryDriverFails(input.on); });
+        } else if constexpr (std::is_same_v<Kind, ClockJumped>) {
+            add({}, [&] { unit.JumpClock(input.forward); });
         } else if constexpr (std::is_same_v<Kind, PowerRequested>) {
-            add({}, [&] { RaisePowerRequest(input.event_name); });
+            add({}, [&] { Raise(unit.power_coordinator(), input.event_name); });
         }
     };
     std::visit(visit, moment);

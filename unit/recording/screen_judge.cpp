@@ -9,7 +9,7 @@ namespace unit {
 using std::chrono::microseconds;
 
 ScreenJudge::ScreenJudge(const Recording& recording, Lateness& lateness)
-    : allowance_(Allowance::Of(recording.header)), lateness_(lateness) {
+    : allowance_(Allowance::Of(recording)), lateness_(lateness) {
     for (const RecordedMoment& recorded : recording.moments) {
         if (const auto* screen = std::get_if<SettledScreen>(&recorded.moment))
             screens_.push_back({recorded.time, {}, recorded.line, *screen});

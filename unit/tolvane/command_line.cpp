@@ -148,9 +148,11 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         app.add_option("--record", command_line.record,
                        "File that takes everything the program is given and does, for --replay")
             ->type_name("FILE");
-    app.add_option("--replay", command_line.replay,
-                   "Run the program in simulated time against a recording; ends with 0 when it did "
-                   "the same again, else with 1 and the first difference")
+    app.add_option(
+           "--replay", command_line.replay,
+           "Run the program in simulated time against a recording; ends with 0 when it did "
+           "the same again, with 1 and the first difference when not, with 2 when the file is "
+           "no recording or damaged")
         ->excludes(record_option)
         ->type_name("FILE");
     try {

@@ -11,6 +11,7 @@ namespace unit {
 namespace {
 
 constexpr int kDiffers = 1;
+constexpr int kNoRecording = 2;
 
 void SavePicture(const Picture& picture, const std::string& folder) {
     std::error_code error;
@@ -30,7 +31,7 @@ int RunReplay(const CommandLine& command_line, const Program& program) {
     const auto recording = ReadRecording(command_line.replay, problem);
     if (!recording) {
         Say(problem);
-        return kDiffers;
+        return kNoRecording;
     }
     const ReplayResult result = Replay(*recording, program, log, Say);
     Say(ReplayReport(*recording, result));
