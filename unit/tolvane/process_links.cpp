@@ -10,7 +10,7 @@ ProcessLinks::ProcessLinks(Operator& hands, const std::string& name, RunOptions 
     : scenarios_(hands, std::move(sent)),
       control_(hands, name,
                {.state = [&unit = hands.unit()] { return StateJson(unit); },
-                .run = [this](const SentScenario& sent) { scenarios_.Run(sent); },
+                .run = [this](const SentScenario& scenario) { scenarios_.Run(scenario); },
                 .raise =
                     [this] {
                         if (raise_)
