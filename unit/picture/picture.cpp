@@ -1,6 +1,7 @@
 #include "unit/picture/picture.h"
 
 #include <png.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -20,8 +21,8 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
-    // Whoever waits for the file finds it whole or not at all.
-    const std::string unfinished = path + ".part";
+    // Whoever waits for the file finds it whole or not at all, whoever else writes it too.
+    const std::string unfinished = path + "." + std::to_string(getpid()) + ".part";
     if (png_image_write_to_file(&image, unfinished.c_str(), 0, bytes.data(), 0, nullptr) != 0 &&
         std::rename(unfinished.c_str(), path.c_str()) == 0)
         return true;
