@@ -11,6 +11,7 @@
 #include "res/program_resources.h"
 #include "tests/rig/wizard_run.h"
 #include "tests/support/process.h"
+#include "unit/commands/unit_commands.h"
 #include "unit/recording/recorder.h"
 #include "unit/recording/recording_reader.h"
 
@@ -174,7 +175,9 @@ TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
         run.unit().SetExternalPower(false);
         run.RunFor(1s);
         run.unit().SetBatteryDriverFails(false);
-        run.unit().JumpClock(1h);
+        // As an engineer does it.
+        unit::Operator hands(run.unit(), {});
+        EXPECT_TRUE(unit::UnitCommands().Follow(hands, "fault clock jump 60min").done);
         for (const unit::PowerRequest& request : unit::PowerRequests())
             run.unit().power_coordinator().Raise(request);
         run.unit().SetExternalPower(false);
@@ -185,7 +188,9 @@ TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
     EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kBroadcast)], 4U);
     EXPECT_GT(recorded_log_.size(), 4000U);
     EXPECT_EQ(recorded_log_, replayed_log_);
-    EXPECT_NE(TextOf(file).find("-> 170\n"), std::string::npos);
+    const std::string text = TextOf(file);
+    EXPECT_NE(text.find("-> 170\n"), std::string::npos);
+    EXPECT_NE(text.find(" clock forward 3600.000000\n"), std::string::npos);
 }
 
 TEST_F(Replays, RecordingARunDoesNotChangeIt) {

@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include "platform/kernel/call_faults.h"
-#include "platform/kernel/scheduler.h"
 #include "unit/commands/command_rows.h"
 
 namespace unit {
@@ -51,8 +50,8 @@ Outcome ClearCalls(Operator&, const Values& values) {
     return Done();
 }
 
-Outcome JumpClock(Operator&, const Values& values) {
-    if (kernel::JumpClock(values.Duration("DURATION")))
+Outcome JumpClock(Operator& hands, const Values& values) {
+    if (hands.unit().JumpClock(values.Duration("DURATION")))
         return Done();
     return Refused("the clock does not jump that far; allowed are 24000 hours");
 }
