@@ -82,6 +82,8 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     EXPECT_EQ(Ctl({"card", "in", "my card"}), 0) << Read("ctl-err");
     EXPECT_EQ(Ctl({"screenshot", "screen.png"}), 0) << Read("ctl-err");
     EXPECT_GT(fs::file_size(Path("screen.png")), 1000U);
+    EXPECT_EQ(Ctl({"complete", "request"}), 0);
+    EXPECT_EQ(Read("ctl-out"), "suspend\nresume\noff\n");
     EXPECT_EQ(Ctl({"help"}), 0);
     EXPECT_NE(Read("ctl-out").find("\nscreenshot FILE\n"), std::string::npos);
     EXPECT_EQ(Ctl({"card", "in"}), 1);

@@ -35,6 +35,8 @@ const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
          &ControlServer::StartRequest},
         {"run [FILE]", "Follows the scenario that was sent along.", &ControlServer::StartRun},
         {"help", "Lists the commands.", &ControlServer::StartHelp},
+        {"complete [TEXT...]", "Lists the plain words that may follow those words.",
+         &ControlServer::StartComplete},
         {"neighbour object NAME", "Asked by a second copy of the program: what has that name here.",
          &ControlServer::StartFindObject},
         {"neighbour window [class NAME] [title TEXT]",
@@ -155,6 +157,14 @@ void ControlServer::StartHelp(const Job& job) {
         if (std::ranges::find(OwnCommands(), row.pattern, &OwnCommand::pattern) ==
             OwnCommands().end())
             tell(row.pattern, row.help);
+    job.answer->End(Done());
+}
+
+void ControlServer::StartComplete(const Job& job) {
+    std::string ignored;
+    const auto words = control::SplitWords(job.values.Text("TEXT"), ignored);
+    for (const std::string& word : AllCommands().Next(words.value_or(std::vector<std::string>())))
+        job.answer->Line(word);
     job.answer->End(Done());
 }
 

@@ -84,6 +84,7 @@ class ControlServer {
     void StartState(const Job& job);
     void StartRequest(const Job& job);
     void StartHelp(const Job& job);
+    void StartComplete(const Job& job);
     void StartFindObject(const Job& job);
     void StartFindWindow(const Job& job);
     void StartHasWindow(const Job& job);

@@ -1,0 +1,52 @@
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "tests/support/process.h"
+
+// The man pages against the commands' own help: neither knows an option that the other does not.
+
+namespace {
+
+std::set<std::string> Options(std::string text) {
+    static const std::regex option("(^|[^a-z-])(--[a-z][a-z0-9-]+)");
+    std::set<std::string> options;
+    for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
+        options.insert((*found)[2]);
+    return options;
+}
+
+// What a reader of the page sees of its section OPTIONS: \\- is a dash.
+std::string OptionsSection(const std::string& page) {
+    std::ifstream file(MANUALS "/" + page);
+    std::ostringstream text;
+    text << file.rdbuf();
+    std::string section = text.str();
+    const std::size_t from = section.find(".SH OPTIONS");
+    section = section.substr(from, section.find(".SH", from + 1) - from);
+    for (std::size_t at = 0; (at = section.find("\\-", at)) != std::string::npos;)
+        section.erase(at, 1);
+    return section;
+}
+
+class Manual : public tests::Process {};
+
+TEST_F(Manual, NamesTheOptionsThatTheCommandHas) {
+    for (const auto& [binary, page] : {std::pair(TOLVANE_BINARY, "tolvane.1"),
+                                       {UNITCTL_BINARY, "unitctl.1"},
+                                       {DVRSIM_BINARY, "dvrsim.1"}}) {
+        ASSERT_EQ(Run(binary, {"--help"}), 0);
+        std::string help = Read("out");
+        // Behind "Options:" an option stands at its line's start; elsewhere in help it is prose.
+        std::istringstream lines(help.substr(help.find("Options:")));
+        std::set<std::string> options;
+        for (std::string line; std::getline(lines, line);)
+            if (line.starts_with("  -"))
+                options.merge(Options(line.substr(0, line.find_first_of(" ", 4))));
+        EXPECT_GE(options.size(), 2U) << help;
+        EXPECT_EQ(Options(OptionsSection(page)), options) << page;
+    }
+}
+
+}  // namespace
