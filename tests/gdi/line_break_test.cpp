@@ -13,14 +13,14 @@ namespace {
 constexpr FontSize kTenByFive{5, 20, 500};
 constexpr RECT kRoom{0, 0, 400, 200};
 
-struct Case {
+struct BreakCase {
     const char* name;
     std::wstring text;
     int width;
     std::vector<std::wstring> lines;
 };
 
-class LineBreak : public testing::TestWithParam<Case> {
+class LineBreak : public testing::TestWithParam<BreakCase> {
   protected:
     Platform platform;
 };
@@ -41,7 +41,7 @@ TEST_P(LineBreak, BreaksWhereAReaderExpects) {
                 Picture(lines, kRoom, 0));
 }
 
-const Case kCases[] = {
+const BreakCase kBreakCases[] = {
     {"Fits", L"あいうえお", 50, {L"あいうえお"}},
     {"ExactFitThenOneMore", L"あいうえおか", 50, {L"あいうえお", L"か"}},
     {"CommaNeverFirst", L"あいうえお、か", 50, {L"あいうえ", L"お、か"}},
@@ -66,7 +66,7 @@ const Case kCases[] = {
     {"Empty", L"", 5, {L""}},
 };
 
-INSTANTIATE_TEST_SUITE_P(All, LineBreak, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(All, LineBreak, testing::ValuesIn(kBreakCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
 class LineBreaks : public testing::Test {
