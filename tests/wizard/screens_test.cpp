@@ -15,7 +15,7 @@ constexpr std::uint32_t kGrey = 0x7F7F7F;
 constexpr POINT kFreePlace = {5, 475};
 
 constexpr char kReading[] = "W DVR : 読み込み中";
-constexpr char kMissing[] = "B DVR用SDカードに “gp_cardvr_upgrade.bin” が入っていません。";
+constexpr char kImageMissing[] = "B DVR用SDカードに “gp_cardvr_upgrade.bin” が入っていません。";
 constexpr char kOffline[] = "R 本体に外部電源を接続して下さい。";
 
 constexpr char kSuccess[] = "W ファームウェアのアップデート終了です。";
@@ -151,7 +151,7 @@ TEST(Screens, KeepTheNoticeUntilAPercentOrTheSupplyTakesItAway) {
     bench.GoTo(1);
     bench.Command(IDC_BTN_UPDATE);
     bench.RunFor(4100ms);
-    Lines with_notice = {kMissing};
+    Lines with_notice = {kImageMissing};
     with_notice.insert(with_notice.end(), kInsert.begin(), kInsert.end());
     EXPECT_EQ(bench.Instructions(), with_notice);
     bench.Card(1);

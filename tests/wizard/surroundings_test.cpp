@@ -21,7 +21,7 @@ TEST(Painting, MakesItsBackBufferOnce) {
 
 // While the window's thread sleeps in a command, too; and the wizard learns nothing of it.
 TEST(PowerRequests, AreAcknowledgedDuringTheUpdate) {
-    constexpr wchar_t kSuspend[] = L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_";
+    constexpr wchar_t kSuspendRequest[] = L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_";
     constexpr wchar_t kAcknowledge[] = L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_";
     WizardBench bench;
     std::vector<std::wstring> heard;
@@ -39,7 +39,7 @@ TEST(PowerRequests, AreAcknowledgedDuringTheUpdate) {
         bench.Mark();
         heard.clear();
         bench.After(1ms, [&] {
-            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kSuspend);
+            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kSuspendRequest);
             EXPECT_TRUE(SetEvent(event));
             CloseHandle(event);
         });
