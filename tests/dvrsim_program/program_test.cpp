@@ -153,6 +153,8 @@ TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
     EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS), tcflag_t{CS8});
     EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U);
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
+    // The rest of the boot's reports must not come over the next cable.
+    EXPECT_TRUE(WaitUntil([&] { return State()["dvr"]["state"] == "normal"; }));
     close(cable);
     close(device);
     EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == false; }));
