@@ -28,6 +28,8 @@ constexpr Place kPowerOn{500, 438};
 constexpr Place kNoticeOk{700, 438};
 constexpr Place kCardIn{962, 248};
 constexpr Place kCommandLine{300, 782};
+constexpr Place kSerialLineTab{50, 526};
+constexpr Place kDebugOutputTab{140, 526};
 
 class Window : public testing::Test {
   protected:
@@ -116,6 +118,22 @@ TEST_F(Window, ShowsTheUnitsScreenAndFollowsMouseAndKeyboard) {
     EXPECT_TRUE(Logs("---Mstar_C4_Scaler_SetWindow")) << "the video shows";
     EXPECT_TRUE(Eventually([&] { return !shows_screen(); }));
 
+    // The tabs of the dock, one after the other and back again: the row below them tells which.
+    const auto row = [&] {
+        const Capture capture = session_.Look();
+        std::vector<std::uint32_t> pixels;
+        for (int y = 540; y < 568; ++y)
+            for (int x = 10; x < 135; ++x)
+                pixels.push_back(capture.At(x, y));
+        return pixels;
+    };
+    const std::vector<std::uint32_t> serial_line = row();
+    for (int round = 0; round < 2; ++round) {
+        ClickInPanel(kDebugOutputTab);
+        EXPECT_TRUE(Eventually([&] { return row() != serial_line; })) << round;
+        ClickInPanel(kSerialLineTab);
+        EXPECT_TRUE(Eventually([&] { return row() == serial_line; })) << round;
+    }
     EXPECT_EQ(session_.Interrupt(), 0);
     EXPECT_EQ(session_.Read("err"), "");
 }

@@ -29,6 +29,7 @@ PanelCanvas::~PanelCanvas() {
 
 void PanelCanvas::Take(const SDL_Event& event) {
     ImGui_ImplSDL2_ProcessEvent(&event);
+    mouse_.Take(event);
 }
 
 void PanelCanvas::Fit() {
@@ -47,11 +48,22 @@ void PanelCanvas::Fit() {
                                      SDL_TEXTUREACCESS_TARGET, pixels.x, pixels.y));
 }
 
-void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
+void PanelCanvas::BeginFrame() {
     Fit();
     ImGui_ImplSDL2_NewFrame();
     ImGui::GetIO().DisplayFramebufferScale = {density_, density_};
+    mouse_.Give(ImGui::GetIO());
     ImGui::NewFrame();
+}
+
+void PanelCanvas::Follow(const std::function<void(const Fonts&)>& draw) {
+    BeginFrame();
+    draw(fonts_);
+    ImGui::EndFrame();
+}
+
+void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
+    BeginFrame();
     draw(fonts_);
     ImGui::Render();
     SDL_SetRenderTarget(window_.renderer(), texture_.get());

@@ -103,7 +103,8 @@ void Workbench::DrawPicture(bool with_panel) {
     repaint_ = false;
     if (with_panel) {
         frames_to_settle_ = std::max(0, frames_to_settle_ - 1);
-        RedrawPanel();
+        SettlePanel();
+        canvas_->Redraw([this](const Fonts& fonts) { DrawPanel(fonts); });
     }
     const float density = window_.density();
     const Area place = ScreenPlace();
@@ -130,10 +131,10 @@ void Workbench::DrawPicture(bool with_panel) {
     SDL_RenderPresent(renderer);
 }
 
-void Workbench::RedrawPanel() {
+void Workbench::SettlePanel() {
     // A click is followed in one frame; that a text field has the keyboard is known in the next.
-    for (int frame = panel_behind_ ? 2 : 1; frame > 0; --frame)
-        canvas_->Redraw([this](const Fonts& fonts) { DrawPanel(fonts); });
+    for (int frame = 0; panel_behind_ && frame < 2; ++frame)
+        canvas_->Follow([this](const Fonts& fonts) { DrawPanel(fonts); });
     panel_behind_ = false;
 }
 
@@ -173,7 +174,9 @@ void Workbench::Wait(double until_due) const {
 bool Workbench::HandleEvents() {
     SDL_Event event;
     g_wake_pending = false;
-    while (SDL_PollEvent(&event) != 0) {
+    // What is left of many events waits for the next picture.
+    const double end = Seconds() + kPicture / 2;
+    while (Seconds() < end && SDL_PollEvent(&event) != 0) {
         if (event.type == SDL_USEREVENT)
             continue;
         if (event.type == SDL_QUIT)
@@ -205,13 +208,13 @@ bool Workbench::HandleEvents() {
 void Workbench::ShowToPanel(const SDL_Event& event) {
     if (!PanelShows())
         return;
-    // The panel sees buttons and keys one by one, however fast they come: what a key means depends
-    // on where the last click went.
+    // The panel sees buttons and keys one by one, and the mouse where it is pressed, however fast
+    // they come: what a key means depends on where the last click went.
     const bool press = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP ||
                        event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEBUTTONUP;
-    if (press && panel_behind_)
-        RedrawPanel();
-    panel_behind_ |= press;
+    if (press)
+        SettlePanel();
+    panel_behind_ |= press || event.type == SDL_MOUSEMOTION;
     canvas_->Take(event);
     frames_to_settle_ = kFramesToSettle;
 }

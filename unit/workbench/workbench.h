@@ -51,7 +51,7 @@ class Workbench {
     void HandleKey(SDL_Keycode key);
     void DrawWhenDue(double now);
     void DrawPicture(bool with_panel);
-    void RedrawPanel();
+    void SettlePanel();
     void ShowToPanel(const SDL_Event& event);
     void DrawPanel(const Fonts& fonts);
     // Waits until there is an event or something to do.
@@ -79,7 +79,7 @@ class Workbench {
     double next_news_ = 0;
     double next_refresh_ = 0;
     bool panel_outdated_ = true;
-    // The panel has taken a button or a key and has not been drawn since.
+    // The panel has taken something of the mouse or a key and has not been drawn since.
     bool panel_behind_ = false;
 };
 
