@@ -121,6 +121,8 @@ void FaultSection::DrawCalls(Desk& desk) {
     RowLabel(desk, "Call fails");
     if (TextField("##call", "CreateFileW; Enter: its next call fails", call_, -1) && !call_.empty())
         desk.commands.Follow("fault call " + control::QuoteWord(call_));
+    RowLabel(desk, "");
+    CommandButtons(desk, {{"List calls", "calls"}, {"Clear##calls", "fault call clear"}});
     RowLabel(desk, "Clock jumps");
     CommandButtons(desk, {{"1 min", "fault clock jump 1min"}, {"1 h", "fault clock jump 60min"}});
 }
