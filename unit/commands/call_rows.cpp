@@ -70,15 +70,16 @@ Outcome ClearAll(Operator& hands, const Values&) {
 }  // namespace
 
 UnitRows CallRows() {
+    // The first row that fits is the one: clear before any name.
     return {
+        {"fault call clear [CALL]", "Ends the faults of that call, or of all calls.", ClearCalls,
+         WrongCall},
         {"fault call CALL [after SKIP] [times COUNT] [always] [error ERROR]",
          "The program's next calls of that name fail (once unless told), with that last error or "
          "the one that is usual for the call.",
          FailCall, WrongCall},
         {"fault any-call [after SKIP] [times COUNT] [always] [error ERROR]",
          "The program's next calls fail, whichever they are.", FailCall},
-        {"fault call clear [CALL]", "Ends the faults of that call, or of all calls.", ClearCalls,
-         WrongCall},
         {"calls", "Lists the calls that the program has made and that can fail, with their number.",
          ListCalls},
         {"fault clock jump DURATION",
