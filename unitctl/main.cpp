@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 
 #include "control/runtime_folder.h"
@@ -80,8 +81,11 @@ int Run(const unitctl::CommandLine& command_line) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
     int exit_status = 0;
     const auto command_line = unitctl::ReadCommandLine(count, arguments, exit_status);
     return command_line ? Run(*command_line) : exit_status;
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "unitctl: %s\n", error.what());
+    return control::kExitRefused;
 }

@@ -51,9 +51,8 @@ void Caption::DrawCharacters() {
 void Caption::Copy(Picture& picture, int x, int y, int character, std::uint32_t color) const {
     for (int row = 0; row < kHeight; ++row) {
         const std::uint8_t* ink =
-            &ink_[static_cast<std::size_t>((row * kCount + character) * kCharacterWidth)];
-        std::uint32_t* pixel =
-            &picture.pixels[static_cast<std::size_t>((y + row) * picture.width + x)];
+            &ink_[static_cast<std::size_t>(row * kCount + character) * kCharacterWidth];
+        std::uint32_t* pixel = &picture.pixels[picture.Offset(x, y + row)];
         for (int column = 0; column < kCharacterWidth; ++column)
             if (ink[column] != 0)
                 pixel[column] = InkOver(pixel[column], color, ink[column]);

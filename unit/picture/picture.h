@@ -13,10 +13,12 @@ struct Picture {
     int height = 0;
     std::vector<std::uint32_t> pixels;
 
-    std::uint32_t At(int x, int y) const {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
+    // Where a pixel is among the pixels.
+    std::size_t Offset(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+               static_cast<std::size_t>(x);
     }
+    std::uint32_t At(int x, int y) const { return pixels[Offset(x, y)]; }
     bool operator==(const Picture&) const = default;
 };
 

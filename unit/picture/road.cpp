@@ -26,8 +26,8 @@ void Fill(Picture& picture, double left, double top, double right, double bottom
     const int from = within(left, picture.width);
     const int to = within(right, picture.width);
     for (int y = within(top, picture.height); y < within(bottom, picture.height); ++y)
-        std::fill(&picture.pixels[static_cast<std::size_t>(y * picture.width + from)],
-                  &picture.pixels[static_cast<std::size_t>(y * picture.width)] + to, color);
+        std::fill(&picture.pixels[picture.Offset(from, y)],
+                  &picture.pixels[picture.Offset(0, y)] + to, color);
 }
 
 // One row of the road: grass, verge lines, tarmac and the middle line, filled span by span.
@@ -57,7 +57,7 @@ struct Place {
 Place At(const Picture& picture, double across, double distance) {
     const double nearness = 1 / distance;
     return {(1 + across * nearness) * picture.width / 2,
-            kHorizon + (picture.height - kHorizon) * nearness, picture.width / 2 * nearness};
+            kHorizon + (picture.height - kHorizon) * nearness, picture.width / 2.0 * nearness};
 }
 
 void DrawPosts(Picture& picture, double travelled) {
@@ -95,7 +95,7 @@ void DrawCarAhead(Picture& picture, double travelled) {
 }  // namespace
 
 void DrawRoad(Picture& picture, double travelled) {
-    std::uint32_t* row = &picture.pixels[static_cast<std::size_t>(kHorizon * picture.width)];
+    std::uint32_t* row = &picture.pixels[picture.Offset(0, kHorizon)];
     for (int y = kHorizon; y < picture.height; ++y, row += picture.width)
         DrawRow(row, picture.width, (y - kHorizon + 1.0) / (picture.height - kHorizon), travelled);
     DrawCarAhead(picture, travelled);

@@ -34,8 +34,7 @@ class PlacedVideo {
         if (inside < 0 || inside >= window_.height)
             return nullptr;
         const int row = window_.source_y + inside * window_.source_height / window_.height;
-        return row < video_.height ? &video_.pixels[static_cast<std::size_t>(row * video_.width)]
-                                   : nullptr;
+        return row < video_.height ? &video_.pixels[video_.Offset(0, row)] : nullptr;
     }
 
     std::uint32_t At(const std::uint32_t* row, int x) const {
