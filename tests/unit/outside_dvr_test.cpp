@@ -25,8 +25,8 @@ TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
     Command("update-time 6s");
     const pid_t wizard =
         Start(TOLVANE_BINARY, {"--auto", "--speed", "3", "--com9", link, "--reset-command",
-                               DVRSIM_BINARY " --send reset && echo reset >&2", "--screens",
-                               Path("screens"), "--log", Path("log")});
+                               std::string(DVRSIM_BINARY) + " --send reset && echo reset >&2",
+                               "--screens", Path("screens"), "--log", Path("log")});
     // The hands that a person has at the DVR, as they are asked to.
     const std::string put = "tolvane: Put the SD card with the update image into the DVR.\n";
     const std::string take = "tolvane: Take the SD card out of the DVR.\n";

@@ -86,7 +86,7 @@ TEST_F(Window, ShowsTheUnitsScreenAndFollowsMouseAndKeyboard) {
         for (int y = 0; y < 472; ++y)
             for (int x = 0; x < 800; ++x)
                 if (window.At(static_cast<int>(Screen().x) + x, static_cast<int>(Screen().y) + y) !=
-                    screen[static_cast<std::size_t>(y * 800 + x)])
+                    screen[static_cast<std::size_t>(y) * 800 + static_cast<std::size_t>(x)])
                     return false;
         return true;
     };
