@@ -70,10 +70,12 @@ bool Eventually(const std::function<bool()>& holds) {
 XSession::XSession() {
     char name[] = "/tmp/tolvane-window-XXXXXX";
     folder_ = mkdtemp(name);
-    // The server chooses a free display and tells it.
+    // The server chooses a free display and tells it. It must not begin anew when a first client
+    // has come and gone: the next would find nobody there.
     const std::string size = std::to_string(kWidth) + "x" + std::to_string(kHeight) + "x24";
-    server_ = Spawn({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp"}, {},
-                    Path("display"), Path("xvfb"));
+    server_ =
+        Spawn({"Xvfb", "-displayfd", "1", "-screen", "0", size, "-nolisten", "tcp", "-noreset"}, {},
+              Path("display"), Path("xvfb"));
     EXPECT_TRUE(Eventually([this] { return Read("display").ends_with("\n"); })) << Read("xvfb");
     display_ = ":" + Read("display").substr(0, Read("display").find('\n'));
 }
