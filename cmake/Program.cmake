@@ -20,3 +20,11 @@ endforeach()
 
 # The module that the windows belong to is defined with the program's entry.
 target_link_libraries(wizard INTERFACE $<LINK_ONLY:app>)
+
+# Not optimised, or a line's count would tell of its neighbours; threads count together.
+if(TOLVANE_COVERAGE)
+    foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
+        target_compile_options(${folder} PRIVATE --coverage -fprofile-update=atomic -O0)
+        target_link_options(${folder} INTERFACE --coverage)
+    endforeach()
+endif()
