@@ -1,5 +1,6 @@
 #include "control/socket_server.h"
 
+#include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
@@ -16,12 +17,17 @@ constexpr std::uint32_t kHungUp = EPOLLHUP | EPOLLERR;
 // Sent without waiting for the next turn, so that a burst finds room.
 constexpr std::size_t kMuchOutput = SocketServer::kMostOutput / 16;
 
+Descriptor MakeSpare() {
+    return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
+}
+
 }  // namespace
 
 SocketServer::SocketServer(SocketClaim claim, Handlers handlers)
     : claim_(std::move(claim)),
       handlers_(std::move(handlers)),
-      poll_(epoll_create1(EPOLL_CLOEXEC)) {
+      poll_(epoll_create1(EPOLL_CLOEXEC)),
+      spare_(MakeSpare()) {
     epoll_event listening{EPOLLIN, {.u64 = kListener}};
     epoll_ctl(poll_.get(), EPOLL_CTL_ADD, claim_.listener(), &listening);
 }
@@ -50,8 +56,11 @@ void SocketServer::HandleReady() {
 
 void SocketServer::Accept() {
     Descriptor socket(accept4(claim_.listener(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (!socket)
+    if (!socket) {
+        if (errno == EMFILE || errno == ENFILE)
+            TurnAway();
         return;
+    }
     const ClientId id = ++last_id_;
     Client& client = clients_[id];
     client.socket = std::move(socket);
@@ -62,6 +71,13 @@ void SocketServer::Accept() {
     Refuse(client, "too many clients at a time; at most " + std::to_string(kMostClients));
     Send(client);
     clients_.erase(id);
+}
+
+// A client that could not be taken would be reported again and again.
+void SocketServer::TurnAway() {
+    spare_ = {};
+    static_cast<void>(Descriptor(accept4(claim_.listener(), nullptr, nullptr, SOCK_CLOEXEC)));
+    spare_ = MakeSpare();
 }
 
 void SocketServer::Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls) {

@@ -73,6 +73,7 @@ class SocketServer {
     using Call = std::function<void()>;
 
     void Accept();
+    void TurnAway();
     // Appends the handlers' calls that are due.
     void Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls);
     void Receive(Client& client);
@@ -88,6 +89,7 @@ class SocketServer {
     SocketClaim claim_;
     const Handlers handlers_;
     Descriptor poll_;
+    Descriptor spare_;  // given up to turn a client away when the process has no other left
     std::mutex mutex_;
     std::map<ClientId, Client> clients_;
     ClientId last_id_ = 0;

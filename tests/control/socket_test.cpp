@@ -1,4 +1,5 @@
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <cstdio>
@@ -232,6 +233,22 @@ TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
     EXPECT_FALSE(SocketClient::Connect("unit", 1s, nobody, problem));
     EXPECT_TRUE(nobody);
+}
+
+// Without a descriptor left a client is turned away; it is not asked for again and again.
+TEST_F(Sockets, TurnsClientsAwayWhileTheProcessHasNoDescriptorLeft) {
+    const SocketClient waits = Client();
+    rlimit usual{};
+    getrlimit(RLIMIT_NOFILE, &usual);
+    const Descriptor lowest_free(dup(server_->descriptor()));
+    const rlimit none{static_cast<rlim_t>(lowest_free.get()) + 1, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    server_->HandleReady();
+    pollfd watched{server_->descriptor(), POLLIN, 0};
+    EXPECT_EQ(poll(&watched, 1, 0), 0);
+    setrlimit(RLIMIT_NOFILE, &usual);
+    EXPECT_EQ(Exchange(waits, "one\n"), "*");
+    EXPECT_EQ(Exchange(Client(), "one\n"), "|got one\n+\n");
 }
 
 }  // namespace
