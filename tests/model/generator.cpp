@@ -303,7 +303,7 @@ Event Generator::Whatever() {
             return event;
         }
         case Kind::kMenu: {
-            constexpr unsigned kIds[] = {0xE100, 1, 4711};
+            constexpr unsigned kIds[] = {0xE100, 0xE140, 1, 4711};
             event.a = Any(kIds);
             return event;
         }

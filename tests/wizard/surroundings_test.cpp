@@ -1,58 +1,106 @@
 #include <gtest/gtest.h>
 
 #include "platform/kernel/call_faults.h"
-#include "platform/window/screen.h"
 #include "tests/bench/wizard_bench.h"
+#include "wizard/WizardModel.h"
+
+// What the comparison with the model and the scenarios do not see of the wizard.
 
 namespace tests {
 namespace {
 
-TEST(Painting, MakesItsBackBufferOnce) {
-    WizardBench bench;
-    bench.Start();
-    const auto drawn = platform::kernel::CallCount("BitBlt");
-    for (int count = 0; count < 5; ++count) {
-        bench.Post(WM_TIMER, 261);
-        bench.RunFor(5ms);
+using Log = std::vector<std::string>;
+
+// Lines of screens of which no picture is kept. A full-width character is twice the font's width.
+TEST(Screens, GiveLinesTheirSize) {
+    const auto goes = [](int step) { return [step](WizardBench& bench) { bench.GoTo(step); }; };
+    const auto offline = [](WizardBench& bench) {
+        bench.GoTo(0);
+        bench.SetAcLine(0);
+    };
+    const auto no_image = [](WizardBench& bench) {
+        bench.GoTo(1);
+        bench.Command(IDC_BTN_UPDATE);
+        bench.RunFor(4100ms);
+    };
+    const struct {
+        std::function<void(WizardBench&)> act;
+        const char* text;
+        int half_widths;  // to the end of the ink
+        int width, middle;
+    } rows[] = {
+        {offline, "本体に外部電源を接続して下さい。", 31, 13, 175},
+        {no_image, "DVR用SDカードに “gp_cardvr_upgrade.bin” が入っていません。", 52, 9, 145},
+        {goes(5), "ファームウェアのアップデートに失敗しました。", 43, 15, 235},
+        {goes(6), "Please make sure DVR Firmware is correct.", 33, 15, 235},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        WizardBench bench;
+        row.act(bench);
+        const RECT box = bench.Find(row.text).value().box;
+        EXPECT_NEAR(box.right - box.left, row.half_widths * row.width, row.width);
+        EXPECT_NEAR((box.top + box.bottom) / 2.0, row.middle, 5);
     }
-    EXPECT_GT(platform::kernel::CallCount("BitBlt"), drawn);
-    EXPECT_EQ(platform::kernel::CallCount("CreateCompatibleBitmap"), 1U);
 }
 
-// While the window's thread sleeps in a command, too; and the wizard learns nothing of it.
-TEST(PowerRequests, AreAcknowledgedDuringTheUpdate) {
-    constexpr wchar_t kSuspendRequest[] = L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_";
-    constexpr wchar_t kAcknowledge[] = L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_";
-    WizardBench bench;
-    std::vector<std::wstring> heard;
-    platform::window::ObserveBroadcasts([&](UINT message, WPARAM wparam, LPARAM lparam) {
-        EXPECT_EQ(wparam, 0U);
-        EXPECT_EQ(lparam, 0);
-        heard.push_back(platform::window::RegisteredMessageName(message));
-    });
-    bench.GoTo(1);
-    bench.Card(1);
-    bench.RunFor(20ms);
-    ASSERT_TRUE(bench.Tap("Update"));
-    bench.RunFor(500ms);
-    for (const int step : {2, 2}) {
-        bench.Mark();
-        heard.clear();
-        bench.After(1ms, [&] {
-            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kSuspendRequest);
-            EXPECT_TRUE(SetEvent(event));
-            CloseHandle(event);
-        });
-        bench.RunFor(2ms);
-        EXPECT_EQ(heard, std::vector<std::wstring>{kAcknowledge});
-        EXPECT_EQ(bench.Step(), step);
-        EXPECT_EQ(bench.TakeFrames(), "");
-        EXPECT_EQ(bench.TakeLog(), std::vector<std::string>());
-        // The second time in the middle of the progress.
-        bench.Percent(57);
-        bench.RunFor(2500ms);
-        EXPECT_TRUE(bench.Shows("Update Percent : 57%"));
+// One call fails while the program starts: the line that tells of it, or what is printed instead of
+// the version.
+TEST(Failures, AreToldAndPassedOver) {
+    const struct {
+        const char* call;
+        std::string told;
+    } rows[] = {
+        {"GetFileVersionInfoSizeW", "Error in GetFileVersionInfoSize: 1234\n"},
+        {"GetFileVersionInfoW", "Error in GetFileVersionInfo: 1234\n"},
+        {"VerQueryValueW", "Error in VerQueryValue: 1234\n"},
+        {"GetSystemPowerStatusEx2",
+         "OnCreate, GetSystemPowerStatusEx2() fail!!!, ErrorCode(1234), MainFrmPower.cpp(#)"},
+        {"RequestPowerNotifications",
+         "OnCreate, g_pCPowerDetector->Init() fail!!!, ErrorCode(1234), MainFrm.cpp(#)"},
+        {"CreateSolidBrush", "OnPaint, DeleteObject() fail!!!, ErrorCode(6), MainFrmPaint.cpp(#)"},
+        {"CreateCompatibleDC", "~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"},
+        {"CreateCompatibleBitmap", "~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        const bool prints = row.told.ends_with('\n');
+        testing::internal::CaptureStdout();
+        WizardBench bench;
+        EXPECT_EQ(platform::kernel::AddCallFault({.call = row.call, .error = 1234}), "");
+        bench.Start();
+        EXPECT_EQ(bench.Shows("Update Tool : V"), prints);
+        bench.Close();
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  prints ? row.told : "File Version: 0.7.0.0\nProduct Version: 0.7.0.0\n");
+        Log log = bench.TakeLog("\tCMainFrame::");
+        std::erase_if(log, [](const std::string& line) { return line.find("!!!") == line.npos; });
+        EXPECT_EQ(log, prints ? Log{} : Log{"\tCMainFrame::" + row.told});
     }
+}
+
+TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
+    WizardBench bench;
+    bench.Start(SW_HIDE);
+    bench.Mark();
+    bench.Close();
+    EXPECT_EQ(bench.TakeLog("CMainFrame::"),
+              Log(2, "\tCMainFrame::~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"));
+}
+
+TEST(Suspend, IsAskedOfTheHalAfterThePainting) {
+    WizardBench bench;
+    bench.GoTo(5);
+    Log seen;
+    bench.platform.board.on_hal_request = [&](std::span<const std::byte> input) {
+        seen = bench.Lines();
+        EXPECT_EQ(std::vector(input.begin(), input.end()),
+                  (std::vector{std::byte{0x5A}, std::byte{0x5A}, std::byte{0}, std::byte{0}}));
+    };
+    bench.Command(IDC_BTN_SUSPEND);
+    bench.RunFor(100ms);
+    ASSERT_EQ(seen.size(), 7U);
+    EXPECT_EQ(seen[4], "W Please make sure DVR Firmware is correct.");
 }
 
 }  // namespace
