@@ -85,7 +85,7 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
     };
     frames.push_back(model::Frame(0x20, 0x802E, with({}, version)));
     frames.push_back(model::Frame(0x80, 0x002E, with({50}, version)));
-    frames.push_back(model::Frame(0x80, 0x0026, Bytes{1, 0, 0x5A}));
+    frames.push_back(model::Frame(0x80, 0x002E, Bytes{6, 'Z'}));  // shows what was left of the last
     frames.push_back(model::Frame(0x80, 0x0022, with({}, "10012345")));
     frames.push_back(model::Frame(0x80, 0x0019, Bytes{0xA5, 0x5A}));
     frames.push_back(model::Frame(0x80, 0x0012, model::Frame(0x20, 0x8013, Bytes{7})));
@@ -107,7 +107,7 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
 TEST_F(Damage, OfTheLongestFrameIsNoException) {
     Bytes stream = model::Frame(0x80, 0x0017, Bytes{1});
     for (const auto& frame :
-         {model::Frame(0x80, 0x0018, Bytes(64, 0xA5)), model::Frame(0x20, 0x8019, Bytes{})})
+         {model::Frame(0x80, 0x001F, Bytes(64, 0xA5)), model::Frame(0x20, 0x8019, Bytes{})})
         stream.insert(stream.end(), frame.begin(), frame.end());
     link_.Run([&] { TryEverything(stream); });
     EXPECT_GT(trials_, 40'000U);

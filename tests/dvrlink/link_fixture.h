@@ -40,17 +40,6 @@ inline std::string Repeat(std::size_t count, const std::string& text) {
     return repeated;
 }
 
-// The record of a frame: type, two bytes of the command, and the payload.
-inline DvrFrame Record(const Bytes& bytes) {
-    DvrFrame frame{};
-    frame.sync = kFrameSync;
-    frame.type = bytes[0];
-    frame.command = static_cast<WORD>(bytes[1] << 8 | bytes[2]);
-    frame.length = static_cast<WORD>(bytes.size() - 3);
-    std::copy(bytes.begin() + 3, bytes.end(), frame.payload);
-    return frame;
-}
-
 // A platform with a DVR's end of "COM9:".
 struct LinkFixture {
     explicit LinkFixture(const kernel::Options& options = {}) : platform(options) {

@@ -160,44 +160,41 @@ TEST(Link, FramesOfTwoThreadsStayWhole) {
     }
 }
 
-// A line whose settings cannot be read or written.
-struct StubbornLine final : public platform::device::SerialLine {
-    StubbornLine(DWORD read, DWORD apply) : read_error(read), apply_error(apply) {}
-    DWORD Open(Receiver) override { return ERROR_SUCCESS; }
-    void Close() override {}
-    DWORD ReadSettings(DCB&) override { return read_error; }
-    DWORD ApplySettings(const DCB&) override { return apply_error; }
-    std::size_t Transmit(std::span<const std::uint8_t> bytes) override { return bytes.size(); }
-    void OnRoom(std::function<void()>) override {}
-
-    const DWORD read_error, apply_error;
-};
-
-TEST(Link, DoesWithoutAPortThatCannotBeHad) {
+// One call fails while the link starts. Without the port there is no link, without the thread the
+// link still sends.
+TEST(Link, DoesWithoutWhatCannotBeHad) {
     const struct {
-        DWORD read_error, apply_error;
-        std::string call, error;
+        const char* call;
+        std::string failures;
     } rows[] = {
-        {0, 0, "CreateFile", "55"}, {5, 0, "GetCommState", "5"}, {0, 31, "SetCommState", "31"}};
+        {"CreateFileW", "COM_Init, CreateFile"},
+        {"GetCommState", "COM_Init, GetCommState"},
+        {"SetCommState", "COM_Init, SetCommState"},
+        {"SetCommTimeouts", "COM_Init, SetCommTimeouts"},
+        {"CreateThread", "UART_Init, CreateThread"},
+        {"CloseHandle", "UART_DeInit, COM_DeInit"},
+    };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        const std::string call = row.call;
+        const bool port = call == "CreateThread" || call == "CloseHandle";
         LinkFixture link;
-        link.platform.board.drivers.clear();
-        if (row.call != "CreateFile")
-            link.platform.board.drivers[L"COM9:"] =
-                std::make_shared<platform::device::SerialDriver>(
-                    std::make_shared<StubbornLine>(row.read_error, row.apply_error));
+        // Of the thread and of the port.
+        link.platform.AllowHandles(call == "CloseHandle" ? 2 : 0);
+        ASSERT_EQ(kernel::AddCallFault({.call = call, .times = 2, .error = 1234}), "");
         link.platform.Run([&] {
-            EXPECT_FALSE(UART_Init());
-            EXPECT_EQ(g_bReceiveRunning, FALSE);
-            EXPECT_EQ(g_hComPort.load(), nullptr);
+            EXPECT_EQ(UART_Init(), port);
+            EXPECT_EQ(g_bReceiveRunning, call == "CloseHandle");
+            EXPECT_EQ(g_hComPort != nullptr, port);
             EXPECT_NE(g_pSendLock.load(), nullptr) << "the locks stay until the stop";
             UART_DeInit();
             EXPECT_EQ(g_pSendLock.load(), nullptr);
         });
-        const std::string error = "() fail!!!, ErrorCode(" + row.error + "), ";
-        EXPECT_EQ(link.TakeLog(), "+++UART_Init\n+++COM_Init\n\tCOM_Init, " + row.call + error +
-                                      "SerialPort.cpp(#)\n---COM_Init\n\tUART_Init, COM_Init" +
-                                      error + "Link.cpp(#)\n---UART_Init");
+        const std::string error = "() fail!!!, ErrorCode(1234), ";
+        const std::string file = port ? "Link.cpp(#)" : "SerialPort.cpp(#)";
+        EXPECT_EQ(Count(link, "\t" + row.failures + error + file), 1);
+        EXPECT_EQ(Count(link, "\tUART_Init, COM_Init" + error + "Link.cpp(#)"), port ? 0 : 1);
+        EXPECT_EQ(Count(link, "---COM_Init") + Count(link, "---UART_Init"), 2);
     }
 }
 
