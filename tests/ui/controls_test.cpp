@@ -8,6 +8,8 @@
 #include "ui/DrawButton.h"
 #include "ui/DrawLabel.h"
 
+// What the wizard makes of its own controls is seen by the comparison with its model.
+
 namespace tests {
 namespace {
 
@@ -18,8 +20,15 @@ constexpr int kWidth = 40;
 constexpr int kHeight = 20;
 constexpr POINT kInside = {15, 15};
 constexpr POINT kOutside = {50, 30};  // the first point beyond the right and bottom edges
+constexpr RECT kPlace = {10, 10, 50, 30};
 
-// An owner window that notes commands, and a canvas of 100 x 60 to draw on.
+void Fill(HDC dc, const RECT& place, COLORREF color) {
+    const HBRUSH brush = CreateSolidBrush(color);
+    FillRect(dc, &place, brush);
+    DeleteObject(brush);
+}
+
+// An owner window of 100 x 60 that notes commands.
 class Owner {
   public:
     Owner() {
@@ -29,17 +38,13 @@ class Owner {
         RegisterClassW(&settings);
         window = CreateWindowExW(0, L"Owner", L"", WS_POPUP | WS_VISIBLE, 0, 0, 100, 60, nullptr,
                                  nullptr, nullptr, nullptr);
-        const HDC screen = GetDC(window);
-        dc = CreateCompatibleDC(screen);
-        previous_ = SelectObject(dc, CreateCompatibleBitmap(screen, 100, 60));
-        ReleaseDC(window, screen);
+        dc = GetDC(window);
         Clear();
     }
     Owner(const Owner&) = delete;
     Owner& operator=(const Owner&) = delete;
     ~Owner() {
-        DeleteObject(SelectObject(dc, previous_));
-        DeleteDC(dc);
+        ReleaseDC(window, dc);
         DestroyWindow(window);
         EXPECT_EQ(platform::gdi::DrawingObjectCount(), 0U) << "objects left";
     }
@@ -50,6 +55,19 @@ class Owner {
     }
     COLORREF At(int x, int y) const { return GetPixel(dc, x, y); }
 
+    std::unique_ptr<CDrawButton> MakeButton(UINT id, UINT mode, int frames = 0) const {
+        auto button =
+            std::make_unique<CDrawButton>(window, id, 10, 10, kWidth, kHeight, mode, TRUE);
+        if (frames > 0)
+            button->SetImage(Strip(frames));
+        return button;
+    }
+
+    HWND window;
+    HDC dc;
+    static inline std::vector<WPARAM> commands;
+
+  private:
     // A strip of frames in the colours above.
     HBITMAP Strip(int frames) const {
         const HDC strip_dc = CreateCompatibleDC(dc);
@@ -63,25 +81,12 @@ class Owner {
         return strip;
     }
 
-    HWND window;
-    HDC dc;
-    static inline std::vector<WPARAM> commands;
-
-  private:
-    static void Fill(HDC dc, const RECT& place, COLORREF color) {
-        const HBRUSH brush = CreateSolidBrush(color);
-        FillRect(dc, &place, brush);
-        DeleteObject(brush);
-    }
-
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (message != 2024)
             return DefWindowProcW(window, message, wparam, lparam);
         commands.push_back(wparam);
         return 0;
     }
-
-    HGDIOBJ previous_;
 };
 
 void OnPlatform(const std::function<void(Owner&)>& body) {
@@ -92,16 +97,9 @@ void OnPlatform(const std::function<void(Owner&)>& body) {
     });
 }
 
-std::unique_ptr<CDrawButton> MakeButton(const Owner& owner, UINT id, UINT mode, int frames = 0) {
-    auto button =
-        std::make_unique<CDrawButton>(owner.window, id, 10, 10, kWidth, kHeight, mode, TRUE);
-    if (frames > 0)
-        button->SetImage(owner.Strip(frames));
-    return button;
-}
-
 // "d" and "u" press and release inside, "D" and "U" outside, "h" and "s" hide and show.
-TEST(Button, WorksByItsMode) {
+TEST(Control, TakesPressesAndReleasesByItsKind) {
+    constexpr UINT kLabel = 100;
     struct {
         UINT mode;
         int frames;
@@ -110,43 +108,39 @@ TEST(Button, WorksByItsMode) {
         int frame;
         std::size_t commands;
     } const rows[] = {
-        {BTN_MODE_PUSH, 2, "D", "0", 0, 0},
-        {BTN_MODE_PUSH, 2, "d", "1", 1, 0},
-        {BTN_MODE_PUSH, 2, "dd", "10", 1, 0},
-        {BTN_MODE_PUSH, 2, "du", "11", 0, 1},
-        {BTN_MODE_PUSH, 2, "dUu", "100", 0, 0},
-        {BTN_MODE_PUSH, 2, "u", "0", 0, 0},
-        {BTN_MODE_PUSH, 2, "dhusd", "10000", 1, 0},
-        {BTN_MODE_PUSH, 2, "dhusu", "10001", 0, 1},
-        {BTN_MODE_PUSH, 2, "hd", "00", 0, 0},
-        {BTN_MODE_LATCH, 2, "dud", "100", 1, 1},
-        {BTN_MODE_CYCLE, 3, "dud", "101", 2, 2},
-        {BTN_MODE_CYCLE, 3, "ddd", "111", 0, 3},
-        {BTN_MODE_CYCLE, 0, "dd", "11", 0, 2},
-        {BTN_MODE_TAP, 2, "dud", "101", 0, 2},
-        {4, 2, "du", "00", 0, 0},
+        {BTN_MODE_PUSH, 2, "dd", "10", 1, 0},       {BTN_MODE_PUSH, 2, "dUu", "100", 0, 0},
+        {BTN_MODE_PUSH, 2, "dhusd", "10000", 1, 0}, {BTN_MODE_PUSH, 2, "hd", "00", 0, 0},
+        {BTN_MODE_LATCH, 2, "dud", "100", 1, 1},    {BTN_MODE_CYCLE, 3, "dud", "101", 2, 2},
+        {BTN_MODE_CYCLE, 3, "ddd", "111", 0, 3},    {BTN_MODE_CYCLE, 0, "dd", "11", 0, 2},
+        {BTN_MODE_TAP, 2, "dud", "101", 0, 2},      {4, 2, "du", "00", 0, 0},
+        {kLabel, 0, "uddUdu", "010010", 0, 1},      {kLabel, 0, "hd", "00", 0, 0},
     };
     OnPlatform([&](Owner& owner) {
         for (const auto& row : rows) {
             SCOPED_TRACE(std::to_string(row.mode) + row.events);
-            const auto button = MakeButton(owner, 77, row.mode, row.frames);
+            std::unique_ptr<CDrawCtrl> control = owner.MakeButton(77, row.mode, row.frames);
+            if (row.mode == kLabel)
+                control = std::make_unique<CDrawLabel>(owner.window, 77, &kPlace,
+                                                       LBL_IMAGE | LBL_TEXT, TRUE);
             owner.Clear();
             std::string taken;
             for (const char event : std::string(row.events)) {
                 const POINT at = event == 'D' || event == 'U' ? kOutside : kInside;
                 BOOL answer = FALSE;
                 if (event == 'd' || event == 'D')
-                    answer = button->OnBtnDown(at.x, at.y);
+                    answer = control->OnBtnDown(at.x, at.y);
                 else if (event == 'u' || event == 'U')
-                    answer = button->OnBtnUp(at.x, at.y);
+                    answer = control->OnBtnUp(at.x, at.y);
                 else
-                    button->SetVisible(event == 's');
+                    control->SetVisible(event == 's');
                 taken += answer ? '1' : '0';
             }
             EXPECT_EQ(taken, row.taken);
             EXPECT_EQ(Owner::commands, std::vector<WPARAM>(row.commands, 77));
             const bool visible = row.events[0] != 'h';
-            EXPECT_EQ(button->Draw(owner.dc, 30, 30), visible);
+            EXPECT_FALSE(control->OnBtnMove(kInside.x, kInside.y));
+            EXPECT_TRUE(control->Redraw());
+            EXPECT_EQ(control->Draw(owner.dc, 30, 30), visible);
             const COLORREF face = row.frames > 0 ? kFrameColors[row.frame] : kGrey;
             EXPECT_EQ(owner.At(30, 30), visible ? face : kUnder);
             EXPECT_EQ(owner.At(69, 49), visible ? face : kUnder);
@@ -170,10 +164,9 @@ TEST(Control, TextFontAndColourAreKeptAndAnswered) {
     } const rows[] = {{nullptr, 21, 0, false}, {L"", 21, 0, false}, {L"██████", 20, 6, true},
                       {nullptr, 21, 0, true},  {L"", 0, 0, false},  {L"██████", -1, 6, true}};
     OnPlatform([&](Owner& owner) {
-        const RECT place{10, 10, 50, 30};
         const std::unique_ptr<CDrawCtrl> controls[] = {
-            std::make_unique<CDrawLabel>(owner.window, 0, &place, LBL_TEXT, TRUE),
-            MakeButton(owner, 1, BTN_MODE_PUSH),
+            std::make_unique<CDrawLabel>(owner.window, 0, &kPlace, LBL_TEXT, TRUE),
+            owner.MakeButton(1, BTN_MODE_PUSH),
         };
         for (const auto& control : controls) {
             EXPECT_EQ(control->SetTextColor(kRed), 0U);
@@ -196,7 +189,7 @@ TEST(Control, TextFontAndColourAreKeptAndAnswered) {
             EXPECT_EQ(control->SetVisible(FALSE), TRUE);
             EXPECT_EQ(control->SetVisible(TRUE), FALSE);
         }
-        EXPECT_FALSE(controls[0]->SetTextRect(&place));
+        EXPECT_FALSE(controls[0]->SetTextRect(&kPlace));
         const RECT corner{35, 0, 0, 0};
         EXPECT_TRUE(controls[1]->SetTextRect(&corner));
         owner.Clear();
@@ -206,62 +199,25 @@ TEST(Control, TextFontAndColourAreKeptAndAnswered) {
     });
 }
 
-TEST(Label, TakesPressesButNeverReleases) {
+TEST(List, DrawsInOrderAndHoldsSixtyFour) {
     OnPlatform([](Owner& owner) {
-        const RECT place{10, 10, 50, 30};
-        CDrawLabel label(owner.window, 5, &place, LBL_IMAGE | LBL_TEXT, TRUE);
-        EXPECT_FALSE(label.OnBtnUp(15, 15));
-        EXPECT_TRUE(label.OnBtnDown(10, 10));
-        EXPECT_FALSE(label.OnBtnDown(15, 15)) << "pressed already";
-        EXPECT_FALSE(label.OnBtnUp(50, 30));
-        EXPECT_TRUE(Owner::commands.empty());
-        EXPECT_TRUE(label.OnBtnDown(49, 29));
-        EXPECT_FALSE(label.OnBtnUp(15, 15));
-        EXPECT_EQ(Owner::commands, std::vector<WPARAM>{5});
-        label.Draw(owner.dc, 10, 10);
-        EXPECT_EQ(owner.At(10, 10), kGrey) << "no picture";
-        label.SetVisible(FALSE);
-        EXPECT_FALSE(label.OnBtnDown(15, 15));
-        EXPECT_FALSE(label.Draw(owner.dc, 60, 10));
-        EXPECT_EQ(owner.At(60, 10), kUnder);
-    });
-}
-
-TEST(List, OffersInOrderDrawsInOrderAndHoldsSixtyFour) {
-    OnPlatform([](Owner& owner) {
-        CCtrlList empty;
-        EXPECT_FALSE(empty.OnBtnDown(15, 15));
-        EXPECT_TRUE(empty.DrawAll(owner.dc));
-
         CCtrlList list;
-        std::vector<std::unique_ptr<CDrawButton>> buttons;
-        const auto add = [&](UINT id, UINT mode, int frames) {
-            buttons.push_back(MakeButton(owner, id, mode, frames));
-            list.Add(buttons.back().get());
-        };
-        add(100, BTN_MODE_PUSH, 2);
+        EXPECT_FALSE(list.OnBtnDown(kInside.x, kInside.y));
         list.Add(nullptr);
-        for (UINT id = 101; id < 163; ++id)
-            add(id, BTN_MODE_TAP, 0);
-        add(163, BTN_MODE_LATCH, 1);  // the 64th, on top
-        add(164, BTN_MODE_LATCH, 2);  // one too many
-        buttons[64]->OnBtnDown(15, 15);
+        std::vector<std::unique_ptr<CDrawButton>> buttons;
+        for (UINT id = 0; id < 65; ++id) {
+            buttons.push_back(owner.MakeButton(id, BTN_MODE_LATCH, id < 63 ? 0 : 2));
+            list.Add(buttons.back().get());
+        }
+        buttons[64]->OnBtnDown(kInside.x, kInside.y);
         EXPECT_TRUE(list.DrawAll(owner.dc));
-        EXPECT_EQ(owner.At(15, 15), kFrameColors[0]) << "of the 64th";
-
-        Owner::commands.clear();
-        EXPECT_TRUE(list.OnBtnDown(15, 15));
-        EXPECT_TRUE(Owner::commands.empty()) << "the push button takes it";
-        EXPECT_TRUE(list.OnBtnDown(15, 15));
-        EXPECT_EQ(Owner::commands, std::vector<WPARAM>{101}) << "pressed, it passes it on";
-        EXPECT_TRUE(list.OnBtnUp(15, 15));
-        EXPECT_FALSE(list.OnBtnUp(15, 15));
+        EXPECT_EQ(owner.At(kInside.x, kInside.y), kFrameColors[0]) << "of the 64th";
         for (int index = 0; index < 63; ++index)
             buttons[index]->SetVisible(FALSE);
         Owner::commands.clear();
-        EXPECT_TRUE(list.OnBtnDown(15, 15));
-        EXPECT_FALSE(list.OnBtnDown(15, 15));
-        EXPECT_EQ(Owner::commands, std::vector<WPARAM>{163});
+        EXPECT_TRUE(list.OnBtnDown(kInside.x, kInside.y));
+        EXPECT_FALSE(list.OnBtnDown(kInside.x, kInside.y));
+        EXPECT_EQ(Owner::commands, std::vector<WPARAM>{63});
     });
 }
 
