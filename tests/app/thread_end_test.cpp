@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "platform/kernel/kernel.h"
+#include "platform/kernel/call_faults.h"
 #include "tests/support/platform_fixture.h"
 
 namespace tests {
@@ -37,28 +37,34 @@ DWORD WINAPI SendAndPost(LPVOID parameter) {
     return 0;
 }
 
+// Also when the wait itself fails for a while.
 TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
-    Platform platform;
-    platform.Run([] {
-        WNDCLASSW window_class{};
-        window_class.lpfnWndProc = Record;
-        window_class.lpszClassName = L"Waiting";
-        RegisterClassW(&window_class);
-        const HWND window = CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100, nullptr,
-                                            nullptr, nullptr, nullptr);
-        SetTimer(window, kTimer, 10, nullptr);
-        g_seen.clear();
-        const HANDLE thread = CreateThread(nullptr, 0, SendAndPost, window, 0, nullptr);
-        WaitForThreadEnd(thread);
-        EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-        EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent}));
-        MSG message{};
-        EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE))
-            << "the posted message is still there";
-        CloseHandle(thread);
-        DestroyWindow(window);
-        WaitForThreadEnd(nullptr);  // no thread, and no wait
-    });
+    for (const std::uint64_t works : {1000U, 0U}) {
+        Platform platform;
+        ASSERT_EQ(platform::kernel::AddCallFault(
+                      {.call = "MsgWaitForMultipleObjects", .skip = works, .times = 3}),
+                  "");
+        platform.Run([] {
+            WNDCLASSW window_class{};
+            window_class.lpfnWndProc = Record;
+            window_class.lpszClassName = L"Waiting";
+            RegisterClassW(&window_class);
+            const HWND window = CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100,
+                                                nullptr, nullptr, nullptr, nullptr);
+            SetTimer(window, kTimer, 10, nullptr);
+            g_seen.clear();
+            const HANDLE thread = CreateThread(nullptr, 0, SendAndPost, window, 0, nullptr);
+            WaitForThreadEnd(thread);
+            EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+            EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent}));
+            MSG message{};
+            EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE))
+                << "the posted message is still there";
+            CloseHandle(thread);
+            DestroyWindow(window);
+            WaitForThreadEnd(nullptr);  // no thread, and no wait
+        });
+    }
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <algorithm>
 
 #include "platform/kernel/call_faults.h"
-#include "platform/kernel/kernel_state.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
 #include "tests/support/program_log.h"
@@ -67,21 +66,13 @@ void RunOn(Platform& platform, Body body) {
         1s);
 }
 
-class PowerDetector : public testing::Test {
-  protected:
-    template <typename Body>
-    void Run(Body body) {
-        RunOn(platform_, body);
-    }
-
-    Platform platform_;
-};
-
-TEST_F(PowerDetector, AcknowledgesEveryRequestInOrder) {
+TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
     // Events that the coordinator made before are used as it made them; those that it opens later
     // are the same ones.
     for (const bool coordinator_first : {true, false}) {
-        Run([coordinator_first] {
+        Platform platform;
+        platform.board.supply = {.ac_line_status = 255, .battery_flag = 128};
+        RunOn(platform, [coordinator_first] {
             HANDLE events[3] = {};
             if (coordinator_first)
                 for (int request = 0; request < 3; ++request)
@@ -99,6 +90,9 @@ TEST_F(PowerDetector, AcknowledgesEveryRequestInOrder) {
             EXPECT_EQ(Hear(), "") << "the events reset themselves";
             for (const HANDLE event : events)
                 CloseHandle(event);
+            for (const DWORD event : {PBT_RESUME, PBT_POWERSTATUSCHANGE, PBT_POWERSTATUSCHANGE})
+                Notify(event);
+            EXPECT_EQ(Hear(), "3(255,128)3(255,128)");
         });
     }
 }
@@ -117,8 +111,8 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
     } rows[] = {
         {"CreateThread", 0, TRUE, "Init, CreateThread()", "3(1,1)", 0},
         {"CreateThread", 1, TRUE, "Init, CreateThread()", "0(0,0)", 0},
-        // The request events, then the two that stop the threads.
-        {"CreateEventW", 0, TRUE, "Init, CreateEvent()", "3(1,1)", 0},
+        // The request events, the second of them missing, then the two that stop the threads.
+        {"CreateEventW", 1, TRUE, "Init, CreateEvent()", "0(0,0)3(1,1)", 0},
         {"CreateEventW", 3, FALSE, "Init, CreateEvent()", "", 0},
         {"CreateEventW", 4, FALSE, "Init, CreateEvent()", "", 0},
         {"CreateMsgQueue", 0, FALSE, "Init, CreateMsgQueue()", "", 0},
@@ -127,6 +121,9 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         {"ReadMsgQueue", 0, TRUE, "", "0(0,0)3(1,1)", 0, ERROR_TIMEOUT},
         {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 2},
         {"CloseMsgQueue", 0, TRUE, "DeInit, CloseMsgQueue()", "0(0,0)3(1,1)", 1},
+        // A thread whose wait fails ends; were it to wait again, it might never come to rest.
+        {"WaitForMultipleObjects", 0, TRUE, "", "3(1,1)", 0},
+        {"WaitForMultipleObjects", 2, TRUE, "", "0(0,0)", 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.skip));
@@ -135,8 +132,10 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         ASSERT_EQ(kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error}),
                   "");
         RunOn(platform, [&] {
+            const std::size_t handles = kernel::HandleCount();
             CPowerDetector detector;
             EXPECT_EQ(detector.Init(), row.ready);
+            EXPECT_EQ(kernel::HandleCount() == handles, !row.ready) << "all released at once";
             const HANDLE suspend = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[0]);
             if (suspend != nullptr)
                 SetEvent(suspend);
@@ -156,53 +155,6 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
             EXPECT_TRUE(failures[0].starts_with(expected[0])) << failures[0];
         }
     }
-}
-
-TEST_F(PowerDetector, BroadcastsAChangeOfTheSupply) {
-    Run([&] {
-        CPowerDetector detector;
-        ASSERT_TRUE(detector.Init());
-        platform_.board.supply = {.ac_line_status = 0, .battery_flag = 2};
-        Notify(PBT_POWERSTATUSCHANGE);
-        EXPECT_EQ(Hear(), "3(0,2)");
-        platform_.board.supply = {.ac_line_status = 255, .battery_flag = 128};
-        for (const DWORD event : {PBT_RESUME, PBT_POWERSTATUSCHANGE, PBT_POWERSTATUSCHANGE})
-            Notify(event);
-        EXPECT_EQ(Hear(), "3(255,128)3(255,128)");
-        platform_.board.supply_readable = false;
-        platform_.board.ClearOutput();
-        Notify(PBT_POWERSTATUSCHANGE);
-        EXPECT_EQ(Hear(), "");
-        const Log log = ProgramLog(platform_.board);
-        ASSERT_EQ(log.size(), 1U);
-        EXPECT_TRUE(
-            log[0].starts_with("\tCPowerDetector::ThreadProc_PowerDetector, "
-                               "GetSystemPowerStatusEx2() fail!!!, ErrorCode("))
-            << log[0];
-        platform_.board.supply_readable = true;
-        Notify(PBT_POWERSTATUSCHANGE);
-        EXPECT_EQ(Hear(), "3(255,128)");
-    });
-}
-
-TEST_F(PowerDetector, StopReleasesEverythingAndASecondOneNothing) {
-    Run([&] {
-        const std::size_t handles = kernel::HandleCount();
-        const std::size_t threads = kernel::ThreadCount();
-        CPowerDetector detector;
-        ASSERT_TRUE(detector.Init());
-        Sleep(10);
-        EXPECT_EQ(kernel::ThreadCount(), threads + 2);
-        for (int count = 0; count < 3; ++count)
-            Notify(PBT_POWERSTATUSCHANGE);
-        detector.DeInit();
-        EXPECT_EQ(kernel::ThreadCount(), threads);
-        EXPECT_EQ(kernel::HandleCount(), handles);
-        platform_.board.ClearOutput();
-    });
-    // The destructor's.
-    EXPECT_EQ(ProgramLog(platform_.board),
-              (Log{"+++CPowerDetector::DeInit", "---CPowerDetector::DeInit"}));
 }
 
 // The processor changes hands between any two calls, so some stops come before a thread's first;
@@ -229,80 +181,16 @@ TEST(PowerDetectorThreads, StopRightAfterTheStartWins) {
     }
 }
 
-// Something else has the name of what Init() wants to make.
-TEST_F(PowerDetector, DoesWithoutARequestEventButNotWithoutItsQueue) {
-    const struct {
-        const wchar_t* taken;
-        BOOL ready;
-        std::string failure;
-        std::string heard;
-    } rows[] = {
-        {kRequests[1], TRUE, "CreateEvent", "0(0,0)2(0,0)"},
-        {L"_KESTA_Technology_Inc_Lumarin_PowerNotify", FALSE, "CreateMsgQueue", ""},
-    };
-    for (const auto& row : rows) {
-        platform_.board.ClearOutput();
-        Run([&] {
-            const HANDLE mutex = CreateMutexW(nullptr, FALSE, row.taken);
-            const HANDLE others[] = {CreateEventW(nullptr, FALSE, FALSE, kRequests[0]),
-                                     CreateEventW(nullptr, FALSE, FALSE, kRequests[2])};
-            const std::size_t handles = kernel::HandleCount();
-            const std::size_t threads = kernel::ThreadCount();
-            CPowerDetector detector;
-            EXPECT_EQ(detector.Init(), row.ready);
-            if (!row.ready) {
-                EXPECT_EQ(kernel::HandleCount(), handles);
-                EXPECT_EQ(kernel::ThreadCount(), threads);
-            }
-            for (const HANDLE event : others) {
-                SetEvent(event);
-                CloseHandle(event);
-            }
-            EXPECT_EQ(Hear(), row.heard);
-            CloseHandle(mutex);
-        });
-        EXPECT_EQ(std::ranges::count(ProgramLog(platform_.board),
-                                     "\tCPowerDetector::Init, " + row.failure +
-                                         "() fail!!!, ErrorCode(6), CPowerDetector.cpp(#)"),
-                  1);
-    }
-}
-
-TEST_F(PowerDetector, ThreadsWithoutAnObjectEndAtOnce) {
+TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
+    Platform platform;
     SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(nullptr), 0U);
     EXPECT_EQ(CPowerDetector::ThreadProc_PowerCommonCtrl_static(nullptr), 0U);
     const std::string rest =
         ", (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), PowerThreads.cpp(#)";
-    EXPECT_EQ(ProgramLog(platform_.board),
+    EXPECT_EQ(ProgramLog(platform.board),
               (Log{"\tCPowerDetector::ThreadProc_PowerDetector_static" + rest,
                    "\tCPowerDetector::ThreadProc_PowerCommonCtrl_static" + rest}));
-}
-
-// A handle is closed behind the detector's back. A thread that waited again at once would never
-// come to rest.
-TEST_F(PowerDetector, ThreadEndsWhenItsWaitFails) {
-    Run([&] {
-        CPowerDetector detector;
-        ASSERT_TRUE(detector.Init());
-        Sleep(10);
-        const std::size_t threads = kernel::ThreadCount();
-        const HANDLE own = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[1]);
-        const std::shared_ptr<kernel::Object> event = kernel::FindObject(own);
-        std::uintptr_t detectors = 0;
-        {
-            const kernel::KernelLock lock = kernel::LockKernel();
-            kernel::State().handles.ForEach([&](std::uintptr_t value, const auto& object) {
-                if (object == event && value != reinterpret_cast<std::uintptr_t>(own))
-                    detectors = value;
-            });
-        }
-        EXPECT_TRUE(CloseHandle(reinterpret_cast<HANDLE>(detectors)));
-        SetEvent(own);  // wakes the thread to its next wait
-        CloseHandle(own);
-        EXPECT_EQ(Hear(), "1(0,0)");
-        EXPECT_EQ(kernel::ThreadCount(), threads - 1);
-    });
 }
 
 }  // namespace

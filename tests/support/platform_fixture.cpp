@@ -64,8 +64,9 @@ DWORD PlainBoard::HalRequest(DWORD code, std::span<const std::byte> input, std::
     return hal_answer;
 }
 
-DWORD PlainBoard::ChangeSystemPower(DWORD state_flags, DWORD) {
+DWORD PlainBoard::ChangeSystemPower(DWORD state_flags, DWORD options) {
     power_states.push_back(state_flags);
+    power_options.push_back(options);
     return ERROR_SUCCESS;
 }
 

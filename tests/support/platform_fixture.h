@@ -38,6 +38,7 @@ class PlainBoard final : public platform::Board {
     std::vector<DWORD> hal_codes;
     std::function<void(std::span<const std::byte> input)> on_hal_request;
     std::vector<DWORD> power_states;
+    std::vector<DWORD> power_options;  // one for each
     Neighbour neighbour;
 
     std::wstring debug_output() const;

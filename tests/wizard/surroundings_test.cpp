@@ -101,6 +101,7 @@ TEST(Suspend, IsAskedOfTheHalAfterThePainting) {
     bench.RunFor(100ms);
     ASSERT_EQ(seen.size(), 7U);
     EXPECT_EQ(seen[4], "W Please make sure DVR Firmware is correct.");
+    EXPECT_EQ(bench.platform.board.power_options, std::vector<DWORD>{0x1000}) << "by force";
 }
 
 }  // namespace
