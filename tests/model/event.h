@@ -19,19 +19,15 @@ enum class Kind {
     kNoise,   // what is no frame, or only a part of one
     kPress,   // a, b: x, y
     kRelease,
-    kCommand,        // a: the id, as another application sends it
-    kTimer,          // a: the id, likewise
-    kPower,          // a, b: wParam and lParam, likewise
-    kSupply,         // a, b: AC line and battery flag; a over 255: cannot be read
-    kPaint,          // the whole window is invalid
-    kHold,           // a: the percent, of which the window has not been told yet
-    kDriver,         // a: which, b: its error from now on
-    kNoticeCommand,  // a: the id; for the notice, if there is one
-    kNoticeTimer,
-    kNoticeClose,
-    kMenu,  // WM_COMMAND; a: the id
-    kPass,  // nothing but time
-    kClose,
+    kPost,    // a, b: a message of another application to the window, and its wParam
+    kNotice,  // likewise to the notice, if there is one
+    kPower,   // a, b: wParam and lParam of the broadcast
+    kSupply,  // a, b: AC line and battery flag; a over 255: cannot be read
+    kPaint,   // the whole window is invalid
+    kHold,    // a: the percent, of which the window has not been told yet
+    kDriver,  // a: which, b: its error from now on
+    kPass,    // nothing but time
+    kClose,   // a, b: the message that closes, and its wParam
     kCount
 };
 
@@ -42,17 +38,16 @@ struct Event {
     int milliseconds = 0;
     Kind kind = Kind::kPass;
     std::uint64_t a = 0, b = 0;
-    Bytes bytes;
+    Bytes bytes{};
 };
 
-// A run of the wizard as text, an event a line, and back.
+// A run of the wizard.
 struct Sequence {
     World world;
     int start_milliseconds = 20000;
     std::vector<Event> events;
 };
+// An event a line.
 std::string ToText(const Sequence& sequence);
-// False, with `problem` set, for a text that is none.
-bool FromText(const std::string& text, Sequence& sequence, std::string& problem);
 
 }  // namespace tests::model

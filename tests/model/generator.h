@@ -19,6 +19,7 @@ class Generator {
 
   private:
     unsigned Below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
+    int Between(unsigned least, unsigned most) { return int(least + Below(most - least + 1)); }
     bool OneIn(unsigned count) { return Below(count) == 0; }
     template <typename Value, std::size_t kCount>
     Value Any(const Value (&values)[kCount]) {
@@ -27,17 +28,17 @@ class Generator {
     int Delay();
     Event Further(const WizardModel& wizard);
     Event Whatever();
-    Event Tap(int x, int y);
-    Event Report(Kind kind, std::uint8_t type, unsigned command, Bytes payload);
-    Event OfKind(Kind kind);
+    Event Tap(Control control);
+    Event Press(Kind kind);
+    Event Report(Kind kind, std::uint8_t type, unsigned number, Bytes payload);
     Event Running(unsigned state);
     Event Card(unsigned status);
-    Event Percent(unsigned percent);
-    Event Noise();
-    Bytes AnyText(std::size_t most);
+    Event Percent();
+    Bytes Noise();
+    Bytes AnyText(unsigned most);
 
     std::mt19937_64 random_;
-    std::vector<Event> pending_;
+    std::vector<Event> pending_;  // to follow, the next one last
 };
 
 }  // namespace tests::model

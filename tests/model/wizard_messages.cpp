@@ -18,20 +18,12 @@ bool IsButton(int control) {
 
 }  // namespace
 
+// The message that comes next, as the window's thread takes them: paintings that another thread
+// asks for and the rest take turns; then posted ones, touches, timers and other paintings.
 bool WizardModel::DispatchNext() {
-    Window* const windows[] = {&notice_, &main_};
-    const auto to_paint = [&](bool asked) -> Window* {
-        for (Window* const window : windows)
-            if (window->exists && window->invalid && (!asked || window->asked))
-                return window;
-        return nullptr;
-    };
-    if (!rest_has_turn_) {
-        if (Window* const window = to_paint(true)) {
-            rest_has_turn_ = true;
-            Paint(*window);
-            return true;
-        }
+    if (!rest_has_turn_ && PaintNext(true)) {
+        rest_has_turn_ = true;
+        return true;
     }
     if (!posted_.empty()) {
         rest_has_turn_ = false;
@@ -47,63 +39,63 @@ bool WizardModel::DispatchNext() {
         DispatchTouch(touch);
         return true;
     }
-    TimerState* due = nullptr;
-    for (TimerState& timer : timers_)
-        if (timer.due <= now_ && (!due || timer.due < due->due))
-            due = &timer;
-    if (due) {
+    const auto due = std::ranges::min_element(timers_, {}, &TimerState::due);
+    if (due != timers_.end() && due->due <= now_) {
         rest_has_turn_ = false;
         due->due += ((now_ - due->due) / due->period + 1) * due->period;
-        Take(Trigger::kTimer, static_cast<unsigned>(due->id), due->id);
+        fired_ = due->id;
+        Take(Trigger::kTimer, static_cast<unsigned>(fired_));
         return true;
     }
-    Window* window = rest_has_turn_ ? to_paint(true) : nullptr;
-    if (!window)
-        window = to_paint(false);
-    if (!window)
-        return false;
-    Paint(*window);
-    return true;
+    return (rest_has_turn_ && PaintNext(true)) || PaintNext(false);
+}
+
+bool WizardModel::PaintNext(bool asked) {
+    for (Window* const window : {&notice_, &main_}) {
+        if (window->exists && window->invalid && (!asked || window->asked)) {
+            Paint(*window);
+            return true;
+        }
+    }
+    return false;
 }
 
 void WizardModel::Dispatch(const Posted& posted) {
+    if (posted.window == &notice_)
+        return DispatchToNotice(posted);
     const auto id = static_cast<unsigned>(posted.wparam);
-    if (posted.window == &notice_) {
-        switch (posted.message) {
-            case Message::kCommand:
-                OnNoticeCommand(id);
-                break;
-            case Message::kTimer:
-                Line("\tCNotify::OnTimer");
-                PostToNotice(Message::kClose, 0);
-                break;
-            case Message::kClose:
-                Line("\tCNotify::OnClose");
-                notice_ended_ = true;
-                break;
-            default:
-                break;
-        }
-        return;
-    }
     switch (posted.message) {
-        case Message::kCommand:
-            Take(Trigger::kCommand, id);
-            break;
-        case Message::kTimer:
-            Take(Trigger::kTimer, id, posted.wparam);
-            break;
-        case Message::kPower:
-            OnPower(posted.wparam, posted.lparam);
-            break;
-        case Message::kClose:
-            Close();
-            break;
-        case Message::kExit:
-            Post(Message::kClose);
-            break;
-        case Message::kOther:
-            break;
+        case kCommandMessage:
+            return Take(Trigger::kCommand, id);
+        case kTimerMessage:
+            fired_ = posted.wparam;
+            return Take(Trigger::kTimer, id);
+        case kPowerMessage:
+            return OnPower(posted.wparam, posted.lparam);
+        case kCloseMessage:
+            return Close();
+        case kMenuMessage:
+            if (id == 0xE141)
+                Post(kCloseMessage);
+            return;
+        default:
+            return;
+    }
+}
+
+void WizardModel::DispatchToNotice(const Posted& posted) {
+    switch (posted.message) {
+        case kCommandMessage:
+            return OnNoticeCommand(static_cast<unsigned>(posted.wparam));
+        case kTimerMessage:
+            Line("\tCNotify::OnTimer");
+            return PostToNotice(kCloseMessage, 0);
+        case kCloseMessage:
+            Line("\tCNotify::OnClose");
+            notice_ended_ = true;
+            return;
+        default:
+            return;
     }
 }
 
@@ -112,7 +104,7 @@ void WizardModel::OnNoticeCommand(unsigned id) {
     if (id != kOkId)
         return;
     Line("\tCNotify::OnXCommand, IDC_BTN_OK");
-    PostToNotice(Message::kClose, 0);
+    PostToNotice(kCloseMessage, 0);
 }
 
 void WizardModel::DispatchTouch(const TouchInput& touch) {

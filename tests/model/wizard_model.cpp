@@ -5,77 +5,42 @@
 #include "tests/model/text.h"
 
 namespace tests::model {
-namespace {
 
-constexpr Time kNever = Time::max();
-
-}  // namespace
-
-std::vector<std::uint64_t>& WizardModel::RulesTaken() {
-    static std::vector<std::uint64_t> taken(Rules().size());
-    return taken;
-}
-
-std::array<std::array<std::uint64_t, 8>, 8>& WizardModel::Moves() {
-    static std::array<std::array<std::uint64_t, 8>, 8> moves{};
-    return moves;
-}
+std::set<const WizardModel::Rule*> WizardModel::rules_taken_;
+std::set<std::pair<int, int>> WizardModel::moves_;
 
 WizardModel::WizardModel(const World& around, Time start)
     : world(around), now_(start), reading_since_(start), ac_line_(around.ac_line) {
     for (const ControlRow& row : Controls())
         controls_.push_back({row.visible, false, row.text, row.color});
-    main_.exists = true;
-    main_.invalid = true;
+    main_.exists = main_.invalid = true;
     if (world.has_link)
-        for (const unsigned query : {0x8010U, 0x8011U, 0x802EU, 0x8026U})
+        for (const int query : {0x8010, 0x8011, 0x802E, 0x8026})
             Send(query);
     Arm(kCardOutTimer, 100);
     // A wizard that starts without supply says so at once.
-    if (ac_line_ == 0) {
-        was_offline_ = true;
-        for (const Control control : {kNext, kUpdate, kSuspend})
-            controls_[control].visible = false;
-        Apply(Screen::kOffline);
-    }
+    if (ac_line_ == 0)
+        GoOffline();
     RunThread();
-}
-
-void WizardModel::ClearOutput() {
-    log.clear();
-    frames.clear();
-    reset_requests.clear();
-    scaler_requests.clear();
-    reset_opens = scaler_opens = 0;
-    hal_codes.clear();
-    power_states.clear();
-}
-
-void WizardModel::Line(const std::string& line) {
-    log += "[Tolvane.exe] " + line + "\r\n";
 }
 
 void WizardModel::Failure(const char* function, const char* what, unsigned error) {
     Line(Text("\t%s, %s, ErrorCode(%u), #", function, what, error));
 }
 
-std::string WizardModel::version() const {
-    return version_.data();
-}
-
-std::map<std::uint64_t, Time> WizardModel::timers() const {
-    std::map<std::uint64_t, Time> running;
+View WizardModel::Look() const {
+    View view{step_, percent_, image_version_, running_state_, version_.data(), {}, notice_.exists};
     for (const TimerState& timer : timers_)
-        running[timer.id] = timer.due;
-    return running;
+        view.timers[timer.id] = timer.due;
+    return view;
 }
 
 std::vector<Shown> WizardModel::screen() const {
     std::vector<Shown> shown;
     for (const auto& [control, drawn] : (notice_.exists ? notice_ : main_).drawn) {
         const ControlRow& row = Controls()[control];
-        if (!drawn.text.empty())
-            shown.push_back({drawn.text, drawn.color, row.left, row.top, row.right, row.bottom});
+        if (!drawn.first.empty())
+            shown.push_back({drawn.first, drawn.second, row.left, row.top, row.right, row.bottom});
     }
     return shown;
 }
@@ -83,7 +48,7 @@ std::vector<Shown> WizardModel::screen() const {
 Time WizardModel::NextDeadline() const {
     if (busy())
         return stack_.back().wake;
-    Time next = kNever;
+    Time next = Time::max();
     for (const TimerState& timer : timers_)
         next = std::min(next, timer.due);
     return next;
@@ -97,45 +62,37 @@ void WizardModel::RunTo(Time time) {
     now_ = time;
 }
 
-void WizardModel::Settle() {
-    RunThread();
-}
-
-void WizardModel::Receive(std::span<const std::uint8_t> bytes) {
-    if (!world.has_link || closed_)
-        return;
-    receiving_ = true;
-    for (const std::uint8_t byte : bytes)
-        if (const auto report = finder_.Add(byte))
-            OnReport(*report);
-    receiving_ = false;
-    reading_since_ = now_;
-}
-
-void WizardModel::Touch(bool down, int x, int y) {
-    touches_.push_back({down, x, y});
-}
-
-void WizardModel::Post(Message message, std::uint64_t wparam, std::uint64_t lparam) {
+void WizardModel::Post(unsigned message, std::uint64_t wparam, std::uint64_t lparam) {
     posted_.push_back({&main_, message, wparam, lparam});
 }
 
-void WizardModel::PostToNotice(Message message, std::uint64_t wparam) {
+void WizardModel::PostToNotice(unsigned message, std::uint64_t wparam) {
     if (notice_.exists)
         posted_.push_back({&notice_, message, wparam, 0});
 }
 
 void WizardModel::PostToAll(std::uint64_t wparam, std::uint64_t lparam) {
-    PostToNotice(Message::kOther, 0);
-    Post(Message::kPower, wparam, lparam);
+    PostToNotice(kPowerMessage, wparam);
+    Post(kPowerMessage, wparam, lparam);
 }
 
 void WizardModel::SupplyUnreadable() {
     Failure("CPowerDetector::ThreadProc_PowerDetector", "GetSystemPowerStatusEx2() fail!!!", 31);
 }
 
-void WizardModel::Invalidate() {
-    main_.invalid = true;
+std::string WizardModel::NeverTaken() {
+    std::string missing;
+    for (const Rule& rule : Rules())
+        if (!rules_taken_.contains(&rule))
+            missing += Text("row %d of the rules\n", static_cast<int>(&rule - Rules().data()));
+    constexpr std::pair<int, int> kMoves[] = {{-1, 0}, {0, 1},  {1, 2},  {2, 3},  {3, 4},  {4, 5},
+                                              {2, 5},  {5, 6},  {2, 1},  {-1, 2}, {0, 2},  {4, 2},
+                                              {5, 2},  {6, 2},  {0, -1}, {1, -1}, {2, -1}, {3, -1},
+                                              {4, -1}, {5, -1}, {6, -1}};
+    for (const auto& move : kMoves)
+        if (!moves_.contains(move))
+            missing += Text("the move from step %d to %d\n", move.first, move.second);
+    return missing;
 }
 
 }  // namespace tests::model

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <chrono>
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -28,11 +27,39 @@ struct World {
     std::uint8_t ac_line = 1;
 };
 
+// What went out since it was taken last.
+struct Output {
+    std::string log;
+    std::vector<unsigned> frames;
+    std::vector<std::string> reset_requests, scaler_requests;
+    int reset_opens = 0, scaler_opens = 0;  // those that failed too
+    std::vector<unsigned> hal_codes, power_states;
+    bool operator==(const Output&) const = default;
+};
+
+// What can be seen of the wizard now, but for its screen.
+struct View {
+    int step = 0, percent = 0, image_version = 0, running_state = 0;
+    std::string dvr_version;
+    std::map<std::uint64_t, Time> timers;
+    bool notice_up = false;
+    bool operator==(const View&) const = default;
+};
+
 // A text on the screen, and within which place its middle lies.
 struct Shown {
     std::wstring text;
     unsigned color;
     long left, top, right, bottom;
+};
+
+// Of windows; also what may be posted to the wizard's window or its notice.
+enum Message : unsigned {
+    kCloseMessage = 0x10,
+    kMenuMessage = 0x111,
+    kTimerMessage = 0x113,
+    kCommandMessage = 2024,
+    kPowerMessage = 0xC000,  // stands for one that is registered
 };
 
 // The wizard, told a second time: the window's thread with its messages, timers and waits, and the
@@ -42,6 +69,7 @@ class WizardModel {
     WizardModel(const World& around, Time start);
 
     World world;
+    Output output;
 
     // Lets time pass up to then, with all that comes of itself.
     void RunTo(Time time);
@@ -53,54 +81,62 @@ class WizardModel {
 
     // Events. Each is followed by Settle() once all of one moment are in.
     void Receive(std::span<const std::uint8_t> bytes);
-    void Touch(bool down, int x, int y);
-    enum class Message { kCommand, kTimer, kPower, kClose, kExit, kOther };
-    void Post(Message message, std::uint64_t wparam = 0, std::uint64_t lparam = 0);
-    void PostToNotice(Message message, std::uint64_t wparam);
+    void Touch(bool down, int x, int y) { touches_.push_back({down, x, y}); }
+    void Post(unsigned message, std::uint64_t wparam = 0, std::uint64_t lparam = 0);
+    void PostToNotice(unsigned message, std::uint64_t wparam);
     void PostToAll(std::uint64_t wparam, std::uint64_t lparam);
     void SupplyUnreadable();
-    void Invalidate();
-    void HoldPercent(std::uint8_t percent) { percent_ = percent; }
-    void Settle();
+    void Invalidate() { main_.invalid = true; }
+    void SetPercent(int percent) { percent_ = static_cast<std::uint8_t>(percent); }
+    void Settle() { RunThread(); }
 
-    // What can be seen from outside.
+    View Look() const;
+    std::vector<Shown> screen() const;
+    // At the place of the close button: X, pressed x, or what lies behind, black b or the key k.
+    char close_place() const { return main_.close_place; }
     int step() const { return step_; }
-    int percent() const { return percent_; }
-    int bin_version() const { return bin_version_; }
-    int running_state() const { return running_state_; }
-    std::string version() const;
     bool closed() const { return closed_; }
     bool ac_offline() const { return ac_line_ == 0; }
     bool notice_up() const { return notice_.exists; }
     // The window's thread waits within a command.
     bool busy() const { return !stack_.empty() && !AtNotice(); }
     bool visible(Control control) const { return controls_[control].visible; }
-    std::map<std::uint64_t, Time> timers() const;
-    std::vector<Shown> screen() const;
-    // At the place of the close button: X, pressed x, or what lies behind, black b or the key k.
-    char close_place() const { return main_.close_place; }
 
-    // What went out since it was cleared last.
-    std::string log;
-    std::vector<unsigned> frames;
-    std::vector<std::string> reset_requests, scaler_requests;
-    int reset_opens = 0, scaler_opens = 0;
-    std::vector<unsigned> hal_codes, power_states;
-    void ClearOutput();
-
-    // Which rows of Rules() have been taken, by all models of the process.
-    static std::vector<std::uint64_t>& RulesTaken();
-    // Moves [from][to] of the step, both plus one.
-    static std::array<std::array<std::uint64_t, 8>, 8>& Moves();
+    // Which rules, and which moves of the step, no model of the process has taken.
+    static std::string NeverTaken();
 
   private:
+    enum class Trigger { kCommand, kTimer, kRunningState, kCard, kPower };
+    struct Activation;
+    // One thing that is done, at once or in a while.
+    struct Op {
+        using Act = void (WizardModel::*)(int);
+        using Wait = bool (WizardModel::*)(Activation&);
+        Op(Act what, int with = 0) : act(what), value(with) {}
+        Op(Wait what) : wait(what) {}
+        Act act = nullptr;
+        int value = 0;
+        Wait wait = nullptr;  // false while it waits
+    };
+    // The first that fits is the one that counts.
+    struct Rule {
+        Trigger trigger;
+        unsigned id;  // command, timer, or the value that was reported
+        int step;
+        bool (WizardModel::*guard)() const;
+        std::vector<Op> ops;
+    };
+    static std::span<const Rule> Rules();
+    // A rule that is carried out, at one of its operations.
+    struct Activation {
+        const std::vector<Op>* ops;
+        std::size_t at = 0;
+        int stage = 0;  // of an operation that waits
+        Time wake{};
+    };
     struct ControlState {
         bool visible;
         bool pressed = false;
-        std::wstring text;
-        unsigned color;
-    };
-    struct Drawn {
         std::wstring text;
         unsigned color;
     };
@@ -108,12 +144,12 @@ class WizardModel {
         bool exists = false;
         bool invalid = false;
         bool asked = false;  // another thread wants it painted at once
-        std::map<int, Drawn> drawn;
+        std::map<int, std::pair<std::wstring, unsigned>> drawn;
         char close_place = 'b';
     };
     struct Posted {
         Window* window;
-        Message message;
+        unsigned message;
         std::uint64_t wparam, lparam;
     };
     struct TimerState {
@@ -124,61 +160,78 @@ class WizardModel {
         bool down;
         int x, y;
     };
-    // A handler that runs, at one of its operations.
-    struct Activation {
-        const std::vector<Op>* ops;
-        std::size_t at = 0;
-        std::uint64_t timer = 0;
-        int stage = 0;  // of an operation that waits
-        Time wake{};
-    };
+
+    bool CardIsOut() const { return card_ == 0; }
+    bool CardIsIn() const { return card_ == 1; }
+    bool HasPercent() const { return percent_ != 0; }
+    bool IsAt100Percent() const { return percent_ == 100; }
+    bool WasOffline() const { return was_offline_; }
+
+    void ToStep(int step);
+    void ToStepIfImage(int step);
+    void ForgetVersion(int = 0) { version_ = {}; }
+    void ForgetCardReport(int) { card_report_ = false; }
+    void SetRunningState(int state) { running_state_ = state; }
+    void Show(int control) { controls_[control].visible = true; }
+    void Hide(int control) { controls_[control].visible = false; }
+    void HideThree(int = 0);
+    void ShowOnly(int control);
+    void GoOffline(int = 0);
+    void GoOnline(int) { was_offline_ = false; }
+    void Repaint(int = 0);
+    void Arm100(int timer) { Arm(timer, 100); }
+    void Arm2000(int timer) { Arm(timer, 2000); }
+    void KillFired(int) { Kill(fired_); }
+    void LogReset(int) { Line("\tCMainFrame::OnXCommand, Reset"); }
+    void Send(int command);
+    void SuspendSystem(int);
+    void PostClose(int) { Post(kCloseMessage); }
+
+    bool ShowNotice(Activation& running);
+    bool Reset(Activation& running);
+    bool StartVideo(Activation& running);
+    bool AwaitCardReport(Activation& running) { return Poll(running, 40, card_report_); }
+    bool AwaitPercent(Activation& running) { return Poll(running, 20, percent_ != 0); }
+    bool AwaitReboot(Activation& running) { return Poll(running, 99, running_state_ != 3); }
+    bool Pause(Activation& running) { return SleepFor(running, std::chrono::seconds(1)); }
+    bool Poll(Activation& running, int most, bool arrived);
+    bool SleepFor(Activation& running, Time time);
 
     // The window's thread.
     bool AtNotice() const;
     void RunThread();
     bool GoOn();
-    bool Execute(Activation& running, const Op& op);
+    void Take(Trigger trigger, unsigned id);
     bool DispatchNext();
+    bool PaintNext(bool asked);
     void Dispatch(const Posted& posted);
+    void DispatchToNotice(const Posted& posted);
     void DispatchTouch(const TouchInput& touch);
     bool TakeTouch(const TouchInput& touch, int control);
     void Paint(Window& window);
     void PaintWizard();
+    void PaintStep();
     void PaintNotice();
     void Redraw(int control);
     void OnNoticeCommand(unsigned id);
-    void Take(Trigger trigger, unsigned id, std::uint64_t timer = 0);
     void OnPower(std::uint64_t wparam, std::uint64_t lparam);
     void Close();
 
-    // Operations that wait: false while they do; `stage` tells where they are.
-    bool ShowNotice(Activation& running);
-    bool Reset(Activation& running);
-    bool StartVideo(Activation& running);
-    bool Poll(Activation& running, int most, bool arrived);
-    bool SleepFor(Activation& running, Time time);
-
-    void OpenScalerLog();
     bool OpenScaler();
     void CloseScaler();
     void Scale(const char* function, const char* request, const char* failure);
     void ShowVideo();
-    void SuspendSystem();
 
     // The receive thread.
     void OnReport(const Report& report);
     void OnRunningState(unsigned state);
     void OnCard(unsigned status, unsigned percent);
-    void Send(unsigned command);
 
-    void ToStep(int step);
-    void Repaint();
     void Apply(Screen screen);
-    void Arm(std::uint64_t id, int milliseconds);
+    void Arm(int id, int milliseconds);
     void Kill(std::uint64_t id);
-    bool Holds(Guard guard) const;
     bool VersionKnown() const { return version_[1] != 0 || version_[4] != 0; }
-    void Line(const std::string& line);
+    void Line(const std::string& line) { output.log += "[Tolvane.exe] " + line + "\r\n"; }
     void Failure(const char* function, const char* what, unsigned error);
 
     Time now_;
@@ -188,8 +241,8 @@ class WizardModel {
 
     int step_ = -1;
     std::uint8_t percent_ = 0;
-    std::uint8_t bin_version_ = 0;
-    std::uint8_t running_state_ = 0;
+    std::uint8_t image_version_ = 0;
+    int running_state_ = 0;
     std::array<char, 8> version_{};
     std::uint8_t card_ = 0xFF;
     bool card_report_ = false;
@@ -205,8 +258,12 @@ class WizardModel {
     std::deque<Posted> posted_;
     std::deque<TouchInput> touches_;
     std::vector<TimerState> timers_;
-    bool rest_has_turn_ = false;
+    std::uint64_t fired_ = 0;     // the timer that fired last
+    bool rest_has_turn_ = false;  // after a paint that was asked for
     FrameFinder finder_;
+
+    static std::set<const Rule*> rules_taken_;
+    static std::set<std::pair<int, int>> moves_;
 };
 
 }  // namespace tests::model

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 bool WizardModel::AtNotice() const {
     return !stack_.empty() && stack_.back().at < stack_.back().ops->size() &&
-           (*stack_.back().ops)[stack_.back().at].what == Do::kShowNotice &&
+           (*stack_.back().ops)[stack_.back().at].wait == &WizardModel::ShowNotice &&
            stack_.back().stage == 1;
 }
 
@@ -25,132 +25,38 @@ void WizardModel::RunThread() {
     }
 }
 
-// The innermost handler goes on as far as it can; false while it waits.
+// The innermost rule goes on as far as it can; false while it waits.
 bool WizardModel::GoOn() {
-    const std::size_t depth = stack_.size() - 1;
-    if (stack_[depth].at == stack_[depth].ops->size()) {
+    Activation& running = stack_.back();
+    if (running.at == running.ops->size()) {
         stack_.pop_back();
         return true;
     }
-    const Op op = (*stack_[depth].ops)[stack_[depth].at];
-    if (!Execute(stack_[depth], op))
-        return stack_[depth].wake <= now_;
-    ++stack_[depth].at;
-    stack_[depth].stage = 0;
+    const Op op = (*running.ops)[running.at];
+    if (op.wait && !(this->*op.wait)(running))
+        return running.wake <= now_;
+    if (op.act)
+        (this->*op.act)(op.value);
+    ++running.at;
+    running.stage = 0;
     return true;
 }
 
-void WizardModel::Take(Trigger trigger, unsigned id, std::uint64_t timer) {
+void WizardModel::Take(Trigger trigger, unsigned id) {
     const auto fits = [&](const Rule& rule) {
         return rule.trigger == trigger && (rule.id == kAnyId || rule.id == id) &&
-               (rule.step == kAnyStep || rule.step == step_) && Holds(rule.guard);
+               (rule.step == kAnyStep || rule.step == step_) &&
+               (!rule.guard || (this->*rule.guard)());
     };
-    const auto rule = std::ranges::find_if(Rules(), fits);
-    ++RulesTaken()[static_cast<std::size_t>(rule - Rules().begin())];
-    Activation activation{&rule->ops, 0, timer, 0, {}};
+    const Rule& rule = *std::ranges::find_if(Rules(), fits);
+    rules_taken_.insert(&rule);
     if (!receiving_) {
-        stack_.push_back(activation);
+        stack_.push_back({&rule.ops});
         return;
     }
-    for (const Op& op : rule->ops)
-        Execute(activation, op);
-}
-
-bool WizardModel::Holds(Guard guard) const {
-    switch (guard) {
-        case Guard::kCardOut:
-            return card_ == 0;
-        case Guard::kCardIn:
-            return card_ == 1;
-        case Guard::kPercent:
-            return percent_ != 0;
-        case Guard::kPercent100:
-            return percent_ == 100;
-        case Guard::kWasOffline:
-            return was_offline_;
-        case Guard::kAlways:
-            break;
-    }
-    return true;
-}
-
-bool WizardModel::Execute(Activation& running, const Op& op) {
-    const auto number = static_cast<unsigned>(op.value);
-    switch (op.what) {
-        case Do::kShowNotice:
-            return ShowNotice(running);
-        case Do::kStep:
-            ToStep(op.value);
-            break;
-        case Do::kStepIfImage:
-            if (percent_ == 0 && bin_version_ != 0)
-                ToStep(op.value);
-            break;
-        case Do::kNoPercent:
-            percent_ = 0;
-            break;
-        case Do::kNoVersion:
-            version_ = {};
-            break;
-        case Do::kNoCardReport:
-            card_report_ = false;
-            break;
-        case Do::kRunningState:
-            running_state_ = static_cast<std::uint8_t>(op.value);
-            break;
-        case Do::kShow:
-        case Do::kHide:
-            controls_[number].visible = op.what == Do::kShow;
-            break;
-        case Do::kHideThree:
-            for (const Control control : {kNext, kUpdate, kSuspend})
-                controls_[control].visible = false;
-            break;
-        case Do::kOffline:
-            was_offline_ = true;
-            Apply(Screen::kOffline);
-            break;
-        case Do::kOnline:
-            was_offline_ = false;
-            break;
-        case Do::kRepaint:
-            Repaint();
-            break;
-        case Do::kArm100:
-            Arm(number, 100);
-            break;
-        case Do::kArm2000:
-            Arm(number, 2000);
-            break;
-        case Do::kKill:
-            Kill(running.timer);
-            break;
-        case Do::kLogReset:
-            Line("\tCMainFrame::OnXCommand, Reset");
-            break;
-        case Do::kReset:
-            return Reset(running);
-        case Do::kVideo:
-            return StartVideo(running);
-        case Do::kSend:
-            Send(number);
-            break;
-        case Do::kAwaitCardReport:
-            return Poll(running, 40, card_report_);
-        case Do::kAwaitPercent:
-            return Poll(running, 20, percent_ != 0);
-        case Do::kAwaitReboot:
-            return Poll(running, 99, running_state_ != 3);
-        case Do::kPause:
-            return SleepFor(running, 1s);
-        case Do::kSuspendSystem:
-            SuspendSystem();
-            break;
-        case Do::kPostClose:
-            Post(Message::kClose);
-            break;
-    }
-    return true;
+    // What the receive thread does never waits.
+    for (const Op& op : rule.ops)
+        (this->*op.act)(op.value);
 }
 
 bool WizardModel::SleepFor(Activation& running, Time time) {
@@ -173,12 +79,12 @@ bool WizardModel::Poll(Activation& running, int most, bool arrived) {
 
 bool WizardModel::Reset(Activation& running) {
     if (running.stage == 0) {
-        ++reset_opens;
+        ++output.reset_opens;
         if (world.reset_open != 0) {
             Failure("CMainFrame::Reset_DVR", "CreateFile() fail!!!", world.reset_open);
             return true;
         }
-        reset_requests.emplace_back("0881 02");
+        output.reset_requests.emplace_back("0881 02");
         if (world.reset_request != 0) {
             Failure("CMainFrame::Reset_DVR", "DeviceIoControl() fail!!!", world.reset_request);
             return true;
@@ -187,26 +93,48 @@ bool WizardModel::Reset(Activation& running) {
     return SleepFor(running, 2s);
 }
 
-void WizardModel::SuspendSystem() {
-    hal_codes.push_back(0x01012020);
+void WizardModel::SuspendSystem(int) {
+    output.hal_codes.push_back(0x01012020);
     if (world.hal != 0) {
         Failure("CMainFrame::OnXCommand", "KernelIoControl( IOCTL_HAL_ENTER_SUSPEND_MODE ) fail!!!",
                 world.hal);
         return;
     }
     Line("\tCMainFrame::OnXCommand, SystemSuspend");
-    power_states.push_back(0x00020000);
+    output.power_states.push_back(0x00020000);
 }
 
 void WizardModel::ToStep(int step) {
-    ++Moves()[IndexOf(step_)][IndexOf(step)];
+    moves_.insert({step_, step});
     step_ = step;
 }
 
-void WizardModel::Arm(std::uint64_t id, int milliseconds) {
-    Kill(id);
+void WizardModel::ToStepIfImage(int step) {
+    if (percent_ == 0 && image_version_ != 0)
+        ToStep(step);
+}
+
+void WizardModel::HideThree(int) {
+    for (const Control control : {kNext, kUpdate, kSuspend})
+        Hide(control);
+}
+
+void WizardModel::ShowOnly(int control) {
+    HideThree();
+    Show(control);
+}
+
+void WizardModel::GoOffline(int) {
+    was_offline_ = true;
+    HideThree();
+    Apply(Screen::kOffline);
+}
+
+void WizardModel::Arm(int id, int milliseconds) {
+    const auto number = static_cast<std::uint64_t>(id);
+    Kill(number);
     const Time period = std::chrono::milliseconds(milliseconds);
-    timers_.push_back({id, period, now_ + period});
+    timers_.push_back({number, period, now_ + period});
 }
 
 void WizardModel::Kill(std::uint64_t id) {
@@ -214,7 +142,7 @@ void WizardModel::Kill(std::uint64_t id) {
 }
 
 // Another thread's paint comes next, but does not come now.
-void WizardModel::Repaint() {
+void WizardModel::Repaint(int) {
     main_.invalid = true;
     if (receiving_)
         main_.asked = true;

@@ -1,20 +1,22 @@
 #include "tests/model/wizard_model.h"
 
+#include <algorithm>
+
 #include "tests/model/text.h"
 
 namespace tests::model {
 
 void WizardModel::Apply(Screen screen) {
-    for (const Setting& setting : Settings()) {
-        if (setting.screen != screen)
-            continue;
+    const ScreenRow& row = *std::ranges::find(Screens(), screen, &ScreenRow::screen);
+    for (std::size_t line = 0; line < row.lines.size(); ++line)
+        if (row.lines[line])
+            controls_[kLine1 + line].text = row.lines[line];
+    for (const Setting& setting : row.others) {
         ControlState& control = controls_[setting.control];
-        if (setting.what == Setting::What::kText)
+        if (setting.text)
             control.text = setting.text;
-        else if (setting.what == Setting::What::kColor)
-            control.color = setting.value;
-        else
-            control.visible = setting.value != 0;
+        control.color = setting.color.value_or(control.color);
+        control.visible = setting.visible.value_or(control.visible);
     }
 }
 
@@ -32,7 +34,7 @@ void WizardModel::PaintNotice() {
         Apply(Screen::kNoticeAfterUpdate);
     notice_.drawn.clear();
     for (int control = kWizardControls; control < kAllControls; ++control)
-        notice_.drawn[control] = {controls_[control].text, controls_[control].color};
+        Redraw(control);
 }
 
 void WizardModel::PaintWizard() {
@@ -40,76 +42,67 @@ void WizardModel::PaintWizard() {
         Arm(kVideoTimer, 100);
         controls_[kNext].text = L"Next";
         ToStep(kUpdating);
-        controls_[kNext].visible = false;
+        Hide(kNext);
     }
     const char background = step_ == kPowerOn ? 'b' : 'k';
-    if (ac_line_ != 0) {
-        std::wstring& dvr = controls_[kDvrLine].text;
-        dvr = L"DVR :";
-        if (step_ == kCheckCard || step_ == kInsertCard || step_ == kResult || step_ == kReopen) {
-            const std::string known = version();
-            dvr = VersionKnown() ? L"DVR : V" + std::wstring(known.begin(), known.end())
-                                 : L"DVR : 読み込み中";
-        } else if (step_ != kRemoveCard) {
-            version_ = {};
-        }
-        switch (step_) {
-            case kPowerOn:
-                Apply(Screen::kPowerOn);
-                break;
-            case kCheckCard:
-                Apply(card_report_ ? Screen::kCheckCard : Screen::kNoCardReport);
-                break;
-            case kInsertCard:
-                Apply(Screen::kInsertCard);
-                break;
-            case kUpdating:
-                if (percent_ == 0) {
-                    Apply(Screen::kImageMissing);
-                    ToStep(kInsertCard);
-                    Repaint();
-                } else {
-                    Apply(Screen::kUpdating);
-                    controls_[kLine2].text =
-                        L"Update Percent : " + std::to_wstring(percent_) + L"%";
-                    if (percent_ >= 100) {
-                        ToStep(kWait);
-                        main_.invalid = true;
-                    }
-                }
-                break;
-            case kWait:
-                Apply(Screen::kWait);
-                if (percent_ >= 100) {
-                    Arm(kNotifyTimer, 3000);
-                    percent_ = 0;
-                }
-                break;
-            case kRemoveCard:
-                Apply(Screen::kRemoveCard);
-                Arm(kNotifyTimer, 1000);
-                break;
-            case kResult:
-                Apply(Screen::kResult);
-                Apply(VersionKnown() ? Screen::kSuccess : Screen::kFailure);
-                break;
-            case kReopen:
-                Apply(Screen::kReopen);
-                break;
-            default:
-                break;
-        }
-    }
+    if (ac_line_ != 0)
+        PaintStep();
     main_.drawn.clear();
     for (int control = 0; control < kWizardControls; ++control)
         if (controls_[control].visible)
-            main_.drawn[control] = {controls_[control].text, controls_[control].color};
-    main_.close_place = background;
-    if (controls_[kClose].visible)
-        main_.close_place = controls_[kClose].pressed ? 'x' : 'X';
+            Redraw(control);
+    if (!controls_[kClose].visible)
+        main_.close_place = background;
 }
 
-// The button alone, straight onto its window.
+void WizardModel::PaintStep() {
+    std::wstring& dvr = controls_[kDvrLine].text;
+    dvr = L"DVR :";
+    if (step_ == kCheckCard || step_ == kInsertCard || step_ == kResult || step_ == kReopen) {
+        const std::string known = version_.data();
+        dvr += VersionKnown() ? L" V" + std::wstring(known.begin(), known.end()) : L" 読み込み中";
+    } else if (step_ != kRemoveCard) {
+        ForgetVersion();
+    }
+    switch (step_) {
+        case kPowerOn:
+            return Apply(Screen::kPowerOn);
+        case kCheckCard:
+            return Apply(card_report_ ? Screen::kCheckCard : Screen::kNoCardReport);
+        case kInsertCard:
+            return Apply(Screen::kInsertCard);
+        case kUpdating:
+            if (percent_ == 0) {
+                Apply(Screen::kImageMissing);
+                ToStep(kInsertCard);
+                return Repaint();
+            }
+            Apply(Screen::kUpdating);
+            controls_[kLine2].text = L"Update Percent : " + std::to_wstring(percent_) + L"%";
+            if (percent_ >= 100) {
+                ToStep(kWait);
+                main_.invalid = true;
+            }
+            return;
+        case kWait:
+            Apply(Screen::kWait);
+            if (percent_ >= 100) {
+                Arm(kNotifyTimer, 3000);
+                percent_ = 0;
+            }
+            return;
+        case kRemoveCard:
+            Apply(Screen::kRemoveCard);
+            return Arm(kNotifyTimer, 1000);
+        case kResult:
+            Apply(Screen::kResult);
+            return Apply(VersionKnown() ? Screen::kSuccess : Screen::kFailure);
+        default:
+            return Apply(Screen::kReopen);
+    }
+}
+
+// One control, straight onto its window.
 void WizardModel::Redraw(int control) {
     const ControlState& state = controls_[static_cast<std::size_t>(control)];
     Window& window = control < kWizardControls ? main_ : notice_;

@@ -19,15 +19,26 @@ constexpr const char* kCards[] = {"PLUG_OUT",
 
 }  // namespace
 
-void WizardModel::Send(unsigned command) {
+void WizardModel::Send(int command) {
     if (world.has_link)
-        frames.push_back(command);
+        output.frames.push_back(static_cast<unsigned>(command));
     else
         Failure("UART_SendCommand", "WriteFile() fail!!!", 6);
 }
 
+void WizardModel::Receive(std::span<const std::uint8_t> bytes) {
+    if (!world.has_link || closed_)
+        return;
+    receiving_ = true;
+    for (const std::uint8_t byte : bytes)
+        if (const auto report = finder_.Add(byte))
+            OnReport(*report);
+    receiving_ = false;
+    reading_since_ = now_;
+}
+
 void WizardModel::OnReport(const Report& report) {
-    log += HandlerLog(report, true);
+    output.log += HandlerLog(report, true);
     const bool ack = report.type == 0x20;
     if (!ack && report.type != 0x80)
         return;
@@ -50,7 +61,7 @@ void WizardModel::OnReport(const Report& report) {
             } else {
                 percent_ = report.byte(0);
                 if (length >= 2)
-                    bin_version_ = report.byte(1);
+                    image_version_ = report.byte(1);
             }
             main_.invalid = true;
             break;
@@ -67,7 +78,7 @@ void WizardModel::OnRunningState(unsigned state) {
         Line(begin + "default!!!");
         return;
     }
-    running_state_ = static_cast<std::uint8_t>(state);
+    SetRunningState(static_cast<int>(state));
     const std::string step = state == 2 ? Text("%d, ", step_) : "";
     Line(begin + step + "DVR_RUNNING_STATE_" + kStates[state]);
     Take(Trigger::kRunningState, state);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
-// The wizard's behaviour as tables: what each event does at each step, and what each screen sets.
+// The wizard in numbers and texts: its controls, and what each of its screens sets.
 namespace tests::model {
 
 enum Step {
@@ -62,55 +64,6 @@ enum CommandId : unsigned {
     kOkId = 1015
 };
 
-enum class Trigger { kCommand, kTimer, kRunningState, kCard, kPower };
-
-enum class Guard { kAlways, kCardOut, kCardIn, kPercent, kPercent100, kWasOffline };
-
-// What is done, in words of the wizard; each may take one value.
-enum class Do {
-    kShowNotice,    // unless one is up: puts the notice up and waits until it has gone
-    kStep,          // value: the step
-    kStepIfImage,   // value: the step, when no percent has come but an image is there
-    kNoPercent,     // 0 percent
-    kNoVersion,     // forgets the DVR's version
-    kNoCardReport,  // forgets that a card report came
-    kRunningState,  // value: what the DVR is taken to be in
-    kShow,          // value: the control
-    kHide,          // value: the control
-    kHideThree,     // Next, Update, Suspend
-    kOffline,       // the supply is gone: remembers it, and puts up the texts
-    kOnline,        // forgets it
-    kRepaint,
-    kArm100,   // value: the timer
-    kArm2000,  // value: the timer
-    kKill,     // the timer that fired
-    kLogReset,
-    kReset,  // of the DVR; a while of waiting when it works
-    kVideo,  // starts the composite video, which may wait for its driver
-    kSend,   // value: the command to the DVR
-    kAwaitCardReport,
-    kAwaitPercent,
-    kAwaitReboot,  // until the DVR has left that state
-    kPause,        // a second
-    kSuspendSystem,
-    kPostClose,
-};
-
-struct Op {
-    Do what;
-    int value = 0;
-};
-
-// The first row that fits is the one that counts.
-struct Rule {
-    Trigger trigger;
-    unsigned id;  // command, timer, or the value that was reported
-    int step;
-    Guard guard;
-    std::vector<Op> ops;
-};
-std::span<const Rule> Rules();
-
 enum class Screen {
     kPowerOn,
     kNoCardReport,
@@ -134,14 +87,17 @@ inline constexpr unsigned kBlue = 0xFF0000;
 
 // What a screen sets; everything else stays as it was.
 struct Setting {
-    enum class What { kText, kColor, kVisible };
-    Screen screen;
     Control control;
-    What what;
-    const wchar_t* text;
-    unsigned value;  // colour, or whether visible
+    const wchar_t* text;  // nullptr: stays
+    std::optional<unsigned> color{};
+    std::optional<bool> visible{};
 };
-std::span<const Setting> Settings();
+struct ScreenRow {
+    Screen screen;
+    std::array<const wchar_t*, 4> lines;  // the texts of kLine1 and the next; nullptr: stays
+    std::vector<Setting> others;
+};
+std::span<const ScreenRow> Screens();
 
 // A control as it is made.
 struct ControlRow {

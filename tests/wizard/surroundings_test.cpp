@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "platform/kernel/call_faults.h"
 #include "tests/bench/wizard_bench.h"
 #include "wizard/WizardModel.h"
@@ -11,7 +13,8 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-// Lines of screens of which no picture is kept. A full-width character is twice the font's width.
+// Lines of screens of which no picture is kept. A full-width character is twice the font's width,
+// and another painting makes them no heavier.
 TEST(Screens, GiveLinesTheirSize) {
     const auto goes = [](int step) { return [step](WizardBench& bench) { bench.GoTo(step); }; };
     const auto offline = [](WizardBench& bench) {
@@ -41,6 +44,10 @@ TEST(Screens, GiveLinesTheirSize) {
         const RECT box = bench.Find(row.text).value().box;
         EXPECT_NEAR(box.right - box.left, row.half_widths * row.width, row.width);
         EXPECT_NEAR((box.top + box.bottom) / 2.0, row.middle, 5);
+        const platform::gdi::Surface painted_once = bench.Screen();
+        bench.Post(WM_TIMER, 261);
+        bench.RunFor(5ms);
+        EXPECT_TRUE(std::ranges::equal(bench.Screen().pixels(), painted_once.pixels()));
     }
 }
 

@@ -1,9 +1,6 @@
 #include "tests/model/lockstep/campaign.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
+#include <gtest/gtest.h>
 
 #include "tests/model/generator.h"
 #include "tests/model/lockstep/lockstep.h"
@@ -16,52 +13,30 @@ constexpr std::size_t kEventsASequence = 300;
 // Of a shortened sequence: each costs a start of the program.
 constexpr int kMostReplays = 2000;
 
-// What the program prints when it starts, thousands of times, is not for the reader of a test.
-class Silence {
-  public:
-    Silence() : kept_((std::fflush(stdout), dup(STDOUT_FILENO))) {
-        const int nothing = open("/dev/null", O_WRONLY);
-        dup2(nothing, STDOUT_FILENO);
-        close(nothing);
-    }
-    ~Silence() {
-        std::fflush(stdout);
-        dup2(kept_, STDOUT_FILENO);
-        close(kept_);
-    }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-  private:
-    int kept_;
-};
-
-std::string RunSequence(const Sequence& sequence) {
+// Runs the sequence, or as much as leads to the first difference, which is returned.
+std::string Replay(const Sequence& sequence) {
     Lockstep lockstep(sequence.world, sequence.start_milliseconds);
+    std::string difference;
     for (const Event& event : sequence.events) {
-        if (lockstep.model().closed())
+        if (lockstep.model().closed() || !difference.empty())
             break;
-        std::string difference = lockstep.Apply(event);
-        if (!difference.empty())
-            return difference;
+        difference = lockstep.Apply(event);
     }
-    if (!lockstep.model().closed())
-        lockstep.Apply({100, Kind::kClose, 0, 0, {}});
-    return lockstep.End();
+    if (difference.empty() && !lockstep.model().closed())
+        difference = lockstep.Apply({100, Kind::kClose, kCloseMessage});
+    return difference.empty() ? lockstep.End() : difference;
 }
 
 // Drops what is not needed for a difference to stay, in ever smaller pieces.
 void Shorten(Sequence& sequence) {
     int replays = 0;
     for (std::size_t piece = sequence.events.size() / 2; piece > 0; piece /= 2) {
-        for (std::size_t at = 0; at < sequence.events.size() && replays < kMostReplays;) {
+        for (std::size_t at = 0; at < sequence.events.size() && replays < kMostReplays; ++replays) {
             Sequence shorter = sequence;
-            const auto begin = shorter.events.begin() + static_cast<std::ptrdiff_t>(at);
-            const auto count =
-                static_cast<std::ptrdiff_t>(std::min(piece, shorter.events.size() - at));
-            shorter.events.erase(begin, begin + count);
-            ++replays;
-            if (RunSequence(shorter).empty())
+            const auto begin = shorter.events.begin() + std::ptrdiff_t(at);
+            shorter.events.erase(
+                begin, begin + std::ptrdiff_t(std::min(piece, shorter.events.size() - at)));
+            if (Replay(shorter).empty())
                 at += piece;
             else
                 sequence = std::move(shorter);
@@ -69,96 +44,61 @@ void Shorten(Sequence& sequence) {
     }
 }
 
-std::string RunRandom(std::uint64_t seed, std::uint64_t most, Outcome& outcome) {
-    Generator generator(seed);
-    Sequence sequence = generator.Begin();
-    std::string difference;
-    {
-        Lockstep lockstep(sequence.world, sequence.start_milliseconds);
-        const std::size_t count = std::min<std::uint64_t>(kEventsASequence, most);
-        while (difference.empty() && !lockstep.model().closed()) {
-            const bool last = sequence.events.size() + 1 >= count;
-            sequence.events.push_back(last ? generator.Last() : generator.Next(lockstep.model()));
-            difference = lockstep.Apply(sequence.events.back());
-            ++outcome.events;
-            if (last)
-                break;
-        }
-        if (difference.empty())
-            difference = lockstep.End();
+// The next sequence; its difference.
+std::string RunRandom(Sequence& sequence, Generator& generator, std::size_t count) {
+    Lockstep lockstep(sequence.world, sequence.start_milliseconds);
+    while (!lockstep.model().closed()) {
+        const bool last = sequence.events.size() + 1 >= count;
+        sequence.events.push_back(last ? generator.Last() : generator.Next(lockstep.model()));
+        const std::string difference = lockstep.Apply(sequence.events.back());
+        if (!difference.empty())
+            return difference;
+        if (last)
+            break;
     }
-    ++outcome.sequences;
-    if (difference.empty())
-        return {};
-    Shorten(sequence);
-    return Text("seed %llu\n", static_cast<unsigned long long>(seed)) + RunSequence(sequence) +
-           "after\n" + ToText(sequence);
+    return lockstep.End();
 }
 
 }  // namespace
 
-std::string Replay(const Sequence& sequence) {
-    const Silence silence;
-    return RunSequence(sequence);
-}
-
 Outcome RunCampaign(std::uint64_t events, std::uint64_t seed) {
-    const Silence silence;
+    // What the program prints when it starts, thousands of times, is not for the reader of a test.
+    testing::internal::CaptureStdout();
     Outcome outcome;
-    while (outcome.events < events && outcome.problem.empty())
-        outcome.problem = RunRandom(seed++, events - outcome.events, outcome);
+    for (; outcome.events < events && outcome.problem.empty(); ++outcome.sequences, ++seed) {
+        Generator generator(seed);
+        Sequence sequence = generator.Begin();
+        const std::string difference =
+            RunRandom(sequence, generator,
+                      std::min<std::uint64_t>(kEventsASequence, events - outcome.events));
+        outcome.events += sequence.events.size();
+        if (difference.empty())
+            continue;
+        Shorten(sequence);
+        outcome.problem = Text("seed %llu\n", static_cast<unsigned long long>(seed)) +
+                          Replay(sequence) + "after\n" + ToText(sequence);
+    }
+    testing::internal::GetCapturedStdout();
     return outcome;
 }
 
 std::string NeverReached() {
-    std::string missing;
+    std::string missing = WizardModel::NeverTaken();
     for (int step = kPowerOn; step <= kReopen; ++step) {
-        for (std::size_t kind = 0; kind < static_cast<std::size_t>(Kind::kCount); ++kind) {
-            const auto& here = Lockstep::Covered()[IndexOf(step)];
-            const char* const name = NameOf(static_cast<Kind>(kind));
-            const auto count = [&](Situation situation) {
-                return here[static_cast<std::size_t>(situation)][kind];
+        for (int number = 0; number < static_cast<int>(Kind::kCount); ++number) {
+            const auto kind = static_cast<Kind>(number);
+            const auto look_for = [&](Situation situation, const char* where) {
+                if (!Lockstep::Covered().contains({step, situation, kind}))
+                    missing += Text("event %s at step %d %s\n", NameOf(kind), step, where);
             };
-            if (count(Situation::kIdle) == 0)
-                missing += Text("event %s at step %d\n", name, step);
-            // Without a notice nothing is told to it.
-            if (count(Situation::kBusy) == 0 &&
-                kind < static_cast<std::size_t>(Kind::kNoticeCommand))
-                missing += Text("event %s at step %d within a wait\n", name, step);
+            look_for(Situation::kIdle, "");
+            look_for(Situation::kBusy, "within a wait");
             // The notice stays up while the wizard moves on under it.
-            if (count(Situation::kNotice) == 0 && (step == kPowerOn || step == kWait))
-                missing += Text("event %s at step %d under the notice\n", name, step);
+            if (step == kPowerOn || step == kWait)
+                look_for(Situation::kNotice, "under the notice");
         }
     }
-    for (std::size_t row = 0; row < Rules().size(); ++row)
-        if (WizardModel::RulesTaken()[row] == 0)
-            missing += Text("row %zu of the rules\n", row);
-    constexpr std::pair<int, int> kMoves[] = {{-1, 0}, {0, 1},  {1, 2},  {2, 3},  {3, 4},  {4, 5},
-                                              {2, 5},  {5, 6},  {2, 1},  {-1, 2}, {0, 2},  {4, 2},
-                                              {5, 2},  {6, 2},  {0, -1}, {1, -1}, {2, -1}, {3, -1},
-                                              {4, -1}, {5, -1}, {6, -1}};
-    for (const auto& [from, to] : kMoves)
-        if (WizardModel::Moves()[IndexOf(from)][IndexOf(to)] == 0)
-            missing += Text("the move from step %d to %d\n", from, to);
     return missing;
-}
-
-std::string CoverageTable() {
-    std::string table = Text("%-16s", "event");
-    for (int step = kPowerOn; step <= kReopen; ++step)
-        table += Text("%22s%d", "idle/notice/busy at ", step);
-    table += "\n";
-    for (std::size_t kind = 0; kind < static_cast<std::size_t>(Kind::kCount); ++kind) {
-        table += Text("%-16s", NameOf(static_cast<Kind>(kind)));
-        for (const auto& situations : Lockstep::Covered())
-            table += Text(
-                "%23s", Text("%llu/%llu/%llu", static_cast<unsigned long long>(situations[0][kind]),
-                             static_cast<unsigned long long>(situations[1][kind]),
-                             static_cast<unsigned long long>(situations[2][kind]))
-                            .c_str());
-        table += "\n";
-    }
-    return table;
 }
 
 }  // namespace tests::model

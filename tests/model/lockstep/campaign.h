@@ -3,8 +3,6 @@
 #include <cstdint>
 #include <string>
 
-#include "tests/model/event.h"
-
 namespace tests::model {
 
 struct Outcome {
@@ -14,15 +12,10 @@ struct Outcome {
     std::string problem;
 };
 
-// Runs such a sequence; the first difference, or empty.
-std::string Replay(const Sequence& sequence);
-
 // Runs random sequences, each from its own seed on, until so many events have passed.
 Outcome RunCampaign(std::uint64_t events, std::uint64_t seed);
 
 // What should have been reached and was not, by all runs of this process; empty when all was.
 std::string NeverReached();
-// How often each event came at each step, as a table.
-std::string CoverageTable();
 
 }  // namespace tests::model

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
-#include <memory>
+#include <set>
 #include <string>
+#include <tuple>
 
 #include "tests/bench/wizard_bench.h"
 #include "tests/model/event.h"
@@ -10,13 +10,7 @@
 namespace tests::model {
 
 // What the wizard was doing when an event came.
-enum class Situation { kIdle, kNotice, kBusy, kCount };
-
-// How often each event came at each step (plus one) and situation.
-using Coverage =
-    std::array<std::array<std::array<std::uint64_t, static_cast<std::size_t>(Kind::kCount)>,
-                          static_cast<std::size_t>(Situation::kCount)>,
-               8>;
+enum class Situation { kIdle, kNotice, kBusy };
 
 // The program and its model side by side: each event goes to both, and whatever can be seen of one
 // must be seen of the other.
@@ -33,15 +27,17 @@ class Lockstep {
     std::string End();
 
     const WizardModel& model() const { return model_; }
-    static Coverage& Covered();
+    // At which step and when which events came, in all runs of the process.
+    static std::set<std::tuple<int, Situation, Kind>>& Covered();
 
   private:
     void MoveTo(const Event& event);
     void Deliver(const Event& event);
-    void DeliverClose(unsigned how);
-    void Set(unsigned driver, unsigned error);
-    std::string Compare(bool ended);
-    std::string TakeLog();
+    void DeliverSupply(std::uint64_t line, std::uint64_t battery);
+    void SetDriver(std::uint64_t driver, unsigned error);
+    std::string Compare();
+    Output TakeOutput();
+    View Look() const;
     std::string CompareScreen() const;
 
     WizardBench bench_;
