@@ -27,10 +27,6 @@ namespace kernel = platform::kernel;
 namespace {
 
 constexpr std::size_t kFrameOverhead = 9;
-// Any place of the close button's face that its symbol leaves free.
-constexpr POINT kCloseSample = {725, 12};
-constexpr std::uint32_t kCloseFace = 0xE70010;
-
 class RecordedStream final : public platform::device::Stream {
   public:
     explicit RecordedStream(RecordingDriver& driver) : driver_(driver) { ++driver_.open_handles; }
@@ -47,30 +43,13 @@ class RecordedStream final : public platform::device::Stream {
             std::snprintf(piece.data(), piece.size(), " %02X", std::to_integer<unsigned>(byte));
             text += piece.data();
         }
-        driver_.requests.push_back({platform::kernel::Now(), text});
+        driver_.requests.push_back(text);
         return driver_.request_answer;
     }
 
   private:
     RecordingDriver& driver_;
 };
-
-char ColorLetter(COLORREF color) {
-    switch (color) {
-        case 0xFFFFFF:
-            return 'W';
-        case 0x0000FF:
-            return 'R';
-        case 0xFF0000:
-            return 'B';
-        default:
-            return '?';
-    }
-}
-
-int MiddleRow(const platform::gdi::PlacedText& text) {
-    return (text.box.top + text.box.bottom) / 2;
-}
 
 // A process starts with an empty parser; an earlier run in this one may have ended within a frame.
 void EmptyParser() {
@@ -86,30 +65,6 @@ DWORD RecordingDriver::Open(DWORD, DWORD, std::shared_ptr<platform::device::Stre
         stream = std::make_shared<RecordedStream>(*this);
     return open_answer;
 }
-
-std::vector<std::string> RecordingDriver::Take() {
-    std::vector<std::string> texts;
-    for (const Request& request : requests)
-        texts.push_back(request.text);
-    requests.clear();
-    return texts;
-}
-
-const std::vector<std::string> WizardBench::kVideoOn = {
-    "800120B0 00 00 00 00",
-    "8001206C 01 00 00 00",
-    "80012068 01 00 00 00",
-    "80012070 3F 00 00 00",
-    "80012078 00 10 00 00 01 00 00 00",
-    "1B001B 00 00 00 00 0A 00 31 00 B7 02 77 01 D0 02 E0 01 00 00 00 00 20 03 E0 01 00 01 00 00",
-    "80012070 3F 00 00 00",
-    "80012078 00 10 00 00 01 00 00 00",
-};
-const std::vector<std::string> WizardBench::kVideoOff = {
-    "800120B0 01 00 00 00",
-    "80012070 3F 00 00 00",
-    "80012078 00 00 00 00 00 00 00 00",
-};
 
 WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(options) {
     EmptyParser();
@@ -207,7 +162,7 @@ void WizardBench::GoTo(int step) {
         arrive(6);
         platform.board.hal_answer = answer;
     }
-    Mark();
+    platform.board.ClearOutput();
 }
 
 bool WizardBench::Until(const std::function<bool()>& condition, std::chrono::seconds limit) {
@@ -222,24 +177,23 @@ bool WizardBench::Until(const std::function<bool()>& condition, std::chrono::sec
 
 bool WizardBench::Tap(const std::string& caption) {
     const auto text = Find(caption);
-    if (text)
-        TapAt((text->box.left + text->box.right) / 2, MiddleRow(*text));
-    return text.has_value();
+    if (!text)
+        return false;
+    const int x = (text->box.left + text->box.right) / 2;
+    const int y = (text->box.top + text->box.bottom) / 2;
+    platform::window::TouchScreen(platform::window::Touch::kDown, x, y);
+    RunFor(20ms);
+    platform::window::TouchScreen(platform::window::Touch::kUp, x, y);
+    RunFor(5ms);
+    return true;
 }
 
-void WizardBench::HoldPercent(BYTE percent) {
-    CMainFrame* const frame = g_pMainFrame;
-    ASSERT_NE(frame, nullptr);
-    frame->m_byUpdatePercent = percent;
-}
-
-void WizardBench::SendFrame(BYTE type, WORD command, const Bytes& payload) {
-    const auto low = [](std::size_t number) { return static_cast<std::uint8_t>(number); };
-    Bytes frame = {0xA5, 0x5A, type, low(command >> 8), low(command), 0, low(payload.size())};
+void WizardBench::Indicate(std::uint8_t command, const Bytes& payload) {
+    Bytes frame = {0xA5, 0x5A, 0x80, 0, command, 0, static_cast<std::uint8_t>(payload.size())};
     frame.insert(frame.end(), payload.begin(), payload.end());
     const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
-    frame.push_back(low(sum >> 8));
-    frame.push_back(low(sum));
+    frame.push_back(static_cast<std::uint8_t>(sum >> 8));
+    frame.push_back(static_cast<std::uint8_t>(sum));
     line_->Send(frame);
 }
 
@@ -255,7 +209,7 @@ void WizardBench::Receive(std::span<const std::uint8_t> bytes) {
         EXPECT_EQ(Bytes(frame.begin(), frame.begin() + 3), (Bytes{0xA5, 0x5A, 0x10}));
         EXPECT_EQ(Bytes(frame.begin() + 5, frame.begin() + 8), (Bytes{0, 1, 0}));
         EXPECT_EQ(frame[size - 2] * 256U + frame[size - 1], sum & 0xFFFF);
-        frames.push_back({kernel::Now(), static_cast<WORD>(frame[3] << 8 | frame[4])});
+        frames.push_back(static_cast<WORD>(frame[3] << 8 | frame[4]));
         from_program_.erase(from_program_.begin(), from_program_.begin() + size);
     }
 }
@@ -289,52 +243,11 @@ std::optional<platform::gdi::PlacedText> WizardBench::Find(const std::string& te
     return found == screen.texts().end() ? std::nullopt : std::optional(*found);
 }
 
-std::string WizardBench::Buttons() const {
-    std::string buttons;
-    for (const std::string& line : LinesBetween(405, 471))
-        buttons += line.substr(2) + " ";
-    if (PixelAt(kCloseSample.x, kCloseSample.y) == kCloseFace)
-        buttons += "X ";
-    return buttons.substr(0, buttons.empty() ? 0 : buttons.size() - 1);
-}
-
-std::vector<std::string> WizardBench::LinesBetween(int top, int bottom) const {
-    std::vector<platform::gdi::PlacedText> texts = Screen().texts();
-    std::erase_if(texts, [&](const platform::gdi::PlacedText& text) {
-        return MiddleRow(text) < top || MiddleRow(text) >= bottom;
-    });
-    // Texts of one row stand a few pixels above each other at most.
-    std::ranges::stable_sort(texts, {}, [](const platform::gdi::PlacedText& text) {
-        return std::pair(MiddleRow(text) / 15, text.box.left);
-    });
-    std::vector<std::string> lines;
-    for (const platform::gdi::PlacedText& text : texts)
-        lines.push_back(std::string{ColorLetter(text.color), ' '} + kernel::ToUtf8(text.text));
-    return lines;
-}
-
-std::string WizardBench::TakeFrames() {
-    std::string commands;
-    for (; taken_frames_ < frames.size(); ++taken_frames_) {
-        std::array<char, 8> text{};
-        std::snprintf(text.data(), text.size(), "%04X", frames[taken_frames_].command);
-        commands += (commands.empty() ? "" : " ") + std::string(text.data());
-    }
-    return commands;
-}
-
 std::vector<std::string> WizardBench::TakeLog(std::string_view part) {
     std::vector<std::string> log = ProgramLog(platform.board);
     platform.board.ClearOutput();
     std::erase_if(log, [&](const std::string& line) { return line.find(part) == line.npos; });
     return log;
-}
-
-void WizardBench::Mark() {
-    taken_frames_ = frames.size();
-    platform.board.ClearOutput();
-    reset->requests.clear();
-    scaler->requests.clear();
 }
 
 void WizardBench::WaitForEnd() {

@@ -89,25 +89,21 @@ TEST(Failures, AreToldAndPassedOver) {
 TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
     WizardBench bench;
     bench.Start(SW_HIDE);
-    bench.Mark();
     bench.Close();
-    EXPECT_EQ(bench.TakeLog("CMainFrame::"),
+    EXPECT_EQ(bench.TakeLog("CMainFrame::~"),
               Log(2, "\tCMainFrame::~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"));
 }
 
 TEST(Suspend, IsAskedOfTheHalAfterThePainting) {
     WizardBench bench;
     bench.GoTo(5);
-    Log seen;
     bench.platform.board.on_hal_request = [&](std::span<const std::byte> input) {
-        seen = bench.Lines();
+        EXPECT_TRUE(bench.Shows("Please make sure DVR Firmware is correct."));
         EXPECT_EQ(std::vector(input.begin(), input.end()),
                   (std::vector{std::byte{0x5A}, std::byte{0x5A}, std::byte{0}, std::byte{0}}));
     };
     bench.Command(IDC_BTN_SUSPEND);
     bench.RunFor(100ms);
-    ASSERT_EQ(seen.size(), 7U);
-    EXPECT_EQ(seen[4], "W Please make sure DVR Firmware is correct.");
     EXPECT_EQ(bench.platform.board.power_options, std::vector<DWORD>{0x1000}) << "by force";
 }
 

@@ -203,7 +203,8 @@ void Lockstep::Deliver(const Event& event) {
             InvalidateRect(window_, nullptr, TRUE);
             return model_.Invalidate();
         case Kind::kHold:
-            bench_.HoldPercent(static_cast<BYTE>(event.a));
+            if (CMainFrame* const frame = g_pMainFrame)
+                frame->m_byUpdatePercent = static_cast<BYTE>(event.a);
             return model_.SetPercent(static_cast<int>(event.a));
         case Kind::kDriver:
             return SetDriver(event.a, static_cast<unsigned>(event.b));
@@ -232,10 +233,10 @@ Output Lockstep::TakeOutput() {
     };
     blank(".cpp(", 1, '#');
     blank("Invalid Arguments!!!, ErroCode(", 0, '?');
-    for (; frames_seen_ < bench_.frames.size(); ++frames_seen_)
-        output.frames.push_back(bench_.frames[frames_seen_].command);
-    output.reset_requests = bench_.reset->Take();
-    output.scaler_requests = bench_.scaler->Take();
+    const std::vector<WORD> frames = std::exchange(bench_.frames, {});
+    output.frames.assign(frames.begin(), frames.end());
+    output.reset_requests = std::exchange(bench_.reset->requests, {});
+    output.scaler_requests = std::exchange(bench_.scaler->requests, {});
     output.reset_opens = std::exchange(bench_.reset->opens, 0);
     output.scaler_opens = std::exchange(bench_.scaler->opens, 0);
     output.hal_codes.assign(board.hal_codes.begin(), board.hal_codes.end());

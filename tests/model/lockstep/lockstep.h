@@ -43,7 +43,6 @@ class Lockstep {
     WizardBench bench_;
     WizardModel model_;
     HWND window_ = nullptr;
-    std::size_t frames_seen_ = 0;
 };
 
 }  // namespace tests::model
