@@ -43,7 +43,8 @@ struct RecordingScaler final : device::StreamDriver {
         EXPECT_EQ(access, 0xC0000000U);
         EXPECT_EQ(share_mode, 3U);
         EXPECT_EQ(open_handles, 0) << "never two at a time";
-        if (++opens <= refusals)
+        opened_at.push_back(kernel::Now());
+        if (refusals-- > 0)
             return refusal;
         if (success_leaves_error)
             SetLastError(ERROR_DEV_NOT_EXIST);
@@ -54,7 +55,7 @@ struct RecordingScaler final : device::StreamDriver {
     int refusals = 0;
     DWORD refusal = ERROR_DEV_NOT_EXIST;
     bool success_leaves_error = false;
-    int opens = 0;
+    std::vector<kernel::Time> opened_at;
     int open_handles = 0;
     std::string request;
 };
@@ -64,7 +65,7 @@ class Scaler : public testing::Test {
     Scaler() { platform_.board.drivers[L"SCA0:"] = scaler_; }
 
     std::shared_ptr<RecordingScaler> scaler_ = std::make_shared<RecordingScaler>();
-    Platform platform_{{.start = 20s}};
+    Platform platform_{{.start = 5s}};
 };
 
 // Every byte of the record another, flags and padding not to be sent.
@@ -113,31 +114,37 @@ TEST_F(Scaler, SendsRequestsByteByByte) {
     });
 }
 
-// Whatever the refusal, a driver that comes late is taken when it comes. One that opens and yet
-// reports itself absent is opened again.
+// While the system starts nothing is tried again. Whatever the refusal, a driver that comes late is
+// taken when it comes. One that opens and yet reports itself absent is opened again.
 TEST_F(Scaler, IsOpenedUntilItIsThere) {
     const struct {
         int refusals;
         DWORD refusal;
         bool success_leaves_error;
-        int opens;
+        std::size_t opens;
         bool there;
     } rows[] = {{0, 0, false, 1, true},
                 {4, ERROR_DEV_NOT_EXIST, false, 5, true},
                 {4, ERROR_FILE_NOT_FOUND, false, 5, true},
                 {4, ERROR_DEV_NOT_EXIST, true, 122, false},
                 {200, ERROR_FILE_NOT_FOUND, false, 122, false}};
+    std::vector<kernel::Time>& times = scaler_->opened_at;
     platform_.Run([&] {
+        std::size_t before = 0;
         for (const auto& row : rows) {
             scaler_->refusals = row.refusals;
             scaler_->refusal = row.refusal;
             scaler_->success_leaves_error = row.success_leaves_error;
-            scaler_->opens = 0;
             EXPECT_EQ(Mstar_C4_Scaler_Init(), row.there);
-            EXPECT_EQ(scaler_->opens, row.opens);
+            EXPECT_EQ(times.size() - before, row.opens);
             EXPECT_EQ(scaler_->open_handles, row.there);
+            before = times.size();
         }
     });
+    EXPECT_EQ(times[1], 5s);
+    EXPECT_GT(times[2], 12s);
+    EXPECT_LE(times[2], 12s + 200ms);
+    EXPECT_EQ(times[3] - times[2], 100ms);
 }
 
 TEST_F(Scaler, HoldsItsEventWhileItIsOpen) {
