@@ -117,27 +117,18 @@ Bytes Generator::AnyText(unsigned most) {
     return text;
 }
 
+// A frame of any type and number with one byte changed, or as it is, of which the rest may never
+// come, and a good one.
 Bytes Generator::Noise() {
-    Bytes bytes = Frame(kInd, 0x26, Bytes{1, 0});
-    const auto any_byte = [this] { return static_cast<std::uint8_t>(Below(256)); };
-    switch (Below(4)) {
-        case 0:  // garbage, with sync bytes often enough
-            bytes.resize(1 + Below(30));
-            for (std::uint8_t& byte : bytes)
-                byte = OneIn(4) ? 0xA5 : OneIn(4) ? 0x5A : any_byte();
-            return bytes;
-        case 1:  // one wrong byte
-            bytes[Below(static_cast<unsigned>(bytes.size()))] ^= any_byte();
-            return bytes;
-        case 2:  // the rest never comes
-            bytes.resize(1 + Below(static_cast<unsigned>(bytes.size()) - 1));
-            return bytes;
-        default: {  // of a type or with a number that nobody handles, then a good one
-            Bytes other = Frame(any_byte(), Below(0x10000), Bytes(Below(4), 7));
-            other.insert(other.end(), bytes.begin(), bytes.end());
-            return other;
-        }
-    }
+    Bytes bytes = Frame(static_cast<std::uint8_t>(OneIn(2) ? kInd : Below(256)),
+                        OneIn(2) ? 0x26 : Below(0x10000), Bytes(Below(4), 1));
+    if (OneIn(2))
+        bytes[Below(static_cast<unsigned>(bytes.size()))] = static_cast<std::uint8_t>(Below(256));
+    if (OneIn(2))
+        bytes.resize(1 + Below(static_cast<unsigned>(bytes.size())));
+    const Bytes good = Frame(kInd, 0x10, Bytes{static_cast<std::uint8_t>(Below(6))});
+    bytes.insert(bytes.end(), good.begin(), good.end());
+    return bytes;
 }
 
 // A touch of a few milliseconds.
