@@ -113,5 +113,30 @@ TEST_F(Damage, OfTheLongestFrameIsNoException) {
     EXPECT_GT(trials_, 40'000U);
 }
 
+TEST_F(Damage, WhenThereIsNoneEveryHandlerLogsWhatItDecodes) {
+    const std::string payloads[] = {"",
+                                    {0},
+                                    {1},
+                                    {2},
+                                    {3},
+                                    "\xFF",
+                                    {'0', 0, '1', '2', '-', '1', ' ', '3'},
+                                    {'1', 0, '0', '1', '2', '3', '4', '5'},
+                                    {1, 7, '9', '9', 'x', '9', '5', 'x'},
+                                    "140901120000",
+                                    "2014090112000",
+                                    "14.09.01.V1.02.03",
+                                    std::string(64, '7')};
+    link_.Run([&] {
+        for (const unsigned type : {0x10, 0x20, 0x80})
+            for (unsigned command = 0x0F; command <= 0x2F; ++command)
+                for (const unsigned query : {0x0000, 0x8000})
+                    for (const std::string& payload : payloads)
+                        Try(model::Frame(static_cast<std::uint8_t>(type), query | command,
+                                         Bytes(payload.begin(), payload.end())),
+                            "no damage", command, type);
+    });
+}
+
 }  // namespace
 }  // namespace tests

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/gdi/device_context.h"
+#include "platform/kernel/call_faults.h"
 #include "tests/support/platform_fixture.h"
 #include "ui/CtrlList.h"
 #include "ui/DrawButton.h"
@@ -174,6 +175,8 @@ TEST(Control, TextFontAndColourAreKeptAndAnswered) {
             EXPECT_TRUE(control->SetFont(L"Arial", 0, 18, 700, DEFAULT_CHARSET));
             EXPECT_FALSE(control->SetFont(nullptr, 0, 1, 700, DEFAULT_CHARSET));
             EXPECT_FALSE(control->SetFont(L"", 0, 1, 700, DEFAULT_CHARSET));
+            platform::kernel::AddCallFault({.call = "CreateFontIndirectW"});
+            EXPECT_FALSE(control->SetFont(L"Arial", 0, 1, 700, DEFAULT_CHARSET));
             for (const auto& row : rows) {
                 EXPECT_EQ(control->SetText(row.text, row.format), row.answer);
                 owner.Clear();
