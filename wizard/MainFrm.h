@@ -140,8 +140,8 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
 
     void Reset_DVR();
 
-    // Runs the notice unless one is up already. False when the window began to close meanwhile;
-    // nothing may follow then.
+    // Runs the notice unless one is up already. False when the window has begun to close, before or
+    // meanwhile; nothing may follow then.
     bool ShowNotice();
     void Send(WORD command);
     void ArmTimer(WizardTimer timer, UINT milliseconds);

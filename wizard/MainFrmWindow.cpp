@@ -50,7 +50,8 @@ LRESULT CMainFrame::OnAppAbout(WORD, WORD, HWND, BOOL&) {
 }
 
 bool CMainFrame::ShowNotice() {
-    if (m_pNotify == nullptr) {
+    // A press can still be sent while the closing window waits for the link to end.
+    if (m_pNotify == nullptr && !m_bClosing) {
         m_pNotify = std::make_unique<CNotify>(m_hInst, this);
         m_pNotify->DoModal(::GetActiveWindow());
         m_pNotify.reset();

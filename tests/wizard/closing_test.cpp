@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/kernel/thread.h"
 #include "tests/bench/wizard_bench.h"
 #include "tests/support/run_modes.h"
 #include "wizard/WizardModel.h"
@@ -27,6 +28,22 @@ TEST(Closing, EndsInOrderFromEveryStep) {
             EXPECT_NE(after, log.end()) << line;
         }
     }
+}
+
+// What another application sends comes in while the window waits for the receive thread.
+TEST(Closing, ShowsNoNoticeForAPressThatIsSentMeanwhile) {
+    WizardBench bench;
+    bench.GoTo(-1);
+    bench.Post(WM_CLOSE);
+    const HWND window = FindWindowW(L"Tolvane", nullptr);
+    platform::kernel::StartThread([window] {
+        Sleep(1);
+        SendMessageW(window, 2024, IDC_BTN_NEXT, 0);
+        return DWORD{0};
+    });
+    bench.RunFor(500ms);
+    EXPECT_TRUE(bench.Ended());
+    EXPECT_EQ(bench.Step(), WizardBench::kNoFrame);
 }
 
 class ClosingInEveryMode : public InEveryMode {};
