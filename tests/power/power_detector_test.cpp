@@ -10,6 +10,7 @@
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
+#include "platform/window/screen.h"
 #include "tests/support/program_log.h"
 
 namespace tests {
@@ -24,46 +25,28 @@ using Log = std::vector<std::string>;
 const wchar_t* const kRequests[] = {L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
                                     L"_KESTA_Technology,Inc._All_APP_PowerResume_Request_",
                                     L"_KESTA_Technology,Inc._All_APP_PowerOFF_Request_"};
-const wchar_t* const kMessages[] = {L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_",
-                                    L"_KESTA_Technology,Inc._Sodrey_PowerResume_Acknowledge_",
-                                    L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_",
-                                    L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_"};
+constexpr std::wstring_view kMessages[] = {
+    L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_",
+    L"_KESTA_Technology,Inc._Sodrey_PowerResume_Acknowledge_",
+    L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_",
+    L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_"};
 
-// The broadcasts that an application of the unit hears: index of the message and parameters.
+// What is broadcast: index of the message and parameters.
 std::string g_heard;
 
-LRESULT CALLBACK Listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    for (int index = 0; index < 4; ++index)
-        if (message == RegisterWindowMessageW(kMessages[index]))
-            g_heard += std::to_string(index) + "(" + std::to_string(wParam) + "," +
-                       std::to_string(lParam) + ")";
-    return DefWindowProcW(window, message, wParam, lParam);
+void Listen() {
+    g_heard.clear();
+    platform::window::ObserveBroadcasts([](UINT message, WPARAM wparam, LPARAM lparam) {
+        const auto name = platform::window::RegisteredMessageName(message);
+        g_heard += std::to_string(std::ranges::find(kMessages, name) - kMessages) + "(" +
+                   std::to_string(wparam) + "," + std::to_string(lparam) + ")";
+    });
 }
 
 // What has been broadcast since the last call, after the detector had time to.
 std::string Hear() {
     Sleep(10);
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageW(&message);
     return std::exchange(g_heard, "");
-}
-
-// A body on a thread that has a top-level window to listen with.
-template <typename Body>
-void RunOn(Platform& platform, Body body) {
-    platform.Run(
-        [&] {
-            WNDCLASSW window_class{};
-            window_class.lpfnWndProc = Listen;
-            window_class.lpszClassName = L"Coordinator";
-            RegisterClassW(&window_class);
-            const HWND window = CreateWindowExW(0, L"Coordinator", L"", 0, 0, 0, 10, 10, nullptr,
-                                                nullptr, nullptr, nullptr);
-            body();
-            DestroyWindow(window);
-        },
-        1s);
 }
 
 TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
@@ -72,7 +55,8 @@ TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
     for (const bool coordinator_first : {true, false}) {
         Platform platform;
         platform.board.supply = {.ac_line_status = 255, .battery_flag = 128};
-        RunOn(platform, [coordinator_first] {
+        Listen();
+        platform.Run([coordinator_first] {
             HANDLE events[3] = {};
             if (coordinator_first)
                 for (int request = 0; request < 3; ++request)
@@ -131,7 +115,8 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         platform.AllowHandles(row.handles);
         ASSERT_EQ(kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error}),
                   "");
-        RunOn(platform, [&] {
+        Listen();
+        platform.Run([&] {
             const std::size_t handles = kernel::HandleCount();
             CPowerDetector detector;
             EXPECT_EQ(detector.Init(), row.ready);
