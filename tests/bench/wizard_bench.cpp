@@ -27,30 +27,6 @@ namespace kernel = platform::kernel;
 namespace {
 
 constexpr std::size_t kFrameOverhead = 9;
-class RecordedStream final : public platform::device::Stream {
-  public:
-    explicit RecordedStream(RecordingDriver& driver) : driver_(driver) { ++driver_.open_handles; }
-    RecordedStream(const RecordedStream&) = delete;
-    RecordedStream& operator=(const RecordedStream&) = delete;
-    ~RecordedStream() override { --driver_.open_handles; }
-
-    DWORD IoControl(DWORD code, std::span<const std::byte> input, std::span<std::byte>,
-                    DWORD&) override {
-        std::array<char, 16> piece{};
-        std::snprintf(piece.data(), piece.size(), "%04X", code);
-        std::string text = piece.data();
-        for (const std::byte byte : input) {
-            std::snprintf(piece.data(), piece.size(), " %02X", std::to_integer<unsigned>(byte));
-            text += piece.data();
-        }
-        driver_.requests.push_back(text);
-        return driver_.request_answer;
-    }
-
-  private:
-    RecordingDriver& driver_;
-};
-
 // A process starts with an empty parser; an earlier run in this one may have ended within a frame.
 void EmptyParser() {
     const std::array<BYTE, 80> nothing{};
@@ -58,13 +34,6 @@ void EmptyParser() {
 }
 
 }  // namespace
-
-DWORD RecordingDriver::Open(DWORD, DWORD, std::shared_ptr<platform::device::Stream>& stream) {
-    ++opens;
-    if (open_answer == ERROR_SUCCESS)
-        stream = std::make_shared<RecordedStream>(*this);
-    return open_answer;
-}
 
 WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(options) {
     EmptyParser();

@@ -13,29 +13,16 @@
 #include <vector>
 
 #include "platform/device/memory_line.h"
-#include "platform/device/stream_driver.h"
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "platform/window/screen.h"
 #include "tests/support/platform_fixture.h"
+#include "tests/support/recording_driver.h"
 
 namespace tests {
 
 using namespace std::chrono_literals;
-
-// A stream driver that writes down what it is asked: the code, a blank, and the input in hex.
-class RecordingDriver final : public platform::device::StreamDriver {
-  public:
-    DWORD Open(DWORD access, DWORD share_mode,
-               std::shared_ptr<platform::device::Stream>& stream) override;
-
-    DWORD open_answer = ERROR_SUCCESS;
-    DWORD request_answer = ERROR_SUCCESS;
-    int opens = 0;  // those that failed too
-    std::vector<std::string> requests;
-    int open_handles = 0;
-};
 
 // The whole program, its real entry point included, between a finger on the screen and a DVR whose
 // every word a test says itself. All of it runs on the test's thread, which is the hardware's.

@@ -70,15 +70,15 @@ void WizardModel::Scale(const char* function, const char* request, const char* f
 
 void WizardModel::ShowVideo() {
     const auto alpha = [this] {
-        Scale("Mstar_C4_Scaler_SetAlpha", "80012070 3F 00 00 00", "OSKA set alpha");
+        Scale("Mstar_C4_Scaler_SetAlpha", "80012070 3F 00 00 00 ->4", "OSKA set alpha");
     };
     const auto key = [this] {
-        Scale("Mstar_C4_Scaler_ColorKey", "80012078 00 10 00 00 01 00 00 00",
+        Scale("Mstar_C4_Scaler_ColorKey", "80012078 00 10 00 00 01 00 00 00 ->4",
               "OSKA Scaler set ColorKey");
     };
-    Scale("Mstar_C4_Scaler_ChangeDisplayWinddow", "800120B0 00 00 00 00", "DeviceIoControl()");
-    Scale("Mstar_C4_Scaler_SW2GOP", "8001206C 01 00 00 00", "DeviceIoControl()");
-    Scale("Mstar_C4_Scaler_Sw2Scaler", "80012068 01 00 00 00", "OSKA sw to scaler");
+    Scale("Mstar_C4_Scaler_ChangeDisplayWinddow", "800120B0 00 00 00 00 ->4", "DeviceIoControl()");
+    Scale("Mstar_C4_Scaler_SW2GOP", "8001206C 01 00 00 00 ->4", "DeviceIoControl()");
+    Scale("Mstar_C4_Scaler_Sw2Scaler", "80012068 01 00 00 00 ->4", "OSKA sw to scaler");
     alpha();
     key();
     Line("+++Mstar_C4_Scaler_SetWindow");
@@ -96,9 +96,9 @@ void WizardModel::Close() {
     closed_ = true;
     if (world.has_link)
         Line("---ThreadProc_COM_Rx");
-    Scale("Mstar_C4_Scaler_ChangeDisplayWinddow", "800120B0 01 00 00 00", "DeviceIoControl()");
-    Scale("Mstar_C4_Scaler_SetAlpha", "80012070 3F 00 00 00", "OSKA set alpha");
-    Scale("Mstar_C4_Scaler_ColorKey", "80012078 00 00 00 00 00 00 00 00",
+    Scale("Mstar_C4_Scaler_ChangeDisplayWinddow", "800120B0 01 00 00 00 ->4", "DeviceIoControl()");
+    Scale("Mstar_C4_Scaler_SetAlpha", "80012070 3F 00 00 00 ->4", "OSKA set alpha");
+    Scale("Mstar_C4_Scaler_ColorKey", "80012078 00 00 00 00 00 00 00 00 ->4",
           "OSKA Scaler set ColorKey");
     CloseScaler();
     for (int times = 0; times < 2; ++times) {
