@@ -115,25 +115,26 @@ TEST_F(Damage, OfTheLongestFrameIsNoException) {
 
 TEST_F(Damage, WhenThereIsNoneEveryHandlerLogsWhatItDecodes) {
     const std::string payloads[] = {"",
-                                    {0},
-                                    {1},
-                                    {2},
-                                    {3},
-                                    "\xFF",
-                                    {'0', 0, '1', '2', '-', '1', ' ', '3'},
-                                    {'1', 0, '0', '1', '2', '3', '4', '5'},
-                                    {1, 7, '9', '9', 'x', '9', '5', 'x'},
-                                    "140901120000",
-                                    "2014090112000",
-                                    "14.09.01.V1.02.03",
-                                    std::string(64, '7')};
+                                    "00",
+                                    "01",
+                                    "02",
+                                    "03",
+                                    "FF",
+                                    "3000 31322D312033",
+                                    "3100 303132333435",
+                                    "0107 393978393578",
+                                    Repeat(12, "31"),
+                                    Repeat(13, "31"),
+                                    Repeat(16, "35"),
+                                    Repeat(17, "35"),
+                                    Repeat(64, "37")};
     link_.Run([&] {
         for (const unsigned type : {0x10, 0x20, 0x80})
             for (unsigned command = 0x0F; command <= 0x2F; ++command)
                 for (const unsigned query : {0x0000, 0x8000})
                     for (const std::string& payload : payloads)
                         Try(model::Frame(static_cast<std::uint8_t>(type), query | command,
-                                         Bytes(payload.begin(), payload.end())),
+                                         Hex(payload)),
                             "no damage", command, type);
     });
 }
