@@ -42,9 +42,11 @@ void Mstar_C4_Scaler_FreeMemory();
 // Requests. FALSE when the device is not open or the driver refused.
 BOOL Mstar_C4_Scaler_Sw2Scaler();
 BOOL Mstar_C4_Scaler_SW2GOP();
+// On the driver's scale, on which 63 is opaque.
 BOOL Mstar_C4_Scaler_SetAlpha(DWORD alpha);
 // Only the low byte of enable is sent.
 BOOL Mstar_C4_Scaler_ColorKey(DWORD enable, DWORD color);
+// 0 before the composite video begins, 1 when it ends; what they select is the driver's matter.
 BOOL Mstar_C4_Scaler_ChangeDisplayWinddow(DWORD selector);
 // Sends everything up to the flags from the caller's record.
 BOOL Mstar_C4_Scaler_SetWindow(const MstarScalerWindow* window);

@@ -28,12 +28,15 @@ class CDrawCtrl {
     // A positive format replaces the DrawTextW format; a text that is not NULL is copied. Returns
     // the copied length, 0 for NULL.
     virtual int SetText(LPCWSTR text, int format);
-    // FALSE, and the font stays, when the face is missing or the font cannot be made.
+    // Average character width and cell height in pixels, the weight from 0 to 1000, as LOGFONTW has
+    // them. FALSE, and the font stays, when the face is missing or the font cannot be made.
     virtual BOOL SetFont(LPCWSTR face, int width, int height, int weight, int charSet);
     // Returns the previous colour.
     virtual COLORREF SetTextColor(COLORREF color);
+    // FALSE when the text always fills the control.
     virtual BOOL SetTextRect(const RECT* rc);
 
+    // The place in the owner's client area; returns `out`.
     RECT* GetRect(RECT* out) const;
     // The right and bottom edges are outside.
     BOOL HitTest(int x, int y) const;
