@@ -25,29 +25,33 @@ bool WizardModel::DispatchNext() {
         rest_has_turn_ = true;
         return true;
     }
-    if (!posted_.empty()) {
+    if (DispatchInput()) {
         rest_has_turn_ = false;
+        return true;
+    }
+    return PaintNext(true) || PaintNext(false);
+}
+
+bool WizardModel::DispatchInput() {
+    if (!posted_.empty()) {
         const Posted posted = posted_.front();
         posted_.pop_front();
         Dispatch(posted);
         return true;
     }
     if (!touches_.empty()) {
-        rest_has_turn_ = false;
         const TouchInput touch = touches_.front();
         touches_.pop_front();
         DispatchTouch(touch);
         return true;
     }
     const auto due = std::ranges::min_element(timers_, {}, &TimerState::due);
-    if (due != timers_.end() && due->due <= now_) {
-        rest_has_turn_ = false;
-        due->due += ((now_ - due->due) / due->period + 1) * due->period;
-        fired_ = due->id;
-        Take(Trigger::kTimer, static_cast<unsigned>(fired_));
-        return true;
-    }
-    return (rest_has_turn_ && PaintNext(true)) || PaintNext(false);
+    if (due == timers_.end() || due->due > now_)
+        return false;
+    due->due += ((now_ - due->due) / due->period + 1) * due->period;
+    fired_ = due->id;
+    Take(Trigger::kTimer, static_cast<unsigned>(fired_));
+    return true;
 }
 
 bool WizardModel::PaintNext(bool asked) {

@@ -203,6 +203,7 @@ class WizardModel {
     bool GoOn();
     void Take(Trigger trigger, unsigned id);
     bool DispatchNext();
+    bool DispatchInput();
     bool PaintNext(bool asked);
     void Dispatch(const Posted& posted);
     void DispatchToNotice(const Posted& posted);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <optional>
 #include <span>
 #include <vector>
@@ -20,10 +19,6 @@ enum Step {
     kReopen
 };
 inline constexpr int kAnyStep = 99;
-// The steps from 0 on, for tables.
-inline std::size_t IndexOf(int step) {
-    return static_cast<std::size_t>(step) + 1;
-}
 inline constexpr unsigned kAnyId = ~0U;
 
 // In the order of their making, which is that of drawing and of offering touches.
