@@ -160,6 +160,7 @@ Event Generator::Further(const WizardModel& wizard) {
                : choice == 0 ? Card(0)
                : choice == 1 ? Percent()
                : choice == 2 ? Running(Below(5))
+               : choice < 6  ? Whatever()
                              : pass;
     if (wizard.notice_up())
         return Tap(kOk);
