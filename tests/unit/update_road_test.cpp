@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/kernel/scheduler.h"
+#include "tests/rig/car_driver.h"
 #include "tests/rig/wizard_run.h"
 
 namespace tests {
@@ -34,6 +35,32 @@ TEST(UpdateRoad, EndsWithTheNewFirmwareAndTheCloseButton) {
     run.TapAt(close->x, close->y);
     ASSERT_TRUE(run.RunUntil([&] { return !run.unit().program().running(); }, 5s));
     EXPECT_TRUE(run.Logged("---ThreadProc_COM_Rx"));
+}
+
+// Who only does what the screen asks for comes to its end, and after a loss of power once more.
+TEST(UpdateRoad, IsToldByTheScreen) {
+    struct {
+        const char* name;
+        void (*prepare)(dvrsim::Faults&);
+        CarDriver::End end;
+    } const roads[] = {
+        {"normal", [](dvrsim::Faults&) {}, CarDriver::End::kSuccess},
+        {"no version", [](dvrsim::Faults& f) { f.silent_version = true; },
+         CarDriver::End::kFailure},
+        {"no card report", [](dvrsim::Faults& f) { f.silent_card = true; }, CarDriver::End::kError},
+        {"hangs", [](dvrsim::Faults& f) { f.stop_at_percent = 7; }, CarDriver::End::kStandstill},
+    };
+    for (const auto& road : roads) {
+        SCOPED_TRACE(road.name);
+        VirtualUnit::Options options;
+        road.prepare(options.dvr.dvr.faults);
+        WizardRun run(options);
+        CarDriver driver(run);
+        EXPECT_EQ(driver.Drive(300s), road.end);
+        run.unit().dvr().dvr()->SetFaults({});
+        driver.CyclePower();
+        EXPECT_EQ(driver.Drive(300s), CarDriver::End::kSuccess);
+    }
 }
 
 TEST(UpdateRoad, SameSeedSameOutput) {
