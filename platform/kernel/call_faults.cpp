@@ -28,6 +28,9 @@ struct Rule {
 // How often the program made each call, and all of them together.
 std::array<std::atomic<std::uint64_t>, kFailableCallCount + 1> g_counts;
 
+// Whoever wants to know of every call. Set and forgotten while no thread of the program runs.
+std::function<void(const MadeCall&)> g_call_observer;
+
 // Whether there is any rule. A caller counts first and looks here then; who adds a rule sets this
 // first and looks at the count then. So each call comes before a rule or is seen by it.
 std::atomic<bool> g_armed = false;
@@ -135,6 +138,8 @@ ApiCall::ApiCall(CallId id) {
     const std::size_t row = id.row();
     const std::uint64_t number = ++g_counts[row];
     const std::uint64_t number_of_all = ++g_counts[kAnyCall];
+    if (g_call_observer)
+        g_call_observer({.call = kFailableCalls[row].name, .number_of_all = number_of_all});
     if (g_armed)
         fails_ = Fail(row, number, number_of_all);
 }
@@ -146,6 +151,7 @@ void ForgetCallFaults() {
     faults.failed.clear();
     faults.failed_count = 0;
     faults.observer = nullptr;
+    g_call_observer = nullptr;
     g_armed = false;
     for (std::atomic<std::uint64_t>& count : g_counts)
         count = 0;
@@ -237,6 +243,10 @@ void ObserveFailedCalls(std::function<void(const FailedCall&)> observer) {
         observer
             ? std::make_shared<const std::function<void(const FailedCall&)>>(std::move(observer))
             : nullptr;
+}
+
+void ObserveCalls(std::function<void(const MadeCall&)> observer) {
+    g_call_observer = std::move(observer);
 }
 
 }  // namespace platform::kernel

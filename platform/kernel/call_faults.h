@@ -70,8 +70,19 @@ inline constexpr std::size_t kFailedCallsKept = 1000;
 std::vector<FailedCall> FailedCalls();
 std::uint64_t FailedCallCount();
 
-// `observer` is told of each, on the thread that makes the call, without locks; it must not wait.
+// `observer` is told of each failed call, on the thread that makes the call, without locks; it must not wait.
 // An empty one ends it. Shutdown forgets it.
 void ObserveFailedCalls(std::function<void(const FailedCall&)> observer);
+
+
+// A call of the program that can fail, whether it is made to fail or not.
+struct MadeCall {
+    std::string_view call;
+    std::uint64_t number_of_all = 0;
+};
+
+// `observer` is told of each just before it is made, on the thread that makes it, without locks; it
+// may wait. An empty one ends it. Shutdown forgets it. Before the program's threads start.
+void ObserveCalls(std::function<void(const MadeCall&)> observer);
 
 }  // namespace platform::kernel

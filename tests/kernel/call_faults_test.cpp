@@ -114,9 +114,17 @@ TEST(CallFaults, CountDownAndAreClearedByName) {
 
 // Whatever comes K-th, and it can be learnt what that was.
 TEST(CallFaults, StrikeTheKthCallOfARun) {
+    const std::vector<std::string_view> three{"CreateEventW", "WaitForSingleObject", "CloseHandle"};
+    std::vector<std::string_view> four = three;
+    four.push_back("CloseHandle");
     std::vector<std::string_view> struck;
     for (std::uint64_t k = 1; k <= 4; ++k) {
         Platform platform;
+        std::vector<std::string_view> made;
+        kernel::ObserveCalls([&](const kernel::MadeCall& call) {
+            made.push_back(call.call);
+            EXPECT_EQ(call.number_of_all, made.size());
+        });
         std::size_t told = 0;
         kernel::ObserveFailedCalls([&](const kernel::FailedCall& call) {
             ++told;
@@ -131,11 +139,11 @@ TEST(CallFaults, StrikeTheKthCallOfARun) {
                 continue;
         });
         EXPECT_EQ(told, k <= 3 ? 1U : 0U);
+        EXPECT_EQ(made, k == 3 ? four : three);
         for (const kernel::FailedCall& call : kernel::FailedCalls())
             struck.push_back(call.call);
     }
-    EXPECT_EQ(struck, (std::vector<std::string_view>{"CreateEventW", "WaitForSingleObject",
-                                                     "CloseHandle"}));
+    EXPECT_EQ(struck, three);
 }
 
 // A program that tries again at once does not stop the clock, and one failure takes no time.

@@ -1,7 +1,5 @@
 #include "tests/rig/car_driver.h"
 
-#include <utility>
-
 #include "platform/kernel/clock.h"
 
 namespace tests {
@@ -11,13 +9,16 @@ using platform::kernel::Now;
 
 namespace {
 
-constexpr auto kGlance = 200ms;
+constexpr auto kGlance = 400ms;
 // The wizard is busy for a while after some taps, and shows the button still.
 constexpr auto kTapAgain = 1s;
 // A driver reads the screen before he believes it: some stand for a moment only.
 constexpr auto kReading = 1s;
 // The version comes after the screen that shows the update's end.
 constexpr auto kVersionComes = 6s;
+// When nothing on the screen helps, he tries where buttons were before.
+constexpr auto kHelpless = 8s;
+constexpr POINT kButtons[] = {{699, 438}, {499, 438}};
 // How long a card stays out before another one goes in, and how long the DVR restarts before that.
 constexpr auto kCardChange = 2s;
 constexpr auto kRestart = 4s;
@@ -79,6 +80,12 @@ void CarDriver::Act() {
     for (const wchar_t* caption : {L"Power On", L"Next", L"Update"})
         if (tap(caption))
             return;
+    if (Now() - news_ < kHelpless) {
+        groped_ = false;
+    } else if (!std::exchange(groped_, true)) {
+        for (const POINT place : kButtons)
+            run_.TapAt(place.x, place.y);
+    }
 }
 
 void CarDriver::Look() {
@@ -92,6 +99,7 @@ void CarDriver::Look() {
         }
     }
     Act();
+    looked_();
 }
 
 std::optional<CarDriver::End> CarDriver::Arrived() {
@@ -106,10 +114,11 @@ std::optional<CarDriver::End> CarDriver::Arrived() {
     return std::nullopt;
 }
 
-std::optional<CarDriver::End> CarDriver::Drive(std::chrono::seconds limit) {
+std::optional<CarDriver::End> CarDriver::Drive(std::chrono::seconds limit,
+                                               const std::function<bool()>& stop) {
     news_ = Now();
     const auto deadline = Now() + limit;
-    while (Now() < deadline && run_.unit().program().running()) {
+    while (Now() < deadline && run_.unit().program().running() && !stop()) {
         Look();
         if (const auto end = Arrived())
             return end;

@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dvrsim/temporary_card.h"
@@ -33,9 +35,12 @@ class CarDriver {
 
     // Looks at the screen, does at most one thing, and lets some time pass.
     void Look();
-    // Looks until the drive has come to an end, the program has ended, or `limit` has passed, for
-    // which it returns nothing.
-    std::optional<End> Drive(std::chrono::seconds limit);
+    // Looks until the drive has come to an end. Nothing when it has not: the program has ended,
+    // `limit` has passed, or `stop` holds.
+    std::optional<End> Drive(
+        std::chrono::seconds limit, const std::function<bool()>& stop = [] { return false; });
+    // Called at the end of each look.
+    void OnLook(std::function<void()> looked) { looked_ = std::move(looked); }
 
     // Takes the card out and, with a DVR that is reset, external power away and back.
     void CyclePower();
@@ -49,10 +54,12 @@ class CarDriver {
     std::optional<End> Arrived();
 
     WizardRun& run_;
+    std::function<void()> looked_ = [] {};
     dvrsim::TemporaryCard image_;
     dvrsim::TemporaryCard blank_{std::nullopt};
     bool forget_image_ = false;
     bool blank_is_in_ = false;
+    bool groped_ = false;
     std::chrono::microseconds card_moved_{};
     std::chrono::microseconds tapped_{};
     std::chrono::microseconds news_{};  // the last time that something was new or done

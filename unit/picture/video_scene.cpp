@@ -25,18 +25,26 @@ std::string CaptionText(std::chrono::microseconds time, std::int64_t field) {
     return text;
 }
 
+// Drawn when it is first seen; a picture begins as a copy of it.
+const Picture& Backdrop() {
+    static const Picture drawn = [] {
+        Picture picture = NoSignal();
+        DrawBackdrop(picture);
+        return picture;
+    }();
+    return drawn;
+}
+
 }  // namespace
 
-VideoScene::VideoScene() : backdrop_(NoSignal()), picture_(NoSignal()) {
-    DrawBackdrop(backdrop_);
-}
+VideoScene::VideoScene() : picture_(NoSignal()) {}
 
 const Picture& VideoScene::At(std::chrono::microseconds time) {
     const std::int64_t field = time.count() * kFieldsASecond / 1'000'000;
     if (field == field_)
         return picture_;
     field_ = field;
-    std::copy_n(backdrop_.pixels.begin(), kHorizon * kVideoWidth, picture_.pixels.begin());
+    std::copy_n(Backdrop().pixels.begin(), kHorizon * kVideoWidth, picture_.pixels.begin());
     DrawRoad(picture_, static_cast<double>(field) * kSpeedPerField);
     caption_.Draw(picture_, kCaptionX, kCaptionY, CaptionText(time, field));
     return picture_;

@@ -22,8 +22,6 @@ class VideoScene {
     const Picture& At(std::chrono::microseconds time);
 
   private:
-    // Drawn once; a picture begins as a copy of it.
-    Picture backdrop_;
     Picture picture_;
     Caption caption_;
     std::int64_t field_ = -1;

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/campaign/case.h"
+
+namespace tests::campaign {
+
+struct Verdict {
+    // What must not be, a line each; a good trial has none.
+    std::vector<std::string> findings;
+    // How many of the case's faults came: a fault may keep the moment of another one from coming.
+    std::size_t struck = 0;
+    // How often external power was cycled before the update could be completed, 0 when the program
+    // was closed before.
+    std::size_t cycles = 0;
+    // Whether the program had to be opened again for it: a part of it could not be started, and it
+    // starts those once.
+    bool reopened = false;
+    // What the road has to offer to a case, on this run.
+    std::uint64_t calls = 0;
+    std::uint64_t frames = 0;
+    std::uint64_t bytes = 0;
+};
+
+// Runs one case in simulated time: the road with its faults, then, unless the program was closed,
+// external power away and back with a healthy DVR and unit, and a whole update; then the end.
+// Takes the process for itself: what fails may be left behind. `log` gets the debug output.
+Verdict Try(const Case& trial, std::vector<std::string>* log = nullptr);
+
+}  // namespace tests::campaign
