@@ -16,6 +16,8 @@ constexpr char kCommonCtrl[] = "CPowerDetector::ThreadProc_PowerCommonCtrl";
 
 constexpr DWORD kReadBytes = kQueuedNotifications * kNotificationBytes;
 constexpr DWORD kReadMilliseconds = 1000;
+// Between a wait that failed and the next one, which may fail as well.
+constexpr DWORD kRetryMilliseconds = 100;
 
 CPowerDetector* DetectorFrom(LPVOID pThis, const char* function,
                              LogSource source = std::source_location::current()) {
@@ -49,8 +51,10 @@ DWORD CPowerDetector::ThreadProc_PowerDetector() {
             break;
         if (woken == WAIT_OBJECT_0)
             ReadNotification();
-        else if (woken == WAIT_OBJECT_0 + 1 || woken == WAIT_FAILED)
+        else if (woken == WAIT_OBJECT_0 + 1)
             m_bDetectorRunning = FALSE;
+        else
+            Sleep(kRetryMilliseconds);
     } while (m_bDetectorRunning);
     return 0;
 }
@@ -101,8 +105,10 @@ DWORD CPowerDetector::ThreadProc_PowerCommonCtrl() {
             break;
         if (woken < WAIT_OBJECT_0 + requests)
             PostMessageW(HWND_BROADCAST, acknowledges[woken - WAIT_OBJECT_0], 0, 0);
-        else if (woken == WAIT_OBJECT_0 + requests || woken == WAIT_FAILED)
+        else if (woken == WAIT_OBJECT_0 + requests)
             m_bCommonCtrlRunning = FALSE;
+        else
+            Sleep(kRetryMilliseconds);
     } while (m_bCommonCtrlRunning);
     LogExit(kCommonCtrl);
     return 0;

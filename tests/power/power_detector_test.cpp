@@ -178,5 +178,28 @@ TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
                    "\tCPowerDetector::ThreadProc_PowerCommonCtrl_static" + rest}));
 }
 
+// Each thread wakes to waits that fail, and is there again afterwards.
+TEST_F(PowerDetector, GoesOnAfterWaitsThatFail) {
+    Run([&] {
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        const HANDLE request = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[1]);
+        const auto wake_both = [&] {
+            SetEvent(request);
+            const std::string heard = Hear();
+            Notify(PBT_POWERSTATUSCHANGE);
+            return heard + Hear();
+        };
+        const std::string heard = wake_both();
+        EXPECT_EQ(heard, "1(0,0)3(1,1)");
+        ASSERT_EQ(kernel::AddCallFault({.call = "WaitForMultipleObjects", .times = 8}), "");
+        EXPECT_EQ(wake_both(), heard);
+        Sleep(500);
+        EXPECT_EQ(kernel::FailedCallCount(), 8U);
+        EXPECT_EQ(wake_both(), heard);
+        CloseHandle(request);
+    });
+}
+
 }  // namespace
 }  // namespace tests
