@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "app/log/DebugLog.h"
 #include "wizard/MainFrm.h"
 
@@ -30,6 +32,13 @@ void CMainFrame::CreateBackBuffer(HDC hdc) {
     m_hMemDC = CreateCompatibleDC(hdc);
     m_hMemBitmap = CreateCompatibleBitmap(hdc, kScreenWidth, kScreenHeight);
     m_hOldBitmap = SelectObject(m_hMemDC, m_hMemBitmap);
+    if (m_hOldBitmap != nullptr)
+        return;
+    // Half a back buffer would show nothing for ever: the next painting tries again.
+    if (m_hMemDC != nullptr)
+        DeleteDC(std::exchange(m_hMemDC, nullptr));
+    if (m_hMemBitmap != nullptr)
+        DeleteObject(std::exchange(m_hMemBitmap, nullptr));
 }
 
 void CMainFrame::CheckProgress() {

@@ -86,6 +86,21 @@ TEST(Failures, AreToldAndPassedOver) {
     }
 }
 
+// The picture of the first painting may be missing, that of the next one is there.
+TEST(Painting, MakesItsBackBufferAgainAfterAFailure) {
+    for (const char* call :
+         {"BeginPaint", "CreateCompatibleDC", "CreateCompatibleBitmap", "SelectObject"}) {
+        SCOPED_TRACE(call);
+        WizardBench bench;
+        ASSERT_EQ(platform::kernel::AddCallFault({.call = call}), "");
+        bench.Start();
+        bench.Post(WM_TIMER, 261);
+        bench.RunFor(5ms);
+        EXPECT_EQ(platform::kernel::FailedCallCount(), 1U);
+        EXPECT_TRUE(bench.Shows("Power On"));
+    }
+}
+
 TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
     WizardBench bench;
     bench.Start(SW_HIDE);
