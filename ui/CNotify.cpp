@@ -12,6 +12,7 @@ constexpr LogSource kAtMemoryDC("CNotify.cpp", 138);
 constexpr LogSource kAtBitmap("CNotify.cpp", 140);
 
 constexpr UINT_PTR kCloseTimer = 1;
+constexpr UINT kCloseAgain = 100;
 
 constexpr RECT kUpperRect = {0, 0, 800, 380};
 constexpr RECT kLowerRect = {0, 100, 800, 480};
@@ -51,8 +52,10 @@ LRESULT CNotify::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
 }
 
 BOOL CNotify::SetFullScreen() {
-    SetWindowPos(m_hWnd, HWND_TOPMOST, 0, 0, GetSystemMetrics(SM_CXSCREEN),
-                 GetSystemMetrics(SM_CYSCREEN), 0);
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    const int height = GetSystemMetrics(SM_CYSCREEN);
+    SetWindowPos(m_hWnd, HWND_TOPMOST, 0, 0, width != 0 ? width : kScreenWidth,
+                 height != 0 ? height : kScreenHeight, 0);
     const HWND task_bar = FindWindowW(L"HHTaskBar", nullptr);
     if (task_bar != nullptr)
         SetWindowPos(task_bar, HWND_NOTOPMOST, 0, 0, 0, 0,
@@ -101,10 +104,15 @@ LRESULT CNotify::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
     const PaintDC paint(m_hWnd);
     MemoryDC memory(paint.Get());
     GdiObject<HBITMAP> bitmap(CreateCompatibleBitmap(paint.Get(), kScreenWidth, kScreenHeight));
+    BOOL drawn = FALSE;
     {
         const SelectScope selected(memory.Get(), bitmap.Get());
-        DrawNotice(paint.Get(), memory.Get());
+        drawn = DrawNotice(paint.Get(), memory.Get()) && selected.IsSelected();
     }
+    // Nothing else would show the OK button; a second failure is left at that.
+    if (!drawn && !m_bDrawsAgain)
+        InvalidateRect(m_hWnd, nullptr, FALSE);
+    m_bDrawsAgain = !drawn;
 
     if (memory.Get() == nullptr)
         LogRefusal(L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n", kFunction, kAtMemoryDC);
@@ -125,9 +133,9 @@ void CNotify::ReadStep() {
         m_nStep = frame->m_nStep;
 }
 
-void CNotify::DrawNotice(HDC hdc, HDC memory) {
+BOOL CNotify::DrawNotice(HDC hdc, HDC memory) {
     if (!m_pControls)
-        return;
+        return TRUE;
     if (m_nStep > 0) {
         m_pLblUpper->SetText(kUpperCardIsIn, kCentred);
         m_pLblLower->SetText(kLower, kCentred);
@@ -135,7 +143,7 @@ void CNotify::DrawNotice(HDC hdc, HDC memory) {
         m_pLblLower->SetFont(kFontFace, 22, 44, 600, kFontCharSet);
     }
     m_pControls->DrawAll(memory);
-    BitBlt(hdc, 0, 0, kScreenWidth, kScreenHeight, memory, 0, 0, SRCCOPY);
+    return BitBlt(hdc, 0, 0, kScreenWidth, kScreenHeight, memory, 0, 0, SRCCOPY);
 }
 
 LRESULT CNotify::OnBtnDown(UINT, WPARAM, LPARAM lParam, BOOL&) {
@@ -186,6 +194,8 @@ LRESULT CNotify::OnTimer(UINT, WPARAM, LPARAM, BOOL&) {
 LRESULT CNotify::OnClose(UINT, WPARAM, LPARAM, BOOL&) {
     NKDbgPrintfW(L"%s\t%S\r\n", kLogPrefix, "CNotify::OnClose");
     ReleaseControls();
-    EndDialog(0);
+    // Without its controls the notice could not be closed by hand any more.
+    if (!EndDialog(0))
+        SetTimer(m_hWnd, kCloseTimer, kCloseAgain, nullptr);
     return 0;
 }

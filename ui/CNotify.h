@@ -60,7 +60,8 @@ class CNotify : public CDialogImpl<CNotify> {
     void ReleaseControls();
 
     void ReadStep();
-    void DrawNotice(HDC hdc, HDC memory);
+    // FALSE when what was drawn did not come onto the screen.
+    BOOL DrawNotice(HDC hdc, HDC memory);
 
     HINSTANCE m_hInst;
     HBITMAP m_hBmpOk = nullptr;
@@ -68,5 +69,6 @@ class CNotify : public CDialogImpl<CNotify> {
     std::unique_ptr<CDrawLabel> m_pLblUpper;
     std::unique_ptr<CDrawLabel> m_pLblLower;
     std::unique_ptr<CDrawButton> m_pBtnOk;
+    bool m_bDrawsAgain = false;
     int m_nStep = 0;  // the wizard's step when the frame was last seen
 };

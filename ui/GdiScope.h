@@ -68,6 +68,8 @@ class SelectScope {
             SelectObject(dc_, displaced_);
     }
 
+    bool IsSelected() const { return displaced_ != nullptr; }
+
   private:
     HDC dc_;
     HGDIOBJ displaced_;

@@ -33,6 +33,23 @@ TEST(Notify, LogsWhatFailsAndEndsAllTheSame) {
     }
 }
 
+// Whatever call fails once: the notice is shown over the whole screen, and its button closes it.
+TEST(Notify, IsUsableAfterAFailure) {
+    for (const char* call : {"GetSystemMetrics", "BeginPaint", "CreateCompatibleDC",
+                             "CreateCompatibleBitmap", "SelectObject", "BitBlt", "EndDialog"}) {
+        SCOPED_TRACE(call);
+        WizardBench bench;
+        bench.GoTo(3);
+        ASSERT_EQ(platform::kernel::AddCallFault({.call = call}), "");
+        bench.RunFor(3100ms);
+        ASSERT_TRUE(bench.Shows("OK"));
+        bench.TapAt(700, 440);
+        bench.RunFor(300ms);
+        EXPECT_EQ(platform::kernel::FailedCallCount(), 1U);
+        EXPECT_FALSE(bench.Shows("OK"));
+    }
+}
+
 TEST(Notify, ThatCannotStartIsPassedOver) {
     WizardBench bench;
     bench.Start();
