@@ -78,12 +78,14 @@ std::vector<Case> Sweep(const std::vector<Course>& courses,
 }
 
 std::vector<Case> Sample(const std::vector<Course>& courses,
-                         const std::vector<const FaultKind*>& kinds, std::uint32_t seed) {
+                         const std::vector<const FaultKind*>& kinds, std::size_t on_each,
+                         std::uint32_t seed) {
     std::mt19937 random(seed);
     std::vector<Case> cases;
+    std::size_t next = 0;
     for (const Course& course : courses)
-        for (const FaultKind* const kind : kinds)
-            if (const auto fault = AnyFault(course, *kind, random))
+        for (std::size_t count = 0; count < on_each; ++count)
+            if (const auto fault = AnyFault(course, *kinds[next++ % kinds.size()], random))
                 cases.push_back({course.road, 1, {*fault}});
     return cases;
 }

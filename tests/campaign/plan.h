@@ -35,9 +35,11 @@ std::vector<Case> Sweep(const std::vector<Course>& courses,
                         const std::vector<const FaultKind*>& kinds, std::uint64_t every,
                         const Stretch& stretch, std::uint32_t seed);
 
-// Each of those kinds once on each road, at a moment that the seed chooses.
+// So many of those kinds on each road, the next road going on where the one before it ended, each
+// at a moment that the seed chooses.
 std::vector<Case> Sample(const std::vector<Course>& courses,
-                         const std::vector<const FaultKind*>& kinds, std::uint32_t seed);
+                         const std::vector<const FaultKind*>& kinds, std::size_t on_each,
+                         std::uint32_t seed);
 
 // Two of those kinds at moments that the seed chooses, so many times.
 std::vector<Case> Pairs(const std::vector<Course>& courses,

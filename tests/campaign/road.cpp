@@ -34,7 +34,7 @@ void Hanging(Options& options) {
 
 void Flooding(Options& options) {
     Quick(options);
-    options.dvr.dvr.faults.card_report_interval = 50ms;
+    options.dvr.dvr.faults.card_report_interval = 200ms;
 }
 
 void OnBattery(Options& options) {

@@ -49,7 +49,6 @@ class WizardRun {
 
     // The same without a look at what was left or returned; false when it did not end.
     bool CloseAnyhow();
-    void ExpectLeftovers(std::string leftovers) { expected_leftovers_ = std::move(leftovers); }
 
     // The debug output so far, a line an entry.
     std::vector<std::string> lines() const;
@@ -62,7 +61,6 @@ class WizardRun {
     std::vector<std::string> lines_;
     unit::DebugLog log_;
     std::unique_ptr<unit::VirtualUnit> unit_;
-    std::string expected_leftovers_;
     bool closed_ = false;
 };
 

@@ -93,6 +93,8 @@ Request ReadRequest(int count, char** arguments) {
     return request;
 }
 
+constexpr std::chrono::seconds kProgress(30);
+
 // What came of one sort of cases.
 struct Count {
     std::size_t cases = 0;
@@ -108,6 +110,7 @@ class Campaign {
     void Note(const std::string& sort, const Case& trial, const Verdict& verdict) {
         Count& count = counts_[sort];
         ++count.cases;
+        TellProgress();
         count.struck += verdict.struck >= trial.faults.size() ? 1 : 0;
         count.recovered += verdict.cycles > 0 ? 1 : 0;
         count.twice += verdict.cycles > 1 ? 1 : 0;
@@ -154,12 +157,22 @@ class Campaign {
     bool found() const { return found_; }
 
   private:
+    void TellProgress() {
+        ++done_;
+        if (const auto now = std::chrono::steady_clock::now(); now - told_ > kProgress) {
+            told_ = now;
+            std::fprintf(stderr, "%zu cases done\n", done_);
+        }
+    }
+
     static void TellCount(const std::string& sort, const Count& count) {
         std::printf("%-20s %8zu %8zu %9zu %6zu %8zu %8zu\n", sort.c_str(), count.cases,
                     count.struck, count.recovered, count.twice, count.reopened, count.findings);
     }
 
     const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point told_ = start_;
+    std::size_t done_ = 0;
     std::map<std::string, Count> counts_;
     bool found_ = false;
 };
