@@ -25,6 +25,8 @@ namespace {
 
 constexpr char kInit[] = "CPowerDetector::Init";
 constexpr char kDeInit[] = "CPowerDetector::DeInit";
+constexpr int kWakeAttempts = 100;
+constexpr DWORD kWakeAgain = 10;
 
 HANDLE CreateAutoResetEvent(const wchar_t* name) {
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, name);
@@ -48,8 +50,11 @@ HANDLE StartThread(LPTHREAD_START_ROUTINE entry, CPowerDetector* detector,
 
 void RequestStop(std::atomic<BOOL>& running, HANDLE stop_event) {
     running = FALSE;
-    if (stop_event != nullptr)
-        SetEvent(stop_event);
+    if (stop_event == nullptr)
+        return;
+    // A thread that is not woken would be waited for for ever.
+    for (int attempt = 0; attempt < kWakeAttempts && !SetEvent(stop_event); ++attempt)
+        Sleep(kWakeAgain);
 }
 
 void Close(HANDLE& handle) {

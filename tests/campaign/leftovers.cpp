@@ -23,7 +23,8 @@ constexpr LeftRow kMayLeave[] = {
     {"ReleaseDC", "device contexts", 1},
     // What could not be put back keeps the other object selected, which then cannot be deleted.
     {"SelectObject", "drawing objects", 1},
-    {"StopPowerNotifications", "handles", 1},
+    // The request, and the end of the queue that it writes to.
+    {"StopPowerNotifications", "handles", 2},
 };
 
 }  // namespace
