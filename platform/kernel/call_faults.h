@@ -70,10 +70,9 @@ inline constexpr std::size_t kFailedCallsKept = 1000;
 std::vector<FailedCall> FailedCalls();
 std::uint64_t FailedCallCount();
 
-// `observer` is told of each failed call, on the thread that makes the call, without locks; it must not wait.
-// An empty one ends it. Shutdown forgets it.
+// `observer` is told of each failed call, on the thread that makes the call, without locks; it must
+// not wait. An empty one ends it. Shutdown forgets it.
 void ObserveFailedCalls(std::function<void(const FailedCall&)> observer);
-
 
 // A call of the program that can fail, whether it is made to fail or not.
 struct MadeCall {
