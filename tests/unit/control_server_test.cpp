@@ -39,9 +39,9 @@ class Control : public Process {
         EXPECT_EQ(unit_.leftovers(), "");
     }
 
-    void Serve(ControlServer::Abilities abilities = {}) {
-        server_.emplace(operator_, "unit", std::move(abilities),
-                        [this](const std::string& line) { said_ += line; });
+    void Serve() {
+        server_.emplace(operator_, "unit", ControlServer::Abilities(),
+                        [](const std::string& line) { ADD_FAILURE() << line; });
         unit_.Start();
     }
     static SocketClient Client() {
@@ -70,7 +70,6 @@ class Control : public Process {
     VirtualUnit unit_{Fast(), {[this] { return Program(); }, {}}, log_, [](const std::string&) {}};
     Operator operator_{unit_, ""};
     std::optional<ControlServer> server_;
-    std::string said_;
 };
 
 TEST_F(Control, APowerRequestThatNobodyAnswersIsRefusedAndTheNextOneIsHeard) {
@@ -100,55 +99,25 @@ TEST_F(Control, APowerRequestThatNobodyAnswersIsRefusedAndTheNextOneIsHeard) {
     EXPECT_EQ(Receive(client).kind, Kind::kDone);
 }
 
-TEST_F(Control, AScenarioIsHandedOverAndAbandonedWhenItsClientLeaves) {
-    std::vector<SentScenario> sent;
-    Serve({.state = {}, .run = [&](SentScenario scenario) {
-               scenario.answer->Line("line 1 done");
-               sent.push_back(std::move(scenario));
-           }});
-    {
-        SocketClient client = Client();
-        EXPECT_EQ(Ask(client, {"run my.scenario", "tap Next\nwait 3s\n", "/from/here"}).text,
-                  "line 1 done");
-    }
-    ASSERT_EQ(sent.size(), 1U);
-    EXPECT_EQ(sent[0].file, "/from/here/my.scenario");
-    EXPECT_EQ(sent[0].text, "tap Next\nwait 3s\n");
-    kernel::RunHardware([&] { return !sent[0].answer->wanted(); });
-    sent[0].answer->Line("to nobody");
-    SocketClient client = Client();
-    EXPECT_EQ(Ask(client, {"run"}).text, "line 1 done");
-    sent[1].answer->End(control::Refused("line 2 failed"));
-    EXPECT_EQ(Receive(client).text, "line 2 failed");
-    client.Send({"run"}, 10s);
-    kernel::RunHardware([&] { return sent.size() == 3; });
-    EXPECT_EQ(Receive(client).kind, Kind::kLine);
-    server_.reset();
-    EXPECT_FALSE(sent[2].answer->wanted());
-    EXPECT_EQ(client.Receive(10s).kind, Kind::kGone);
-}
-
 TEST_F(Control, WatchersHearTheKindsTheyAskedFor) {
     Serve();
+    constexpr char kPosted[] = "broadcast  message 1024 1 2";
     constexpr char kFrame[] = "frame      to unit  IND  DVR_RunningState  2 normal  ok";
-    struct Case {
-        const char* line;
-        std::vector<const char*> heard;
-    };
-    const Case cases[] = {
-        {"watch", {"broadcast  message 1024 1 2", kFrame}},
-        {"watch broadcasts", {"broadcast  message 1024 1 2"}},
+    constexpr char kLogged[] = "log        said";
+    const std::pair<const char*, std::vector<const char*>> cases[] = {
+        {"watch", {kPosted, kFrame}},
+        {"watch broadcasts", {kPosted}},
         {"watch frames", {kFrame}},
-        {"watch log", {"log        said"}},
+        {"watch log", {kLogged}},
         {"watch all",
-         {"broadcast  message 1024 1 2", kFrame, "log        said",
-          "driver     DVR1: 0x0881 02, error 31", "power      off, battery 40 % flag 2",
-          "card       out", "finger     up 7 8", "unit       awake"}},
+         {kPosted, kFrame, kLogged, "driver     DVR1: 0x0881 02, error 31",
+          "power      off, battery 40 % flag 2", "card       out", "finger     up 7 8",
+          "unit       awake"}},
     };
     std::vector<SocketClient> clients;
-    for (const Case& c : cases) {
+    for (const auto& [line, heard] : cases) {
         clients.push_back(Client());
-        clients.back().Send({c.line}, 10s);
+        clients.back().Send({line}, 10s);
     }
     // Requests are read in the clients' order, so the last one's answer stands for all.
     SocketClient last = Client();
@@ -165,30 +134,15 @@ TEST_F(Control, WatchersHearTheKindsTheyAskedFor) {
     hub.Tell(CardMoved{false, {}});
     hub.Tell(FingerMoved{platform::window::Touch::kUp, 7, 8});
     hub.Tell(SuspendChanged{false});
-    for (std::size_t i = 0; i < clients.size(); ++i) {
-        for (const char* heard : cases[i].heard) {
-            SCOPED_TRACE(cases[i].line);
+    for (std::size_t i = 0; i < clients.size(); ++i)
+        for (const char* heard : cases[i].second) {
+            SCOPED_TRACE(cases[i].first);
             std::string text;
             do {
                 text = Receive(clients[i]).text;
             } while (text.find("_All_APP_") != std::string::npos);
             EXPECT_TRUE(text.ends_with(std::string("  ") + heard)) << text;
         }
-    }
-}
-
-TEST_F(Control, ASocketThatIsTakenIsClaimedWhenItsOwnerEnds) {
-    std::string problem;
-    bool taken = false;
-    std::optional<control::SocketClaim> other = control::SocketClaim::Make("unit", taken, problem);
-    ASSERT_TRUE(other);
-    Serve();
-    EXPECT_FALSE(server_->claimed());
-    EXPECT_EQ(said_, "");
-    other.reset();
-    EXPECT_TRUE(WaitUntil([&] { return server_->claimed(); }));
-    SocketClient client = Client();
-    EXPECT_EQ(Ask(client, {"nope"}).kind, Kind::kRefused);
 }
 
 }  // namespace

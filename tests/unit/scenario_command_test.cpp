@@ -57,28 +57,26 @@ TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
 }
 
 TEST_F(ScenarioCommand, SameSeedSameEvents) {
-    const std::string text =
-        "wait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\nwait button Next\n"
-        "expect step result\n";
+    const std::string file =
+        Write("walk.scenario",
+              "wait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\n"
+              "wait button Next\nexpect step result\n");
     std::string events[3];
     const char* const seeds[] = {"4", "4", "5"};
     for (int run = 0; run < 3; ++run) {
-        const std::string file = Write("walk.scenario", text);
-        ASSERT_EQ(Run({file, "--seed", seeds[run], "--log", Path("log")}), 1) << Read("err");
+        ASSERT_EQ(Run({file, "--seed", seeds[run]}), 1) << Read("err");
         events[run] = Read("left/walk/events.log");
         EXPECT_NE(events[run].find("line       to unit  "), std::string::npos);
-        EXPECT_GT(Read("log").size(), 1000U);
     }
     EXPECT_EQ(events[0], events[1]);
     EXPECT_NE(events[0], events[2]);
 }
 
 TEST_F(ScenarioCommand, RunsFreeWhenTold) {
-    const std::string file =
-        Write("free.scenario",
-              "time free-running speed 50\nwait button 'Power On' within 1min\n"
-              "tap 'Power On' for 2s\nwait button OK within 1min\n"
-              "expect driver COM9: opened\n");
+    const std::string file = Write("free.scenario",
+                                   "time free-running speed 50\n"
+                                   "wait button 'Power On' within 1min\n"
+                                   "tap 'Power On' for 2s\nwait button OK within 1min\n");
     EXPECT_EQ(Run({file}), 0) << Read("err");
 }
 

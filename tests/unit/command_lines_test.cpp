@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <regex>
 #include <set>
@@ -5,7 +6,7 @@
 
 #include "tests/support/process.h"
 
-// The man pages against the commands' own help: neither knows an option that the other does not.
+// What all three commands say about their options.
 
 namespace {
 
@@ -30,9 +31,10 @@ std::string OptionsSection(const std::string& page) {
     return section;
 }
 
-class Manual : public tests::Process {};
+class CommandLines : public tests::Process {};
 
-TEST_F(Manual, NamesTheOptionsThatTheCommandHas) {
+// Neither knows an option that the other does not.
+TEST_F(CommandLines, TheManualNamesTheOptionsThatTheCommandHas) {
     for (const auto& [binary, page] : {std::pair(TOLVANE_BINARY, "tolvane.1"),
                                        {UNITCTL_BINARY, "unitctl.1"},
                                        {DVRSIM_BINARY, "dvrsim.1"}}) {
@@ -47,6 +49,45 @@ TEST_F(Manual, NamesTheOptionsThatTheCommandHas) {
         EXPECT_GE(options.size(), 2U) << help;
         EXPECT_EQ(Options(OptionsSection(page)), options) << page;
     }
+}
+
+TEST_F(CommandLines, WrongOnesAreOneLineAndStatusTwo) {
+    const std::pair<const char*, std::vector<std::vector<std::string>>> cases[] = {
+        {TOLVANE_BINARY,
+         {{"--nope"},
+          {"extra"},
+          {"--com9", "foo"},
+          {"--speed", "0"},
+          {"--speed", "1e9"},
+          {"--speed", "fast"},
+          {"--seed", "-1"},
+          {"--card", "/no"},
+          {"--log"},
+          {"--reset-command", "true"},
+          {"--unit", "a/b"}}},
+        {DVRSIM_BINARY,
+         {{"--nope"},
+          {"/dev/a", "/dev/b"},
+          {"--speed", "0"},
+          {"--seed", "-1"},
+          {"--name", "a/b"},
+          {"--firmware", ""},
+          {"--send"},
+          {"--card", "/no"},
+          {"/dev/a", "--link", "/tmp/b"}}},
+        {UNITCTL_BINARY,
+         {{}, {"--nope"}, {"--unit", "../x", "state"}, {"tap", "\xFF"}, {"run", "/no/file"}}},
+    };
+    for (const auto& [binary, lines] : cases)
+        for (const std::vector<std::string>& arguments : lines) {
+            SCOPED_TRACE(binary + testing::PrintToString(arguments));
+            EXPECT_EQ(Run(binary, arguments), 2);
+            const std::string name = std::filesystem::path(binary).filename();
+            const std::string said = Read("err");
+            EXPECT_TRUE(said.starts_with(name + ": ")) << said;
+            EXPECT_EQ(said.find('\n'), said.size() - 1) << said;
+            EXPECT_EQ(Read("out"), "");
+        }
 }
 
 }  // namespace
