@@ -10,13 +10,11 @@ namespace {
 using namespace std::chrono_literals;
 using unit::Direction;
 using enum unit::Direction;
-using unit::LineBytes;
-using unit::LineHistory;
 
 struct MonitorCase {
     Direction direction;
     const char* bytes;
-    std::vector<const char*> texts;
+    std::vector<std::string> texts;
 };
 
 const MonitorCase kMonitorCases[] = {
@@ -61,54 +59,51 @@ const MonitorCase kMonitorCases[] = {
      {"to unit  2 stray bytes  00 A5", "to unit  IND  DVR_RunningState  -  ok"}},
 };
 
-std::vector<std::string> Texts(const std::vector<unit::LineEntry>& entries) {
-    std::vector<std::string> texts;
-    for (const unit::LineEntry& entry : entries)
-        texts.push_back(entry.Text());
-    return texts;
-}
-
 std::vector<std::uint8_t> Bytes(std::string hex) {
     std::erase(hex, ' ');
     return control::ReadBytes(hex).value();
 }
 
-TEST(FrameMonitor, ShowsFramesDamageAndStrayBytesAtEverySplit) {
+class Monitored {
+  public:
+    void Take(std::chrono::microseconds time, Direction direction,
+              const std::vector<std::uint8_t>& bytes) {
+        for (const unit::LineEntry& entry : monitor_.Take(time, {direction, bytes}))
+            texts.push_back(entry.Text());
+    }
+
+    std::vector<std::string> texts;
+
+  private:
+    unit::LineMonitor monitor_;
+};
+
+TEST(LineMonitor, ShowsFramesDamageAndStrayBytesAtEverySplit) {
     for (const MonitorCase& c : kMonitorCases) {
         SCOPED_TRACE(c.bytes);
         const std::vector<std::uint8_t> bytes = Bytes(c.bytes);
         for (std::size_t split = 0; split <= bytes.size() && !testing::Test::HasFailure();
              ++split) {
-            LineHistory history;
+            Monitored line;
             const auto middle = bytes.begin() + static_cast<std::ptrdiff_t>(split);
-            history.Take(10ms, {c.direction, {bytes.begin(), middle}});
-            history.Take(20ms, {c.direction, {middle, bytes.end()}});
-            const auto entries = history.Since(0, 20ms);
-            EXPECT_EQ(Texts(entries), (std::vector<std::string>(c.texts.begin(), c.texts.end())));
+            line.Take(10ms, c.direction, {bytes.begin(), middle});
+            line.Take(20ms, c.direction, {middle, bytes.end()});
+            EXPECT_EQ(line.texts, c.texts);
         }
     }
 }
 
-TEST(FrameMonitor, EndsStrayRunsAtAGapAndKeepsUnfinishedFrames) {
-    LineHistory history;
-    history.Take(0ms, {kToUnit, Bytes("0102")});
-    history.Take(49ms, {kToUnit, Bytes("03")});
-    EXPECT_TRUE(history.Since(0, 98ms).empty());
-    history.Take(110ms, {kToUnit, Bytes("04 A55A80")});
-    history.Take(110ms, {kToDvr, Bytes("05")});
-    EXPECT_EQ(Texts(history.Since(0, 110ms)),
-              std::vector<std::string>{"to unit  3 stray bytes  01 02 03"});
-    const auto later = history.Since(1, 10s);
-    EXPECT_EQ(Texts(later),
-              (std::vector<std::string>{"to unit  1 stray byte  04", "to DVR  1 stray byte  05"}));
-    EXPECT_EQ(later.at(0).time, 110ms);
-    history.Take(20s, {kToUnit, Bytes("0010 0000 018F")});
-    const auto frame = history.Since(3, 20s);
-    ASSERT_EQ(frame.size(), 1U);
-    EXPECT_EQ(frame[0].time, 20s);
-    EXPECT_TRUE(frame[0].checksum_good());
-    EXPECT_EQ(frame[0].command(), 0x10);
-    EXPECT_FALSE(frame[0].query());
+TEST(LineMonitor, EndsStrayRunsAtAGap) {
+    Monitored line;
+    line.Take(0ms, kToUnit, Bytes("0102"));
+    line.Take(49ms, kToUnit, Bytes("03"));
+    line.Take(98ms, kToDvr, Bytes("05"));
+    EXPECT_TRUE(line.texts.empty());
+    line.Take(99ms, kToUnit, Bytes("04"));
+    EXPECT_EQ(line.texts, std::vector<std::string>{"to unit  3 stray bytes  01 02 03"});
+    line.Take(20s, kToUnit, Bytes("A55A80 0010 0000 018F"));
+    EXPECT_EQ(line.texts.at(1), "to unit  1 stray byte  04");
+    EXPECT_EQ(line.texts.at(2), "to unit  IND  DVR_RunningState  -  ok");
 }
 
 }  // namespace

@@ -112,8 +112,7 @@ void Watch::Hear(const TimedEvent& timed) {
 void Watch::HearLine(std::chrono::microseconds time, const LineBytes& piece) {
     if (!kinds_.frames)
         return;
-    FrameMonitor& monitor = piece.direction == Direction::kToUnit ? to_unit_ : to_dvr_;
-    for (const LineEntry& entry : monitor.Take(time, piece.bytes))
+    for (const LineEntry& entry : line_.Take(time, piece))
         Tell(entry.time, "frame", entry.Text());
 }
 

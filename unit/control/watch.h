@@ -31,8 +31,7 @@ class Watch {
 
     const WatchedKinds kinds_;
     const std::function<void(const std::string&)> tell_;
-    FrameMonitor to_unit_{Direction::kToUnit};
-    FrameMonitor to_dvr_{Direction::kToDvr};
+    LineMonitor line_;
     // Last: nothing is heard while the rest goes.
     const EventHub::Subscription subscription_;
 };

@@ -1,6 +1,5 @@
 #include "unit/line/frame_monitor.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -73,7 +72,7 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
             continue;
         }
         keep(EndStray());
-        keep(LineEntry{0, time, direction_, cut->kind, std::move(cut->bytes)});
+        keep(LineEntry{time, direction_, cut->kind, std::move(cut->bytes)});
     }
     return entries;
 }
@@ -85,35 +84,7 @@ std::optional<LineEntry> FrameMonitor::Settle(std::chrono::microseconds now) {
 std::optional<LineEntry> FrameMonitor::EndStray() {
     if (stray_.empty())
         return std::nullopt;
-    return LineEntry{0, stray_time_, direction_, Cut::Kind::kStray, std::exchange(stray_, {})};
-}
-
-void LineHistory::Take(std::chrono::microseconds time, const LineBytes& bytes) {
-    const std::scoped_lock lock(mutex_);
-    FrameMonitor& monitor = monitors_[bytes.direction == Direction::kToUnit ? 0 : 1];
-    for (LineEntry& entry : monitor.Take(time, bytes.bytes))
-        Keep(std::move(entry));
-}
-
-void LineHistory::Keep(LineEntry entry) {
-    entry.number = ++last_number_;
-    entries_.push_back(std::move(entry));
-    if (entries_.size() > kMost)
-        entries_.pop_front();
-}
-
-std::vector<LineEntry> LineHistory::Since(std::uint64_t number, std::chrono::microseconds now) {
-    const std::scoped_lock lock(mutex_);
-    for (FrameMonitor& monitor : monitors_)
-        if (auto stray = monitor.Settle(now))
-            Keep(*std::move(stray));
-    const auto first = std::ranges::upper_bound(entries_, number, {}, &LineEntry::number);
-    return {first, entries_.end()};
-}
-
-void LineHistory::Clear() {
-    const std::scoped_lock lock(mutex_);
-    entries_.clear();
+    return LineEntry{stray_time_, direction_, Cut::Kind::kStray, std::exchange(stray_, {})};
 }
 
 }  // namespace unit

@@ -2,8 +2,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,7 +14,6 @@ namespace unit {
 
 // Something that passed on the line: a frame, whole or damaged, or a run of bytes of no frame.
 struct LineEntry {
-    std::uint64_t number = 0;        // counts from 1 up
     std::chrono::microseconds time;  // of the unit, when its last byte came
     Direction direction;
     Cut::Kind kind;
@@ -44,13 +41,10 @@ class FrameMonitor {
     // The entries that these bytes end, in order.
     std::vector<LineEntry> Take(std::chrono::microseconds time,
                                 std::span<const std::uint8_t> bytes);
-    // The run of stray bytes that has ended because nothing came for 50 ms.
-    std::optional<LineEntry> Settle(std::chrono::microseconds now);
-
-    // The bytes of a frame that waits for its rest.
-    const std::vector<std::uint8_t>& unfinished() const { return cutter_.held(); }
 
   private:
+    // The run of stray bytes that has ended because nothing came for 50 ms.
+    std::optional<LineEntry> Settle(std::chrono::microseconds now);
     std::optional<LineEntry> EndStray();
 
     const Direction direction_;
@@ -59,24 +53,17 @@ class FrameMonitor {
     std::chrono::microseconds stray_time_{};
 };
 
-// The live list of both directions' entries, the latest 10,000 of them. Any thread.
-class LineHistory {
+// The same for both directions.
+class LineMonitor {
   public:
-    void Take(std::chrono::microseconds time, const LineBytes& bytes);
-
-    // Those with numbers above `number` that are still there; `now` ends runs of stray bytes.
-    std::vector<LineEntry> Since(std::uint64_t number, std::chrono::microseconds now);
-    void Clear();
+    std::vector<LineEntry> Take(std::chrono::microseconds time, const LineBytes& piece) {
+        FrameMonitor& monitor = piece.direction == Direction::kToUnit ? to_unit_ : to_dvr_;
+        return monitor.Take(time, piece.bytes);
+    }
 
   private:
-    void Keep(LineEntry entry);
-
-    static constexpr std::size_t kMost = 10'000;
-
-    std::mutex mutex_;
-    FrameMonitor monitors_[2] = {FrameMonitor(Direction::kToUnit), FrameMonitor(Direction::kToDvr)};
-    std::deque<LineEntry> entries_;
-    std::uint64_t last_number_ = 0;
+    FrameMonitor to_unit_{Direction::kToUnit};
+    FrameMonitor to_dvr_{Direction::kToDvr};
 };
 
 }  // namespace unit

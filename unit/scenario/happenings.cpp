@@ -59,8 +59,7 @@ Happenings::Happenings(EventHub& events) {
 void Happenings::Note(const TimedEvent& event) {
     const std::scoped_lock lock(mutex_);
     if (const auto* const piece = std::get_if<LineBytes>(&event.event)) {
-        FrameMonitor& monitor = piece->direction == Direction::kToUnit ? to_unit_ : to_dvr_;
-        for (LineEntry& entry : monitor.Take(event.time, piece->bytes))
+        for (LineEntry& entry : line_.Take(event.time, *piece))
             all_.push_back({event.time, std::move(entry)});
         return;
     }

@@ -44,8 +44,7 @@ class Happenings {
 
     mutable std::mutex mutex_;
     std::vector<TimedHappening> all_;
-    FrameMonitor to_unit_{Direction::kToUnit};
-    FrameMonitor to_dvr_{Direction::kToDvr};
+    LineMonitor line_;
     // Ends before what it notes down to.
     EventHub::Subscription subscription_;
 };

@@ -42,8 +42,7 @@ void History::File(const TimedEvent& event) {
     if (const auto* line = std::get_if<LineLogged>(&event.event)) {
         log_.Add({event.time, line->text});
     } else if (const auto* bytes = std::get_if<LineBytes>(&event.event)) {
-        FrameMonitor& monitor = bytes->direction == Direction::kToUnit ? to_unit_ : to_dvr_;
-        for (LineEntry& entry : monitor.Take(event.time, bytes->bytes))
+        for (LineEntry& entry : line_.Take(event.time, *bytes))
             FileFrame(std::move(entry));
     } else if (const auto* fault = std::get_if<FaultApplied>(&event.event)) {
         log_.Add({event.time, "line fault: " + fault->text});

@@ -86,8 +86,7 @@ class History {
     std::mutex mutex_;
     std::vector<TimedEvent> notes_;  // guarded by mutex_
 
-    FrameMonitor to_unit_{Direction::kToUnit};
-    FrameMonitor to_dvr_{Direction::kToDvr};
+    LineMonitor line_;
     Latest<Line, 10'000> log_;
     Latest<LineEntry, 10'000> traffic_;
     Latest<Percent, 10'000> percents_;
