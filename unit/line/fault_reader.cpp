@@ -4,8 +4,8 @@
 
 #include "control/grammar.h"
 #include "control/words.h"
-#include "dvrsim/command_names.h"
 #include "unit/line/fault_words.h"
+#include "unit/line/frame_text.h"
 
 namespace unit {
 namespace {
@@ -35,15 +35,6 @@ constexpr FaultPattern kPatterns[] = {
 #undef TOLVANE_FAULT_TARGET
 #undef TOLVANE_FAULT_RATE
 
-std::optional<std::uint16_t> ReadCommand(const std::string& word) {
-    if (const auto command = dvrsim::CommandNamed(word))
-        return static_cast<std::uint16_t>(*command);
-    const auto number = control::ReadNumber(word);
-    if (number && *number >= 0 && *number < dvrsim::kQueryBit)
-        return static_cast<std::uint16_t>(*number);
-    return std::nullopt;
-}
-
 bool ReadTarget(const control::Values& values, FaultRule& rule, std::string& problem) {
     const auto part = Chosen(kParts, values);
     if (values.Chose("bytes")) {
@@ -59,13 +50,9 @@ bool ReadTarget(const control::Values& values, FaultRule& rule, std::string& pro
     if (values.Chose("query") || values.Chose("plain"))
         frames.query = values.Chose("query");
     if (values.Has("NAME")) {
-        frames.command = ReadCommand(values.Text("NAME"));
-        if (!frames.command) {
-            problem = "'" + values.Text("NAME") +
-                      "' is no command of the DVR; allowed is a name such as FW_Upgrade_Version, "
-                      "or a number such as 0x2E";
+        frames.command = ReadCommand(values.Text("NAME"), problem);
+        if (!frames.command)
             return false;
-        }
     }
     rule.part = part.value_or(FramePart::kWhole);
     if (values.Has("INDEX"))

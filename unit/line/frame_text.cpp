@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "control/values.h"
 #include "dvrsim/command_names.h"
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
@@ -102,6 +103,18 @@ std::string CodeName(std::uint16_t code) {
     std::snprintf(digits, sizeof digits, "0x%04X", number);
     return (name.empty() ? std::string(digits) : std::string(name)) +
            ((code & dvrsim::kQueryBit) != 0 ? " query" : "");
+}
+
+std::optional<std::uint16_t> ReadCommand(const std::string& word, std::string& problem) {
+    if (const auto command = dvrsim::CommandNamed(word))
+        return static_cast<std::uint16_t>(*command);
+    const auto number = control::ReadNumber(word);
+    if (number && *number >= 0 && *number < dvrsim::kQueryBit)
+        return static_cast<std::uint16_t>(*number);
+    problem = "'" + word +
+              "' is no command of the DVR; allowed is a name such as FW_Upgrade_Version, or a "
+              "number such as 0x2E";
+    return std::nullopt;
 }
 
 std::string FrameName(std::span<const std::uint8_t> frame) {

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "dvrsim/command_names.h"
+#include "unit/line/frame_text.h"
 #include "unit/scenario/conditions.h"
 #include "unit/scenario/happening_condition.h"
 
@@ -10,28 +10,18 @@ namespace {
 using control::Values;
 using dvrsim::FrameType;
 
-std::optional<std::uint16_t> CommandIn(const Values& values) {
-    const std::string word = values.Text("NAME");
-    if (const auto command = dvrsim::CommandNamed(word))
-        return static_cast<std::uint16_t>(*command);
-    const auto number = control::ReadNumber(word);
-    if (number && *number >= 0 && *number < dvrsim::kQueryBit)
-        return static_cast<std::uint16_t>(*number);
-    return std::nullopt;
-}
-
 std::string WrongCommand(const Values& values) {
-    if (!values.Has("NAME") || CommandIn(values))
-        return {};
-    return "'" + values.Text("NAME") +
-           "' is no command of the DVR; allowed is a name such as FW_Upgrade_Version, or a number "
-           "such as 0x2E";
+    std::string problem;
+    if (values.Has("NAME"))
+        ReadCommand(values.Text("NAME"), problem);
+    return problem;
 }
 
 FrameFilter FilterOf(const Values& values) {
     FrameFilter filter;
+    std::string read_before;
     if (values.Has("NAME"))
-        filter.command = CommandIn(values);
+        filter.command = ReadCommand(values.Text("NAME"), read_before);
     if (values.Chose("request"))
         filter.type = FrameType::kRequest;
     if (values.Chose("acknowledgement"))
