@@ -1,13 +1,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <filesystem>
 #include <map>
 #include <numeric>
 
 #include "dvrsim/dvr.h"
+#include "dvrsim/temporary_card.h"
 
 namespace dvrsim {
 
@@ -69,19 +68,6 @@ class HandDrivenHost final : public Host {
     std::map<std::pair<microseconds, std::uint64_t>, std::function<void()>> due_;
 };
 
-class TemporaryFolder {
-  public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "dvrsim-XXXXXX").string();
-        path = mkdtemp(name.data());
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::filesystem::path path;
-};
-
 inline Bytes Request(std::uint16_t code, std::uint8_t payload = 0) {
     const auto high = [](unsigned word) { return static_cast<std::uint8_t>(word >> 8U); };
     const auto low = [](unsigned word) { return static_cast<std::uint8_t>(word & 0xFFU); };
@@ -117,7 +103,7 @@ struct Bench {
         return found;
     }
 
-    TemporaryFolder card;
+    TemporaryCard card{std::nullopt};
     HandDrivenHost host;
     Dvr dvr;
 };

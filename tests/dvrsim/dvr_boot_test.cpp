@@ -67,22 +67,27 @@ TEST(DvrBoot, WithoutPowerNothingHappens) {
     EXPECT_TRUE(bench.host.Idle());
     EXPECT_TRUE(bench.Ask(0x8010).empty());
     bench.dvr.ReportCard(CardStatus::kBroken);
-    bench.dvr.InsertCard(bench.card.path);
+    bench.dvr.InsertCard(bench.card.path());
     EXPECT_TRUE(bench.During(milliseconds(5000)).empty());
 }
 
-TEST(DvrBoot, TheRebootOrderReportsAndReboots) {
+TEST(DvrBoot, AnOrderedRebootAndOneOfItsOwnAreReportedAndDone) {
     Bench bench;
-    bench.BootToNormal();
-    bench.dvr.Receive(Request(0x001C));
-    const auto sent = bench.During(milliseconds(6000));
-    ASSERT_EQ(sent.size(), 6U);
-    EXPECT_EQ(sent[0].type, 0x20);
-    EXPECT_EQ(sent[0].code, 0x001C);
-    EXPECT_EQ(sent[1].payload, Bytes{3});
-    EXPECT_EQ(sent[2].payload, Bytes{0});
-    EXPECT_GT(sent[2].time, sent[1].time + milliseconds(1500));
-    EXPECT_EQ(sent[5].payload, Bytes{2});
+    bench.dvr.RebootItself();
+    EXPECT_TRUE(bench.host.Idle()) << "off";
+    for (const bool ordered : {true, false}) {
+        bench.BootToNormal();
+        bench.host.sent.clear();
+        ordered ? bench.dvr.Receive(Request(0x001C)) : bench.dvr.RebootItself();
+        bench.host.Run(milliseconds(6000));
+        EXPECT_EQ(bench.Only(0x20, 0x001C).size(), ordered ? 1U : 0U);
+        const auto states = bench.Only(0x80, 0x0010);
+        ASSERT_EQ(states.size(), 4U);
+        for (std::size_t i = 0; i < 4; ++i) {
+            EXPECT_EQ(states[i].payload[0], (i + 3) % 4);
+        }
+        EXPECT_GT(states[1].time, states[0].time + milliseconds(1500));
+    }
 }
 
 }  // namespace

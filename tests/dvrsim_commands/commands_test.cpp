@@ -48,37 +48,38 @@ const DvrTable& Commands() {
 TEST(DvrCommands, EachFaultIsSetAndEndedAlone) {
     const struct {
         const char* set;
-        Faults faults;
         const char* end;
+        Faults faults;
     } cases[] = {
-        {"fault dvr silent on", {.silent = true}, "fault dvr silent off"},
-        {"fault dvr silent-card on", {.silent_card = true}, "fault dvr silent-card off"},
-        {"fault dvr silent-version on", {.silent_version = true}, "fault dvr silent-version off"},
-        {"fault dvr slow 9", {.slowness = 9}, "fault dvr slow 1"},
-        {"fault dvr copies 4", {.indication_copies = 4}, "fault dvr copies 1"},
-        {"fault dvr repeat-card 250ms",
-         {.card_report_interval = 250ms},
-         "fault dvr repeat-card off"},
-        {"fault dvr version V9", {.version_answer = "V9"}, "fault dvr no-version"},
-        {"fault dvr version \"\"", {.version_answer = ""}, "fault dvr no-version"},
-        {"fault dvr image-version x", {.image_version_report = "x"}, "fault dvr no-image-version"},
-        {"fault dvr stop-at 0", {.stop_at_percent = 0}, "fault dvr stop-at off"},
-        {"fault dvr stuck-at 57", {.stuck_at_percent = 57}, "fault dvr stuck-at off"},
-        {"fault dvr fail-at 100", {.fail_at_percent = 100}, "fault dvr fail-at off"},
-        {"fault dvr reboot-at 3", {.reboot_at_percent = 3}, "fault dvr reboot-at off"},
-        {"fault dvr jump-back 60 10",
-         {.jump_back = PercentJump{60, 10}},
-         "fault dvr jump-back off"},
-        {"fault dvr silent on", {.silent = true}, "fault dvr none"},
+        {"silent on", "silent off", {.silent = true}},
+        {"silent-card on", "silent-card off", {.silent_card = true}},
+        {"silent-version on", "silent-version off", {.silent_version = true}},
+        {"slow 9", "slow 1", {.slowness = 9}},
+        {"copies 4", "copies 1", {.indication_copies = 4}},
+        {"repeat-card 250ms", "repeat-card off", {.card_report_interval = 250ms}},
+        {"version \"\"", "no-version", {.version_answer = ""}},
+        {"image-version x", "no-image-version", {.image_version_report = "x"}},
+        {"stop-at 0", "stop-at off", {.stop_at_percent = 0}},
+        {"stuck-at 57", "stuck-at off", {.stuck_at_percent = 57}},
+        {"fail-at 100", "fail-at off", {.fail_at_percent = 100}},
+        {"reboot-at 3", "reboot-at off", {.reboot_at_percent = 3}},
+        {"jump-back 60 10", "jump-back off", {.jump_back = PercentJump{60, 10}}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.set);
-        Desk desk;
-        EXPECT_TRUE(Commands().Follow(desk.dvr, c.set).done);
-        EXPECT_EQ(desk.dvr.GetFaults(), c.faults);
-        EXPECT_TRUE(Commands().Follow(desk.dvr, c.end).done);
-        EXPECT_EQ(desk.dvr.GetFaults(), Faults());
+    Desk desk;
+    for (const bool alone : {true, false}) {
+        for (const auto& c : cases) {
+            SCOPED_TRACE(c.set);
+            EXPECT_TRUE(Commands().Follow(desk.dvr, std::string("fault dvr ") + c.set).done);
+            if (alone) {
+                EXPECT_EQ(desk.dvr.GetFaults(), c.faults);
+                EXPECT_TRUE(Commands().Follow(desk.dvr, std::string("fault dvr ") + c.end).done);
+                EXPECT_EQ(desk.dvr.GetFaults(), Faults());
+            }
+        }
     }
+    EXPECT_EQ(desk.dvr.GetFaults().slowness, 9U) << "one takes no other away";
+    EXPECT_TRUE(Commands().Follow(desk.dvr, "fault dvr none").done);
+    EXPECT_EQ(desk.dvr.GetFaults(), Faults());
 }
 
 TEST(DvrCommands, ActOnTheDvr) {
