@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <tuple>
 
 namespace unit {
 
@@ -19,12 +20,7 @@ using unit::Area;
 using unit::Scaling;
 
 TEST(Layout, TheScreenScalesByWholeOrSmoothFactors) {
-    struct Case {
-        Area room;
-        Scaling scaling;
-        Area expected;
-    };
-    const Case cases[] = {
+    const std::tuple<Area, Scaling, Area> cases[] = {
         {{0, 0, 800, 480}, Scaling::kWhole, {0, 0, 800, 480}},
         {{10, 20, 900, 600}, Scaling::kWhole, {60, 80, 800, 480}},
         {{10, 20, 1000, 600}, Scaling::kSmooth, {10, 20, 1000, 600}},
@@ -35,8 +31,8 @@ TEST(Layout, TheScreenScalesByWholeOrSmoothFactors) {
         {{0, 0, 400, 480}, Scaling::kWhole, {0, 120, 400, 240}},
         {{0, 0, 0, 0}, Scaling::kSmooth, {0, 0, 0, 0}},
     };
-    for (const Case& row : cases)
-        EXPECT_EQ(unit::PlaceScreen(row.room, row.scaling), row.expected);
+    for (const auto& [room, scaling, expected] : cases)
+        EXPECT_EQ(unit::PlaceScreen(room, scaling), expected);
 }
 
 TEST(Layout, PartsFillTheWindowWithoutOverlap) {

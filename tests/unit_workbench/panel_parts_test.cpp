@@ -9,17 +9,13 @@ namespace tests {
 namespace {
 
 TEST(TextFilter, WantsAllWordsAndNoneBehindAMinus) {
-    struct Case {
-        const char* filter;
-        bool passes;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, bool> cases[] = {
         {"", true},          {"  ", true},           {"reset", true},       {"RESET", true},
         {"dvr reset", true}, {"dvr suspend", false}, {"-reset", false},     {"-suspend dvr", true},
         {"-", true},         {"Reset_DVR()", true},  {"reset -dvr", false},
     };
-    for (const Case& row : cases)
-        EXPECT_EQ(unit::Passes("CMainFrame::Reset_DVR()", row.filter), row.passes) << row.filter;
+    for (const auto& [filter, passes] : cases)
+        EXPECT_EQ(unit::Passes("CMainFrame::Reset_DVR()", filter), passes) << filter;
 }
 
 TEST(FilteredList, FollowsTheListAsItGrowsAndDrops) {
