@@ -41,24 +41,28 @@ unit::ScalerState Shown(unit::ScalerWindow window, std::uint32_t alpha = 63) {
     return scaler;
 }
 
-unit::ScalerWindow Window(std::uint16_t source_x, std::uint16_t source_y,
-                          std::uint16_t source_width, std::uint16_t source_height, std::uint16_t x,
-                          std::uint16_t y, std::uint16_t width, std::uint16_t height) {
+struct Rect {
+    int x, y, width, height;
+};
+
+unit::ScalerWindow Window(const Rect& source, const Rect& place) {
+    const auto word = [](int value) { return static_cast<std::uint16_t>(value); };
     unit::ScalerWindow window{};
-    window.source_x = source_x;
-    window.source_y = source_y;
-    window.source_width = source_width;
-    window.source_height = source_height;
-    window.x = x;
-    window.y = y;
-    window.width = width;
-    window.height = height;
+    window.source_x = word(source.x);
+    window.source_y = word(source.y);
+    window.source_width = word(source.width);
+    window.source_height = word(source.height);
+    window.x = word(place.x);
+    window.y = word(place.y);
+    window.width = word(place.width);
+    window.height = word(place.height);
     return window;
 }
 
+constexpr Rect kAll{0, 0, 80, 48};
+
 TEST(ScreenMixer, VideoShowsExactlyWhereTheKeyColourIs) {
-    const Picture mixed =
-        MixPlanes(Graphics(), Ruler(80, 48), Shown(Window(0, 0, 80, 48, 0, 0, 80, 48)));
+    const Picture mixed = MixPlanes(Graphics(), Ruler(80, 48), Shown(Window(kAll, kAll)));
     for (int y = 0; y < 48; ++y)
         for (int x = 0; x < 80; ++x) {
             const std::uint32_t video = static_cast<std::uint32_t>(y << 12 | x);
@@ -71,40 +75,41 @@ TEST(ScreenMixer, VideoShowsExactlyWhereTheKeyColourIs) {
 }
 
 TEST(ScreenMixer, TheWindowRecordCropsScalesAndPlaces) {
-    struct Case {
-        unit::ScalerWindow window;
+    const struct {
+        Rect source;
+        Rect place;
         int x;
         int y;
         std::uint32_t expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         // Half the source on the whole screen, as the wizard crops it.
-        {Window(10, 4, 40, 24, 0, 0, 80, 48), 0, 0, 4U << 12 | 10},
-        {Window(10, 4, 40, 24, 0, 0, 80, 48), 79, 47, 27U << 12 | 49},
-        {Window(10, 4, 40, 24, 0, 0, 80, 48), 41, 0, 4U << 12 | 30},
+        {{10, 4, 40, 24}, kAll, 0, 0, 4U << 12 | 10},
+        {{10, 4, 40, 24}, kAll, 79, 47, 27U << 12 | 49},
         // A quarter of the screen: black around it.
-        {Window(0, 0, 80, 48, 40, 24, 40, 24), 40, 24, 0},
-        {Window(0, 0, 80, 48, 40, 24, 40, 24), 79, 47, 46U << 12 | 78},
-        {Window(0, 0, 80, 48, 40, 24, 40, 24), 39, 24, 0},
-        {Window(0, 0, 80, 48, 0, 0, 40, 24), 40, 10, 0},
+        {kAll, {40, 24, 40, 24}, 40, 24, 0},
+        {kAll, {40, 24, 40, 24}, 79, 47, 46U << 12 | 78},
+        {kAll, {40, 24, 40, 24}, 39, 24, 0},
+        {kAll, {0, 0, 40, 24}, 40, 10, 0},
+        {kAll, {0, 0, 40, 24}, 5, 24, 0},
         // Beyond the source, and a window that leaves the screen.
-        {Window(60, 0, 80, 48, 0, 0, 80, 48), 19, 1, 1U << 12 | 79},
-        {Window(60, 0, 80, 48, 0, 0, 80, 48), 20, 1, 0},
-        {Window(0, 0, 80, 48, 70, 40, 800, 480), 79, 47, 0},
+        {{60, 0, 80, 48}, kAll, 19, 1, 1U << 12 | 79},
+        {{60, 0, 80, 48}, kAll, 20, 1, 0},
+        {kAll, {70, 40, 800, 480}, 79, 47, 0},
         // No window set yet.
-        {Window(0, 0, 0, 0, 0, 0, 0, 0), 5, 5, 0},
+        {{}, {}, 5, 5, 0},
     };
     const platform::gdi::Surface graphics = Graphics();
     const Picture video = Ruler(80, 48);
-    for (const Case& row : cases)
-        EXPECT_EQ(MixPlanes(graphics, video, Shown(row.window)).At(row.x, row.y), row.expected)
+    for (const auto& row : cases)
+        EXPECT_EQ(MixPlanes(graphics, video, Shown(Window(row.source, row.place))).At(row.x, row.y),
+                  row.expected)
             << row.x << ' ' << row.y;
 }
 
 TEST(ScreenMixer, AlphaBlendsWhatIsNotKeyed) {
     Picture video = Ruler(80, 48);
     std::ranges::fill(video.pixels, 0x00C864U);
-    const unit::ScalerWindow whole = Window(0, 0, 80, 48, 0, 0, 80, 48);
+    const unit::ScalerWindow whole = Window(kAll, kAll);
     // 21 of 63: a third of the ink.
     EXPECT_EQ(MixPlanes(Graphics(), video, Shown(whole, 21)).At(30, 20), 0x55B058U);
     EXPECT_EQ(MixPlanes(Graphics(), video, Shown(whole, 0)).At(30, 20), 0x00C864U);
