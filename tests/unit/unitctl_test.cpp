@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <regex>
 
 #include "tests/support/process.h"
 
@@ -100,6 +101,31 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     EXPECT_EQ(Wait(watcher), 3);
     EXPECT_EQ(Read("watch-err"), "unitctl: the other end has hung up\n");
     EXPECT_FALSE(fs::exists(Path("tolvane/unit.sock")));
+}
+
+TEST_F(Unitctl, HearsTheKindsItWatchesAndMissesAnAcknowledgement) {
+    const pid_t unit = StartUnit();
+    const std::pair<const char*, std::regex> kinds[] = {
+        {"frames", std::regex("( *[0-9.]+  frame      .*\n)+")},
+        {"broadcasts", std::regex("( *[0-9.]+  (broadcast|request  )  .*\n)+")},
+        {"log", std::regex("( *[0-9.]+  log        .*\n)+")}};
+    for (const auto& [kind, lines] : kinds)
+        Start(UNITCTL_BINARY, {"watch", kind}, kind);
+    for (const auto& [kind, lines] : kinds) {
+        EXPECT_TRUE(WaitUntil([&, kind = kind] {
+            EXPECT_EQ(Ctl({"dvr", "indicate", "DVR_RunningState", "02"}), 0);
+            EXPECT_EQ(Ctl({"request", "resume"}), 0);
+            return Read(std::string(kind) + "out").ends_with("\n");
+        })) << kind;
+        const std::string heard = Read(std::string(kind) + "out");
+        EXPECT_TRUE(std::regex_match(heard, lines)) << heard;
+    }
+    // The program's thread ends when it cannot wait for the next request.
+    EXPECT_EQ(Ctl({"fault", "call", "WaitForMultipleObjects", "always"}), 0);
+    EXPECT_EQ(Ctl({"request", "resume"}), 0);
+    EXPECT_EQ(Ctl({"request", "resume"}), 1);
+    EXPECT_EQ(Read("ctl-err"), "unitctl: no acknowledgement came within 2 s of the unit's time\n");
+    End(unit);
 }
 
 TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {

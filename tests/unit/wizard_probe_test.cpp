@@ -7,30 +7,11 @@
 
 #include "tests/rig/wizard_run.h"
 
-namespace unit {
-
-void PrintTo(const WizardState& wizard, std::ostream* out) {
-    *out << wizard.step << ' ' << wizard.percent << ' ' << wizard.bin_version << ' '
-         << wizard.running_state << ' ' << wizard.dvr_version;
-}
-
-}  // namespace unit
-
 namespace tests {
 namespace {
 
 using namespace std::chrono_literals;
 using unit::ReadWizard;
-using unit::WizardState;
-
-TEST(WizardProbe, ReadsTheWizardWhileItsWindowStands) {
-    EXPECT_EQ(ReadWizard(), std::nullopt);
-    WizardRun run;
-    run.GoToInsertCard();
-    EXPECT_EQ(ReadWizard(), (WizardState{1, 0, 0, 2, "1.00.05"}));
-    run.Close();
-    EXPECT_EQ(ReadWizard(), std::nullopt);
-}
 
 TEST(WizardProbe, NamesStepsAndStatesAndNoOthers) {
     EXPECT_STREQ(unit::WizardStepName(-1), "power on");
@@ -50,7 +31,7 @@ TEST(WizardProbe, MayLookWhileTheWindowCloses) {
     std::size_t looks = 0;
     std::thread observer([&] {
         for (; !done; ++looks)
-            EXPECT_EQ(ReadWizard().value_or(WizardState{-1, 0, 0, 0, ""}).step, -1);
+            EXPECT_EQ(ReadWizard().value_or(unit::WizardState{-1, 0, 0, 0, ""}).step, -1);
     });
     run.Close();
     done = true;
