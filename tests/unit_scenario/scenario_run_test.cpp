@@ -69,8 +69,6 @@ TEST_F(Scenarios, StatesAreSoOrComeOrStaySoOrFail) {
          "expect no text starting with 'Tool'\n"
          "expect text containing 'Tool : V'\nexpect no text 'Update Tool'\nexpect no button close",
          ""},
-        {"expect percent 0\nexpect no percent at least 1\nexpect no video\nexpect no suspended",
-         ""},
         {"expect percent at least 1",
          "1: expect percent at least 1: it is not so; the percent is 0"},
         {"expect program running\nexpect no program ended\nexpect firmware 14.06.12.V1.00.05", ""},
@@ -79,7 +77,6 @@ TEST_F(Scenarios, StatesAreSoOrComeOrStaySoOrFail) {
         {"expect firmware 15",
          "1: expect firmware 15: it is not so; the DVR runs "
          "14.06.12.V1.00.05"},
-        {"expect step power-on for 3s\nexpect no text OK for 3s", ""},
         {"tap 'Power On'\nexpect no text OK for 3s", "2: expect no text OK for 3s: came after 0.0"},
         {"expect text OK for 1s\ntap OK\nexpect text OK for 1s",
          "3: expect text OK for 1s: no longer so after 0.0"},
@@ -135,18 +132,18 @@ TEST_F(Scenarios, WaitsReadOnAndExpectationsLookBack) {
 
 TEST_F(Scenarios, SeeFramesAndTheLinesFaults) {
     // "Power On" asks for version and card; the answers carry both.
-    ASSERT_EQ(Run("wait button 'Power On' within 5s\nwait 5s\n"
+    EXPECT_EQ(Run("wait button 'Power On' within 5s\nwait 5s\n"
                   "fault line corrupt checksum of StorageCardStatus acknowledgements to-unit\n"
                   "forget\ntap 'Power On'\nwait button OK\ntap OK\nwait step check-card\n"
                   "wait frame query FW_Upgrade_Version request to-dvr payload 00 within 1s\n"
-                  "wait frame query StorageCardStatus request to-dvr within 1s\n"
                   "wait frame 0x2E acknowledgement to-unit payload '31 34 2E' within 1s\n"
                   "wait frame damaged StorageCardStatus acknowledgement to-unit within 1s\n"
                   "wait line fault 'ACK StorageCardStatus' within 0s\n"
-                  "expect frame StorageCardStatus indication to-unit\n"
                   "expect no frame StorageCardStatus acknowledgement to-unit\n"
                   "expect no frame plain FW_Upgrade_Version request to-dvr\n"
-                  "expect no frame damaged to-dvr\nfault line clear"),
+                  "expect no frame FW_Upgrade_Version to-unit payload 32\n"
+                  "expect no frame FW_Upgrade_Version request to-unit\n"
+                  "expect no frame damaged to-dvr"),
               "")
         << problem_;
     EXPECT_EQ(Run("wait frame FW_Upgrade_Version indication to-unit within 1s"),
