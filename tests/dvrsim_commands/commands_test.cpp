@@ -83,31 +83,28 @@ TEST(DvrCommands, EachFaultIsSetAndEndedAlone) {
 }
 
 TEST(DvrCommands, ActOnTheDvr) {
+    using Bytes = std::vector<std::uint8_t>;
     Desk desk;
-    const auto follow = [&](const char* line) {
-        desk.host.sent.clear();
-        const control::Outcome outcome = Commands().Follow(desk.dvr, line);
-        EXPECT_TRUE(outcome.done) << line << ": " << outcome.text;
-    };
     EXPECT_FALSE(Commands().Follow(desk.dvr, "dvr reboot").done) << "off";
-    follow("dvr power on");
+    EXPECT_TRUE(Commands().Follow(desk.dvr, "dvr power on").done);
     EXPECT_EQ(desk.dvr.GetState(), Dvr::State::kBooting);
     desk.host.planned[0]();
-    follow("card report full-event");
-    EXPECT_EQ(desk.host.sent, (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x00, 0x26, 0x00, 0x03,
-                                                         0x05, 0x00, 0x64, 0x02, 0x11}));
-    follow("dvr indicate 0x802e");
-    EXPECT_EQ(desk.host.sent,
-              (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x80, 0x2E, 0x00, 0x00, 0x02, 0x2D}));
-    follow("dvr indicate g_sensor 'FF 00'");
-    EXPECT_EQ(desk.host.sent, (std::vector<std::uint8_t>{0xA5, 0x5A, 0x80, 0x00, 0x29, 0x00, 0x02,
-                                                         0xFF, 0x00, 0x02, 0xA9}));
-    follow("dvr firmware V0");
+    const std::pair<const char*, Bytes> cases[] = {
+        {"card report full-event", {0xA5, 0x5A, 0x80, 0, 0x26, 0, 3, 5, 0, 0x64, 0x02, 0x11}},
+        {"dvr indicate 0x802e", {0xA5, 0x5A, 0x80, 0x80, 0x2E, 0, 0, 0x02, 0x2D}},
+        {"dvr indicate g_sensor 'FF 00'", {0xA5, 0x5A, 0x80, 0, 0x29, 0, 2, 0xFF, 0, 0x02, 0xA9}},
+        {"dvr firmware V0", {}},
+        {"dvr update-time 15s", {}},
+        {"dvr power off", {}},
+    };
+    for (const auto& [line, sent] : cases) {
+        desk.host.sent.clear();
+        EXPECT_TRUE(Commands().Follow(desk.dvr, line).done) << line;
+        EXPECT_EQ(desk.host.sent, sent) << line;
+    }
     EXPECT_EQ(desk.dvr.FirmwareVersion(), "V0");
-    follow("dvr update-time 15s");
     EXPECT_EQ(desk.dvr.GetTimings().update.least, 14s);
     EXPECT_EQ(desk.dvr.GetTimings().update.most, 16s);
-    follow("dvr power off");
     EXPECT_EQ(desk.dvr.GetState(), Dvr::State::kOff);
 }
 
