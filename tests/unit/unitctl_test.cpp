@@ -62,7 +62,10 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     }
     fs::create_directory(Path("my card"));
     fs::current_path(Path(""));
-    for (const Words& words : {Words{"tap", "Power On"},
+    // A tap has been done when the finger is up again.
+    for (const Words& words : {Words{"tap", "Power On", "for", "2s"},
+                               {"press", "at", "1", "1"},
+                               {"release"},
                                {"power", "off"},
                                {"battery", "40", "flag", "2"},
                                {"card", "in", "my card"},
@@ -162,7 +165,11 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
               "unitctl: the unit is at another scenario, long; allowed is one at a time\n");
     End(waiting, SIGKILL);
     EXPECT_TRUE(WaitUntil([&] { return run("short.scenario", "wait 1ms\n") == 0; }));
+    // One that still runs does not keep the unit.
+    const pid_t last = Start(UNITCTL_BINARY, {"run", Path("long.scenario")}, "last-");
+    ASSERT_TRUE(WaitUntil([&] { return !Read("last-out").empty(); }));
     End(unit);
+    EXPECT_EQ(Wait(last), 3);
 }
 
 TEST_F(Unitctl, UnitsWithNamesLiveSideBySideAndADeadOneIsNotInTheWay) {
