@@ -56,10 +56,10 @@ TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
     EXPECT_EQ(Read("out"), "");
 }
 
-TEST_F(ScenarioCommand, SameSeedSameEvents) {
+TEST_F(ScenarioCommand, SameSeedSameEventsAndTheCommandLinesWins) {
     const std::string file =
         Write("walk.scenario",
-              "wait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\n"
+              "seed 9\nwait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\n"
               "wait button Next\nexpect step result\n");
     std::string events[3];
     const char* const seeds[] = {"4", "4", "5"};

@@ -9,7 +9,7 @@ namespace {
 using namespace std::chrono_literals;
 
 // The whole program on a line that is no memory; the scenarios tell of faults on one that is.
-TEST(FaultyLine, PseudoTerminalHasTheSameFaults) {
+TEST(FaultyLine, FreeRunningAPseudoTerminalHasTheSameFaults) {
     unit::VirtualUnit::Options options;
     options.kernel.mode = platform::kernel::Mode::kFreeRunning;
     options.kernel.speed = 10;
