@@ -43,4 +43,15 @@ bool IsPlainText(std::string_view line) {
     return true;
 }
 
+std::string PlainText(std::string_view text) {
+    std::string plain;
+    while (!text.empty()) {
+        const std::size_t length = CharacterLength(text);
+        const bool good = length != kMalformed && !IsControl(text.front());
+        plain += good ? text.substr(0, length) : "?";
+        text.remove_prefix(good ? length : 1);
+    }
+    return plain;
+}
+
 }  // namespace control

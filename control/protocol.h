@@ -37,6 +37,10 @@ inline constexpr std::size_t kLongestText = std::size_t{1024} * 1024;
 // True for well-formed UTF-8 without control characters other than the tab.
 bool IsPlainText(std::string_view line);
 
+// The text with a ? in place of every byte that IsPlainText refuses: a file's own words may be told
+// to a terminal.
+std::string PlainText(std::string_view text);
+
 // Calls visit(line) for each line of the text, without its end.
 template <class Visit>
 void ForEachLine(std::string_view text, Visit visit) {

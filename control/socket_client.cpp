@@ -135,7 +135,9 @@ ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char*
                        SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
     client.Send(request, limit);
     for (;;) {
-        const Reply reply = client.Receive(limit);
+        Reply reply = client.Receive(limit);
+        // What a DVR says comes as far as here; the terminal is not to follow it.
+        reply.text = PlainText(reply.text);
         switch (reply.kind) {
             case Reply::Kind::kLine:
                 std::fprintf(out, "%s\n", reply.text.c_str());

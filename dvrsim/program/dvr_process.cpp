@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <utility>
 
 #include "dvrsim/program/frame_text.h"
 #include "dvrsim/value_names.h"
@@ -130,11 +131,16 @@ void DvrProcess::ReadInput() {
     for (std::size_t end = 0; (end = input_.find('\n')) != std::string::npos && !desk_.quit;) {
         const std::string line = input_.substr(0, end);
         input_.erase(0, end + 1);
-        FollowInput(line);
+        if (!std::exchange(passing_over_, false)) {
+            FollowInput(line);
+        }
     }
-    if (input_.size() > kLongestInput) {
+    if (input_.size() > kLongestInput && !std::exchange(passing_over_, true)) {
+        std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
+                     kLongestInput);
+    }
+    if (passing_over_) {
         input_.clear();
-        std::fputs("dvrsim: a line of input is too long\n", stderr);
     }
 }
 

@@ -57,6 +57,7 @@ class DvrProcess final : private Host {
     const control::Descriptor signals_;
     bool input_open_ = true;
     std::string input_;
+    bool passing_over_ = false;  // the rest of a line that is too long
     FrameDecoder heard_;
     FrameDecoder said_;
     Dvr::State told_state_ = Dvr::State::kOff;

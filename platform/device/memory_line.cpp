@@ -1,5 +1,7 @@
 #include "platform/device/memory_line.h"
 
+#include <algorithm>
+
 #include "platform/kernel/scheduler.h"
 
 namespace platform::device {
@@ -56,6 +58,8 @@ void MemoryLine::Send(std::span<const std::uint8_t> bytes) {
         return;
     KernelLock lock = kernel::LockKernel();
     const bool idle = waiting_for_port_.empty();
+    const std::size_t room = kMostWaiting - waiting_for_port_.size();
+    bytes = bytes.first(std::min(room, bytes.size()));
     waiting_for_port_.insert(waiting_for_port_.end(), bytes.begin(), bytes.end());
     if (idle)
         kernel::At(lock, to_port_.Start(1), [self = shared_from_this()] { self->DeliverDue(); });

@@ -20,6 +20,9 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     // What the port sends goes to `device` on the hardware's thread.
     MemoryLine(DWORD baud_rate, Receiver device, Pace pace = Pace::kBaudRate);
 
+    // More bytes than a device keeps for the wire: what comes on top is lost.
+    static constexpr std::size_t kMostWaiting = std::size_t{256} * 1024;
+
     // The device sends. Hardware's thread.
     void Send(std::span<const std::uint8_t> bytes);
 

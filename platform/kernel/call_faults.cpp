@@ -17,6 +17,8 @@ namespace {
 constexpr std::size_t kAnyCall = kFailableCallCount;
 
 // Fails the calls from the first to the last of these numbers.
+constexpr std::size_t kMostRules = 1000;
+
 struct Rule {
     std::size_t row;  // or kAnyCall
     std::uint64_t first;
@@ -167,6 +169,8 @@ std::string AddCallFault(const CallFault& fault) {
         return "a fault strikes once or more often";
     Faults& faults = TheFaults();
     const std::scoped_lock lock(faults.mutex);
+    if (faults.rules.size() >= kMostRules)
+        return std::to_string(kMostRules) + " faults of calls wait already; no more are allowed";
     g_armed = true;
     const std::uint64_t first = Sum(Sum(g_counts[row], fault.skip), 1);
     faults.rules.push_back({row, first, Sum(first, fault.times - 1), fault.error});

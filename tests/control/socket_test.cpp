@@ -197,6 +197,22 @@ TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
     EXPECT_TRUE(answer.starts_with("|got \n+\n"));
 }
 
+TEST_F(Sockets, WhatIsPrintedIsPlainText) {
+    SocketClient client = Client();
+    client.Send({"later"}, 1s);
+    Serve();
+    server_->Line(watcher_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
+    server_->End(watcher_, Done());
+    Serve();
+    std::FILE* const out = std::tmpfile();
+    ASSERT_EQ(PrintAnswer(client, {"next"}, "teller", 1s, out, out), kExitDone);
+    std::rewind(out);
+    char printed[64] = {};
+    EXPECT_TRUE(std::fgets(printed, sizeof printed, out));
+    EXPECT_STREQ(printed, "?[2J? gr\xC3\xBC\xC3\x9F\n");
+    std::fclose(out);
+}
+
 TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
     std::vector<SocketClient> clients;
     for (std::size_t i = 0; i < SocketServer::kMostClients; ++i)

@@ -56,6 +56,20 @@ TEST(MemoryLine, KeepsTheWiresTimeInBothDirections) {
     });
 }
 
+TEST(MemoryLine, KeepsNoMoreThanADevicesMemory) {
+    Platform platform;
+    const auto line = std::make_shared<platform::device::MemoryLine>(
+        CBR_9600, [](std::span<const std::uint8_t>) {},
+        platform::device::MemoryLine::Pace::kAtOnce);
+    std::size_t arrived = 0;
+    line->Open([&](std::span<const std::uint8_t> bytes) { arrived += bytes.size(); });
+    for (int piece = 0; piece < 3; ++piece)
+        line->Send(std::vector<std::uint8_t>(100'000));
+    platform.RunFor(milliseconds(1));
+    EXPECT_EQ(arrived, 262'144U);
+    line->Close();
+}
+
 enum class Outcome { kExchanges, kHearsNothing, kRefused };
 
 TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {

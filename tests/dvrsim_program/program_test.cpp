@@ -133,6 +133,13 @@ TEST_F(Dvrsim, FollowsItsStandardInput) {
               "dvrsim: the DVR is off; power it on\n");
     EXPECT_NE(Read("out").find("\"state\": \"off\""), std::string::npos);
     EXPECT_NE(Read("out").find("\n[dvr] reset\n"), std::string::npos);
+    // A line without an end is told once, and no part of it is followed.
+    ASSERT_EQ(Run("/bin/sh", {"-c", "(head -c 1000000 /dev/zero; printf 'state\nquit\n') | " +
+                                        std::string(DVRSIM_BINARY)}),
+              0);
+    EXPECT_EQ(Read("err"),
+              "dvrsim: a line of input is too long; at most 65536 bytes are allowed\n");
+    EXPECT_EQ(Read("out").find("{"), std::string::npos);
 }
 
 TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {

@@ -76,5 +76,18 @@ TEST_F(Commands, TellWhatTheyHaveDone) {
     EXPECT_EQ(run_.unit().dvr().dvr()->GetFaults(), dvrsim::Faults());
 }
 
+TEST_F(Commands, FaultsHaveALimit) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"fault line drop bytes", "the line has 1000 faults already; no more are allowed"},
+        {"fault call CreateFileW", "1000 faults of calls wait already; no more are allowed"},
+    };
+    for (const auto& [line, problem] : cases) {
+        for (int count = 0; count < 1000; ++count)
+            ASSERT_TRUE(Follow(line).done);
+        EXPECT_EQ(Do(line), problem);
+    }
+    EXPECT_EQ(Do("fault clear"), "");
+}
+
 }  // namespace
 }  // namespace tests

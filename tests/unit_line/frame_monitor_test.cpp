@@ -104,6 +104,12 @@ TEST(LineMonitor, EndsStrayRunsAtAGap) {
     line.Take(20s, kToUnit, Bytes("A55A80 0010 0000 018F"));
     EXPECT_EQ(line.texts.at(1), "to unit  1 stray byte  04");
     EXPECT_EQ(line.texts.at(2), "to unit  IND  DVR_RunningState  -  ok");
+    // A line that never rests is told in pieces.
+    Monitored endless;
+    for (int piece = 0; piece < 100; ++piece)
+        endless.Take(1ms, kToUnit, std::vector<std::uint8_t>(100, 7));
+    EXPECT_EQ(endless.texts.size(), 9U);
+    EXPECT_TRUE(endless.texts.at(0).starts_with("to unit  1024 stray bytes"));
 }
 
 }  // namespace

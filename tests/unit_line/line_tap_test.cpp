@@ -45,6 +45,20 @@ TEST(LineTap, WhatIsOnItsWayIsLostWhenThePortCloses) {
     EXPECT_EQ(line.dvr.text(), "130000: 04");
 }
 
+TEST(LineTap, KeepsNoMoreOnItsWayThanADevicesMemory) {
+    TappedLine line;
+    line.Add("delay 100ms bytes to-unit times 1");
+    line.Send(kToUnit, 0us, "01");
+    line.RunFor(1ms);
+    line.tap->Inject(kToUnit, std::vector<std::uint8_t>(300'000));
+    line.RunFor(1s);
+    constexpr std::size_t kTextOfAByte = 3;
+    EXPECT_EQ(line.program.text().size(), std::string("100000:").size() + 262'144 * kTextOfAByte);
+    line.Send(kToUnit, 2s, "02");
+    line.RunFor(2s);
+    EXPECT_TRUE(line.program.text().ends_with(" / 2000000: 02"));
+}
+
 TEST(LineTap, HoldsBackOnlyForFrameRulesAndNeverForEver) {
     const std::pair<const char*, const char*> cases[] = {
         {"drop bytes after 100 times 1", "0: A5 5A 80 / 40000: 00 / 200000: 01 02"},

@@ -133,6 +133,10 @@ TEST_F(ReadRecording, DamagedEventsAreRefused) {
         {"20.000000 failed-call Open 1 -> 5",
          "'Open' is not allowed after 'failed-call'; allowed is the name of a call that can fail, "
          "such as CreateFileW"},
+        {"20.000000 \x1B[2J\xFF",
+         "'?[2J?' is not allowed; allowed is line, finger, supply, card, dvr, request, "
+         "driver, suspend, wake, broadcast, screen, unseen, hal, battery-driver, clock, "
+         "line-fault, failed-call, close, lost or end"},
         {"20.000000 end\n20.000000 wake", "something follows after 'end'; allowed is nothing more"},
     };
     for (const auto& [line, problem] : cases) {
@@ -142,6 +146,17 @@ TEST_F(ReadRecording, DamagedEventsAreRefused) {
     }
     EXPECT_EQ(Problem(kHeader + std::string(20'000, 'x')),
               "9: the line is longer than 16384 bytes; no line of a recording is");
+}
+
+TEST_F(ReadRecording, OneThatDoesNotEndIsRefused) {
+    // A file of nothing but holes behind its header, each of them a byte 0.
+    Read(kHeader);
+    ASSERT_EQ(truncate(file_.c_str(), off_t{1} << 40), 0);
+    EXPECT_FALSE(unit::ReadRecording(file_, problem_));
+    EXPECT_EQ(problem_,
+              file_ + ":9: the line is longer than 16384 bytes; no line of a recording is");
+    const std::string lines = std::string(kHeader) + std::string(unit::kLongestRecording, '\n');
+    EXPECT_TRUE(Problem(lines).ends_with("the recording is longer than 67108864 bytes; none is"));
 }
 
 }  // namespace

@@ -45,11 +45,48 @@ TEST(ReadScenario, RefusesAWrongLineWithPlaceAndWhatIsAllowed) {
          "5: the repetitions make more than 100000 commands"},
         {"include /no/such/file", "1: /no/such/file: cannot be read: No such file or directory"},
         {"include /", "1: /: cannot be read: Is a directory"},
+        {"\r\nsay \x1B[2J", "2: the line is not plain UTF-8 text"},
+        {"say \xC3", "1: the line is not plain UTF-8 text"},
+        {"include /dev/zero",
+         "1: too long; at most 1048576 bytes are allowed, with all that is included"},
     };
     for (const auto& [text, problem] : cases)
         EXPECT_EQ(ProblemsOf(text), std::vector<std::string>{std::string("a.scenario:") + problem})
             << text;
     EXPECT_EQ(ProblemsOf("tapp\nwait 1s\nwait 1h").size(), 2U);
+}
+
+std::string Repeated(std::size_t count, const std::string& text) {
+    std::string all;
+    for (; count > 0; --count)
+        all += text;
+    return all;
+}
+
+TEST(ReadScenario, KeepsItsLimitsUnderEndlessInput) {
+    // Takes no time, however often.
+    EXPECT_EQ(ProblemsOf("repeat 1000000000\nrepeat 1000000000\nend\nend\n").size(), 0U);
+    EXPECT_EQ(ProblemsOf(Repeated(8000, "repeat 1\n") + Repeated(8000, "release\n") +
+                         Repeated(8000, "end\n"))
+                  .size(),
+              0U);
+    const std::pair<std::string, std::string> cases[] = {
+        {std::string(1024 * 1024 + 1, '\n'),
+         "a.scenario: too long; at most 1048576 bytes are allowed, with all that is included"},
+        {"repeat 100000\nrelease\nend\nrelease",
+         "a.scenario:4: there are more than 100000 commands"},
+        {"release\nrepeat 100000\nrelease\nend\n",
+         "a.scenario:4: the repetitions make more than 100000 commands"},
+    };
+    for (const auto& [text, problem] : cases)
+        EXPECT_EQ(ProblemsOf(text), std::vector<std::string>{problem});
+    for (const char* line : {"tapp\n", "repeat 2\n"}) {
+        const std::vector<std::string> problems = ProblemsOf(Repeated(1000, line));
+        EXPECT_LE(problems.size(), 101U) << line;
+        EXPECT_GE(problems.size(), 100U) << line;
+    }
+    EXPECT_EQ(ProblemsOf(Repeated(1000, "tapp\n")).back(),
+              "a.scenario:101: no more is told than 100 problems");
 }
 
 class ScenarioFiles : public Process {};
@@ -65,6 +102,11 @@ TEST_F(ScenarioFiles, AreTakenInFromTheirOwnFoldersButNeverInACircle) {
           {"open.scenario", "repeat 2\n"},
           {"leaves-open.scenario", "include open.scenario\nwait 1s\n"}})
         std::ofstream(Path(name)) << text;
+    for (int depth = 0; depth < 40; ++depth) {
+        const std::string next = "include " + std::to_string(depth + 1) + "\n";
+        std::ofstream(Path(std::to_string(depth))) << next << next;
+    }
+    std::ofstream(Path("40")) << "#" + std::string(20'000, '.') + "\n";
 
     std::vector<std::string> problems;
     const auto scenario = LoadScenario(Path("main.scenario"), problems);
@@ -83,6 +125,8 @@ TEST_F(ScenarioFiles, AreTakenInFromTheirOwnFoldersButNeverInACircle) {
     EXPECT_TRUE(problems.back().ends_with("circle.scenario includes itself")) << problems.back();
     EXPECT_FALSE(LoadScenario(Path("leaves-open.scenario"), problems));
     EXPECT_TRUE(problems.back().ends_with("open.scenario has no end there")) << problems.back();
+    EXPECT_FALSE(LoadScenario(Path("0"), problems));
+    EXPECT_TRUE(problems.back().ends_with("with all that is included")) << problems.back();
 }
 
 }  // namespace

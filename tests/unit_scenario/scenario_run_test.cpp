@@ -193,6 +193,11 @@ TEST_F(Scenarios, ComparePicturesAndSaveWhatDiffers) {
     EXPECT_TRUE(Run("expect graphics small.png")
                     .starts_with("1: expect graphics small.png: it is 800 x 480 pixels, expected "
                                  "1 x 1"));
+    ASSERT_TRUE(
+        WritePng({4097, 1, std::vector<std::uint32_t>(4097)}, folder_ + "/wide.png", problem));
+    EXPECT_EQ(Run("expect screen wide.png"),
+              "1: expect screen wide.png: " + folder_ +
+                  "/wide.png: the picture is 4097 x 1; at most 4096 x 4096 are allowed");
     EXPECT_EQ(Run("expect screen none.png"),
               "1: expect screen none.png: " + Path("none.png: No such file or directory"));
 }
@@ -209,6 +214,16 @@ TEST_F(Scenarios, StopTellsWhereTheyStood) {
     EXPECT_FALSE(run.passed());
     EXPECT_TRUE(run.problem().starts_with("b.scenario:2: wait 1min: interrupted\n"))
         << run.problem();
+}
+
+TEST_F(Scenarios, EndWhereTheyCannotRememberMore) {
+    platform::kernel::After(1s, [this] {
+        for (std::size_t count = 0; count < Happenings::kMost; ++count)
+            run_.unit().events().Tell(FaultApplied{});
+    });
+    EXPECT_EQ(Run("wait 5s"),
+              "1: wait 5s: more than 1000000 things have happened; a scenario looks back on no "
+              "more");
 }
 
 }  // namespace

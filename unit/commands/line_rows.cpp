@@ -11,6 +11,8 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
+constexpr std::size_t kMostFaults = 1000;
+
 // Says the number by which the rule can be cleared.
 Outcome AddFault(Operator& hands, const Values& values) {
     std::string problem;
@@ -18,7 +20,11 @@ Outcome AddFault(Operator& hands, const Values& values) {
     if (!rule)
         return Refused(problem);
     const std::string text = ToText(*rule);
-    const int number = hands.unit().dvr().faults().Add(*std::move(rule));
+    LineFaults& faults = hands.unit().dvr().faults();
+    if (faults.List().size() >= kMostFaults)
+        return Refused("the line has " + std::to_string(kMostFaults) +
+                       " faults already; no more are allowed");
+    const int number = faults.Add(*std::move(rule));
     return Done("fault " + std::to_string(number) + ": " + text);
 }
 

@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t kMostShown = 16;
 
+// A run of stray bytes that does not end becomes several.
+constexpr std::size_t kMostStray = 1024;
+
 std::string StrayText(const std::vector<std::uint8_t>& bytes) {
     const bool all = bytes.size() <= kMostShown;
     return std::to_string(bytes.size()) + (bytes.size() == 1 ? " stray byte  " : " stray bytes  ") +
@@ -67,6 +70,8 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
         if (!cut)
             continue;
         if (cut->kind == Cut::Kind::kStray) {
+            if (stray_.size() + cut->bytes.size() > kMostStray)
+                keep(EndStray());
             stray_.insert(stray_.end(), cut->bytes.begin(), cut->bytes.end());
             stray_time_ = time;
             continue;

@@ -9,6 +9,13 @@ namespace unit {
 
 namespace kernel = platform::kernel;
 
+namespace {
+
+// On their way in one direction, as a fault holds them back; more are lost.
+constexpr std::size_t kMostWaiting = std::size_t{256} * 1024;
+
+}  // namespace
+
 LineTap::LineTap(std::shared_ptr<SerialLine> line, std::shared_ptr<LineFaults> faults,
                  Listener listener)
     : line_(std::move(line)), faults_(std::move(faults)), listener_(std::move(listener)) {
@@ -64,6 +71,7 @@ void LineTap::Forget() {
     for (Way* way : {&to_unit_, &to_dvr_}) {
         way->cutter.GiveUp();
         way->waiting.clear();
+        way->waiting_bytes = 0;
         way->last_due = {};
     }
 }
@@ -148,6 +156,9 @@ void LineTap::PassCut(Way& way, std::span<const std::uint8_t> bytes, bool frame)
 
 void LineTap::Queue(Way& way, const Cells& cells) {
     for (const Cell& cell : cells) {
+        if (way.waiting_bytes == kMostWaiting)
+            return;
+        ++way.waiting_bytes;
         const kernel::Time due = std::max(way.last_due, kernel::Now() + cell.delay) + cell.pause;
         if (way.waiting.empty() || way.waiting.back().due != due)
             way.waiting.push_back({due, {}});
@@ -170,11 +181,13 @@ bool LineTap::Deliver(Way& way, Piece& piece) {
     if (way.direction == Direction::kToUnit) {
         if (listener_)
             listener_(Direction::kToUnit, piece.bytes);
+        way.waiting_bytes -= piece.bytes.size();
         port_(piece.bytes);
         return true;
     }
     while (!full_ && !piece.bytes.empty()) {
         const std::size_t taken = line_->Transmit(piece.bytes);
+        way.waiting_bytes -= taken;
         piece.bytes.erase(piece.bytes.begin(),
                           piece.bytes.begin() + static_cast<std::ptrdiff_t>(taken));
         full_ = taken == 0;

@@ -64,6 +64,7 @@ class LineTap final : public platform::device::SerialLine,
         FrameCutter cutter;
         platform::kernel::Time last_arrival{};
         std::deque<Piece> waiting;  // in order of time
+        std::size_t waiting_bytes = 0;
         platform::kernel::Time last_due{};
         // When the hardware looks next, for `waiting` or for bytes held back too long.
         platform::kernel::Time alarm = platform::kernel::kNever;

@@ -3,11 +3,18 @@
 #include <png.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 namespace unit {
+namespace {
+
+// Of a picture that is read: far more than a screen, and no few bytes make it gigabytes.
+constexpr png_uint_32 kLongestSide = 4096;
+
+}  // namespace
 
 bool WritePng(const Picture& picture, const std::string& path, std::string& problem) {
     std::vector<std::uint8_t> bytes;
@@ -37,6 +44,13 @@ std::optional<Picture> ReadPng(const std::string& path, std::string& problem) {
     errno = 0;
     if (png_image_begin_read_from_file(&image, path.c_str()) == 0) {
         problem = path + ": " + (errno != 0 ? std::strerror(errno) : image.message);
+        return std::nullopt;
+    }
+    if (std::max(image.width, image.height) > kLongestSide) {
+        problem = path + ": the picture is " + std::to_string(image.width) + " x " +
+                  std::to_string(image.height) + "; at most " + std::to_string(kLongestSide) +
+                  " x " + std::to_string(kLongestSide) + " are allowed";
+        png_image_free(&image);
         return std::nullopt;
     }
     image.format = PNG_FORMAT_RGB;

@@ -19,6 +19,8 @@ inline constexpr int kRecordingVersion = 1;
 
 // No line of a recording is longer, its end not counted.
 inline constexpr std::size_t kLongestLine = 16 * 1024;
+// Nor a whole one: half a day of a busy line.
+inline constexpr std::size_t kLongestRecording = std::size_t{64} * 1024 * 1024;
 
 // What a replay must know before the first event.
 struct RecordingHeader {

@@ -36,6 +36,7 @@ bool RecordingFile::Open(const std::string& path, const RecordingHeader& header,
     path_ = path;
     file_.reset(std::fopen(path.c_str(), "we"));
     const std::string text = HeaderText(header);
+    written_ = text.size();
     if (!file_ || std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size() ||
         std::fflush(file_.get()) != 0) {
         problem = path + ": " + std::strerror(errno);
@@ -111,6 +112,13 @@ void RecordingFile::WriteLine(std::chrono::microseconds time, const Moment& mome
     if (failed_)
         return;
     const std::string line = TimeText(time) + " " + MomentText(moment) + "\n";
+    written_ += line.size();
+    if (written_ > kLongestRecording) {
+        failed_ = true;
+        say_(path_ + ": the recording is " + std::to_string(kLongestRecording) +
+             " bytes long and ends here");
+        return;
+    }
     Check(std::fwrite(line.data(), 1, line.size(), file_.get()) == line.size());
 }
 

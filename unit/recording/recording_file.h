@@ -58,6 +58,7 @@ class RecordingFile {
     std::unique_ptr<std::FILE, Closer> file_;
     // The writer's alone.
     bool failed_ = false;
+    std::size_t written_ = 0;
 
     std::mutex mutex_;
     std::condition_variable filled_;

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <set>
 
+#include "control/protocol.h"
 #include "control/values.h"
 #include "control/words.h"
 #include "unit/recording/moment_reader.h"
@@ -42,6 +43,11 @@ class Reader {
     bool TakeLine(std::istream& file) {
         text_.clear();
         for (int character = file.get(); character != EOF; character = file.get()) {
+            if (++bytes_ > kLongestRecording) {
+                ++line_;
+                throw WrongWord("the recording is longer than " +
+                                std::to_string(kLongestRecording) + " bytes; none is");
+            }
             if (character == '\n') {
                 ++line_;
                 return true;
@@ -112,6 +118,7 @@ class Reader {
 
     Recording& recording_;
     std::string text_;
+    std::size_t bytes_ = 0;
     int line_ = 0;
     bool begun_ = false;
     std::set<std::string_view> seen_;
@@ -132,7 +139,8 @@ std::optional<Recording> ReadRecording(const std::string& file, std::string& pro
     try {
         reader.Read(stream);
     } catch (const WrongWord& wrong) {
-        problem = file + ":" + std::to_string(reader.line()) + ": " + wrong.what();
+        problem =
+            file + ":" + std::to_string(reader.line()) + ": " + control::PlainText(wrong.what());
         return std::nullopt;
     }
     return recording;

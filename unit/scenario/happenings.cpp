@@ -58,6 +58,8 @@ Happenings::Happenings(EventHub& events) {
 
 void Happenings::Note(const TimedEvent& event) {
     const std::scoped_lock lock(mutex_);
+    if (all_.size() >= kMost)
+        return;
     if (const auto* const piece = std::get_if<LineBytes>(&event.event)) {
         for (LineEntry& entry : line_.Take(event.time, *piece))
             all_.push_back({event.time, std::move(entry)});

@@ -28,6 +28,9 @@ struct TimedHappening {
 // All of them since it was made. Any thread.
 class Happenings {
   public:
+    // What comes on top is not kept: a scenario that goes on beyond could not tell the truth.
+    static constexpr std::size_t kMost = 1'000'000;
+
     // The hub must outlive it.
     explicit Happenings(EventHub& events);
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "control/protocol.h"
 #include "control/words.h"
 #include "unit/scenario/language.h"
 
@@ -19,8 +19,11 @@ using control::Refused;
 
 namespace {
 
-// What repetitions may grow a scenario to.
+// Of a scenario with all that it includes: no input makes the reader grow without bound, and none
+// keeps it for long.
+constexpr std::size_t kMostBytes = std::size_t{1024} * 1024;
 constexpr std::size_t kMostSteps = 100'000;
+constexpr std::size_t kMostProblems = 100;
 
 bool SameFile(const std::string& one, const std::string& other) {
     return fs::path(one).lexically_normal() == fs::path(other).lexically_normal();
@@ -36,14 +39,22 @@ void ScenarioReader::ReadFile(const std::string& file) {
         Complain(file + ": cannot be read: " + std::strerror(is_folder ? EISDIR : errno));
         return;
     }
-    std::ostringstream text;
-    text << stream.rdbuf();
-    ReadText(text.str(), file);
+    // One byte more than is allowed, to see that there is more.
+    std::string text(kMostBytes - bytes_ + 1, '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
+    ReadText(text, file);
 }
 
 void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
+    if (text.size() > kMostBytes - bytes_) {
+        Complain((places_.empty() ? file + ": " : "") + "too long; at most " +
+                 std::to_string(kMostBytes) + " bytes are allowed, with all that is included");
+        return;
+    }
+    bytes_ += text.size();
     places_.push_back({file});
-    for (std::size_t from = 0; from < text.size();) {
+    for (std::size_t from = 0; from < text.size() && problems_.size() <= kMostProblems;) {
         const std::size_t to = std::min(text.find('\n', from), text.size());
         ++places_.back().line;
         ReadLine(text.substr(from, to - from));
@@ -54,7 +65,8 @@ void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
 
 void ScenarioReader::Finish() {
     for (const Repeat& repeat : repeats_)
-        problems_.push_back(repeat.place + ": this repeat has no end");
+        if (problems_.size() < kMostProblems)
+            problems_.push_back(repeat.place + ": this repeat has no end");
     repeats_.clear();
 }
 
@@ -65,11 +77,21 @@ std::string ScenarioReader::Here() const {
 void ScenarioReader::Complain(const std::string& problem) {
     const std::string line = places_.empty() ? problem : Here() + ": " + problem;
     // A file that is included twice is wrong once.
-    if (std::ranges::find(problems_, line) == problems_.end())
-        problems_.push_back(line);
+    if (std::ranges::find(problems_, line) != problems_.end() || problems_.size() > kMostProblems)
+        return;
+    problems_.push_back(problems_.size() < kMostProblems
+                            ? line
+                            : Here() + ": no more is told than " + std::to_string(kMostProblems) +
+                                  " problems");
 }
 
 void ScenarioReader::ReadLine(std::string_view line) {
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    if (!control::IsPlainText(line)) {
+        Complain("the line is not plain UTF-8 text");
+        return;
+    }
     std::string problem;
     const auto words = control::SplitWords(line, problem);
     if (!words) {
@@ -93,6 +115,8 @@ void ScenarioReader::ReadLine(std::string_view line) {
 }
 
 Outcome ScenarioReader::Add(decltype(Step::deed) deed) {
+    if (scenario_.steps.size() == kMostSteps)
+        return Refused("there are more than " + std::to_string(kMostSteps) + " commands");
     scenario_.steps.push_back({places_.back().file, places_.back().line, text_, std::move(deed)});
     return Done();
 }
@@ -132,11 +156,14 @@ Outcome ScenarioReader::EndRepeat() {
     const Repeat repeat = repeats_.back();
     repeats_.pop_back();
     auto& steps = scenario_.steps;
-    const std::vector<Step> body(steps.begin() + static_cast<std::ptrdiff_t>(repeat.begin),
-                                 steps.end());
-    if (body.size() * repeat.count > kMostSteps)
+    const std::size_t count = steps.size() - repeat.begin;
+    if (repeat.begin + count * repeat.count > kMostSteps)
         return Refused("the repetitions make more than " + std::to_string(kMostSteps) +
                        " commands");
+    if (count == 0 || repeat.count == 1)
+        return Done();
+    const std::vector<Step> body(steps.begin() + static_cast<std::ptrdiff_t>(repeat.begin),
+                                 steps.end());
     for (std::size_t round = 1; round < repeat.count; ++round)
         steps.insert(steps.end(), body.begin(), body.end());
     return Done();

@@ -50,7 +50,8 @@ class ScenarioReader {
     // The files that are being read, each included by the one before it.
     std::vector<Place> places_;
     std::vector<Repeat> repeats_;
-    std::string text_;  // of the line that is being read
+    std::size_t bytes_ = 0;  // read so far
+    std::string text_;       // of the line that is being read
 };
 
 }  // namespace unit

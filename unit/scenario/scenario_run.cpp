@@ -54,6 +54,9 @@ void ScenarioRun::LookIn(kernel::Duration time) {
 }
 
 void ScenarioRun::Look() {
+    if (stage_.happenings.Count() >= Happenings::kMost)
+        return Fail("more than " + std::to_string(Happenings::kMost) +
+                    " things have happened; a scenario looks back on no more");
     // A tap ends by itself; the next command begins after it.
     while (!finished_ && !stage_.hands.busy()) {
         if (position_ == scenario_.steps.size()) {
