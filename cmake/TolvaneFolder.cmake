@@ -11,7 +11,16 @@ find_package(Threads REQUIRED)
 add_library(tolvane_flags INTERFACE)
 # Only the warnings of the compiler that builds what is used are errors.
 target_compile_options(tolvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-    -Wno-sign-conversion $<$<CXX_COMPILER_ID:GNU>:-Werror> -fno-strict-aliasing -fstack-protector-strong)
+    -Wno-sign-conversion $<$<CXX_COMPILER_ID:GNU>:-Werror> -fno-strict-aliasing)
+# Hardening, which tools/check-hardening looks for in the commands that were built.
+target_compile_options(tolvane_flags INTERFACE -fPIE -fstack-protector-strong
+    -fstack-clash-protection)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL x86_64)
+    target_compile_options(tolvane_flags INTERFACE -fcf-protection)
+endif()
+target_compile_definitions(tolvane_flags INTERFACE _GLIBCXX_ASSERTIONS)
+target_link_options(tolvane_flags INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecstack)
+set(CMAKE_SKIP_RPATH ON)
 # GCC 12, optimising, warns of overlaps in the library's own text + text where there are none.
 target_compile_options(tolvane_flags INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
 target_link_libraries(tolvane_flags INTERFACE Threads::Threads)
@@ -25,7 +34,7 @@ if(TOLVANE_SANITIZE)
     target_link_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE})
 else()
     target_compile_options(tolvane_flags INTERFACE -U_FORTIFY_SOURCE
-        $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+        $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=3>)
 endif()
 
 # A view of the tree with the one folder in it.
