@@ -179,8 +179,10 @@ TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
 }
 
 // Each thread wakes to waits that fail, and is there again afterwards.
-TEST_F(PowerDetector, GoesOnAfterWaitsThatFail) {
-    Run([&] {
+TEST(PowerDetectorFailures, OfWaitsArePassedOver) {
+    Platform platform;
+    Listen();
+    platform.Run([] {
         CPowerDetector detector;
         ASSERT_TRUE(detector.Init());
         const HANDLE request = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[1]);

@@ -43,7 +43,7 @@ TEST(Notify, IsUsableAfterAFailure) {
         ASSERT_EQ(platform::kernel::AddCallFault({.call = call}), "");
         bench.RunFor(3100ms);
         ASSERT_TRUE(bench.Shows("OK"));
-        bench.TapAt(700, 440);
+        EXPECT_TRUE(bench.Tap("OK"));
         bench.RunFor(300ms);
         EXPECT_EQ(platform::kernel::FailedCallCount(), 1U);
         EXPECT_FALSE(bench.Shows("OK"));

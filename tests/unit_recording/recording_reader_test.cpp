@@ -1,6 +1,7 @@
 #include "unit/recording/recording_reader.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -151,10 +152,10 @@ TEST_F(ReadRecording, DamagedEventsAreRefused) {
 TEST_F(ReadRecording, OneThatDoesNotEndIsRefused) {
     // A file of nothing but holes behind its header, each of them a byte 0.
     Read(kHeader);
-    ASSERT_EQ(truncate(file_.c_str(), off_t{1} << 40), 0);
-    EXPECT_FALSE(unit::ReadRecording(file_, problem_));
+    ASSERT_EQ(truncate(Path("file").c_str(), off_t{1} << 40), 0);
+    EXPECT_FALSE(unit::ReadRecording(Path("file"), problem_));
     EXPECT_EQ(problem_,
-              file_ + ":9: the line is longer than 16384 bytes; no line of a recording is");
+              Path("file") + ":9: the line is longer than 16384 bytes; no line of a recording is");
     const std::string lines = std::string(kHeader) + std::string(unit::kLongestRecording, '\n');
     EXPECT_TRUE(Problem(lines).ends_with("the recording is longer than 67108864 bytes; none is"));
 }

@@ -193,11 +193,10 @@ TEST_F(Scenarios, ComparePicturesAndSaveWhatDiffers) {
     EXPECT_TRUE(Run("expect graphics small.png")
                     .starts_with("1: expect graphics small.png: it is 800 x 480 pixels, expected "
                                  "1 x 1"));
-    ASSERT_TRUE(
-        WritePng({4097, 1, std::vector<std::uint32_t>(4097)}, folder_ + "/wide.png", problem));
+    ASSERT_TRUE(WritePng({4097, 1, std::vector<std::uint32_t>(4097)}, Path("wide.png"), problem));
     EXPECT_EQ(Run("expect screen wide.png"),
-              "1: expect screen wide.png: " + folder_ +
-                  "/wide.png: the picture is 4097 x 1; at most 4096 x 4096 are allowed");
+              "1: expect screen wide.png: " + Path("wide.png") +
+                  ": the picture is 4097 x 1; at most 4096 x 4096 are allowed");
     EXPECT_EQ(Run("expect screen none.png"),
               "1: expect screen none.png: " + Path("none.png: No such file or directory"));
 }
