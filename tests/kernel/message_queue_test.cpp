@@ -50,15 +50,15 @@ class MessageQueues : public tests::InEveryMode {
     tests::Platform platform{GetParam().options};
 };
 
-TEST_P(MessageQueues, KeepsMessagesApartAndInOrderUntilFull) {
+TEST_P(MessageQueues, KeepMessagesApartAndInOrderUntilFull) {
     platform.Run([] {
         Queue queue(4);
         std::string text;
         EXPECT_EQ(queue.Read(text), ERROR_TIMEOUT);
         EXPECT_EQ(WaitForSingleObject(queue.reader, 0), WAIT_TIMEOUT);
-        EXPECT_EQ(WaitForSingleObject(queue.writer, 0), WAIT_OBJECT_0);
         for (const char* message : {"one", "", "sixteen bytes..."})
             EXPECT_EQ(queue.Write(message), 0U);
+        EXPECT_EQ(WaitForSingleObject(queue.writer, 0), WAIT_OBJECT_0);
         EXPECT_EQ(queue.Write("urgent", 0, MSGQUEUE_MSGALERT), 0U);
         EXPECT_EQ(queue.Write("five"), ERROR_TIMEOUT);
         EXPECT_EQ(queue.Write("seventeen bytes.."), ERROR_INSUFFICIENT_BUFFER);
@@ -74,7 +74,7 @@ TEST_P(MessageQueues, KeepsMessagesApartAndInOrderUntilFull) {
     });
 }
 
-TEST_P(MessageQueues, WaitsForMessagesAndForRoom) {
+TEST_P(MessageQueues, WaitForMessagesAndForRoom) {
     platform.Run([] {
         Queue queue(1);
         tests::Crew crew;
@@ -93,7 +93,7 @@ TEST_P(MessageQueues, WaitsForMessagesAndForRoom) {
     });
 }
 
-TEST_P(MessageQueues, EndThatIsAloneIsToldUnlessItMayBe) {
+TEST_P(MessageQueues, TellAnEndThatItIsAloneUnlessItMayBe) {
     platform.Run([] {
         for (const DWORD flags : {0U, MSGQUEUE_ALLOW_BROKEN}) {
             const bool told = flags == 0;
