@@ -34,56 +34,6 @@ INT_PTR RunDialog(HWND owner, DialogHandler handler,
                                    HandleDialog, 99);
 }
 
-PLATFORM_TEST(Dialog, RunsModallyOverItsOwner) {
-    TestWindow owner(TestWindow::Options{.place = {0, 0, 800, 480}});
-    owner.Show();
-    HandleWaiting();
-    owner.Forget();
-    Numbers seen;
-    const auto handler = [&](HWND handle, UINT message) -> INT_PTR {
-        seen.push_back(message);
-        switch (message) {
-            case WM_INITDIALOG: {
-                EXPECT_FALSE(IsWindowEnabled(owner));
-                EXPECT_FALSE(IsWindowVisible(handle));
-                // 187 x 102 dialog units, 6 x 13 pixels being 4 x 8 of them; no caption.
-                RECT client{};
-                GetClientRect(handle, &client);
-                EXPECT_EQ(client.right, 281);
-                EXPECT_EQ(client.bottom, 166);
-                EXPECT_EQ(GetWindowLongW(handle, GWL_STYLE) & LONG{WS_CAPTION}, 0);
-                EXPECT_EQ(GetParent(handle), owner.handle());
-                EXPECT_EQ(FindWindowW(NULL, L"通知"), handle);
-                SetTimer(owner, 260, 100, NULL);
-                SetTimer(handle, 1, 450, NULL);
-                window::TouchScreen(Touch::kDown, 10, 10);
-                window::TouchScreen(Touch::kDown, 700, 400);
-                return TRUE;
-            }
-            case WM_TIMER:
-                EXPECT_TRUE(IsWindowVisible(handle));
-                EXPECT_EQ(GetActiveWindow(), handle);
-                PostMessageW(handle, WM_CLOSE, 0, 0);
-                return TRUE;
-            case WM_CLOSE:
-                EXPECT_TRUE(EndDialog(handle, 5));
-                EXPECT_TRUE(IsWindowEnabled(owner));
-                EXPECT_EQ(GetActiveWindow(), owner.handle());
-                return TRUE;
-            default:
-                return FALSE;
-        }
-    };
-    EXPECT_EQ(RunDialog(owner, handler), 5);
-    EXPECT_EQ(FindWindowW(NULL, L"通知"), nullptr);
-    EXPECT_EQ(seen.front(), WM_INITDIALOG);
-    EXPECT_EQ(seen.back(), WM_NCDESTROY);
-    EXPECT_EQ(std::count(seen.begin(), seen.end(), WM_LBUTTONDOWN), 1);
-    EXPECT_EQ(owner.Order({WM_ENABLE, WM_ACTIVATE, WM_LBUTTONDOWN, WM_TIMER}),
-              (Numbers{WM_ENABLE, WM_ACTIVATE, WM_TIMER, WM_TIMER, WM_TIMER, WM_TIMER, WM_ENABLE,
-                       WM_ACTIVATE}));
-}
-
 TEST(Dialog, EndsInManyWays) {
     constexpr DWORD kDisabled = WS_POPUP | WS_DISABLED;
     struct Case {

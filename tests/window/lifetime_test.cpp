@@ -39,23 +39,6 @@ PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
     ExpectFails(ERROR_CLASS_DOES_NOT_EXIST, unregister);
 }
 
-PLATFORM_TEST(Creation, TellsTheWindowOfItsBirthShowingAndEnd) {
-    TestWindow target;
-    const Numbers birth{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE};
-    const Numbers showing{WM_SHOWWINDOW, WM_WINDOWPOSCHANGED, WM_ACTIVATE, WM_SETFOCUS,
-                          WM_WINDOWPOSCHANGED};
-    const Numbers end{WM_CLOSE, WM_ACTIVATE, WM_KILLFOCUS, WM_DESTROY, WM_NCDESTROY};
-    EXPECT_EQ(target.Order(birth), birth);
-    EXPECT_EQ(target.Count(WM_SHOWWINDOW), 0U);
-    target.Forget();
-    EXPECT_FALSE(ShowWindow(target, SW_SHOW));
-    EXPECT_TRUE(ShowWindow(target, SW_SHOW));
-    EXPECT_EQ(target.Order(showing), showing);
-    target.Forget();
-    SendMessageW(target, WM_CLOSE, 0, 0);
-    EXPECT_EQ(target.Order(end), end);
-}
-
 PLATFORM_TEST(Creation, FailsVisibly) {
     const TestWindow registers_the_class;
     const auto fails = [](DWORD error, DWORD style, HWND owner, LPCWSTR name = TestWindow::kClass) {
@@ -165,32 +148,6 @@ PLATFORM_TEST(WindowData, KeepsWhatIsSetAndRefusesOtherIndices) {
     for (const int index : {-1, -100, 5, 12, 1000})
         ExpectFails(ERROR_INVALID_INDEX, [&] { return GetWindowLongPtrW(made, index); });
     DestroyWindow(made);
-}
-
-TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
-    Platform platform;
-    std::wstring observed;
-    window::ObserveBroadcasts([&](UINT message, WPARAM wparam, LPARAM lparam) {
-        observed += window::RegisteredMessageName(message) + std::to_wstring(wparam * 10 + lparam);
-    });
-    platform.Run([] {
-        const UINT status = RegisterWindowMessageW(L"_All_APP_PowerStatusChange_");
-        const UINT other = RegisterWindowMessageW(L"_PowerSuspend_Acknowledge_");
-        EXPECT_TRUE(0xC000 <= status && status != other && other <= 0xFFFF);
-        EXPECT_EQ(RegisterWindowMessageW(L"_all_app_powerstatuschange_"), status);
-        ExpectFails(ERROR_INVALID_PARAMETER, [] { return RegisterWindowMessageW(L""); });
-        const TestWindow visible, hidden,
-            disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
-        visible.Show();
-        ApiThread([=] {
-            EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));
-            window::PostToAll(other, 3, 4);
-        });
-        HandleWaiting();
-        for (const TestWindow* each : {&visible, &hidden, &disabled})
-            EXPECT_EQ(each->Order({status, other}), (Numbers{status, other}));
-    });
-    EXPECT_EQ(observed, L"_All_APP_PowerStatusChange_12");
 }
 
 }  // namespace

@@ -43,48 +43,5 @@ TEST(NeighbourWindow, IsFoundBroughtForwardAndGone) {
     });
 }
 
-// What is here is found without asking.
-TEST(NeighbourWindow, ComesAfterTheWindowsHere) {
-    Platform platform;
-    platform.Run([&] {
-        platform.board.neighbour.window_class = TestWindow::kClass;
-        platform.board.neighbour.window = 0x51;
-        {
-            const TestWindow here;
-            EXPECT_EQ(FindWindowW(TestWindow::kClass, NULL), here.handle());
-            EXPECT_TRUE(IsWindow(here));
-            EXPECT_TRUE(SetForegroundWindow(here));
-            EXPECT_EQ(platform.board.neighbour.questions, 0);
-        }
-        EXPECT_NE(FindWindowW(TestWindow::kClass, NULL), HWND{NULL});
-    });
-}
-
-// The other direction, on the hardware's thread: what a neighbour may ask about a window here.
-TEST(NeighbourWindow, IsAnsweredFor) {
-    Platform platform;
-    std::optional<WindowThread> below;
-    std::optional<WindowThread> above;
-    platform.Run([&] {
-        below.emplace(TestWindow::Options{.title = L"below"});
-        above.emplace(TestWindow::Options{.title = L"above"});
-        Sleep(10);
-    });
-    const auto number = window::FindOwnWindow(L"testwindow", L"BELOW");
-    ASSERT_NE(number, 0U);
-    EXPECT_EQ(window::FindOwnWindow(TestWindow::kClass, {}), window::FindOwnWindow({}, L"above"));
-    EXPECT_EQ(window::FindOwnWindow(kClass, {}), 0U);
-    EXPECT_TRUE(window::HasWindow(number));
-    EXPECT_TRUE(window::BringOwnForward(number, true));
-    EXPECT_EQ(window::TopLevelWindows().front().title, L"below");
-    platform.Run([&] {
-        below.reset();
-        above.reset();
-    });
-    EXPECT_FALSE(window::HasWindow(number));
-    EXPECT_FALSE(window::BringOwnForward(number, true));
-    EXPECT_EQ(platform.board.neighbour.questions, 0);
-}
-
 }  // namespace
 }  // namespace tests

@@ -71,49 +71,6 @@ TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
     });
 }
 
-TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
-    const struct {
-        const char* name;
-        BOOL asked;
-        LRESULT answer;
-        Numbers seen;
-    } cases[] = {{"not asked", FALSE, 1, {WM_PAINT}},
-                 {"done", TRUE, 1, {WM_PAINT, WM_ERASEBKGND}},
-                 {"left to the painting", TRUE, 0, {WM_PAINT, WM_ERASEBKGND}}};
-    OnPlatformForEach(cases, [](const auto& each) {
-        Painter target([] {}, each.answer);
-        HandleWaiting();
-        target.Forget();
-        InvalidateRect(target, NULL, each.asked);
-        UpdateWindow(target);
-        EXPECT_EQ(target.left_to_erase, each.answer == 0);
-        UpdateWindow(target);
-        HandleWaiting();
-        EXPECT_EQ(target.Order({WM_ERASEBKGND, WM_PAINT}), each.seen);
-    });
-}
-
-TEST(Paint, APaintingMayStartAnotherInsideItOrAfterIt) {
-    for (const bool inside : {true, false})
-        OnPlatform([=] {
-            std::string order;
-            const TestWindow* painted = nullptr;
-            const Painter target([&] {
-                const bool first = order.empty();
-                order += "(";
-                if (first)
-                    InvalidateRect(*painted, NULL, TRUE);
-                if (first && inside)
-                    UpdateWindow(*painted);
-                order += ")";
-            });
-            painted = &target;
-            HandleWaiting();
-            EXPECT_EQ(order, inside ? "(())" : "()()");
-            EXPECT_EQ(platform::gdi::DeviceContextCount(), 0U);
-        });
-}
-
 PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentMessages) {
     Painter target;
     HandleWaiting();
@@ -143,36 +100,6 @@ PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentM
     PostMessageW(target, kPosted, 0, 0);
     HandleWaiting();
     EXPECT_EQ(target.Order(interesting), Numbers{kPosted});
-}
-
-PLATFORM_TEST(Screen, ShowsTheVisibleWindowsFromBottomToTop) {
-    const auto fill = [](HWND handle, COLORREF color) {
-        const HDC dc = GetDC(handle);
-        const HBRUSH brush = CreateSolidBrush(color);
-        const RECT all{0, 0, 800, 480};
-        FillRect(dc, &all, brush);
-        DeleteObject(brush);
-        ReleaseDC(handle, dc);
-    };
-    const TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
-        upper(TestWindow::Options{.place = {100, 100, 900, 900}});
-    fill(lower, RGB(0xAA, 0, 0));
-    fill(upper, RGB(0, 0xBB, 0));
-    using Colors = std::vector<std::uint32_t>;
-    const auto screen = [] {
-        auto now = window::ComposeScreen();
-        return Colors{now.row(50)[50], now.row(150)[150], now.row(50)[300], now.row(479)[799]};
-    };
-    EXPECT_EQ(screen(), (Colors{0, 0, 0, 0}));
-    lower.Show();
-    upper.Show();
-    EXPECT_EQ(screen(), (Colors{0xAA0000, 0x00BB00, 0, 0x00BB00}));
-    SetForegroundWindow(lower);
-    EXPECT_EQ(screen(), (Colors{0xAA0000, 0xAA0000, 0, 0x00BB00}));
-    ShowWindow(lower, SW_HIDE);
-    // What stood there before a change of size stays.
-    MoveWindow(upper, 0, 0, 200, 200, FALSE);
-    EXPECT_EQ(screen(), (Colors{0x00BB00, 0x00BB00, 0, 0}));
 }
 
 }  // namespace

@@ -45,19 +45,6 @@ TEST(Sending, WhoeverWaitsForAWindowThatGoesLearnsIt) {
         });
 }
 
-PLATFORM_TEST(Sending, ANoticeDoesNotWait) {
-    int heard = 0;
-    const WindowThread other({}, On(kAsk, [&](HWND, WPARAM) {
-                                 Sleep(1000);
-                                 return ++heard;
-                             }));
-    EXPECT_TRUE(SendNotifyMessageW(other, kAsk, 0, 0));
-    Sleep(500);
-    EXPECT_EQ(heard, 0);
-    Sleep(1000);
-    EXPECT_EQ(heard, 1);
-}
-
 TEST(Sending, RepliesCrossBothWaysWithRealThreads) {
     platform::kernel::Options options;
     options.mode = platform::kernel::Mode::kFreeRunning;
