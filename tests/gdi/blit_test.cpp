@@ -28,50 +28,6 @@ class Blits : public testing::Test {
     }
 };
 
-TEST_F(Blits, BelowTheKeptRowsThereAreTextsAlone) {
-    Number(*canvas.surface);
-    Write(canvas, L"a", 0, 30);
-    Surface::KeepRows(10);
-    Canvas sparse(100, 80);
-    Surface::KeepRows(Surface::kAllRows);
-    EXPECT_EQ(sparse.surface->pixels().size(), 1000U);
-    sparse.FillWith(kRed);
-    EXPECT_EQ(sparse.At(99, 9), 0xFF0000U);
-    Write(sparse, L"b", 0, 50);
-    EXPECT_EQ(sparse.Texts(), Strings{L"b"});
-    EXPECT_EQ(GetPixel(sparse.dc, 5, 10), CLR_INVALID);
-    EXPECT_TRUE(BitBlt(sparse.dc, 0, 5, 100, 40, canvas.dc, 0, 0, SRCCOPY));
-    EXPECT_EQ(sparse.Texts(), (Strings{L"b", L"a"}));
-    EXPECT_EQ(sparse.At(7, 9), 4008U);
-    EXPECT_TRUE(BitBlt(canvas.dc, 0, 0, 100, 80, sparse.dc, 0, 0, SRCCOPY));
-    EXPECT_EQ(canvas.At(7, 9), 4008U);
-    EXPECT_EQ(canvas.At(7, 10), 10008U) << "there is nothing to copy";
-}
-
-TEST_F(Blits, AColourIsTheSamePixelEverywhere) {
-    canvas.FillWith(RGB(0x12, 0x34, 0x56), {1, 1, 2, 2});
-    EXPECT_EQ(canvas.At(1, 1), 0x123456u);
-    EXPECT_EQ(canvas.At(0, 1), 0u);
-    EXPECT_EQ(canvas.At(2, 1), 0u);
-    EXPECT_EQ(GetPixel(canvas.dc, 1, 1), RGB(0x12, 0x34, 0x56));
-    EXPECT_EQ(SetPixel(canvas.dc, 3, 3, RGB(1, 2, 3)), RGB(1, 2, 3));
-    EXPECT_EQ(canvas.At(3, 3), 0x010203u);
-    EXPECT_EQ(canvas.drawn, 2);
-}
-
-TEST_F(Blits, FillsAreClippedAndSystemColoursAreBrushes) {
-    const RECT beyond{-50, -50, 500, 500};
-    EXPECT_TRUE(FillRect(canvas.dc, &beyond, (HBRUSH)(std::uintptr_t)(COLOR_WINDOW + 1)));
-    EXPECT_EQ(canvas.At(0, 0), 0xFFFFFFu);
-    EXPECT_EQ(canvas.At(99, 79), 0xFFFFFFu);
-    EXPECT_TRUE(FillRect(canvas.dc, &beyond, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH))));
-    EXPECT_EQ(canvas.At(50, 50), 0xFFFFFFu);
-    const RECT extreme{-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 1};
-    EXPECT_TRUE(FillRect(canvas.dc, &extreme, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))));
-    EXPECT_EQ(canvas.At(99, 0), 0u);
-    EXPECT_EQ(canvas.At(99, 1), 0xFFFFFFu);
-}
-
 TEST_F(Blits, CopiesAreClippedOnBothSides) {
     Canvas source(30, 30);
     Number(*source.surface);
@@ -157,49 +113,6 @@ TEST_F(Blits, RasterOperationsCombineBits) {
     EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
 }
 
-TEST_F(Blits, StretchingTakesTheNearestPixel) {
-    Canvas source(4, 2);
-    Number(*source.surface);
-    EXPECT_TRUE(StretchBlt(canvas.dc, 10, 10, 8, 8, source.dc, 0, 0, 4, 2, SRCCOPY));
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            ASSERT_EQ(canvas.At(10 + x, 10 + y), std::uint32_t((y / 4) * 1000 + x / 2 + 1));
-    EXPECT_EQ(canvas.At(18, 10), 0u);
-}
-
-TEST_F(Blits, TransparentPixelsLeaveWhatIsUnderThem) {
-    Canvas source(4, 4);
-    source.FillWith(kMagenta);
-    source.FillWith(kRed, {1, 1, 3, 3});
-    canvas.FillWith(RGB(0, 0, 255));
-    EXPECT_TRUE(TransparentImage(canvas.dc, 10, 10, 8, 8, source.dc, 0, 0, 4, 4, kMagenta));
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x) {
-            const bool inside = x >= 2 && x < 6 && y >= 2 && y < 6;
-            ASSERT_EQ(canvas.At(10 + x, 10 + y), inside ? 0xFF0000u : 0x0000FFu);
-        }
-    const HDC memory = CreateCompatibleDC(canvas.dc);
-    const HBITMAP bitmap = CreateCompatibleBitmap(canvas.dc, 2, 2);
-    EXPECT_TRUE(TransparentImage(canvas.dc, 0, 0, 2, 2, bitmap, 0, 0, 2, 2, kMagenta));
-    EXPECT_EQ(canvas.At(1, 1), 0u);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-}
-
-TEST_F(Blits, DrawingStaysInsideTheClip) {
-    auto surface = std::make_shared<Surface>(50, 50);
-    const HDC dc = platform::gdi::CreateWindowDC(surface, {10, 10, 20, 0x7FFFFFFF}, [] {});
-    EXPECT_TRUE(PatBlt(dc, 0, 0, 50, 50, WHITENESS));
-    {
-        const FontOn font(dc, {20, 40, 500}, kRed);
-        Draw(dc, L"■■", {0, 0, 50, 50}, DT_NOCLIP);
-    }
-    for (int y = 0; y < 50; ++y)
-        for (int x = 0; x < 50; ++x)
-            ASSERT_EQ(surface->row(y)[x] != 0, x >= 10 && x < 20 && y >= 10) << x << ", " << y;
-    EXPECT_TRUE(platform::gdi::DestroyWindowDC(dc));
-}
-
 TEST_F(Blits, ATextStandsUntilItIsPaintedOverWholly) {
     Write(canvas, L"国", 10, 10);
     ASSERT_EQ(canvas.Texts(), Strings{L"国"});
@@ -218,51 +131,6 @@ TEST_F(Blits, ATextStandsUntilItIsPaintedOverWholly) {
     EXPECT_EQ(canvas.Texts(), Strings{L"国国国"});
     PatBlt(canvas.dc, 0, 0, 100, 80, BLACKNESS);
     EXPECT_EQ(canvas.Texts(), Strings{});
-}
-
-TEST_F(Blits, TheSameTextDrawnTwiceStandsOnce) {
-    Write(canvas, L"国", 10, 10);
-    Write(canvas, L"国", 10, 10);
-    Write(canvas, L"国", 40, 10);
-    EXPECT_EQ(canvas.Texts(), (Strings{L"国", L"国"}));
-}
-
-TEST_F(Blits, BlitsCarryTextsAlong) {
-    Canvas source(100, 80);
-    Write(source, L"国", 10, 10);
-    Write(source, L"外", 70, 50);
-    Write(canvas, L"下", 35, 35);
-    const RECT box = source.surface->texts()[0].box;
-    EXPECT_TRUE(BitBlt(canvas.dc, 30, 30, 40, 40, source.dc, 5, 5, SRCCOPY));
-    ASSERT_EQ(canvas.Texts(), Strings{L"国"});
-    RECT moved = box;
-    OffsetRect(&moved, 25, 25);
-    EXPECT_TRUE(EqualRect(&canvas.surface->texts()[0].box, &moved));
-    EXPECT_EQ(source.Texts().size(), 2u);
-}
-
-TEST_F(Blits, AnImageWithHolesLeavesTheTextUnderIt) {
-    Canvas image(100, 80);
-    image.FillWith(kRed);
-    Write(canvas, L"国", 10, 10);
-    image.FillWith(kMagenta, {0, 0, 1, 1});
-    TransparentImage(canvas.dc, 0, 0, 100, 80, image.dc, 0, 0, 100, 80, kMagenta);
-    EXPECT_EQ(canvas.Texts(), Strings{L"国"});
-    image.FillWith(kRed);
-    TransparentImage(canvas.dc, 0, 0, 100, 80, image.dc, 0, 0, 100, 80, kMagenta);
-    EXPECT_EQ(canvas.Texts(), Strings{});
-}
-
-TEST_F(Blits, TheWindowIsToldWithoutALockHeld) {
-    std::size_t seen = 0;
-    auto surface = std::make_shared<Surface>(10, 10);
-    const HDC dc = platform::gdi::CreateWindowDC(surface, {0, 0, 10, 10}, [&] {
-        const auto lock = platform::gdi::LockGdi();
-        ++seen;
-    });
-    PatBlt(dc, 0, 0, 10, 10, WHITENESS);
-    EXPECT_EQ(seen, 1u);
-    EXPECT_TRUE(platform::gdi::DestroyWindowDC(dc));
 }
 
 }  // namespace

@@ -28,22 +28,6 @@ class Images : public testing::Test {
     Platform platform;
 };
 
-TEST_F(Images, TheProgramsBitmapsAreFoundWithAndWithoutAModule) {
-    for (const HINSTANCE module : {HINSTANCE{}, resource::ModuleInstance()}) {
-        const HANDLE strip = LoadImageW(module, MAKEINTRESOURCEW(IDB_CLOSE), IMAGE_BITMAP, 0, 0, 0);
-        ASSERT_NE(strip, nullptr);
-        BITMAP description{};
-        EXPECT_NE(GetObjectW(strip, sizeof(description), &description), 0);
-        EXPECT_EQ(description.bmWidth, 75);
-        EXPECT_EQ(description.bmHeight, 72);
-
-        Canvas canvas(75, 36);
-        EXPECT_TRUE(TransparentImage(canvas.dc, 0, 0, 75, 36, strip, 0, 36, 75, 36, CLR_INVALID));
-        EXPECT_NEAR(GetRValue(GetPixel(canvas.dc, 4, 18)), 140, 30);
-        EXPECT_TRUE(DeleteObject(strip));
-    }
-}
-
 TEST_F(Images, WhatIsNotThereHasTheLastErrorOfTheResource) {
     struct Case {
         HINSTANCE module;
@@ -80,19 +64,6 @@ TEST_F(Images, AnIconOfTheProgramsOwnIsDestroyedOnce) {
     SetLastError(ERROR_SUCCESS);
     EXPECT_FALSE(DestroyIcon(icon));
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-}
-
-TEST_F(Images, SharedIconsAndCursorsStay) {
-    const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDR_MAINFRAME));
-    ASSERT_NE(icon, nullptr);
-    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(IDR_MAINFRAME)), icon);
-    EXPECT_FALSE(DestroyIcon(icon));
-    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(999)), nullptr);
-    const HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
-    ASSERT_NE(arrow, nullptr);
-    EXPECT_EQ(LoadCursorW(nullptr, IDC_ARROW), arrow);
-    EXPECT_NE(LoadCursorW(nullptr, IDC_WAIT), arrow);
-    EXPECT_EQ(LoadCursorW(nullptr, MAKEINTRESOURCEW(7)), nullptr);
 }
 
 }  // namespace

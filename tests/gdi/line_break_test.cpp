@@ -84,31 +84,4 @@ TEST_F(LineBreaks, SomeMarksNeverBeginALine) {
     }
 }
 
-TEST_F(LineBreaks, SomeMarksNeverEndALine) {
-    for (const wchar_t mark : std::wstring(L"（〔［｛〈《「『【￥＄｢([{$")) {
-        const std::wstring opened = mark + std::wstring(L"あ");
-        const auto picture = Picture(L"あ" + opened, {0, 0, 20, 200}, DT_WORDBREAK);
-        EXPECT_TRUE(picture == Picture(L"あ\n" + opened, kRoom, 0)) << std::hex << unsigned(mark);
-    }
-}
-
-TEST_F(LineBreaks, NoInkIsLostWhereverLinesBreak) {
-    const std::wstring text = L"  SDカードを、「DVR」から 抜いて（必ず）下さい。OK? yes、はい。";
-    Canvas canvas(450, 900);
-    const FontOn font(canvas.dc, kTenByFive, RGB(255, 255, 255), L"Courier New");
-    const auto ink = [&](int width, UINT format) {
-        canvas.FillWith(RGB(0, 0, 0));
-        Draw(canvas.dc, text, {0, 0, width, 900}, format | DT_NOCLIP);
-        double sum = 0;
-        for (const std::uint32_t pixel : canvas.surface->pixels())
-            sum += pixel & 0xFF;
-        return sum;
-    };
-    const auto whole = ink(450, DT_SINGLELINE);
-    EXPECT_GT(whole, 0);
-    for (int width = 1; width < 450; width += 7)
-        // Less than the smallest mark's.
-        EXPECT_NEAR(ink(width, DT_WORDBREAK), whole, 300) << width;
-}
-
 }  // namespace

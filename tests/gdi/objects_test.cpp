@@ -122,81 +122,11 @@ TEST_F(Objects, ABitmapIsInOneMemoryDeviceContextAtATime) {
     EXPECT_TRUE(DeleteObject(bitmap));
 }
 
-TEST_F(Objects, AMemoryDeviceContextStartsWithOnePixel) {
-    const HDC dc = CreateCompatibleDC(nullptr);
-    BITMAP stock{};
-    EXPECT_NE(GetObjectW(GetCurrentObject(dc, OBJ_BITMAP), sizeof(stock), &stock), 0);
-    EXPECT_EQ(stock.bmWidth, 1);
-    EXPECT_EQ(stock.bmHeight, 1);
-    EXPECT_EQ(SetPixel(dc, 1, 0, 0), CLR_INVALID);
-    EXPECT_TRUE(DeleteDC(dc));
-}
-
-TEST_F(Objects, ANewBitmapIsBlackAndKnowsItsSize) {
-    const HDC dc = CreateCompatibleDC(nullptr);
-    const HBITMAP bitmap = CreateCompatibleBitmap(dc, 30, 20);
-    BITMAP description{};
-    EXPECT_EQ(GetObjectW(bitmap, sizeof(description), &description), int(sizeof(BITMAP)));
-    EXPECT_EQ(description.bmWidth, 30);
-    EXPECT_EQ(description.bmHeight, 20);
-    EXPECT_EQ(description.bmWidthBytes * 8, 30 * description.bmBitsPixel);
-    EXPECT_EQ(GetObjectW(bitmap, 1, &description), 0);
-    EXPECT_EQ(GetObjectW(bitmap, 0, nullptr), int(sizeof(BITMAP)));
-    SelectObject(dc, bitmap);
-    for (int x = 0; x < 30; ++x)
-        EXPECT_EQ(GetPixel(dc, x, 19), 0u);
-    EXPECT_TRUE(DeleteDC(dc));
-    EXPECT_TRUE(DeleteObject(bitmap));
-    EXPECT_EQ(CreateCompatibleBitmap(dc, -1, 5), nullptr);
-}
-
 TEST_F(Objects, SizesNobodyHasMemoryForAreRefused) {
     Canvas window(1, 1);
     EXPECT_REFUSED(CreateCompatibleBitmap(window.dc, 0x7FFFFFFF, 0x7FFFFFFF), HBITMAP{},
                    ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_REFUSED(CreateCompatibleBitmap(window.dc, -1, 5), HBITMAP{}, ERROR_INVALID_PARAMETER);
-}
-
-TEST_F(Objects, AWindowsDeviceContextIsNotTheProgramsToDelete) {
-    Canvas window(4, 4);
-    EXPECT_REFUSED(DeleteDC(window.dc), FALSE, ERROR_INVALID_HANDLE);
-    EXPECT_EQ(GetObjectType(window.dc), OBJ_DC);
-    const HDC memory = CreateCompatibleDC(window.dc);
-    EXPECT_REFUSED(gdi::DestroyWindowDC(memory), false, ERROR_INVALID_HANDLE);
-    EXPECT_EQ(GetObjectType(memory), OBJ_MEMDC);
-    EXPECT_TRUE(DeleteDC(memory));
-}
-
-TEST_F(Objects, StockObjectsOutliveTheirDeletion) {
-    for (const int index : {WHITE_BRUSH, BLACK_BRUSH, NULL_BRUSH, SYSTEM_FONT}) {
-        const HGDIOBJ object = GetStockObject(index);
-        EXPECT_TRUE(DeleteObject(object));
-        EXPECT_EQ(GetStockObject(index), object);
-        EXPECT_NE(GetObjectType(object), 0u);
-    }
-    EXPECT_REFUSED(GetStockObject(DEFAULT_PALETTE), HGDIOBJ{}, ERROR_NOT_SUPPORTED);
-    EXPECT_TRUE(DeleteObject(GetSysColorBrush(COLOR_WINDOW)));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), RGB(255, 255, 255));
-    EXPECT_EQ(GetSysColorBrush(1000), nullptr);
-}
-
-TEST_F(Objects, AFontRemembersItsDescription) {
-    const LOGFONTW description = Describe(L"MS Sans Serif", {7, 21, 600});
-    const HFONT font = CreateFontIndirectW(&description);
-    LOGFONTW told{};
-    EXPECT_EQ(GetObjectW(font, sizeof(told), &told), int(sizeof(told)));
-    EXPECT_EQ(std::memcmp(&told, &description, sizeof(told)), 0);
-    EXPECT_EQ(GetObjectType(font), OBJ_FONT);
-    EXPECT_TRUE(DeleteObject(font));
-}
-
-TEST_F(Objects, DeviceContextsTellOfTheDisplay) {
-    const HDC dc = CreateCompatibleDC(nullptr);
-    EXPECT_EQ(GetDeviceCaps(dc, HORZRES), 800);
-    EXPECT_EQ(GetDeviceCaps(dc, VERTRES), 480);
-    EXPECT_EQ(GetDeviceCaps(dc, LOGPIXELSX), 96);
-    EXPECT_EQ(GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES), 32);
-    EXPECT_TRUE(DeleteDC(dc));
 }
 
 TEST_F(Objects, AfterShutdownHandlesAreStaleAndDrawingStartsAnew) {

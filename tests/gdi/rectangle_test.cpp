@@ -40,16 +40,4 @@ TEST(Rectangles, IntersectionAndUnion) {
     }
 }
 
-TEST(Rectangles, SettingAndMoving) {
-    RECT rectangle{};
-    EXPECT_TRUE(SetRect(&rectangle, 1, 2, 3, 4));
-    EXPECT_TRUE(OffsetRect(&rectangle, 10, -10));
-    EXPECT_TRUE(Equal(rectangle, {11, -8, 13, -6}));
-    EXPECT_TRUE(SetRectEmpty(&rectangle));
-    EXPECT_TRUE(IsRectEmpty(&rectangle));
-    SetLastError(ERROR_SUCCESS);
-    EXPECT_FALSE(SetRect(nullptr, 1, 2, 3, 4));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-}
-
 }  // namespace

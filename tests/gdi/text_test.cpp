@@ -43,63 +43,12 @@ TEST_F(Text, AFullWidthCharacterIsTwiceTheWidthAndOnePixelMoreWhenBold) {
     }
 }
 
-TEST_F(Text, LatinIsAboutTheWidthACharacter) {
-    const std::wstring letters = L"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-    for (const FontSize& size : {FontSize{9, 26, 500}, FontSize{15, 48, 600}}) {
-        const FontOn font(canvas.dc, size);
-        EXPECT_NEAR(double(WidthOf(canvas.dc, letters)) / double(letters.size()), size.width,
-                    size.width * 0.1);
-        TEXTMETRICW metrics{};
-        ASSERT_TRUE(GetTextMetricsW(canvas.dc, &metrics));
-        EXPECT_EQ(metrics.tmAveCharWidth, size.width);
-        EXPECT_EQ(metrics.tmHeight, size.height);
-        EXPECT_EQ(metrics.tmAscent + metrics.tmDescent, size.height);
-    }
-}
-
-TEST_F(Text, WithoutAWidthProportionsAreNatural) {
-    const FontOn font(canvas.dc, {0, 40, 500});
-    const RECT ink = InkOf(L"国", {0, 0, 100, 40}, DT_SINGLELINE);
-    EXPECT_NEAR(ink.right - ink.left, ink.bottom - ink.top, 3);
-}
-
 TEST_F(Text, ANegativeHeightIsThatOfTheCharacters) {
     const FontOn font(canvas.dc, {0, -40, 500});
     TEXTMETRICW metrics{};
     ASSERT_TRUE(GetTextMetricsW(canvas.dc, &metrics));
     EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 40);
     EXPECT_GT(metrics.tmHeight, 40);
-}
-
-TEST_F(Text, LinesAreACellHeightApart) {
-    const FontOn font(canvas.dc, {9, 26, 500});
-    const RECT first = InkOf(L"国", {0, 0, 100, 100}, 0);
-    const RECT third = InkOf(L"\n\r\n国", {0, 0, 100, 100}, 0);
-    EXPECT_EQ(third.top - first.top, 2 * 26);
-    EXPECT_EQ(Draw(canvas.dc, L"国\n国\n国", {0, 0, 100, 100}, 0), 3 * 26);
-    EXPECT_EQ(Draw(canvas.dc, L"国\n国\n国", {0, 0, 500, 100}, DT_SINGLELINE), 26);
-}
-
-TEST_F(Text, EqualCharactersLookEqual) {
-    const FontOn font(canvas.dc, {9, 26, 500});
-    Draw(canvas.dc, L"カカカカカカカカカカ", {0, 0, 800, 26}, DT_SINGLELINE);
-    for (int repeat = 1; repeat < 10; ++repeat)
-        for (int y = 0; y < 26; ++y)
-            for (int x = 0; x < 18; ++x)
-                ASSERT_EQ(canvas.At(repeat * 18 + x, y), canvas.At(x, y));
-}
-
-TEST_F(Text, BoldIsBolder) {
-    const auto ink = [&](const std::wstring& text, int weight) {
-        const FontOn font(canvas.dc, {16, 36, weight});
-        InkOf(text, {0, 0, 800, 36}, 0);
-        std::uint64_t sum = 0;
-        for (const std::uint32_t pixel : canvas.surface->pixels())
-            sum += pixel & 0xFF;
-        return double(sum);
-    };
-    for (const wchar_t* text : {L"挿入口", L"Update"})
-        EXPECT_GT(ink(text, 600), ink(text, 500) * 1.15);
 }
 
 TEST_F(Text, PlacesTheTextAsTheFormatSays) {
@@ -127,22 +76,6 @@ TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     }
 }
 
-TEST_F(Text, CentresSeveralLinesAsOneBlock) {
-    const FontOn font(canvas.dc, {10, 30, 500});
-    const RECT at_origin = InkOf(L"国", {0, 0, 20, 30}, 0);
-    const RECT ink = InkOf(L"国国国", {0, 0, 40, 101}, DT_VCENTER | DT_WORDBREAK);
-    EXPECT_EQ(ink.top - at_origin.top, (101 - 60) / 2);
-    EXPECT_EQ(ink.bottom - at_origin.bottom, (101 - 60) / 2 + 30);
-}
-
-TEST_F(Text, LeadingBlanksCount) {
-    const FontOn font(canvas.dc, {9, 26, 500});
-    const RECT plain = InkOf(L"国", {0, 0, 400, 26}, DT_WORDBREAK);
-    const RECT indented = InkOf(L"      国", {0, 0, 400, 26}, DT_WORDBREAK);
-    EXPECT_EQ(indented.left - plain.left, WidthOf(canvas.dc, L"      "));
-    EXPECT_GT(indented.left, plain.left + 10);
-}
-
 TEST_F(Text, CalculatesWithoutDrawing) {
     const FontOn font(canvas.dc, {10, 30, 500});
     RECT rectangle{50, 60, 100, 61};
@@ -151,24 +84,6 @@ TEST_F(Text, CalculatesWithoutDrawing) {
     EXPECT_EQ(rectangle.bottom, 120);
     EXPECT_EQ(canvas.drawn, 0);
     EXPECT_EQ(canvas.InkBox().right, 0);
-}
-
-TEST_F(Text, ClipsToTheRectangleUnlessToldOtherwise) {
-    const FontOn font(canvas.dc, {20, 60, 500});
-    constexpr RECT kNarrow{100, 100, 130, 120};
-    const RECT clipped = InkOf(L"国国", kNarrow, DT_SINGLELINE);
-    EXPECT_LE(clipped.right, 130);
-    EXPECT_LE(clipped.bottom, 120);
-    const RECT whole = InkOf(L"国国", kNarrow, DT_SINGLELINE | DT_NOCLIP);
-    EXPECT_GT(whole.right, 160);
-    EXPECT_GT(whole.bottom, 140);
-}
-
-TEST_F(Text, CoveredPixelsHaveExactlyTheColour) {
-    const FontOn font(canvas.dc, {22, 44, 600}, RGB(184, 131, 12));
-    Draw(canvas.dc, L"■国", {0, 0, 200, 44}, 0);
-    const auto pixels = canvas.surface->pixels();
-    EXPECT_GT(std::count(pixels.begin(), pixels.end(), 0xB8830Cu), 400);
 }
 
 TEST_F(Text, TakesPrefixMarksOutUnlessToldOtherwise) {

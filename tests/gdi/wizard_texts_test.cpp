@@ -136,19 +136,6 @@ TEST_F(WizardTexts, EveryCharacterHasAGlyph) {
         EXPECT_NE(picture(character), missing) << std::hex << unsigned(character);
 }
 
-TEST_F(WizardTexts, TheNoticesLinesStandSymmetricallyAboutTheMiddle) {
-    Canvas canvas(800, 480);
-    const FontOn font(canvas.dc, {22, 44, 600});
-    Draw(canvas.dc, L"国", kUpper, kCentred);
-    const RECT upper = canvas.InkBox();
-    canvas.FillWith(RGB(0, 0, 0));
-    Draw(canvas.dc, L"国", kLower, kCentred);
-    const RECT lower = canvas.InkBox();
-    const int cell_offset = upper.top - (380 - 44) / 2;
-    EXPECT_EQ(lower.top - upper.top, 100);
-    EXPECT_EQ((upper.top - cell_offset) + (lower.top - cell_offset + 44), 480);
-}
-
 TEST_F(WizardTexts, ARepaintOfTheScreenIsQuick) {
     Canvas window(800, 480);
     const HDC memory = CreateCompatibleDC(window.dc);
