@@ -111,17 +111,6 @@ TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
     }
 }
 
-TEST(CommandTable, RelativePathsStartFromTheFolder) {
-    const std::pair<const char*, const char*> cases[] = {{"card in x", "in:/from/here/x"},
-                                                         {"card in /x", "in:/x"},
-                                                         {"card in", "in:"},
-                                                         {"say x", "x"}};
-    for (const auto& [line, text] : cases) {
-        std::string target;
-        EXPECT_EQ(Commands().Follow(target, line, "/from/here").text, text) << line;
-    }
-}
-
 TEST(Grammar, NextListsThePlainWordsThatMayFollow) {
     const Grammar& grammar = Commands().grammar();
     EXPECT_EQ(grammar.Next(Words{"card"}), (Words{"in", "out"}));

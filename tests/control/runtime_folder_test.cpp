@@ -47,15 +47,6 @@ TEST_F(Runtime, FolderAndSocketAreTheUsersAlone) {
     EXPECT_EQ(ModeOf(folder_ + "/unit.lock"), 0600U);
 }
 
-TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
-    for (const char* session : {"", "relative", "/no/such/folder", "/dev/null"}) {
-        setenv("XDG_RUNTIME_DIR", session, 1);
-        const auto folder = RuntimeFolder::Open(problem_);
-        ASSERT_TRUE(folder) << problem_;
-        EXPECT_EQ(folder->path(), "/tmp/tolvane-" + std::to_string(geteuid()));
-    }
-}
-
 TEST_F(Runtime, UnsafeFoldersAreRefused) {
     fs::create_directory(session_ + "/elsewhere");
     fs::permissions(session_ + "/elsewhere", fs::perms::owner_all);
