@@ -148,34 +148,6 @@ TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
     });
 }
 
-TEST_F(Tty, DeviceThatGoesAwayIsReportedOnceAndNothingHangs) {
-    platform.Run([&] {
-        const HANDLE port = Open({0, 50, 50, 10, 100});
-        HangUp();
-        std::vector<std::string> said;
-        for (; said.empty(); said = TakeProblems())
-            Sleep(10);
-        EXPECT_NE(said[0].find("went away"), std::string::npos);
-        char byte = 0;
-        DWORD count = 1;
-        EXPECT_TRUE(ReadFile(port, &byte, 1, &count, nullptr));
-        EXPECT_EQ(count, 0U);
-        EXPECT_TRUE(WriteFile(port, "gone", 4, &count, nullptr));
-        EXPECT_EQ(count, 0U);
-
-        COMMTIMEOUTS none{};
-        SetCommTimeouts(port, &none);
-        tests::Crew crew;
-        crew.Start([&] {
-            EXPECT_FALSE(ReadFile(port, &byte, 1, &count, nullptr));
-            EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-        });
-        Sleep(100);
-        EXPECT_TRUE(CloseHandle(port)) << "while a read waits";
-    });
-    EXPECT_TRUE(TakeProblems().empty());
-}
-
 TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
     // The path leads to one device and later to another, as an adapter's does that is pulled out
     // and put back.
