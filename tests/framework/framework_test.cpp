@@ -148,19 +148,5 @@ TEST(Frame, GoneBeforeItsWindowLeavesTheWindowAlone) {
     });
 }
 
-TEST(Dialog, AnswersAndEnds) {
-    OnPlatform([] {
-        Dialog dialog;
-        EXPECT_EQ(dialog.DoModal(nullptr, 41), 5);
-        EXPECT_EQ(dialog.answer, 42);
-        EXPECT_EQ(dialog.m_hWnd, nullptr);
-        EXPECT_EQ(dialog.DoModal(nullptr, 7), 5) << "once more";
-        EXPECT_EQ(dialog.answer, 8);
-        NoTemplate missing;
-        EXPECT_EQ(missing.DoModal(nullptr), -1);
-        EXPECT_EQ(_Module.ExtractCreateWndData(), nullptr);
-    });
-}
-
 }  // namespace
 }  // namespace tests
