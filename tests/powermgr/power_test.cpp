@@ -96,38 +96,4 @@ TEST_P(PowerNotifications, NeedQueueAndFlagsAndLeftOpenAreClosedAtShutdown) {
 
 INSTANTIATE_IN_EVERY_MODE(PowerNotifications);
 
-TEST(PowerStatus, ShowsTheSupplyOrFails) {
-    Platform platform;
-    platform.board.supply = {.ac_line_status = 0, .battery_flag = 4, .battery_life_percent = 9};
-    platform.Run([&] {
-        SYSTEM_POWER_STATUS_EX2 status;
-        EXPECT_EQ(GetSystemPowerStatusEx2(&status, sizeof status, TRUE), 56U);
-        EXPECT_EQ(status.ACLineStatus, 0);
-        EXPECT_EQ(status.BatteryFlag, 4);
-        EXPECT_EQ(status.BatteryLifePercent, 9);
-        EXPECT_EQ(status.BatteryLifeTime, BATTERY_LIFE_UNKNOWN);
-        EXPECT_EQ(GetSystemPowerStatusEx2(&status, sizeof status - 1, TRUE), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-        EXPECT_EQ(GetSystemPowerStatusEx2(nullptr, sizeof status, TRUE), 0U);
-        platform.board.supply_readable = false;
-        EXPECT_EQ(GetSystemPowerStatusEx2(&status, sizeof status, TRUE), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_GEN_FAILURE);
-    });
-}
-
-TEST(PowerRequests, GoToTheBoard) {
-    Platform platform;
-    platform.Run([&] {
-        EXPECT_EQ(SetSystemPowerState(nullptr, POWER_STATE_SUSPEND, POWER_FORCE), ERROR_SUCCESS);
-        DWORD returned = 77;
-        EXPECT_TRUE(KernelIoControl(0x01012345, nullptr, 0, nullptr, 0, &returned));
-        EXPECT_EQ(returned, 0U);
-        platform.board.hal_answer = ERROR_NOT_SUPPORTED;
-        EXPECT_FALSE(KernelIoControl(0x01016789, nullptr, 0, nullptr, 0, nullptr));
-        EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
-    });
-    EXPECT_EQ(platform.board.power_states, std::vector<DWORD>{POWER_STATE_SUSPEND});
-    EXPECT_EQ(platform.board.hal_codes, (std::vector<DWORD>{0x01012345, 0x01016789}));
-}
-
 }  // namespace
