@@ -1,6 +1,4 @@
-#include <pkfuncs.h>
 #include <windows.h>
-#include <windowsx.h>
 
 #include <gtest/gtest.h>
 
@@ -40,26 +38,6 @@ TEST(Dcb, FlagsLieWhereTheSerialDriverLooksForThem) {
         row.set(dcb);
         EXPECT_EQ(FlagWord(dcb), row.expected);
     }
-}
-
-TEST(Macros, PackAndUnpackAsTheApiDoes) {
-    EXPECT_EQ(CTL_CODE(FILE_DEVICE_HAL, 2056, METHOD_BUFFERED, FILE_ANY_ACCESS), 0x01012020U);
-    EXPECT_EQ(CTL_CODE(0x8001, 0x82C, METHOD_BUFFERED, FILE_ANY_ACCESS), 0x800120B0U);
-    EXPECT_EQ(CTL_CODE(0x1B, 6, METHOD_NEITHER, FILE_ANY_ACCESS), 0x001B001BU);
-    EXPECT_EQ(MAKELONG(0x12345678, 0x9ABCDEF0), static_cast<LONG>(0xDEF05678U));
-    EXPECT_EQ(MAKEWORD(0x1FF, 0x2EE), 0xEEFF);
-    // A message parameter is wider than the two words in it, and its upper half stays clear.
-    EXPECT_EQ(MAKELPARAM(1, -1), LPARAM{0xFFFF0001});
-    EXPECT_EQ(HIWORD(LPARAM{0x1234ABCD5678EF01}), 0x5678);
-    EXPECT_EQ(GET_X_LPARAM(MAKELPARAM(-3, 479)), -3);
-    EXPECT_EQ(GET_Y_LPARAM(MAKELPARAM(-3, 479)), 479);
-    EXPECT_EQ(RGB(0x11, 0x22, 0x33), 0x00332211U);
-    EXPECT_EQ(RGB(-1, 0, 0), 0x000000FFU);
-    EXPECT_EQ(GetBValue(0x00332211U), 0x33);
-    EXPECT_TRUE(IS_INTRESOURCE(MAKEINTRESOURCEW(0x1FFFF)));
-    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_INVALID_PARAMETER), E_INVALIDARG);
-    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_SUCCESS), S_OK);
-    EXPECT_EQ(HRESULT_FROM_WIN32(static_cast<DWORD>(E_FAIL)), E_FAIL);
 }
 
 }  // namespace

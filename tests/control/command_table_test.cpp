@@ -111,14 +111,6 @@ TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
     }
 }
 
-TEST(Grammar, NextListsThePlainWordsThatMayFollow) {
-    const Grammar& grammar = Commands().grammar();
-    EXPECT_EQ(grammar.Next(Words{"card"}), (Words{"in", "out"}));
-    EXPECT_EQ(grammar.Next(Words{"fault", "call", "X"}), (Words{"after", "times"}));
-    EXPECT_EQ(grammar.Next(Words{"nope"}), Words{});
-    EXPECT_EQ(grammar.Next(Words{}).size(), 6U);
-}
-
 TEST(Grammar, PatternsThatAreNotWellFormedAreRefused) {
     for (const std::string_view pattern : {"a [b", "a b]", "a WRONG", "[a [b] c"})
         EXPECT_THROW(Grammar({&pattern, 1}), std::logic_error) << pattern;

@@ -126,35 +126,6 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
     }
 }
 
-TEST_F(Sockets, ALateAnswerReachesTheClientThatAskedAndOthersAreServedMeanwhile) {
-    SocketClient slow = Client();
-    SocketClient quick = Client();
-    slow.Send({"later"}, 1s);
-    Serve();
-    EXPECT_EQ(Exchange(quick, "one\n"), "|got one\n+\n");
-    EXPECT_EQ(Exchange(slow, "next\n"), "");
-    server_->End(watcher_, Done("at last"));
-    server_->End(watcher_, Done("twice"));
-    EXPECT_EQ(Exchange(slow, ""), "|at last\n+\n|got next\n+\n");
-}
-
-TEST_F(Sockets, HangingUpIsNoticedAndWhatWasAskedBeforeIsStillDone) {
-    {
-        SocketClient watcher = Client();
-        watcher.Send({"watch"}, 1s);
-        Serve();
-        EXPECT_EQ(left_, std::vector<Id>{});
-    }
-    Serve();
-    EXPECT_EQ(left_, std::vector<Id>{watcher_});
-    server_->Line(watcher_, "nobody hears");
-
-    SocketClient half = Client();
-    half.Send({"one"}, 1s);
-    shutdown(half.descriptor(), SHUT_WR);
-    EXPECT_EQ(Exchange(half, ""), "|got one\n+\n*");
-}
-
 TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
     SocketClient watcher = Client();
     watcher.Send({"watch"}, 1s);

@@ -56,34 +56,6 @@ class Frame : public CFrameWindowImpl<Frame> {
     LRESULT OnCommand(WORD code, WORD id, HWND, BOOL&) { return code * 100 + id; }
 };
 
-class Dialog : public CDialogImpl<Dialog> {
-  public:
-    enum { IDD = IDD_NOTIFY };
-
-    BEGIN_MSG_MAP(Dialog)
-        MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
-        MESSAGE_HANDLER(kAsk, OnAsk)
-    END_MSG_MAP()
-
-    LRESULT answer = 0;
-
-  private:
-    LRESULT OnInitDialog(UINT, WPARAM, LPARAM parameter, BOOL&) {
-        answer = SendMessageW(m_hWnd, kAsk, 0, parameter);
-        EndDialog(5);
-        return 0;
-    }
-    LRESULT OnAsk(UINT, WPARAM, LPARAM parameter, BOOL&) { return parameter + 1; }
-};
-
-class NoTemplate : public CDialogImpl<NoTemplate> {
-  public:
-    enum { IDD = 100 };
-
-    BEGIN_MSG_MAP(NoTemplate)
-    END_MSG_MAP()
-};
-
 void OnPlatform(const std::function<void()>& body) {
     Platform platform;
     std::string problem;
@@ -114,6 +86,13 @@ TEST(Frame, EndsItsLoopAndLetsGoOfTheWindow) {
         EXPECT_EQ(frame.final_messages, 1);
         CMessageLoop loop;
         EXPECT_EQ(loop.Run(), 0);
+
+        // The object serves for a window more than once.
+        frame.on_ask = [] {};
+        ASSERT_NE(frame.CreateEx(), nullptr);
+        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 2);
+        DestroyWindow(frame);
+        EXPECT_EQ(frame.final_messages, 2);
     });
 }
 

@@ -58,18 +58,6 @@ TEST_F(Blits, CopiesAreClippedOnBothSides) {
     }
 }
 
-TEST_F(Blits, ASurfaceCanBeCopiedOntoItself) {
-    for (const POINT offset : {POINT{3, 2}, POINT{-3, -2}, POINT{4, 0}, POINT{0, -5}}) {
-        Number(*canvas.surface);
-        EXPECT_TRUE(
-            BitBlt(canvas.dc, 20 + offset.x, 20 + offset.y, 30, 30, canvas.dc, 20, 20, SRCCOPY));
-        for (int y = 0; y < 30; ++y)
-            for (int x = 0; x < 30; ++x)
-                ASSERT_EQ(canvas.At(20 + x + offset.x, 20 + y + offset.y),
-                          std::uint32_t((20 + y) * 1000 + 20 + x + 1));
-    }
-}
-
 TEST_F(Blits, RasterOperationsCombineBits) {
     Canvas source(1, 1);
     constexpr std::uint32_t kSource = 0x0F0F0F, kTarget = 0x333333, kPattern = 0x555555;
@@ -131,6 +119,79 @@ TEST_F(Blits, ATextStandsUntilItIsPaintedOverWholly) {
     EXPECT_EQ(canvas.Texts(), Strings{L"国国国"});
     PatBlt(canvas.dc, 0, 0, 100, 80, BLACKNESS);
     EXPECT_EQ(canvas.Texts(), Strings{});
+}
+
+TEST_F(Blits, FillsAreClippedAndSystemColoursAreBrushes) {
+    const RECT beyond{-50, -50, 500, 500};
+    EXPECT_TRUE(FillRect(canvas.dc, &beyond, (HBRUSH)(std::uintptr_t)(COLOR_WINDOW + 1)));
+    EXPECT_EQ(canvas.At(0, 0), 0xFFFFFFu);
+    EXPECT_EQ(canvas.At(99, 79), 0xFFFFFFu);
+    EXPECT_TRUE(FillRect(canvas.dc, &beyond, static_cast<HBRUSH>(GetStockObject(NULL_BRUSH))));
+    EXPECT_EQ(canvas.At(50, 50), 0xFFFFFFu);
+    const RECT extreme{-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 1};
+    EXPECT_TRUE(FillRect(canvas.dc, &extreme, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))));
+    EXPECT_EQ(canvas.At(99, 0), 0u);
+    EXPECT_EQ(canvas.At(99, 1), 0xFFFFFFu);
+}
+
+TEST_F(Blits, ASurfaceCanBeCopiedOntoItself) {
+    for (const POINT offset : {POINT{3, 2}, POINT{-3, -2}, POINT{4, 0}, POINT{0, -5}}) {
+        Number(*canvas.surface);
+        EXPECT_TRUE(
+            BitBlt(canvas.dc, 20 + offset.x, 20 + offset.y, 30, 30, canvas.dc, 20, 20, SRCCOPY));
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 30; ++x)
+                ASSERT_EQ(canvas.At(20 + x + offset.x, 20 + y + offset.y),
+                          std::uint32_t((20 + y) * 1000 + 20 + x + 1));
+    }
+}
+
+TEST_F(Blits, StretchingTakesTheNearestPixel) {
+    Canvas source(4, 2);
+    Number(*source.surface);
+    EXPECT_TRUE(StretchBlt(canvas.dc, 10, 10, 8, 8, source.dc, 0, 0, 4, 2, SRCCOPY));
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x)
+            ASSERT_EQ(canvas.At(10 + x, 10 + y), std::uint32_t((y / 4) * 1000 + x / 2 + 1));
+    EXPECT_EQ(canvas.At(18, 10), 0u);
+}
+
+TEST_F(Blits, TransparentPixelsLeaveWhatIsUnderThem) {
+    Canvas source(4, 4);
+    source.FillWith(kMagenta);
+    source.FillWith(kRed, {1, 1, 3, 3});
+    canvas.FillWith(RGB(0, 0, 255));
+    EXPECT_TRUE(TransparentImage(canvas.dc, 10, 10, 8, 8, source.dc, 0, 0, 4, 4, kMagenta));
+    for (int y = 0; y < 8; ++y)
+        for (int x = 0; x < 8; ++x) {
+            const bool inside = x >= 2 && x < 6 && y >= 2 && y < 6;
+            ASSERT_EQ(canvas.At(10 + x, 10 + y), inside ? 0xFF0000u : 0x0000FFu);
+        }
+    const HDC memory = CreateCompatibleDC(canvas.dc);
+    const HBITMAP bitmap = CreateCompatibleBitmap(canvas.dc, 2, 2);
+    EXPECT_TRUE(TransparentImage(canvas.dc, 0, 0, 2, 2, bitmap, 0, 0, 2, 2, kMagenta));
+    EXPECT_EQ(canvas.At(1, 1), 0u);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+}
+
+TEST_F(Blits, AnImageWithHolesLeavesTheTextUnderIt) {
+    Canvas image(100, 80);
+    image.FillWith(kRed);
+    Write(canvas, L"国", 10, 10);
+    image.FillWith(kMagenta, {0, 0, 1, 1});
+    TransparentImage(canvas.dc, 0, 0, 100, 80, image.dc, 0, 0, 100, 80, kMagenta);
+    EXPECT_EQ(canvas.Texts(), Strings{L"国"});
+    image.FillWith(kRed);
+    TransparentImage(canvas.dc, 0, 0, 100, 80, image.dc, 0, 0, 100, 80, kMagenta);
+    EXPECT_EQ(canvas.Texts(), Strings{});
+}
+
+TEST_F(Blits, TheSameTextDrawnTwiceStandsOnce) {
+    Write(canvas, L"国", 10, 10);
+    Write(canvas, L"国", 10, 10);
+    Write(canvas, L"国", 40, 10);
+    EXPECT_EQ(canvas.Texts(), (Strings{L"国", L"国"}));
 }
 
 }  // namespace

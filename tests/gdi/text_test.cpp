@@ -43,14 +43,6 @@ TEST_F(Text, AFullWidthCharacterIsTwiceTheWidthAndOnePixelMoreWhenBold) {
     }
 }
 
-TEST_F(Text, ANegativeHeightIsThatOfTheCharacters) {
-    const FontOn font(canvas.dc, {0, -40, 500});
-    TEXTMETRICW metrics{};
-    ASSERT_TRUE(GetTextMetricsW(canvas.dc, &metrics));
-    EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 40);
-    EXPECT_GT(metrics.tmHeight, 40);
-}
-
 TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     const FontOn font(canvas.dc, {10, 30, 500});
     constexpr RECT kBox{100, 100, 300, 200};
@@ -76,42 +68,11 @@ TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     }
 }
 
-TEST_F(Text, CalculatesWithoutDrawing) {
-    const FontOn font(canvas.dc, {10, 30, 500});
-    RECT rectangle{50, 60, 100, 61};
-    EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", -1, &rectangle, DT_CALCRECT | DT_WORDBREAK), 60);
-    EXPECT_EQ(rectangle.right, 90);
-    EXPECT_EQ(rectangle.bottom, 120);
-    EXPECT_EQ(canvas.drawn, 0);
-    EXPECT_EQ(canvas.InkBox().right, 0);
-}
-
 TEST_F(Text, TakesPrefixMarksOutUnlessToldOtherwise) {
     const FontOn font(canvas.dc, {9, 26, 500});
     Draw(canvas.dc, L"a&b && c", {0, 0, 400, 26}, 0);
     Draw(canvas.dc, L"a&b && c", {0, 30, 400, 56}, DT_NOPREFIX);
     EXPECT_EQ(canvas.Texts(), (std::vector<std::wstring>{L"ab & c", L"a&b && c"}));
-}
-
-TEST_F(Text, DrawsAsManyCharactersAsItIsTold) {
-    const FontOn font(canvas.dc, {9, 26, 500});
-    RECT rectangle{0, 0, 400, 26};
-    EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", 2, &rectangle, 0), 26);
-    EXPECT_EQ(canvas.Texts(), std::vector<std::wstring>{L"国国"});
-    EXPECT_LE(canvas.InkBox().right, 36);
-    EXPECT_EQ(DrawTextW(canvas.dc, L"", -1, &rectangle, 0), 0);
-    EXPECT_EQ(DrawTextW(canvas.dc, nullptr, 0, &rectangle, 0), 0);
-}
-
-TEST_F(Text, AnOpaqueBackgroundFillsTheCells) {
-    const FontOn font(canvas.dc, {10, 30, 500}, kWhite);
-    SetBkMode(canvas.dc, OPAQUE);
-    SetBkColor(canvas.dc, RGB(0, 0, 255));
-    Draw(canvas.dc, L"国", {100, 100, 200, 200}, 0);
-    EXPECT_EQ(canvas.At(100, 100), 0x0000FFu);
-    EXPECT_EQ(canvas.At(119, 129), 0x0000FFu);
-    EXPECT_EQ(canvas.At(120, 129), 0u);
-    EXPECT_EQ(canvas.At(119, 130), 0u);
 }
 
 TEST_F(Text, RefusesWhatItCannotDraw) {
@@ -171,6 +132,16 @@ TEST_F(Text, AnyTextIsMeasuredAndDrawn) {
         EXPECT_GE(size.cx, 0);
         EXPECT_LE(size.cx, count * 60);
     }
+}
+
+TEST_F(Text, DrawsAsManyCharactersAsItIsTold) {
+    const FontOn font(canvas.dc, {9, 26, 500});
+    RECT rectangle{0, 0, 400, 26};
+    EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", 2, &rectangle, 0), 26);
+    EXPECT_EQ(canvas.Texts(), std::vector<std::wstring>{L"国国"});
+    EXPECT_LE(canvas.InkBox().right, 36);
+    EXPECT_EQ(DrawTextW(canvas.dc, L"", -1, &rectangle, 0), 0);
+    EXPECT_EQ(DrawTextW(canvas.dc, nullptr, 0, &rectangle, 0), 0);
 }
 
 }  // namespace

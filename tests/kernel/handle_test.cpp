@@ -127,19 +127,4 @@ TEST(Names, AreSharedByAllKindsAndWithTheNeighbours) {
         }
 }
 
-TEST(Names, OpenAnEventWhereverItIs) {
-    Platform platform;
-    platform.Run([&] {
-        for (const auto& [there, error] : {std::pair{NamedKind::kNone, ERROR_FILE_NOT_FOUND},
-                                           {NamedKind::kMutex, ERROR_INVALID_HANDLE},
-                                           {NamedKind::kEvent, ERROR_SUCCESS}}) {
-            platform.board.neighbour.objects[kShared] = there;
-            SetLastError(ERROR_SUCCESS);
-            const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, kShared);
-            EXPECT_EQ(GetLastError(), error);
-            EXPECT_EQ(event != nullptr, CloseHandle(event) != FALSE);
-        }
-    });
-}
-
 }  // namespace

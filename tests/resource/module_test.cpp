@@ -115,4 +115,20 @@ TEST_F(Module, WhatIsNotThereIsRefused) {
                 [] { return LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(128)); });
 }
 
+TEST_F(Module, KnowsItsPathWhateverItsResources) {
+    const Bytes damaged(resources_.begin(), resources_.end() - 4);
+    std::string problem;
+    EXPECT_FALSE(resource::SetModule(damaged, kModulePath, problem));
+    EXPECT_EQ(problem, "byte 252: data cut off");
+    EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
+    wchar_t path[32];
+    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 21), 20U);
+    EXPECT_STREQ(path, kModulePath);
+    EXPECT_EQ(GetModuleFileNameW(resource::ModuleInstance(), path, 20), 20U);
+    EXPECT_STREQ(path, L"\\Tolvane\\Tolvane.ex");
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
+    for (const wchar_t* name : {L"tolvane.EXE", kModulePath, LPCWSTR{}})
+        EXPECT_EQ(GetModuleHandleW(name), resource::ModuleInstance());
+}
+
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "platform/resource/image.h"
 #include "platform/resource/module.h"
 #include "res/resource.h"
 
@@ -20,19 +21,6 @@ class ProgramResources : public testing::Test {
             << problem;
     }
 };
-
-TEST_F(ProgramResources, DialogTemplateIsByteForByteAsMeasured) {
-    // Style to size, menu, class, title, point size; the font's name follows.
-    constexpr char16_t kExpected[] = u"\x0440\xD0C8\0\0\0\0\0\x00BB\x0066\0\0\0\x0008MS Sans Serif";
-    const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(IDD_NOTIFY), RT_DIALOG);
-    ASSERT_NE(found, nullptr);
-    ASSERT_EQ(SizeofResource(nullptr, found), sizeof kExpected);
-    const void* data = LockResource(LoadResource(nullptr, found));
-    ASSERT_NE(data, nullptr);
-    EXPECT_EQ(std::memcmp(data, kExpected, sizeof kExpected), 0);
-    // What reads it as a DLGTEMPLATE may count on its place.
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(data) % 4, 0U);
-}
 
 TEST_F(ProgramResources, VersionBlockSays0700) {
     const DWORD size = GetFileVersionInfoSizeW(L"\\tolvane\\TOLVANE.EXE", nullptr);
@@ -50,8 +38,6 @@ TEST_F(ProgramResources, VersionBlockSays0700) {
     EXPECT_EQ(info.dwSignature, 0xFEEF04BDU);
     EXPECT_EQ(info.dwFileVersionMS, 0x00000007U);
     EXPECT_EQ(info.dwFileVersionLS, 0U);
-    EXPECT_EQ(info.dwProductVersionMS, 0x00000007U);
-    EXPECT_EQ(info.dwProductVersionLS, 0U);
     const std::pair<const wchar_t*, const wchar_t*> texts[] = {
         {L"\\StringFileInfo\\040904B0\\FileVersion", L"0.7.0.0"},
         {L"\\stringfileinfo\\040904b0\\productversion", L"0.7.0.0"},
@@ -67,6 +53,17 @@ TEST_F(ProgramResources, VersionBlockSays0700) {
     EXPECT_EQ(std::memcmp(value, "\x09\x04\xB0\x04", 4), 0);
     EXPECT_FALSE(VerQueryValueW(block.data(), L"\\StringFileInfo\\0\\Any", &value, &length));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_TYPE_NOT_FOUND));
+}
+
+// The size that is asked for and the one that is nearest; without a size, the first.
+TEST_F(ProgramResources, IconIsTheNearestInSize) {
+    for (const auto& [asked, size] : {std::pair(32, 32), {16, 16}, {20, 16}, {0, 32}}) {
+        const auto icon =
+            platform::resource::DecodeIcon(MAKEINTRESOURCEW(IDR_MAINFRAME), asked, asked);
+        ASSERT_TRUE(icon);
+        EXPECT_EQ(icon->width, size) << asked;
+        EXPECT_EQ(icon->height, size) << asked;
+    }
 }
 
 }  // namespace

@@ -42,11 +42,21 @@ std::string AsNobody(const std::function<std::string()>& work) {
     return told;
 }
 
-TEST(OpenProblem, MissingPermissionNamesTheGroupToJoin) {
+// A terminal of the host's, with its other end in the test's hands.
+class OnTerminal : public testing::Test {
+  protected:
+    OnTerminal() { EXPECT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0); }
+    ~OnTerminal() override {
+        close(near_end);
+        close(far_end);
+    }
+
     int far_end = -1;
     int near_end = -1;
     char path[128] = {};
-    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+};
+
+TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can hand the device to another group";
     const struct group* const dialout = getgrnam("dialout");
@@ -88,15 +98,9 @@ TEST(OpenProblem, MissingPermissionNamesTheGroupToJoin) {
               path + (": permission denied; the device belongs to group " +
                       std::string(getgrgid(own_group)->gr_name) +
                       ", which this log-in does not have yet: log in again"));
-    close(near_end);
-    close(far_end);
 }
 
-TEST(Tty, IsForOneProgramAloneAndFreeAfterwards) {
-    int far_end = -1;
-    int near_end = -1;
-    char path[128] = {};
-    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {
     std::string problem;
     for (int round = 0; round < 2; ++round) {
         Tty first;
@@ -108,15 +112,9 @@ TEST(Tty, IsForOneProgramAloneAndFreeAfterwards) {
                       path + std::string(": the serial device is in use by another program"));
         }
     }
-    close(near_end);
-    close(far_end);
 }
 
-TEST(Tty, SettingsThatADeviceDoesNotTakeAreTold) {
-    int far_end = -1;
-    int near_end = -1;
-    char path[128] = {};
-    ASSERT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0);
+TEST_F(OnTerminal, SettingsThatADeviceDoesNotTakeAreTold) {
     Tty tty;
     std::string problem;
     ASSERT_EQ(tty.Open(path, problem), 0) << problem;
@@ -131,8 +129,6 @@ TEST(Tty, SettingsThatADeviceDoesNotTakeAreTold) {
                                  "flow control"));
     problem.clear();
     EXPECT_EQ(tty.Apply({.baud = 460801}, problem), EINVAL);
-    close(near_end);
-    close(far_end);
 }
 
 }  // namespace

@@ -59,8 +59,15 @@ TEST(Dialog, EndsInManyWays) {
         const TestWindow owner(TestWindow::Options{.style = each.owner_style});
         owner.Show();
         const auto handler = [&](HWND handle, UINT message) -> INT_PTR {
-            if (message == WM_INITDIALOG)
+            if (message == WM_INITDIALOG) {
+                // 187 x 102 dialog units, 6 x 13 pixels being 4 x 8 of them; no caption.
+                RECT client{};
+                GetClientRect(handle, &client);
+                EXPECT_EQ(client.right, 281);
+                EXPECT_EQ(client.bottom, 166);
+                EXPECT_FALSE(each.owned && IsWindowEnabled(owner));
                 SetTimer(handle, 1, 100, NULL);
+            }
             if (message == WM_TIMER) {
                 KillTimer(handle, 1);
                 each.act(owner, handle);

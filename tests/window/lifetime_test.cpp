@@ -14,31 +14,6 @@ HWND MakePlain(LPCWSTR class_name, int extra = 0) {
                            NULL, NULL);
 }
 
-PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
-    const HWND made = MakePlain(L"Tolvane");
-    WNDCLASSW found{};
-    EXPECT_TRUE(GetClassInfoW(NULL, L"TOLVANE", &found));
-    EXPECT_STREQ(found.lpszClassName, L"Tolvane");
-    ExpectFails(ERROR_CLASS_ALREADY_EXISTS, [&] { return RegisterClassW(&found); });
-    EXPECT_EQ(FindWindowW(L"tolvane", L"title"), made);
-    EXPECT_EQ(FindWindowW(L"Tolvane", L"other"), nullptr);
-    wchar_t text[8] = {};
-    EXPECT_EQ(GetWindowTextW(made, text, 4), 3);
-    EXPECT_STREQ(text, L"Tit");
-    EXPECT_TRUE(SetWindowTextW(made, L"New"));
-    EXPECT_EQ(FindWindowW(NULL, L"new"), made);
-    // Left to the system, a window covers the screen.
-    const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-    RECT place{};
-    GetWindowRect(made, &place);
-    EXPECT_TRUE(EqualRect(&place, &screen));
-    const auto unregister = [] { return UnregisterClassW(L"Tolvane", NULL); };
-    ExpectFails(ERROR_CLASS_HAS_WINDOWS, unregister);
-    DestroyWindow(made);
-    EXPECT_TRUE(unregister());
-    ExpectFails(ERROR_CLASS_DOES_NOT_EXIST, unregister);
-}
-
 PLATFORM_TEST(Creation, FailsVisibly) {
     const TestWindow registers_the_class;
     const auto fails = [](DWORD error, DWORD style, HWND owner, LPCWSTR name = TestWindow::kClass) {
@@ -72,24 +47,17 @@ TEST(Creation, AWindowMayRefuseToLive) {
 }
 
 PLATFORM_TEST(Handles, StaleAndForeignOnesAreErrors) {
-    static RECT place{};
     static PAINTSTRUCT paint{};
     // clang-format off
     const std::function<bool(HWND)> calls[] = {
-        [](HWND h) { return DestroyWindow(h); }, [](HWND h) { return IsWindowVisible(h); },
-        [](HWND h) { return UpdateWindow(h); }, [](HWND h) { return GetDC(h) != NULL; },
-        [](HWND h) { return SetForegroundWindow(h); }, [](HWND h) { return SetFocus(h) != NULL; },
-        [](HWND h) { return EnableWindow(h, TRUE); }, [](HWND h) { return GetParent(h) != NULL; },
-        [](HWND h) { return ShowWindow(h, SW_SHOW); }, [](HWND h) { return EndDialog(h, 0); },
-        [](HWND h) { return KillTimer(h, 1); }, [](HWND h) { return SetTimer(h, 1, 10, NULL) != 0; },
+        [](HWND h) { return DestroyWindow(h); }, [](HWND h) { return UpdateWindow(h); },
+        [](HWND h) { return SetForegroundWindow(h); }, [](HWND h) { return GetDC(h) != NULL; },
+        [](HWND h) { return EndDialog(h, 0); }, [](HWND h) { return KillTimer(h, 1); },
         [](HWND h) { return PostMessageW(h, WM_NULL, 0, 0); },
         [](HWND h) { return SendMessageW(h, WM_NULL, 0, 0) != 0; },
-        [](HWND h) { return InvalidateRect(h, NULL, TRUE); },
         [](HWND h) { return BeginPaint(h, &paint) != NULL; },
-        [](HWND h) { return GetWindowRect(h, &place); },
         [](HWND h) { return SetWindowPos(h, HWND_TOP, 0, 0, 1, 1, 0); },
         [](HWND h) { return SetWindowLongPtrW(h, GWLP_USERDATA, 1) != 0; },
-        [](HWND h) { return SetWindowTextW(h, L"x"); },
     };
     // clang-format on
     const HWND stale = TestWindow().handle();
@@ -138,6 +106,31 @@ PLATFORM_TEST(Destruction, ComesWithTheEndOfTheThread) {
     EXPECT_TRUE(UnregisterClassW(L"Plain", NULL));
 }
 
+PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
+    const HWND made = MakePlain(L"Tolvane");
+    WNDCLASSW found{};
+    EXPECT_TRUE(GetClassInfoW(NULL, L"TOLVANE", &found));
+    EXPECT_STREQ(found.lpszClassName, L"Tolvane");
+    ExpectFails(ERROR_CLASS_ALREADY_EXISTS, [&] { return RegisterClassW(&found); });
+    EXPECT_EQ(FindWindowW(L"tolvane", L"title"), made);
+    EXPECT_EQ(FindWindowW(L"Tolvane", L"other"), nullptr);
+    wchar_t text[8] = {};
+    EXPECT_EQ(GetWindowTextW(made, text, 4), 3);
+    EXPECT_STREQ(text, L"Tit");
+    EXPECT_TRUE(SetWindowTextW(made, L"New"));
+    EXPECT_EQ(FindWindowW(NULL, L"new"), made);
+    // Left to the system, a window covers the screen.
+    const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    RECT place{};
+    GetWindowRect(made, &place);
+    EXPECT_TRUE(EqualRect(&place, &screen));
+    const auto unregister = [] { return UnregisterClassW(L"Tolvane", NULL); };
+    ExpectFails(ERROR_CLASS_HAS_WINDOWS, unregister);
+    DestroyWindow(made);
+    EXPECT_TRUE(unregister());
+    ExpectFails(ERROR_CLASS_DOES_NOT_EXIST, unregister);
+}
+
 PLATFORM_TEST(WindowData, KeepsWhatIsSetAndRefusesOtherIndices) {
     const HWND made = MakePlain(L"Extra", 12);
     const LONG_PTR wide = 0x1122334455667788;
@@ -148,6 +141,32 @@ PLATFORM_TEST(WindowData, KeepsWhatIsSetAndRefusesOtherIndices) {
     for (const int index : {-1, -100, 5, 12, 1000})
         ExpectFails(ERROR_INVALID_INDEX, [&] { return GetWindowLongPtrW(made, index); });
     DestroyWindow(made);
+}
+
+TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
+    Platform platform;
+    std::wstring observed;
+    window::ObserveBroadcasts([&](UINT message, WPARAM wparam, LPARAM lparam) {
+        observed += window::RegisteredMessageName(message) + std::to_wstring(wparam * 10 + lparam);
+    });
+    platform.Run([] {
+        const UINT status = RegisterWindowMessageW(L"_All_APP_PowerStatusChange_");
+        const UINT other = RegisterWindowMessageW(L"_PowerSuspend_Acknowledge_");
+        EXPECT_TRUE(0xC000 <= status && status != other && other <= 0xFFFF);
+        EXPECT_EQ(RegisterWindowMessageW(L"_all_app_powerstatuschange_"), status);
+        ExpectFails(ERROR_INVALID_PARAMETER, [] { return RegisterWindowMessageW(L""); });
+        const TestWindow visible, hidden,
+            disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
+        visible.Show();
+        ApiThread([=] {
+            EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));
+            window::PostToAll(other, 3, 4);
+        });
+        HandleWaiting();
+        for (const TestWindow* each : {&visible, &hidden, &disabled})
+            EXPECT_EQ(each->Order({status, other}), (Numbers{status, other}));
+    });
+    EXPECT_EQ(observed, L"_All_APP_PowerStatusChange_12");
 }
 
 }  // namespace

@@ -69,18 +69,6 @@ PLATFORM_TEST(Retrieval, AStaleFilterWindowIsAnErrorAlsoWhileWaiting) {
                     [&] { return GetMessageW(&message, each, 0, 0) != -1; });
 }
 
-PLATFORM_TEST(Retrieval, AWindowThatNeverValidatesIsAskedAgainWhileTimePasses) {
-    const TestWindow target(On(WM_PAINT, [](HWND, WPARAM) { return 0; }));
-    target.Show();
-    SetTimer(target, 1, 100, NULL);
-    MSG message{};
-    while (message.message != WM_TIMER) {
-        GetMessageW(&message, NULL, 0, 0);
-        DispatchMessageW(&message);
-    }
-    EXPECT_GE(target.Count(WM_PAINT), 2U);
-}
-
 PLATFORM_TEST(Posting, ToAFullQueueFailsUntilSomethingWasFetched) {
     const TestWindow target;
     const auto post = [&] { return PostMessageW(target, kPosted, 0, 0); };

@@ -67,6 +67,67 @@ TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
     });
 }
 
+PLATFORM_TEST(TouchRouting, AThreadThatSleepsHoldsUpItsOwnTouchesOnly) {
+    int pressed = 0;
+    const WindowThread other({.place = {100, 0, 200, 100}},
+                             On(WM_LBUTTONDOWN, [&](HWND, WPARAM) { return ++pressed; }));
+    TestWindow own;
+    own.Show();
+    HandleWaiting();
+    window::TouchScreen(Touch::kDown, 10, 10);
+    for (int x = 11; x < 50; ++x)
+        window::TouchScreen(Touch::kMove, x, 10);
+    window::TouchScreen(Touch::kDown, 110, 10);
+    Sleep(100);
+    EXPECT_EQ(pressed, 1);
+    const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE};
+    EXPECT_EQ(own.Order(all), Numbers());
+    HandleWaiting();
+    EXPECT_EQ(own.Order(all), all) << "moves that nobody fetched are one";
+}
+
+PLATFORM_TEST(Positioning, OfAnotherThreadsWindowDoesNotWait) {
+    TestWindow task_bar(TestWindow::Options{.extended_style = WS_EX_TOPMOST});
+    task_bar.Forget();
+    ApiThread([&] {
+        EXPECT_TRUE(SetWindowPos(task_bar, HWND_NOTOPMOST, 0, 0, 0, 0,
+                                 SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE));
+        EXPECT_FALSE(window::TopLevelWindows()[0].topmost);
+    });
+    EXPECT_EQ(task_bar.Count(WM_WINDOWPOSCHANGED), 0U);
+    HandleWaiting();
+    EXPECT_EQ(task_bar.Count(WM_WINDOWPOSCHANGED), 1U);
+}
+
+PLATFORM_TEST(Activation, MovesWithShowingHidingAndDestroying) {
+    const Numbers interesting{WM_ACTIVATE, WM_SETFOCUS, WM_KILLFOCUS};
+    const auto expect_active = [](HWND expected) {
+        EXPECT_EQ(GetActiveWindow(), expected);
+        EXPECT_EQ(GetForegroundWindow(), expected);
+        EXPECT_EQ(GetFocus(), expected);
+    };
+    TestWindow first, second;
+    first.Show();
+    expect_active(first);
+    first.Forget();
+    second.Show();
+    expect_active(second);
+    EXPECT_EQ(first.Order(interesting), (Numbers{WM_ACTIVATE, WM_KILLFOCUS}));
+    EXPECT_EQ(first.seen()[0].wParam, WA_INACTIVE);
+    EXPECT_EQ(second.Order(interesting), (Numbers{WM_ACTIVATE, WM_SETFOCUS}));
+    ShowWindow(second, SW_HIDE);
+    expect_active(first);
+    ShowWindow(second, SW_SHOWNA);
+    expect_active(first);
+    EXPECT_EQ(SetActiveWindow(second), first.handle());
+    DestroyWindow(second);
+    expect_active(first);
+    EnableWindow(first, FALSE);
+    EXPECT_EQ(GetFocus(), nullptr);
+    DestroyWindow(first);
+    expect_active(NULL);
+}
+
 PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
     TestWindow own;
     own.Show();
@@ -87,23 +148,47 @@ PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
     EXPECT_EQ(GetActiveWindow(), own.handle());
 }
 
-PLATFORM_TEST(TouchRouting, AThreadThatSleepsHoldsUpItsOwnTouchesOnly) {
-    int pressed = 0;
-    const WindowThread other({.place = {100, 0, 200, 100}},
-                             On(WM_LBUTTONDOWN, [&](HWND, WPARAM) { return ++pressed; }));
-    TestWindow own;
-    own.Show();
-    HandleWaiting();
-    window::TouchScreen(Touch::kDown, 10, 10);
-    for (int x = 11; x < 50; ++x)
-        window::TouchScreen(Touch::kMove, x, 10);
-    window::TouchScreen(Touch::kDown, 110, 10);
-    Sleep(100);
-    EXPECT_EQ(pressed, 1);
-    const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE};
-    EXPECT_EQ(own.Order(all), Numbers());
-    HandleWaiting();
-    EXPECT_EQ(own.Order(all), all) << "moves that nobody fetched are one";
+TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
+    const auto nothing = [](HWND) {};
+    const auto disable = [](HWND upper) { EnableWindow(upper, FALSE); };
+    const auto hide = [](HWND upper) { ShowWindow(upper, SW_HIDE); };
+    const struct {
+        const char* name;
+        int x, y;
+        std::function<void(HWND upper)> prepare;
+        std::string to;
+        int seen_x, seen_y;
+    } cases[] = {
+        {"lower alone", 10, 20, nothing, "lower", 10, 20},
+        {"both", 120, 130, nothing, "upper", 20, 30},
+        {"upper's last pixel", 299, 299, nothing, "upper", 199, 199},
+        {"beside upper", 300, 299, nothing, "", 0, 0},
+        {"upper disabled", 120, 130, disable, "", 0, 0},
+        {"upper hidden", 120, 130, hide, "lower", 120, 130},
+        {"off the screen", -1, 20, nothing, "", 0, 0},
+    };
+    OnPlatformForEach(cases, [](const auto& each) {
+        TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
+            upper(TestWindow::Options{.place = {100, 100, 300, 300}});
+        lower.Show();
+        upper.Show();
+        each.prepare(upper);
+        HandleWaiting();
+        lower.Forget();
+        upper.Forget();
+        for (const Touch touch : {Touch::kDown, Touch::kMove, Touch::kUp})
+            window::TouchScreen(touch, each.x, each.y);
+        HandleWaiting();
+        const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP};
+        EXPECT_EQ(lower.Order(all), each.to == "lower" ? all : Numbers());
+        EXPECT_EQ(upper.Order(all), each.to == "upper" ? all : Numbers());
+        for (const MSG& seen : each.to == "lower" ? lower.seen() : upper.seen())
+            if (seen.message == WM_LBUTTONDOWN) {
+                EXPECT_EQ(seen.lParam, MAKELPARAM(each.seen_x, each.seen_y));
+                EXPECT_EQ(seen.wParam, MK_LBUTTON);
+                EXPECT_EQ(GetForegroundWindow(), seen.hwnd);
+            }
+    });
 }
 
 }  // namespace
