@@ -106,5 +106,22 @@ TEST_F(Runtime, ALivingClaimIsNotTakenAndADeadOneIsFreeAtOnce) {
     }
 }
 
+TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
+    for (const char* session : {"", "relative", "/no/such/folder", "/dev/null"}) {
+        setenv("XDG_RUNTIME_DIR", session, 1);
+        const auto folder = RuntimeFolder::Open(problem_);
+        ASSERT_TRUE(folder) << problem_;
+        EXPECT_EQ(folder->path(), "/tmp/tolvane-" + std::to_string(geteuid()));
+    }
+}
+
+TEST(SocketName, AllowsWordsAndNoPaths) {
+    for (const char* name : {"unit", "Bench-2_b", "0123456789abcdef0123456789abcdef"})
+        EXPECT_TRUE(IsSocketName(name)) << name;
+    for (const char* name : {"", ".", "..", "a/b", "a b", "a.b", "\xC3\xA4", "a\n",
+                             "0123456789abcdef0123456789abcdef0"})
+        EXPECT_FALSE(IsSocketName(name)) << name;
+}
+
 }  // namespace
 }  // namespace control

@@ -99,15 +99,21 @@ TEST_P(MessageQueues, TellAnEndThatItIsAloneUnlessItMayBe) {
             const bool told = flags == 0;
             Queue queue(3, flags);
             queue.Write("last words");
+            const HANDLE heard = CreateEventW(nullptr, FALSE, FALSE, nullptr);
             tests::Crew crew;
             crew.Start([&] {
                 Sleep(20);
                 CloseMsgQueue(queue.writer);
+                // The closing itself must tell, not the end of this thread.
+                WaitForSingleObject(heard, INFINITE);
             });
             std::string text;
             EXPECT_EQ(queue.Read(text, INFINITE), 0U);
             EXPECT_EQ(queue.Read(text, told ? INFINITE : 100),
                       told ? ERROR_PIPE_NOT_CONNECTED : ERROR_TIMEOUT);
+            SetEvent(heard);
+            crew.Join();
+            CloseHandle(heard);
             Queue other(3, flags);
             CloseMsgQueue(other.reader);
             EXPECT_EQ(other.Write("to nobody"), told ? ERROR_PIPE_NOT_CONNECTED : 0U);

@@ -169,5 +169,22 @@ TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
     EXPECT_EQ(observed, L"_All_APP_PowerStatusChange_12");
 }
 
+PLATFORM_TEST(Creation, TellsTheWindowOfItsBirthShowingAndEnd) {
+    TestWindow target;
+    const Numbers birth{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE};
+    const Numbers showing{WM_SHOWWINDOW, WM_WINDOWPOSCHANGED, WM_ACTIVATE, WM_SETFOCUS,
+                          WM_WINDOWPOSCHANGED};
+    const Numbers end{WM_CLOSE, WM_ACTIVATE, WM_KILLFOCUS, WM_DESTROY, WM_NCDESTROY};
+    EXPECT_EQ(target.Order(birth), birth);
+    EXPECT_EQ(target.Count(WM_SHOWWINDOW), 0U);
+    target.Forget();
+    EXPECT_FALSE(ShowWindow(target, SW_SHOW));
+    EXPECT_TRUE(ShowWindow(target, SW_SHOW));
+    EXPECT_EQ(target.Order(showing), showing);
+    target.Forget();
+    SendMessageW(target, WM_CLOSE, 0, 0);
+    EXPECT_EQ(target.Order(end), end);
+}
+
 }  // namespace
 }  // namespace tests
