@@ -25,6 +25,9 @@ TEST_F(VideoSceneTest, LivesThirtyFramesASecondAndIsAlikeAtTheSameTime) {
     unit::VideoScene other;
     other.At(3h);
     EXPECT_EQ(first, other.At(20s));
+    // Whatever is on its way out of the picture, at the last pixel too.
+    for (std::chrono::milliseconds time = 20s; time < 300s; time += 17ms)
+        EXPECT_EQ(scene.At(time).width, 720);
 }
 
 // Where the date stands, the pictures of two seconds differ in its digits.

@@ -66,8 +66,6 @@ TEST(Failures, AreToldAndPassedOver) {
         {"RequestPowerNotifications",
          "OnCreate, g_pCPowerDetector->Init() fail!!!, ErrorCode(1234), MainFrm.cpp(#)"},
         {"CreateSolidBrush", "OnPaint, DeleteObject() fail!!!, ErrorCode(6), MainFrmPaint.cpp(#)"},
-        {"CreateCompatibleDC", "~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"},
-        {"CreateCompatibleBitmap", "~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.call);

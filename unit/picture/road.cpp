@@ -25,9 +25,10 @@ void Fill(Picture& picture, double left, double top, double right, double bottom
     };
     const int from = within(left, picture.width);
     const int to = within(right, picture.width);
-    for (int y = within(top, picture.height); y < within(bottom, picture.height); ++y)
-        std::fill(&picture.pixels[picture.Offset(from, y)],
-                  &picture.pixels[picture.Offset(0, y)] + to, color);
+    for (int y = within(top, picture.height); y < within(bottom, picture.height); ++y) {
+        std::uint32_t* const row = &picture.pixels[picture.Offset(0, y)];
+        std::fill(row + from, row + to, color);
+    }
 }
 
 // One row of the road: grass, verge lines, tarmac and the middle line, filled span by span.
