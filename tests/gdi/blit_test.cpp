@@ -194,4 +194,16 @@ TEST_F(Blits, TheSameTextDrawnTwiceStandsOnce) {
     EXPECT_EQ(canvas.Texts(), (Strings{L"国", L"国"}));
 }
 
+TEST_F(Blits, TheWindowIsToldWithoutALockHeld) {
+    std::size_t seen = 0;
+    auto surface = std::make_shared<Surface>(10, 10);
+    const HDC dc = platform::gdi::CreateWindowDC(surface, {0, 0, 10, 10}, [&] {
+        const auto lock = platform::gdi::LockGdi();
+        ++seen;
+    });
+    PatBlt(dc, 0, 0, 10, 10, WHITENESS);
+    EXPECT_EQ(seen, 1u);
+    EXPECT_TRUE(platform::gdi::DestroyWindowDC(dc));
+}
+
 }  // namespace

@@ -135,4 +135,17 @@ TEST(Fonts, AMissingFontFileIsNamedWithItsPackage) {
     gdi::Shutdown();
 }
 
+TEST_F(Objects, StockObjectsOutliveTheirDeletion) {
+    for (const int index : {WHITE_BRUSH, BLACK_BRUSH, NULL_BRUSH, SYSTEM_FONT}) {
+        const HGDIOBJ object = GetStockObject(index);
+        EXPECT_TRUE(DeleteObject(object));
+        EXPECT_EQ(GetStockObject(index), object);
+        EXPECT_NE(GetObjectType(object), 0u);
+    }
+    EXPECT_REFUSED(GetStockObject(DEFAULT_PALETTE), HGDIOBJ{}, ERROR_NOT_SUPPORTED);
+    EXPECT_TRUE(DeleteObject(GetSysColorBrush(COLOR_WINDOW)));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), RGB(255, 255, 255));
+    EXPECT_EQ(GetSysColorBrush(1000), nullptr);
+}
+
 }  // namespace

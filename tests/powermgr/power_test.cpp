@@ -96,4 +96,19 @@ TEST_P(PowerNotifications, NeedQueueAndFlagsAndLeftOpenAreClosedAtShutdown) {
 
 INSTANTIATE_IN_EVERY_MODE(PowerNotifications);
 
+TEST(PowerRequests, GoToTheBoard) {
+    Platform platform;
+    platform.Run([&] {
+        EXPECT_EQ(SetSystemPowerState(nullptr, POWER_STATE_SUSPEND, POWER_FORCE), ERROR_SUCCESS);
+        DWORD returned = 77;
+        EXPECT_TRUE(KernelIoControl(0x01012345, nullptr, 0, nullptr, 0, &returned));
+        EXPECT_EQ(returned, 0U);
+        platform.board.hal_answer = ERROR_NOT_SUPPORTED;
+        EXPECT_FALSE(KernelIoControl(0x01016789, nullptr, 0, nullptr, 0, nullptr));
+        EXPECT_EQ(GetLastError(), ERROR_NOT_SUPPORTED);
+    });
+    EXPECT_EQ(platform.board.power_states, std::vector<DWORD>{POWER_STATE_SUSPEND});
+    EXPECT_EQ(platform.board.hal_codes, (std::vector<DWORD>{0x01012345, 0x01016789}));
+}
+
 }  // namespace
