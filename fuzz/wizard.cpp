@@ -1,12 +1,14 @@
 // The whole wizard behind the frame parser, in simulated time: the bytes of an input are events at
 // its edges (bytes of the line, taps, messages, time), and the wizard must do what its model does.
-// A difference is told with the events as text, which tools/model-check --replay takes.
+// A difference is told with the events that lead to it.
 #include <gtest/gtest.h>
 
 #include <iterator>
 
 #include "fuzz/input.h"
 #include "fuzz/promise.h"
+#include "tests/model/event.h"
+#include "tests/model/link_model.h"
 #include "tests/model/lockstep/campaign.h"
 #include "tests/model/wizard_tables.h"
 
@@ -43,11 +45,12 @@ void Touch(fuzz::Input& input, Event& event) {
 }
 
 void Fill(fuzz::Input& input, Event& event) {
-    constexpr unsigned kCommands[] = {kNextId, kUpdateId, kSuspendId, kOkId, 0, 4711};
-    constexpr unsigned kTimers[] = {257, 258, 259, 260, 261, 1, 999};
+    constexpr unsigned kMessages[] = {kCommandMessage, kTimerMessage, kMenuMessage};
+    constexpr unsigned kParameters[] = {kNextId, kUpdateId, kSuspendId, kOkId, 0,      4711,
+                                        257,     258,       259,        260,   0xE100, 261};
     constexpr unsigned kLines[] = {0, 1, 255, 2, 0x101, 0x80000000, 256};
     constexpr unsigned kErrors[] = {0, 2, 5, 31, 55};
-    constexpr unsigned kMenus[] = {0xE100, 1, 4711};
+    constexpr unsigned kToNotice[] = {kCommandMessage, kTimerMessage, kCloseMessage};
     switch (event.kind) {
         case Kind::kRunning:
             event.bytes = Frame(0x80, 0x0010, Bytes{input.Byte()});
@@ -77,12 +80,13 @@ void Fill(fuzz::Input& input, Event& event) {
         case Kind::kRelease:
             Touch(input, event);
             break;
-        case Kind::kCommand:
-        case Kind::kNoticeCommand:
-            event.a = OneOf(kCommands, input.Byte());
+        case Kind::kPost:
+            event.a = OneOf(kMessages, input.Byte());
+            event.b = OneOf(kParameters, input.Byte());
             break;
-        case Kind::kTimer:
-            event.a = OneOf(kTimers, input.Byte());
+        case Kind::kNotice:
+            event.a = OneOf(kToNotice, input.Byte());
+            event.b = event.a == kTimerMessage ? 1 : OneOf(kParameters, input.Byte());
             break;
         case Kind::kPower:
         case Kind::kSupply:
@@ -96,11 +100,8 @@ void Fill(fuzz::Input& input, Event& event) {
             event.a = input.Byte() % 5;
             event.b = OneOf(kErrors, input.Byte());
             break;
-        case Kind::kMenu:
-            event.a = OneOf(kMenus, input.Byte());
-            break;
         case Kind::kClose:
-            event.a = input.Byte() % 3;
+            event.a = kCloseMessage;
             break;
         default:
             break;

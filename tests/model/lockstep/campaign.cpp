@@ -13,20 +13,6 @@ constexpr std::size_t kEventsASequence = 300;
 // Of a shortened sequence: each costs a start of the program.
 constexpr int kMostReplays = 2000;
 
-// Runs the sequence, or as much as leads to the first difference, which is returned.
-std::string Replay(const Sequence& sequence) {
-    Lockstep lockstep(sequence.world, sequence.start_milliseconds);
-    std::string difference;
-    for (const Event& event : sequence.events) {
-        if (lockstep.model().closed() || !difference.empty())
-            break;
-        difference = lockstep.Apply(event);
-    }
-    if (difference.empty() && !lockstep.model().closed())
-        difference = lockstep.Apply({100, Kind::kClose, kCloseMessage});
-    return difference.empty() ? lockstep.End() : difference;
-}
-
 // Drops what is not needed for a difference to stay, in ever smaller pieces.
 void Shorten(Sequence& sequence) {
     int replays = 0;
@@ -60,6 +46,19 @@ std::string RunRandom(Sequence& sequence, Generator& generator, std::size_t coun
 }
 
 }  // namespace
+
+std::string Replay(const Sequence& sequence) {
+    Lockstep lockstep(sequence.world, sequence.start_milliseconds);
+    std::string difference;
+    for (const Event& event : sequence.events) {
+        if (lockstep.model().closed() || !difference.empty())
+            break;
+        difference = lockstep.Apply(event);
+    }
+    if (difference.empty() && !lockstep.model().closed())
+        difference = lockstep.Apply({100, Kind::kClose, kCloseMessage});
+    return difference.empty() ? lockstep.End() : difference;
+}
 
 Outcome RunCampaign(std::uint64_t events, std::uint64_t seed) {
     // What the program prints when it starts, thousands of times, is not for the reader of a test.

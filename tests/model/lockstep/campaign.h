@@ -3,7 +3,13 @@
 #include <cstdint>
 #include <string>
 
+#include "tests/model/event.h"
+
 namespace tests::model {
+
+// Runs the sequence, or as much as leads to the first difference, which is returned; empty when
+// there is none.
+std::string Replay(const Sequence& sequence);
 
 struct Outcome {
     std::uint64_t events = 0;
