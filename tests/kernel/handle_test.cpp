@@ -21,7 +21,7 @@ HANDLE MakeQueue(LPCWSTR name) {
     return CreateMsgQueue(name, &options);
 }
 
-struct Call {
+struct HandleCall {
     const char* name;
     bool (*succeeds)(HANDLE);
     bool accepts_event;
@@ -30,7 +30,7 @@ struct Call {
 BYTE g_buffer[64];
 DWORD g_count = 0;
 
-const Call kCalls[] = {
+const HandleCall kCalls[] = {
     {"CloseHandle", [](HANDLE handle) { return CloseHandle(handle) != 0; }, true},
     {"CloseMsgQueue", [](HANDLE handle) { return CloseMsgQueue(handle) != 0; }, false},
     {"SetEvent", [](HANDLE handle) { return SetEvent(handle) != 0; }, true},
@@ -48,7 +48,7 @@ TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
         EXPECT_TRUE(CloseHandle(stale));
         const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
         const HANDLE reader = MakeQueue(nullptr);
-        for (const Call& call : kCalls) {
+        for (const HandleCall& call : kCalls) {
             std::vector<HANDLE> wrong = {nullptr, INVALID_HANDLE_VALUE, stale,
                                          reinterpret_cast<HANDLE>(ULONG_PTR{0x123456789ABCDEF4})};
             if (!call.accepts_event)
