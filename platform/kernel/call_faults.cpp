@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::size_t kAnyCall = kFailableCallCount;
 
-// Fails the calls from the first to the last of these numbers.
 constexpr std::size_t kMostRules = 1000;
 
+// Fails the calls from the first to the last of these numbers.
 struct Rule {
     std::size_t row;  // or kAnyCall
     std::uint64_t first;

@@ -4,6 +4,23 @@
 using namespace platform;
 using namespace platform::window;
 
+namespace {
+
+// By the window's place on the screen, `times` so far; false with the last error set.
+bool MoveByOrigin(HWND handle, LPPOINT point, int times) {
+    RECT rectangle{};
+    if (!point) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
+    if (!GetWindowRect(handle, &rectangle))
+        return false;
+    *point = {point->x + times * rectangle.left, point->y + times * rectangle.top};
+    return true;
+}
+
+}  // namespace
+
 BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
     const kernel::ApiCall call("GetWindowRect");
     if (call.Fails())
@@ -32,32 +49,12 @@ BOOL GetClientRect(HWND handle, LPRECT rectangle) {
 
 BOOL ScreenToClient(HWND handle, LPPOINT point) {
     const kernel::ApiCall call("ScreenToClient");
-    if (call.Fails())
-        return FALSE;
-    RECT rectangle{};
-    if (!point) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    if (!GetWindowRect(handle, &rectangle))
-        return FALSE;
-    *point = {point->x - rectangle.left, point->y - rectangle.top};
-    return TRUE;
+    return !call.Fails() && MoveByOrigin(handle, point, -1);
 }
 
 BOOL ClientToScreen(HWND handle, LPPOINT point) {
     const kernel::ApiCall call("ClientToScreen");
-    if (call.Fails())
-        return FALSE;
-    RECT rectangle{};
-    if (!point) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    if (!GetWindowRect(handle, &rectangle))
-        return FALSE;
-    *point = {point->x + rectangle.left, point->y + rectangle.top};
-    return TRUE;
+    return !call.Fails() && MoveByOrigin(handle, point, 1);
 }
 
 HWND GetWindow(HWND handle, UINT relation) {
