@@ -60,18 +60,16 @@ bool SameLetters(std::string_view a, std::string_view b) {
 
 std::string_view CommandName(std::uint16_t code) {
     const unsigned number = code & ~unsigned{kQueryBit};
-    if (number < kFirstCommand || number > kLastCommand) {
+    if (number < kFirstCommand || number > kLastCommand)
         return {};
-    }
     return NameOf(static_cast<Command>(number));
 }
 
 std::optional<Command> CommandNamed(std::string_view name) {
     const auto* found =
         std::ranges::find_if(kNames, [&](std::string_view row) { return SameLetters(row, name); });
-    if (found == std::end(kNames)) {
+    if (found == std::end(kNames))
         return std::nullopt;
-    }
     return static_cast<Command>(kFirstCommand + (found - std::begin(kNames)));
 }
 

@@ -17,9 +17,8 @@ Dvr::Dvr(Host& host, Options options)
       actions_(host) {}
 
 void Dvr::PowerOn() {
-    if (state_ == State::kOff) {
+    if (state_ == State::kOff)
         Boot();
-    }
 }
 
 void Dvr::PowerOff() {
@@ -28,15 +27,13 @@ void Dvr::PowerOff() {
 }
 
 void Dvr::Reset() {
-    if (state_ != State::kOff) {
+    if (state_ != State::kOff)
         Boot();
-    }
 }
 
 void Dvr::RebootItself() {
-    if (processor_up_) {
+    if (processor_up_)
         Reboot();
-    }
 }
 
 void Dvr::SetFirmwareVersion(const std::string& version) {
@@ -47,9 +44,8 @@ void Dvr::SetFirmwareVersion(const std::string& version) {
 void Dvr::SetFaults(const Faults& faults) {
     const bool other_interval = faults.card_report_interval != faults_.card_report_interval;
     faults_ = faults;
-    if (other_interval && settled_card_) {
+    if (other_interval && settled_card_)
         PlanCardRepeat();
-    }
 }
 
 void Dvr::Halt() {
@@ -91,9 +87,8 @@ void Dvr::LookForImage() {
 void Dvr::BringCardUp() {
     settled_card_ = card_.Status();
     RepeatCardReport();
-    if (state_ == State::kBooting) {
+    if (state_ == State::kBooting)
         Later(timings_.init_ok, &Dvr::EnterInitOk);
-    }
 }
 
 void Dvr::EnterInitOk() {
@@ -108,22 +103,19 @@ void Dvr::EnterNormal() {
 }
 
 bool Dvr::InsertCard(std::filesystem::path folder) {
-    if (card_.In()) {
+    if (card_.In())
         return false;
-    }
     card_.Insert(std::move(folder));
     NoteCardMoved();
     return true;
 }
 
 bool Dvr::RemoveCard() {
-    if (!card_.In()) {
+    if (!card_.In())
         return false;
-    }
     card_.Remove();
-    if (state_ == State::kUpdating) {
+    if (state_ == State::kUpdating)
         state_ = State::kUpdateFailed;
-    }
     NoteCardMoved();
     return true;
 }
@@ -134,9 +126,8 @@ void Dvr::NoteCardMoved() {
 }
 
 void Dvr::SettleCard() {
-    if (!settled_card_ || *settled_card_ == card_.Status()) {
+    if (!settled_card_ || *settled_card_ == card_.Status())
         return;
-    }
     settled_card_ = card_.Status();
     SendCardIndication(*settled_card_);
 }
@@ -148,17 +139,15 @@ void Dvr::RepeatCardReport() {
 
 void Dvr::PlanCardRepeat() {
     actions_.Cancel(card_repeat_key_);
-    if (const auto interval = faults_.card_report_interval) {
+    if (const auto interval = faults_.card_report_interval)
         card_repeat_key_ = After(std::max(*interval, microseconds(1)), &Dvr::RepeatCardReport);
-    }
 }
 
 void Dvr::ReportCard(CardStatus status) {
     if (status > CardStatus::kPlugIn) {
         card_.SetCondition(status);
-        if (settled_card_ && card_.In()) {
+        if (settled_card_ && card_.In())
             settled_card_ = status;
-        }
     }
     SendCardIndication(status);
 }
@@ -171,9 +160,8 @@ bool Dvr::Recording() const {
 void Dvr::TickRecording() {
     After(Pick(timings_.record_tick), &Dvr::TickRecording);
     const bool stopped = recorded_seconds_ > 0 && !Recording();
-    if (!Recording() && !stopped) {
+    if (!Recording() && !stopped)
         return;
-    }
     recorded_seconds_ = stopped ? 0 : recorded_seconds_ + 1;
     SendIndication(Command::kVideoRecord, RecordPayload());
 }
@@ -185,17 +173,15 @@ void Dvr::SetRunningState(RunningState state) {
 }
 
 void Dvr::SendCardIndication(CardStatus status) {
-    if (faults_.silent_card) {
+    if (faults_.silent_card)
         return;
-    }
     const std::uint8_t payload[] = {static_cast<std::uint8_t>(status), 0, CardPercent(status)};
     SendIndication(Command::kStorageCardStatus, payload);
 }
 
 void Dvr::Indicate(std::uint16_t code, std::span<const std::uint8_t> payload) {
-    for (unsigned copy = 0; copy < faults_.indication_copies; ++copy) {
+    for (unsigned copy = 0; copy < faults_.indication_copies; ++copy)
         Transmit(FrameType::kIndication, code, payload);
-    }
 }
 
 void Dvr::SendIndication(Command command, std::span<const std::uint8_t> payload) {
@@ -204,9 +190,8 @@ void Dvr::SendIndication(Command command, std::span<const std::uint8_t> payload)
 
 void Dvr::Transmit(FrameType type, std::uint16_t code, std::span<const std::uint8_t> payload) {
     const std::vector<std::uint8_t> bytes = EncodeFrame(type, code, payload);
-    if (processor_up_ && !faults_.silent) {
+    if (processor_up_ && !faults_.silent)
         host_.Transmit(bytes);
-    }
 }
 
 microseconds Dvr::Pick(const DelayRange& range) {

@@ -41,15 +41,13 @@ std::string ClockText(microseconds since_start) {
 }  // namespace
 
 void Dvr::Receive(std::span<const std::uint8_t> bytes) {
-    if (!processor_up_) {
+    if (!processor_up_)
         return;
-    }
     const std::size_t damaged_before = decoder_.DamagedFrames();
     for (const std::uint8_t byte : bytes) {
         decoder_.Take(byte);
-        while (const auto frame = decoder_.Next()) {
+        while (const auto frame = decoder_.Next())
             Accept(*frame);
-        }
     }
     damaged_frames_ += decoder_.DamagedFrames() - damaged_before;
 }
@@ -72,9 +70,8 @@ void Dvr::Accept(const Frame& frame) {
 void Dvr::Answer(const Frame& frame) {
     const auto command = static_cast<Command>(frame.code & ~unsigned{kQueryBit});
     if ((frame.code & kQueryBit) != 0) {
-        if (const auto payload = AnswerToQuery(command)) {
+        if (const auto payload = AnswerToQuery(command))
             Transmit(FrameType::kAcknowledgement, frame.code, *payload);
-        }
         return;
     }
     const std::uint8_t accepted[] = {0};
@@ -93,14 +90,12 @@ std::optional<std::vector<std::uint8_t>> Dvr::AnswerToQuery(Command command) con
         case Command::kVideoRecord:
             return RecordPayload();
         case Command::kStorageCardStatus:
-            if (!settled_card_ || faults_.silent_card) {
+            if (!settled_card_ || faults_.silent_card)
                 return std::nullopt;
-            }
             return {{static_cast<std::uint8_t>(*settled_card_), CardPercent(*settled_card_)}};
         case Command::kFirmwareUpgradeVersion:
-            if (faults_.silent_version) {
+            if (faults_.silent_version)
                 return std::nullopt;
-            }
             return Bytes(std::string_view(faults_.version_answer.value_or(running_version_))
                              .substr(0, kMostPayloadBytes));
         default:
@@ -113,16 +108,14 @@ void Dvr::FollowOrder(Command command, std::span<const std::uint8_t> payload) {
         Later(timings_.reboot_report, &Dvr::Reboot);
         return;
     }
-    if (payload.empty()) {
+    if (payload.empty())
         return;
-    }
     if (command == Command::kMode && payload[0] <= static_cast<std::uint8_t>(Mode::kPlay)) {
         mode_ = static_cast<Mode>(payload[0]);
         SendIndication(Command::kMode, payload.first(1));
     }
-    if (command == Command::kVideoRecord) {
+    if (command == Command::kVideoRecord)
         record_wanted_ = payload[0] == 1 || payload[0] == '1';
-    }
 }
 
 void Dvr::Reboot() {

@@ -20,14 +20,12 @@ void Dvr::BeginReports() {
 }
 
 void Dvr::ReportNextPercent() {
-    if (state_ != State::kUpdating || MeetsFaultAtPercent()) {
+    if (state_ != State::kUpdating || MeetsFaultAtPercent())
         return;
-    }
     percent_ = NextPercent();
     SendPercent();
-    if (MeetsFaultAtPercent()) {
+    if (MeetsFaultAtPercent())
         return;
-    }
     if (percent_ == 100 && !faults_.stuck_at_percent) {
         // The last percent, ever: a second 100 would start the unit's notice anew.
         state_ = State::kUpdateFinished;
@@ -40,9 +38,8 @@ void Dvr::ReportNextPercent() {
 }
 
 bool Dvr::MeetsFaultAtPercent() {
-    if (PercentReached(faults_.stop_at_percent)) {
+    if (PercentReached(faults_.stop_at_percent))
         return true;
-    }
     if (PercentReached(faults_.fail_at_percent)) {
         state_ = State::kUpdateFailed;
         return true;
@@ -59,9 +56,8 @@ bool Dvr::PercentReached(const std::optional<std::uint8_t>& percent) const {
 }
 
 std::uint8_t Dvr::NextPercent() {
-    if (PercentReached(faults_.stuck_at_percent)) {
+    if (PercentReached(faults_.stuck_at_percent))
         return percent_;
-    }
     if (!jumped_back_ && faults_.jump_back && percent_ >= faults_.jump_back->from) {
         jumped_back_ = true;
         return faults_.jump_back->to;

@@ -30,9 +30,8 @@ std::uint16_t BigEndianAt(std::span<const std::uint8_t> bytes, std::size_t offse
 
 std::vector<std::uint8_t> EncodeFrame(FrameType type, std::uint16_t code,
                                       std::span<const std::uint8_t> payload) {
-    if (payload.size() > kMostPayloadBytes) {
+    if (payload.size() > kMostPayloadBytes)
         throw std::length_error("payload too long for a frame");
-    }
     std::vector<std::uint8_t> bytes;
     bytes.reserve(kHeaderBytes + payload.size() + kChecksumBytes);
     bytes.push_back(kSync1);
@@ -68,9 +67,8 @@ void FrameDecoder::Take(std::uint8_t byte) {
 }
 
 std::optional<Frame> FrameDecoder::Next() {
-    if (finished_.empty()) {
+    if (finished_.empty())
         return std::nullopt;
-    }
     Frame frame = std::move(finished_.front());
     finished_.pop_front();
     return frame;
@@ -80,25 +78,21 @@ void FrameDecoder::DropToNextSync(std::size_t at_least) {
     auto start = pending_.begin() + at_least;
     while (start != pending_.end()) {
         start = std::find(start, pending_.end(), kSync1);
-        if (start == pending_.end() || start + 1 == pending_.end() || *(start + 1) == kSync2) {
+        if (start == pending_.end() || start + 1 == pending_.end() || *(start + 1) == kSync2)
             break;
-        }
         ++start;
     }
     pending_.erase(pending_.begin(), start);
 }
 
 FrameDecoder::Verdict FrameDecoder::Judge() const {
-    if (pending_.size() < kHeaderBytes) {
+    if (pending_.size() < kHeaderBytes)
         return Verdict::kNeedMore;
-    }
-    if (BigEndianAt(pending_, 5) > kMostPayloadBytes) {
+    if (BigEndianAt(pending_, 5) > kMostPayloadBytes)
         return Verdict::kDamaged;
-    }
     const std::size_t length = FrameLength();
-    if (pending_.size() < length) {
+    if (pending_.size() < length)
         return Verdict::kNeedMore;
-    }
     const std::size_t summed = length - kChecksumBytes;
     const bool matches = Sum(std::span(pending_).first(summed)) == BigEndianAt(pending_, summed);
     return matches ? Verdict::kGood : Verdict::kDamaged;

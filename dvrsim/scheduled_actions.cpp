@@ -16,17 +16,15 @@ std::uint64_t ScheduledActions::After(std::chrono::microseconds delay,
 
 void ScheduledActions::Cancel(std::uint64_t key) {
     const auto found = host_ids_.find(key);
-    if (found == host_ids_.end()) {
+    if (found == host_ids_.end())
         return;
-    }
     host_.Cancel(found->second);
     host_ids_.erase(found);
 }
 
 void ScheduledActions::CancelAll() {
-    for (const auto& [key, host_id] : host_ids_) {
+    for (const auto& [key, host_id] : host_ids_)
         host_.Cancel(host_id);
-    }
     host_ids_.clear();
 }
 

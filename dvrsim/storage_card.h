@@ -22,9 +22,8 @@ class StorageCard {
     }
     // What is the matter with the card that is in; lasts until it is taken out.
     void SetCondition(CardStatus condition) {
-        if (folder_) {
+        if (folder_)
             status_ = condition;
-        }
     }
 
     bool In() const { return folder_.has_value(); }
@@ -34,9 +33,8 @@ class StorageCard {
 
     // The version of the update image on the card, when there is one that can be read.
     std::optional<std::string> ImageVersion() const {
-        if (!folder_ || status_ == CardStatus::kBroken || status_ == CardStatus::kFormatting) {
+        if (!folder_ || status_ == CardStatus::kBroken || status_ == CardStatus::kFormatting)
             return std::nullopt;
-        }
         return ReadImageVersion(*folder_);
     }
 

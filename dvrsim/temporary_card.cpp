@@ -22,9 +22,8 @@ TemporaryCard::TemporaryCard(const std::optional<std::string>& image_version) {
 
 TemporaryCard::~TemporaryCard() {
     std::error_code ignored;
-    if (!path_.empty()) {
+    if (!path_.empty())
         std::filesystem::remove_all(path_, ignored);
-    }
 }
 
 }  // namespace dvrsim

@@ -21,41 +21,35 @@ bool IsVersion(std::string_view text) {
 std::optional<std::string> ReadVersion(const std::filesystem::path& file) {
     std::error_code error;
     // Opening a pipe would wait for its writer.
-    if (!std::filesystem::is_regular_file(file, error)) {
+    if (!std::filesystem::is_regular_file(file, error))
         return std::nullopt;
-    }
     std::string head(kMagic.size() + kMostVersion + 1, '\0');
     std::ifstream stream(file, std::ios::binary);
     stream.read(head.data(), static_cast<std::streamsize>(head.size()));
     head.resize(static_cast<std::size_t>(stream.gcount()));
 
     const std::size_t line_end = head.find('\n');
-    if (line_end == std::string::npos || !head.starts_with(kMagic)) {
+    if (line_end == std::string::npos || !head.starts_with(kMagic))
         return std::nullopt;
-    }
     std::string version = head.substr(kMagic.size(), line_end - kMagic.size());
-    if (!IsVersion(version)) {
+    if (!IsVersion(version))
         return std::nullopt;
-    }
     return version;
 }
 
 }  // namespace
 
 std::optional<std::string> ReadImageVersion(const std::filesystem::path& folder) {
-    for (const std::string_view name : kImageNames) {
-        if (auto version = ReadVersion(folder / name)) {
+    for (const std::string_view name : kImageNames)
+        if (auto version = ReadVersion(folder / name))
             return version;
-        }
-    }
     return std::nullopt;
 }
 
 bool WriteImage(const std::filesystem::path& folder, std::string_view version,
                 std::string_view name) {
-    if (!IsVersion(version)) {
+    if (!IsVersion(version))
         return false;
-    }
     std::ofstream stream(folder / name, std::ios::binary | std::ios::trunc);
     stream << kMagic << version << '\n' << std::string(kFirmwareBytes, '\xFF');
     stream.close();

@@ -49,11 +49,9 @@ constexpr std::string_view NameOf(Value value) {
 template <class Value>
 constexpr std::optional<Value> ValueNamed(std::string_view name) {
     const auto names = NamesOf(Value{});
-    for (std::size_t index = 0; index < names.size(); ++index) {
-        if (names[index] == name) {
+    for (std::size_t index = 0; index < names.size(); ++index)
+        if (names[index] == name)
             return static_cast<Value>(index);
-        }
-    }
     return std::nullopt;
 }
 

@@ -20,9 +20,8 @@ Outcome Power(Dvr& dvr, const Values& values) {
 }
 
 Outcome Reboot(Dvr& dvr, const Values&) {
-    if (dvr.GetState() == Dvr::State::kOff) {
+    if (dvr.GetState() == Dvr::State::kOff)
         return Refused("the DVR is off; power it on");
-    }
     dvr.RebootItself();
     return Done();
 }
@@ -48,11 +47,9 @@ Outcome UpdateTime(Dvr& dvr, const Values& values) {
 }
 
 Outcome ReportCard(Dvr& dvr, const Values& values) {
-    for (const std::string_view name : kCardStatusNames) {
-        if (values.Chose(name)) {
+    for (const std::string_view name : kCardStatusNames)
+        if (values.Chose(name))
             dvr.ReportCard(*ValueNamed<CardStatus>(name));
-        }
-    }
     return Done();
 }
 
@@ -68,19 +65,15 @@ Outcome IndicateName(Dvr& dvr, const Values& values) {
 }
 
 std::string CheckIndication(const Values& values) {
-    if (values.Bytes("BYTES").size() > kMostPayloadBytes) {
+    if (values.Bytes("BYTES").size() > kMostPayloadBytes)
         return "the payload is too long for a frame; at most 64 bytes are allowed";
-    }
-    if (values.Has("CODE") && (values.Number("CODE") < 0 || values.Number("CODE") > kMostCode)) {
+    if (values.Has("CODE") && (values.Number("CODE") < 0 || values.Number("CODE") > kMostCode))
         return "'" + values.Text("CODE") + "' is no code; allowed is 0 to 0xFFFF";
-    }
-    if (!values.Has("NAME") || CommandNamed(values.Text("NAME"))) {
+    if (!values.Has("NAME") || CommandNamed(values.Text("NAME")))
         return {};
-    }
     std::string names;
-    for (std::uint16_t code = kFirstCommand; code <= kLastCommand; ++code) {
+    for (std::uint16_t code = kFirstCommand; code <= kLastCommand; ++code)
         names += (names.empty() ? "" : ", ") + std::string(CommandName(code));
-    }
     return "'" + values.Text("NAME") + "' is no code and no command's name; allowed is one of " +
            names;
 }

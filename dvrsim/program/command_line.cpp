@@ -99,9 +99,8 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     }
     line.process.power_on = !off;
-    if (*send_option) {
+    if (*send_option)
         line.send = send;
-    }
     return line;
 }
 

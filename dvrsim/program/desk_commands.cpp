@@ -19,9 +19,8 @@ using control::Values;
 
 Outcome Insert(Desk& desk, const std::string& folder) {
     std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) {
+    if (!std::filesystem::is_directory(folder, error))
         return Refused("'" + folder + "' is not a folder");
-    }
     return desk.dvr.InsertCard(std::filesystem::absolute(folder, error))
                ? Done()
                : Refused("a card is in already; take it out first");
@@ -48,9 +47,8 @@ Outcome CardOut(Desk& desk, const Values&) {
 }
 
 Outcome Reset(Desk& desk, const Values&) {
-    if (desk.dvr.GetState() == Dvr::State::kOff) {
+    if (desk.dvr.GetState() == Dvr::State::kOff)
         return Refused("the DVR is off; power it on");
-    }
     desk.dvr.Reset();
     return Done();
 }
@@ -100,9 +98,8 @@ std::vector<DeskTable::Row> OwnWords(std::vector<DeskTable::Row> rows) {
     constexpr std::string_view kWord = "dvr ";
     for (DeskTable::Row& row : rows) {
         std::string& pattern = patterns.emplace_back(row.pattern);
-        if (const std::size_t at = pattern.find(kWord); at != std::string::npos) {
+        if (const std::size_t at = pattern.find(kWord); at != std::string::npos)
             pattern.replace(at, kWord.size(), "[dvr] ");
-        }
         row.pattern = pattern;
     }
     return rows;

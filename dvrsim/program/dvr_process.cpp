@@ -26,9 +26,8 @@ constexpr std::size_t kLongestInput = control::kLongestLine;
 control::Descriptor TakeEndSignals() {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&set, signal);
-    }
     sigprocmask(SIG_BLOCK, &set, nullptr);
     // A reader that leaves, and a terminal that is another job's, are no reason to end.
     std::signal(SIGPIPE, SIG_IGN);
@@ -57,9 +56,8 @@ DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
                },
                [](control::SocketServer::ClientId) {}}),
       signals_(TakeEndSignals()) {
-    if (options.power_on) {
+    if (options.power_on)
         dvr_.PowerOn();
-    }
 }
 
 void DvrProcess::Run() {
@@ -73,44 +71,36 @@ void DvrProcess::Run() {
 void DvrProcess::WaitAndHandle() {
     std::optional<nanoseconds> limit = timers_.UntilNext();
     const auto look_again = line_->LookAgain();
-    if (look_again) {
+    if (look_again)
         limit = std::min(limit.value_or(*look_again), nanoseconds(*look_again));
-    }
     enum { kSignals, kInput, kServer, kLine, kCount };
     std::array<pollfd, kCount> watched{{{signals_.get(), POLLIN, 0},
                                         {input_open_ ? STDIN_FILENO : -1, POLLIN, 0},
                                         {server_.descriptor(), POLLIN, 0},
                                         {line_->descriptor(), POLLIN, 0}}};
     const timespec wait = ToTimespec(limit.value_or(nanoseconds::zero()));
-    if (ppoll(watched.data(), watched.size(), limit ? &wait : nullptr, nullptr) < 0) {
+    if (ppoll(watched.data(), watched.size(), limit ? &wait : nullptr, nullptr) < 0)
         return;
-    }
-    if (watched[kSignals].revents != 0) {
+    if (watched[kSignals].revents != 0)
         desk_.quit = true;
-    }
-    if (watched[kLine].revents != 0 || look_again) {
+    if (watched[kLine].revents != 0 || look_again)
         line_->HandleReady([this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
-    }
-    if (watched[kInput].revents != 0) {
+    if (watched[kInput].revents != 0)
         ReadInput();
-    }
-    if (watched[kServer].revents != 0) {
+    if (watched[kServer].revents != 0)
         server_.HandleReady();
-    }
 }
 
 void DvrProcess::Receive(std::span<const std::uint8_t> bytes) {
-    if (!desk_.plugged) {
+    if (!desk_.plugged)
         return;
-    }
     TellFrames(heard_, '<', bytes);
     dvr_.Receive(bytes);
 }
 
 void DvrProcess::Transmit(std::span<const std::uint8_t> bytes) {
-    if (!desk_.plugged) {
+    if (!desk_.plugged)
         return;
-    }
     TellFrames(said_, '>', bytes);
     line_->Send(bytes);
 }
@@ -118,9 +108,8 @@ void DvrProcess::Transmit(std::span<const std::uint8_t> bytes) {
 void DvrProcess::ReadInput() {
     std::array<char, 4096> buffer;
     const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+    if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return;
-    }
     if (count <= 0) {
         // What is left of the input may lack its end of line.
         input_open_ = false;
@@ -131,17 +120,15 @@ void DvrProcess::ReadInput() {
     for (std::size_t end = 0; (end = input_.find('\n')) != std::string::npos && !desk_.quit;) {
         const std::string line = input_.substr(0, end);
         input_.erase(0, end + 1);
-        if (!std::exchange(passing_over_, false)) {
+        if (!std::exchange(passing_over_, false))
             FollowInput(line);
-        }
     }
     if (input_.size() > kLongestInput && !std::exchange(passing_over_, true)) {
         std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
                      kLongestInput);
     }
-    if (passing_over_) {
+    if (passing_over_)
         input_.clear();
-    }
 }
 
 void DvrProcess::FollowInput(std::string_view line) {
@@ -155,9 +142,8 @@ void DvrProcess::FollowInput(std::string_view line) {
 }
 
 void DvrProcess::TellFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes) {
-    if (!verbose_) {
+    if (!verbose_)
         return;
-    }
     for (const std::uint8_t byte : bytes) {
         decoder.Take(byte);
         while (const auto frame = decoder.Next()) {
@@ -169,9 +155,8 @@ void DvrProcess::TellFrames(FrameDecoder& decoder, char mark, std::span<const st
 }
 
 void DvrProcess::TellState() {
-    if (!verbose_ || dvr_.GetState() == told_state_) {
+    if (!verbose_ || dvr_.GetState() == told_state_)
         return;
-    }
     told_state_ = dvr_.GetState();
     std::printf("%10.3f  the DVR is %s\n", std::chrono::duration<double>(Now()).count(),
                 std::string(NameOf(told_state_)).c_str());

@@ -34,9 +34,8 @@ std::string TextOf(const Frame& frame) {
     std::string text = TypeText(frame.type) + ' ' +
                        (name.empty() ? Hexadecimal("0x%04X", frame.code) : name) +
                        ((frame.code & kQueryBit) != 0 ? " query" : "");
-    for (const std::uint8_t byte : frame.payload) {
+    for (const std::uint8_t byte : frame.payload)
         text += Hexadecimal(" %02X", byte);
-    }
     return text;
 }
 

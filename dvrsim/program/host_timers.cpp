@@ -22,9 +22,8 @@ std::uint64_t HostTimers::After(microseconds delay, std::function<void()> action
 
 void HostTimers::Cancel(std::uint64_t id) {
     const auto found = times_.find(id);
-    if (found == times_.end()) {
+    if (found == times_.end())
         return;
-    }
     due_.erase({found->second, id});
     times_.erase(found);
 }
@@ -40,9 +39,8 @@ void HostTimers::RunDue() {
 }
 
 std::optional<nanoseconds> HostTimers::UntilNext() const {
-    if (due_.empty()) {
+    if (due_.empty())
         return std::nullopt;
-    }
     const microseconds left = std::max(due_.begin()->first.first - Now(), microseconds::zero());
     return duration_cast<nanoseconds>(nanoseconds(left) / speed_);
 }

@@ -64,8 +64,7 @@ int Run(const CommandLine& command_line) {
 int main(int count, char** arguments) {
     int exit_status = 0;
     const auto command_line = ReadCommandLine(count, arguments, exit_status);
-    if (!command_line) {
+    if (!command_line)
         return exit_status;
-    }
     return command_line->send ? Send(command_line->name, *command_line->send) : Run(*command_line);
 }

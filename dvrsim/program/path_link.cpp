@@ -14,9 +14,8 @@ bool PathLink::Make(const std::string& path, const std::string& target, std::str
         problem = path + ": something other than a symlink is there; give --link another path";
         return false;
     }
-    if (fs::is_symlink(status)) {
+    if (fs::is_symlink(status))
         fs::remove(path, error);
-    }
     fs::create_symlink(target, path, error);
     if (error) {
         problem = path + ": cannot make the symlink: " + error.message();
@@ -29,9 +28,8 @@ bool PathLink::Make(const std::string& path, const std::string& target, std::str
 
 PathLink::~PathLink() {
     std::error_code error;
-    if (!path_.empty() && fs::read_symlink(path_, error) == target_) {
+    if (!path_.empty() && fs::read_symlink(path_, error) == target_)
         fs::remove(path_, error);
-    }
 }
 
 }  // namespace dvrsim

@@ -34,20 +34,17 @@ class PseudoTerminal final : public LineEnd {
         pollfd watched{far_end_.get(), POLLIN, 0};
         poll(&watched, 1, 0);
         connected_ = (watched.revents & POLLHUP) == 0;
-        if ((watched.revents & POLLIN) == 0) {
+        if ((watched.revents & POLLIN) == 0)
             return;
-        }
         std::array<std::uint8_t, 4096> buffer;
         const ssize_t count = read(far_end_.get(), buffer.data(), buffer.size());
-        if (count > 0) {
+        if (count > 0)
             receive({buffer.data(), static_cast<std::size_t>(count)});
-        }
     }
 
     void Send(std::span<const std::uint8_t> bytes) override {
-        if (connected_) {
+        if (connected_)
             static_cast<void>(!write(far_end_.get(), bytes.data(), bytes.size()));
-        }
     }
 
     bool Connected() const override { return connected_; }

@@ -14,9 +14,8 @@ constexpr serial::Settings kSettings{.baud = 460800};
 // 0 or the error's number, with one line in `problem`.
 int OpenTty(serial::Tty& tty, const std::string& path, std::string& problem) {
     int error = tty.Open(path, problem);
-    if (error == 0) {
+    if (error == 0)
         error = tty.Apply(kSettings, problem);
-    }
     return error;
 }
 
@@ -47,9 +46,8 @@ class SerialDevice final : public LineEnd {
     }
 
     void Send(std::span<const std::uint8_t> bytes) override {
-        if (tty_.IsOpen()) {
+        if (tty_.IsOpen())
             static_cast<void>(!write(tty_.descriptor(), bytes.data(), bytes.size()));
-        }
     }
 
     bool Connected() const override { return tty_.IsOpen(); }
@@ -78,9 +76,8 @@ class SerialDevice final : public LineEnd {
 std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::Teller tell,
                                     std::string& problem) {
     serial::Tty tty;
-    if (OpenTty(tty, path, problem) != 0) {
+    if (OpenTty(tty, path, problem) != 0)
         return nullptr;
-    }
     return std::make_unique<SerialDevice>(std::move(tty), path, std::move(tell));
 }
 
