@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "platform/gdi/color.h"
@@ -32,6 +34,18 @@ std::uint32_t Blend(std::uint32_t target, std::uint32_t color, std::uint32_t cov
     return mixed;
 }
 
+// The first of some bytes that is not 0, or their end. Most of a line is bare.
+const std::uint8_t* SkipBare(const std::uint8_t* byte, const std::uint8_t* end) {
+    std::uint64_t eight = 0;
+    while (end - byte >= std::ptrdiff_t{sizeof eight}) {
+        std::memcpy(&eight, byte, sizeof eight);
+        if (eight != 0)
+            break;
+        byte += sizeof eight;
+    }
+    return std::find_if(byte, end, [](std::uint8_t coverage) { return coverage != 0; });
+}
+
 // Returns the box of what was drawn.
 RECT BlendInk(Surface& surface, const Ink& ink, int x, int y, const RECT& clip,
               std::uint32_t color) {
@@ -39,12 +53,14 @@ RECT BlendInk(Surface& surface, const Ink& ink, int x, int y, const RECT& clip,
     const RECT visible = Intersect(box, clip);
     const RECT kept = Intersect(visible, surface.kept());
     for (int row_y = kept.top; row_y < kept.bottom; ++row_y) {
-        std::uint32_t* row = surface.row(row_y);
-        const std::uint8_t* coverage =
+        const std::uint8_t* const row =
             ink.coverage.data() + std::size_t(row_y - box.top) * std::size_t(Width(box));
-        for (int row_x = visible.left; row_x < visible.right; ++row_x)
-            if (const std::uint8_t covered = coverage[row_x - box.left])
-                row[row_x] = Blend(row[row_x], color, covered);
+        const std::uint8_t* const begin = row + (visible.left - box.left);
+        const std::uint8_t* const end = begin + Width(visible);
+        std::uint32_t* const pixels = surface.row(row_y) + visible.left;
+        for (const std::uint8_t* covered = SkipBare(begin, end); covered != end;
+             covered = SkipBare(covered + 1, end))
+            pixels[covered - begin] = Blend(pixels[covered - begin], color, *covered);
     }
     return visible;
 }

@@ -13,8 +13,8 @@
 namespace platform::gdi {
 namespace {
 
-// Several screens' worth, a few megabytes at most.
-constexpr std::size_t kCachedLines = 128;
+// All that an update shows, every percent of its progress included: a few megabytes at most.
+constexpr std::size_t kCachedLines = 256;
 constexpr std::size_t kCachedFonts = 64;
 
 constexpr int kDefaultHeight = 16;

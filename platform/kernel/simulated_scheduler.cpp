@@ -5,6 +5,7 @@
 
 #include "platform/kernel/event_queue.h"
 #include "platform/kernel/kernel_state.h"
+#include "platform/kernel/one_processor.h"
 
 namespace platform::kernel {
 namespace {
@@ -178,6 +179,7 @@ class SimulatedScheduler final : public Scheduler {
         return candidates_[choice];
     }
 
+    const OneProcessor one_processor_;
     std::atomic<Time::rep> now_;
     const bool preempt_;
     Thread& hardware_;
