@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <map>
+
+#include "platform/gdi/surface.h"
+#include "platform/kernel/scheduler.h"
+#include "tests/campaign/road.h"
+#include "tests/endurance/numbers.h"
+#include "tests/rig/car_driver.h"
+#include "unit/control/watch.h"
+
+namespace tests {
+namespace {
+
+using namespace std::chrono_literals;
+namespace kernel = platform::kernel;
+
+// What ./test tries, in parts that run side by side.
+#ifdef TOLVANE_SANITIZED
+constexpr std::uint64_t kSchedules = 40;
+#else
+constexpr std::uint64_t kSchedules = 1000;
+#endif
+constexpr std::uint64_t kParts = 4;
+
+// Drawing takes most of a run and is the same whoever comes first: few rows of it are kept.
+constexpr int kRows = 8;
+
+// What each thread logged, sent to the DVR, asked of drivers and broadcast, in its order. Only the
+// order between threads may depend on who runs first, and the times.
+using Account = std::vector<std::vector<std::string>>;
+
+Account WholeUpdate(std::uint32_t schedule, bool preempt) {
+    unit::VirtualUnit::Options options;
+    campaign::Hurry(options.dvr.dvr.timings, options.dvr.dvr.faults);
+    options.kernel.seed = schedule;
+    options.kernel.preempt = preempt;
+    WizardRun run(options);
+    std::map<DWORD, std::vector<std::string>> by_thread;
+    {
+        const unit::Watch watch(
+            run.unit().events(), {.frames = true, .broadcasts = true, .log = true, .rest = true},
+            [&by_thread](const std::string& line) {
+                const std::string what = line.substr(unit::UnitTimeText({}).size());
+                // Its folder has another name each time.
+                if (!what.starts_with("  card  "))
+                    by_thread[kernel::CurrentThread().id].push_back(what);
+            });
+        CarDriver driver(run);
+        EXPECT_EQ(driver.Drive(300s), CarDriver::End::kSuccess);
+        run.Close();
+    }
+    Account account;
+    for (auto& [thread, lines] : by_thread)
+        account.push_back(std::move(lines));
+    std::ranges::sort(account);
+    return account;
+}
+
+std::string FirstDifference(const Account& usual, const Account& other) {
+    for (std::size_t thread = 0; thread < std::max(usual.size(), other.size()); ++thread) {
+        if (thread >= usual.size() || thread >= other.size())
+            return "another number of threads";
+        const auto [a, b] = std::ranges::mismatch(usual[thread], other[thread]);
+        if (a != usual[thread].end() || b != other[thread].end())
+            return "usual: " + (a == usual[thread].end() ? "nothing more" : *a) +
+                   "\nnow:   " + (b == other[thread].end() ? "nothing more" : *b);
+    }
+    return {};
+}
+
+class Schedules : public testing::TestWithParam<std::uint64_t> {
+  protected:
+    Schedules() { platform::gdi::Surface::KeepRows(kRows); }
+    ~Schedules() override { platform::gdi::Surface::KeepRows(platform::gdi::Surface::kAllRows); }
+};
+
+// tools/schedules sets the variables.
+TEST_P(Schedules, ChangeOnlyTheOrderBetweenThreads) {
+    const std::uint64_t count = NumberFrom("TOLVANE_SCHEDULES", kSchedules) / kParts;
+    const std::uint64_t first = NumberFrom("TOLVANE_SCHEDULES_SEED", 1) + GetParam() * count;
+    const Account usual = WholeUpdate(0, false);
+    for (std::uint64_t schedule = first; schedule < first + count; ++schedule)
+        ASSERT_EQ(FirstDifference(usual, WholeUpdate(static_cast<std::uint32_t>(schedule), true)),
+                  "")
+            << "schedule " << schedule;
+    std::cout << count << " schedules from " << first << ": no difference in " << usual.size()
+              << " threads\n";
+}
+
+INSTANTIATE_TEST_SUITE_P(Part, Schedules, testing::Range<std::uint64_t>(0, kParts));
+
+}  // namespace
+}  // namespace tests
