@@ -7,11 +7,16 @@
 
 namespace platform::gdi {
 
-void Shutdown() {
+void EndProgram() {
     const auto lock = LockGdi();
     DropContexts();
     DropObjects();
     DropIcons();
+}
+
+void Shutdown() {
+    EndProgram();
+    const auto lock = LockGdi();
     DropTexts();
 }
 

@@ -8,8 +8,12 @@ namespace platform::gdi {
 // not be drawn. To be called once at the start, by whoever can tell a person.
 bool CheckFonts(std::string& problem);
 
-// Frees everything GDI holds: device contexts, drawing objects, icons, fonts and the texts drawn
-// last. Every handle is invalid from then on. To be called once no thread draws any more.
+// The program has ended: frees what it left behind, as the end of a process does: device contexts,
+// drawing objects, icons. Every handle is invalid from then on. To be called once no thread draws
+// any more.
+void EndProgram();
+
+// The same, and frees the fonts and the texts drawn last as well.
 void Shutdown();
 
 }  // namespace platform::gdi

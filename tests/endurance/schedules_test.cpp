@@ -8,8 +8,8 @@
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
 #include "tests/campaign/road.h"
-#include "tests/endurance/numbers.h"
 #include "tests/rig/car_driver.h"
+#include "tests/support/numbers.h"
 #include "unit/control/watch.h"
 
 namespace tests {

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <iostream>
 
 #include "tests/model/lockstep/campaign.h"
+#include "tests/support/numbers.h"
 
 namespace tests::model {
 namespace {
@@ -19,19 +19,14 @@ constexpr std::uint64_t kParts = 4;
 // Fewer may miss something by chance.
 constexpr std::uint64_t kEnoughToReachAll = 200'000;
 
-std::uint64_t Number(const char* variable, std::uint64_t usual) {
-    const char* const text = std::getenv(variable);
-    return text ? std::strtoull(text, nullptr, 10) : usual;
-}
-
 class Campaign : public testing::TestWithParam<std::uint64_t> {};
 INSTANTIATE_TEST_SUITE_P(Part, Campaign, testing::Range<std::uint64_t>(0, kParts));
 
 // tools/model-check sets the variables.
 TEST_P(Campaign, ProgramAndModelDoTheSame) {
-    const std::uint64_t events = Number("TOLVANE_MODEL_EVENTS", kEvents) / kParts;
+    const std::uint64_t events = NumberFrom("TOLVANE_MODEL_EVENTS", kEvents) / kParts;
     // Parts far apart: each sequence has a seed of its own.
-    const std::uint64_t seed = Number("TOLVANE_MODEL_SEED", 1) + GetParam() * 1'000'000'000;
+    const std::uint64_t seed = NumberFrom("TOLVANE_MODEL_SEED", 1) + GetParam() * 1'000'000'000;
     const auto start = std::chrono::steady_clock::now();
     const Outcome outcome = RunCampaign(events, seed);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;

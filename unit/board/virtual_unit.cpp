@@ -6,6 +6,7 @@
 
 #include "platform/device/serial_port.h"
 #include "platform/gdi/device_context.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
 #include "platform/resource/module.h"
@@ -71,6 +72,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
 
 VirtualUnit::~VirtualUnit() {
     window::End();
+    platform::gdi::EndProgram();
     dvr_.reset();
     power_coordinator_.LetGo();
     kernel::Shutdown();

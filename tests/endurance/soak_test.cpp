@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "tests/campaign/plan.h"
+#include "tests/campaign/trial.h"
+#include "tests/endurance/census.h"
+#include "tests/rig/car_driver.h"
+#include "tests/support/numbers.h"
+
+// Many updates in one process: nothing may grow.
+
+namespace tests {
+namespace {
+
+using namespace std::chrono_literals;
+using campaign::FaultKind;
+using campaign::Road;
+
+#ifdef TOLVANE_SANITIZED
+constexpr std::uint64_t kSimulated = 20;
+#else
+constexpr std::uint64_t kSimulated = 200;
+#endif
+constexpr std::uint64_t kFreeRunning = 4;
+constexpr double kSpeed = 50;
+
+// Runs update after update, and looks at what is held before, on the way and at the end.
+template <class Update>
+void Soak(const char* what, std::uint64_t count, Update update) {
+    // Every road once: what is drawn on them stays in caches of a size of their own.
+    for (const Road& road : campaign::Roads())
+        campaign::Try({&road, 1, {}});
+    const Census begin = Census::Take();
+    std::cout << "before " << count << " " << what << ": " << begin.Text() << "\n";
+    for (std::uint64_t done = 1; done <= count && !testing::Test::HasFailure(); ++done) {
+        update(done);
+        if (done == count / 2 || done == count)
+            std::cout << "after " << done << " " << what << ": " << Census::Take().Text() << "\n";
+    }
+    EXPECT_EQ(Growth(begin, Census::Take()), "");
+}
+
+// tools/soak sets the variables.
+std::uint64_t Seed() {
+    return NumberFrom("TOLVANE_SOAK_SEED", 1);
+}
+
+// Every third one is healthy; the others are met by one or two faults, and end with a whole update
+// after that. A call that fails may leave something behind, so no call fails here.
+TEST(Soak, OfSimulatedUpdatesWithFaultsLeavesNothing) {
+    std::vector<const Road*> roads;
+    for (const Road& road : campaign::Roads())
+        roads.push_back(&road);
+    std::vector<const FaultKind*> kinds;
+    for (const FaultKind& kind : campaign::FaultKinds())
+        if (kind.name != campaign::kFails)
+            kinds.push_back(&kind);
+    const std::uint64_t count = NumberFrom("TOLVANE_SOAK_SIMULATED", kSimulated);
+    const auto courses = campaign::Survey(
+        roads, 1, [](const auto&, const std::string& finding) { ADD_FAILURE() << finding; });
+    const auto cases = campaign::Pairs(courses, kinds, count, static_cast<std::uint32_t>(Seed()));
+    Soak("simulated updates", count, [&](std::uint64_t number) {
+        campaign::Case trial = cases[number - 1];
+        trial.seed = static_cast<std::uint32_t>(number);
+        trial.faults.resize(number % 3);
+        for (const std::string& finding : campaign::Try(trial).findings)
+            ADD_FAILURE() << campaign::ToText(trial) << ": " << finding;
+    });
+}
+
+// In real threads at high speed. What happens is the road's; a healthy DVR is updated in the end.
+TEST(Soak, OfFreeRunningUpdatesLeavesNothing) {
+    const std::uint64_t count = NumberFrom("TOLVANE_SOAK_FREE", kFreeRunning);
+    Soak("free-running updates", count, [](std::uint64_t number) {
+        const Road& road = campaign::Roads()[(Seed() + number) % campaign::Roads().size()];
+        SCOPED_TRACE(road.name);
+        unit::VirtualUnit::Options options;
+        options.kernel.mode = platform::kernel::Mode::kFreeRunning;
+        options.kernel.speed = kSpeed;
+        options.dvr.dvr.seed = static_cast<std::uint32_t>(number);
+        road.prepare(options);
+        const bool whole = options.missing_drivers.empty();
+        WizardRun run(options);
+        CarDriver driver(run);
+        auto end = road.drive(run, driver);
+        if (whole && end != CarDriver::End::kSuccess) {
+            run.unit().dvr().dvr()->SetFaults({});
+            driver.CyclePower();
+            end = driver.Drive(300s);
+        }
+        EXPECT_EQ(end, whole ? CarDriver::End::kSuccess : road.end);
+        run.Close();
+    });
+}
+
+}  // namespace
+}  // namespace tests
