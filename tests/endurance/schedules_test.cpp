@@ -38,13 +38,15 @@ Account WholeUpdate(std::uint32_t schedule, bool preempt) {
     campaign::Hurry(options.dvr.dvr.timings, options.dvr.dvr.faults);
     options.kernel.seed = schedule;
     options.kernel.preempt = preempt;
+    // The tick count begins anew while the DVR updates itself.
+    options.kernel.start = std::chrono::milliseconds(std::uint64_t{1} << 32) - 30s;
     WizardRun run(options);
     std::map<DWORD, std::vector<std::string>> by_thread;
     {
         const unit::Watch watch(
             run.unit().events(), {.frames = true, .broadcasts = true, .log = true, .rest = true},
             [&by_thread](const std::string& line) {
-                const std::string what = line.substr(unit::UnitTimeText({}).size());
+                const std::string what = line.substr(line.find("  ", line.find('.')));
                 // Its folder has another name each time.
                 if (!what.starts_with("  card  "))
                     by_thread[kernel::CurrentThread().id].push_back(what);
