@@ -80,16 +80,17 @@ TEST(Soak, OfFreeRunningUpdatesLeavesNothing) {
         options.kernel.speed = kSpeed;
         options.dvr.dvr.seed = static_cast<std::uint32_t>(number);
         road.prepare(options);
-        const bool whole = options.missing_drivers.empty();
+        // Without one of its drivers the unit comes as far as that road goes.
+        const auto wanted = options.missing_drivers.empty() ? CarDriver::End::kSuccess : road.end;
         WizardRun run(options);
         CarDriver driver(run);
         auto end = road.drive(run, driver);
-        if (whole && end != CarDriver::End::kSuccess) {
+        if (end != wanted) {
             run.unit().dvr().dvr()->SetFaults({});
             driver.CyclePower();
             end = driver.Drive(300s);
         }
-        EXPECT_EQ(end, whole ? CarDriver::End::kSuccess : road.end);
+        EXPECT_EQ(end, wanted);
         run.Close();
     });
 }
