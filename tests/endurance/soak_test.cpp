@@ -24,6 +24,7 @@ constexpr std::uint64_t kSimulated = 200;
 #endif
 constexpr std::uint64_t kFreeRunning = 4;
 constexpr double kSpeed = 50;
+constexpr int kMostTries = 4;
 
 // Runs update after update, and looks at what is held before, on the way and at the end.
 template <class Update>
@@ -85,7 +86,8 @@ TEST(Soak, OfFreeRunningUpdatesLeavesNothing) {
         WizardRun run(options);
         CarDriver driver(run);
         auto end = road.drive(run, driver);
-        if (end != wanted) {
+        // The host may let so much of the unit's time pass that a driver gives up.
+        for (int again = 0; end != wanted && again < kMostTries; ++again) {
             run.unit().dvr().dvr()->SetFaults({});
             driver.CyclePower();
             end = driver.Drive(300s);
