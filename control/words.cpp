@@ -1,5 +1,7 @@
 #include "control/words.h"
 
+#include <algorithm>
+
 namespace control {
 namespace {
 
@@ -62,6 +64,12 @@ std::string JoinWords(const std::vector<std::string>& words) {
     for (const std::string& word : words)
         line += (line.empty() ? "" : " ") + QuoteWord(word);
     return line;
+}
+
+std::string OneLine(std::string text) {
+    std::ranges::replace(text, '\n', ' ');
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
 }
 
 }  // namespace control

@@ -16,4 +16,7 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::s
 std::string QuoteWord(std::string_view word);
 std::string JoinWords(const std::vector<std::string>& words);
 
+// The text in one line, its line ends as blanks and none of those at its end.
+std::string OneLine(std::string text);
+
 }  // namespace control

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,10 +17,24 @@ class CardBox {
 
     const std::string& ImageCard() { return image_card_.empty() ? Make(kNewVersion) : image_card_; }
 
+    // Each is a folder of the host, so whoever asks for ever more versions gets no more of them.
+    static constexpr std::size_t kMostMade = 100;
+    static constexpr char kNoSuchCard[] =
+        "there can be no such card; allowed are versions of 17 to 63 characters without blanks, "
+        "such "
+        "as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room";
+
     // A card whose update image has that version, or that holds none; made once. Empty when it
-    // cannot be made (TemporaryCard).
+    // cannot be made (TemporaryCard) or the box is full.
     const std::string& Make(const std::optional<std::string>& image_version) {
-        return made_.try_emplace(image_version, image_version).first->second.path();
+        static const std::string none;
+        if (made_.size() == kMostMade && !made_.contains(image_version))
+            return none;
+        const auto card = made_.try_emplace(image_version, image_version).first;
+        if (!card->second.path().empty())
+            return card->second.path();
+        made_.erase(card);
+        return none;
     }
 
   private:

@@ -5,6 +5,7 @@
 
 #include "control/runtime_folder.h"
 #include "control/socket_client.h"
+#include "control/words.h"
 #include "dvrsim/frame_codec.h"
 
 namespace dvrsim {
@@ -34,12 +35,6 @@ std::string CheckVersion(const std::string& version) {
     return !version.empty() && version.size() <= kMostPayloadBytes
                ? std::string()
                : "'" + version + "' is not allowed; allowed are 1 to 64 bytes";
-}
-
-std::string OneLine(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
 }
 
 }  // namespace
@@ -93,7 +88,7 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         const bool extra = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-        std::fprintf(stderr, "dvrsim: %s%s\n", OneLine(error.what()).c_str(),
+        std::fprintf(stderr, "dvrsim: %s%s\n", control::OneLine(error.what()).c_str(),
                      extra ? "; allowed are the options that dvrsim --help lists" : "");
         exit_status = control::kExitWrongUsage;
         return std::nullopt;

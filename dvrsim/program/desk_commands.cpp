@@ -18,6 +18,8 @@ using control::Refused;
 using control::Values;
 
 Outcome Insert(Desk& desk, const std::string& folder) {
+    if (folder.empty())
+        return Refused(CardBox::kNoSuchCard);
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         return Refused("'" + folder + "' is not a folder");
@@ -31,11 +33,7 @@ Outcome CardIn(Desk& desk, const Values& values) {
 }
 
 Outcome CardWithImage(Desk& desk, const Values& values) {
-    const std::string& folder = desk.cards.Make(values.Text("VERSION"));
-    return folder.empty() ? Refused("'" + values.Text("VERSION") +
-                                    "' fits no image; allowed are 17 to 63 characters without "
-                                    "blanks, such as 14.09.01.V1.02.03")
-                          : Insert(desk, folder);
+    return Insert(desk, desk.cards.Make(values.Text("VERSION")));
 }
 
 Outcome CardWithoutImage(Desk& desk, const Values&) {

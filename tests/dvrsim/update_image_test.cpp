@@ -5,7 +5,7 @@
 
 #include <fstream>
 
-#include "dvrsim/temporary_card.h"
+#include "dvrsim/card_box.h"
 
 namespace dvrsim {
 namespace {
@@ -46,6 +46,15 @@ TEST(UpdateImage, PassesOverWhatIsNoFile) {
     EXPECT_EQ(ReadImageVersion(card.path()), std::nullopt);
     EXPECT_TRUE(WriteImage(card.path(), kNewVersion, "gp_card_upgrade.bin"));
     EXPECT_EQ(ReadImageVersion(card.path()), kNewVersion);
+}
+
+TEST(CardBox, IsFullSometimeAndKeepsOnlyCardsThatCanBe) {
+    CardBox box;
+    EXPECT_EQ(box.Make("1.2"), "");
+    for (std::size_t made = 0; made < CardBox::kMostMade; ++made)
+        EXPECT_NE(box.Make("14.09.01.V1.02.03." + std::to_string(made)), "");
+    EXPECT_EQ(box.Make(kNewVersion), "");
+    EXPECT_EQ(ReadImageVersion(box.Make("14.09.01.V1.02.03.7")), "14.09.01.V1.02.03.7");
 }
 
 }  // namespace

@@ -97,8 +97,8 @@ TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
     EXPECT_TRUE(Reaches("normal"));
     EXPECT_EQ(
         Send("card with image 1.2", 1),
-        "dvrsim: '1.2' fits no image; allowed are 17 to 63 characters without blanks, such as "
-        "14.09.01.V1.02.03\n");
+        "dvrsim: there can be no such card; allowed are versions of 17 to 63 characters without "
+        "blanks, such as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room\n");
     Send("card with image 15.01.01.V2.00.00");
     EXPECT_EQ(Send("card in", 1), "dvrsim: a card is in already; take it out first\n");
     Send("fault fail-at 57");

@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "dvrsim/card_box.h"
 #include "unit/commands/command_rows.h"
 
 namespace unit {
@@ -23,9 +24,7 @@ Outcome Insert(Operator& hands, const std::string& folder, const std::string& ca
     if (dvr->CardIn())
         return Refused("a card is in already; take it out first");
     if (folder.empty())
-        return Refused(
-            "there can be no such card: a version has 17 to 63 characters, none of them "
-            "a blank, and the host must have room for a folder");
+        return Refused(dvrsim::CardBox::kNoSuchCard);
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         return Refused(folder + " is not a folder");

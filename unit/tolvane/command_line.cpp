@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "control/runtime_folder.h"
+#include "control/words.h"
 #include "unit/tolvane/exit_status.h"
 
 namespace unit {
@@ -58,15 +59,6 @@ std::string CheckFolder(const std::string& value) {
     if (std::filesystem::is_directory(value, ignored))
         return {};
     return "'" + value + "' is not allowed; allowed is a folder that exists";
-}
-
-std::string OneLine(std::string text) {
-    for (char& character : text)
-        if (character == '\n')
-            character = ' ';
-    while (!text.empty() && text.back() == ' ')
-        text.pop_back();
-    return text;
 }
 
 }  // namespace
@@ -163,11 +155,11 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     } catch (const CLI::ExtrasError& error) {
         std::fprintf(stderr, "tolvane: %s; allowed are the options that tolvane --help lists\n",
-                     OneLine(error.what()).c_str());
+                     control::OneLine(error.what()).c_str());
         exit_status = kExitWrongUsage;
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        std::fprintf(stderr, "tolvane: %s\n", OneLine(error.what()).c_str());
+        std::fprintf(stderr, "tolvane: %s\n", control::OneLine(error.what()).c_str());
         exit_status = kExitWrongUsage;
         return std::nullopt;
     }
