@@ -66,7 +66,7 @@ TEST_F(ScenarioCommand, SameSeedSameEventsAndTheCommandLinesWins) {
     for (int run = 0; run < 3; ++run) {
         ASSERT_EQ(Run({file, "--seed", seeds[run]}), 1) << Read("err");
         events[run] = Read("left/walk/events.log");
-        EXPECT_NE(events[run].find("line       to unit  "), std::string::npos);
+        EXPECT_NE(events[run].find("frame      to unit  "), std::string::npos);
     }
     EXPECT_EQ(events[0], events[1]);
     EXPECT_NE(events[0], events[2]);

@@ -149,7 +149,7 @@ TEST_F(Scenarios, SeeFramesAndTheLinesFaults) {
     EXPECT_EQ(Run("wait frame FW_Upgrade_Version indication to-unit within 1s"),
               "1: wait frame FW_Upgrade_Version indication to-unit within 1s: "
               "did not come within 1 s; the latest of its kind:");
-    EXPECT_NE(problem_.find("  line       to unit  "), std::string::npos) << problem_;
+    EXPECT_NE(problem_.find("  frame      to unit  "), std::string::npos) << problem_;
 }
 
 TEST_F(Scenarios, PassTimeAndSpeak) {

@@ -6,6 +6,7 @@
 #include "platform/kernel/scheduler.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/control/control_server.h"
+#include "unit/events/event_text.h"
 
 namespace unit {
 

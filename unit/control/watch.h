@@ -27,7 +27,7 @@ class Watch {
   private:
     void Hear(const TimedEvent& timed);
     void HearLine(std::chrono::microseconds time, const LineBytes& piece);
-    void Tell(std::chrono::microseconds time, std::string kind, const std::string& text);
+    bool Wanted(const Event& event) const;
 
     const WatchedKinds kinds_;
     const std::function<void(const std::string&)> tell_;
@@ -35,8 +35,5 @@ class Watch {
     // Last: nothing is heard while the rest goes.
     const EventHub::Subscription subscription_;
 };
-
-// "    23.456", in seconds.
-std::string UnitTimeText(std::chrono::microseconds time);
 
 }  // namespace unit

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "unit/events/hex_text.h"
 #include "unit/line/fault_words.h"
 #include "unit/line/frame_text.h"
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dvrsim/protocol.h"
+#include "unit/events/hex_text.h"
 #include "unit/line/frame_text.h"
 
 namespace unit {

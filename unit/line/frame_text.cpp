@@ -9,6 +9,7 @@
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
 #include "dvrsim/value_names.h"
+#include "unit/events/hex_text.h"
 #include "unit/line/frame_cutter.h"
 
 namespace unit {
@@ -119,16 +120,6 @@ std::optional<std::uint16_t> ReadCommand(const std::string& word, std::string& p
 
 std::string FrameName(std::span<const std::uint8_t> frame) {
     return FrameTypeName(frame[2]) + " " + CodeName(BigEndianAt(frame, 3));
-}
-
-std::string HexText(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        char digits[4];
-        std::snprintf(digits, sizeof digits, "%s%02X", text.empty() ? "" : " ", byte);
-        text += digits;
-    }
-    return text;
 }
 
 std::string PayloadText(std::uint8_t type, std::uint16_t code, Payload payload) {

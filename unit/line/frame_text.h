@@ -23,9 +23,6 @@ std::optional<std::uint16_t> ReadCommand(const std::string& word, std::string& p
 // "IND FW_Upgrade_Version", of a frame's bytes in wire order.
 std::string FrameName(std::span<const std::uint8_t> frame);
 
-// "A5 5A 00".
-std::string HexText(std::span<const std::uint8_t> bytes);
-
 // The payload of such a frame: decoded where its meaning is known ("57 '14.09.01.V1.02.03'",
 // "2 normal"), in hexadecimal otherwise.
 std::string PayloadText(std::uint8_t type, std::uint16_t code,

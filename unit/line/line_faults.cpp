@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "unit/events/hex_text.h"
 #include "unit/line/fault_text.h"
 #include "unit/line/frame_text.h"
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-#include "unit/line/frame_text.h"
+#include "unit/events/hex_text.h"
 
 namespace unit {
 

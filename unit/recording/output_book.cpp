@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "control/values.h"
+#include "unit/events/hex_text.h"
 #include "unit/line/frame_cutter.h"
 #include "unit/line/frame_monitor.h"
-#include "unit/line/frame_text.h"
 #include "unit/recording/moment_text.h"
 
 namespace unit {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/kernel/clock.h"
-#include "unit/line/frame_text.h"
+#include "unit/events/hex_text.h"
 #include "unit/recording/moment_text.h"
 
 namespace unit {

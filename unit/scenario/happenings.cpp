@@ -1,55 +1,22 @@
 #include "unit/scenario/happenings.h"
 
 #include <algorithm>
-#include <cstdio>
 
-#include "platform/kernel/text.h"
+#include "unit/events/event_text.h"
 
 namespace unit {
-namespace {
-
-std::string Hexadecimal(unsigned long long number) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%llX", number);
-    return text;
-}
-
-std::string Told(const LineLogged& line) {
-    return "log        " + line.text;
-}
-
-std::string Told(const BroadcastPosted& broadcast) {
-    const std::string name = broadcast.name.empty() ? Hexadecimal(broadcast.message)
-                                                    : platform::kernel::ToUtf8(broadcast.name);
-    return "broadcast  " + name + " wparam " + std::to_string(broadcast.wparam) + " lparam " +
-           std::to_string(broadcast.lparam);
-}
-
-std::string Told(const DriverCalled& call) {
-    static constexpr const char* kVerbs[] = {"opened", "asked", "closed"};
-    std::string text = "driver     " + platform::kernel::ToUtf8(call.driver) + " " +
-                       kVerbs[static_cast<int>(call.call)];
-    if (call.call == DriverCalled::Call::kControl)
-        text += " code " + Hexadecimal(call.code);
-    if (call.error != ERROR_SUCCESS)
-        text += ", refused with error " + std::to_string(call.error);
-    return text;
-}
-
-std::string Told(const LineEntry& entry) {
-    return "line       " + entry.Text();
-}
-
-std::string Told(const FaultApplied& fault) {
-    return "line fault " + fault.text;
-}
-
-}  // namespace
 
 std::string TimedHappening::Text() const {
-    char clock[24];
-    std::snprintf(clock, sizeof clock, "%10.3f  ", static_cast<double>(time.count()) / 1e6);
-    return clock + std::visit([](const auto& kind) { return Told(kind); }, happening);
+    if (const auto* const entry = std::get_if<LineEntry>(&happening))
+        return TimedLine(time, {"frame", entry->Text()});
+    return std::visit(
+        [this](const auto& kind) {
+            if constexpr (std::is_constructible_v<Event, decltype(kind)>)
+                return TimedLine(time, TextOf(kind).value_or(EventText{}));
+            else
+                return std::string();
+        },
+        happening);
 }
 
 Happenings::Happenings(EventHub& events) {

@@ -1,3 +1,4 @@
+#include "unit/events/hex_text.h"
 #include "unit/line/frame_text.h"
 #include "unit/workbench/dock.h"
 #include "unit/workbench/readable.h"
