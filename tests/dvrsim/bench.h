@@ -10,16 +10,17 @@
 
 namespace dvrsim {
 
+using namespace std::chrono_literals;
 using std::chrono::microseconds;
-using std::chrono::milliseconds;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Sent {
     microseconds time{};
-    std::uint8_t type = 0;
-    std::uint16_t code = 0;
+    unsigned type = 0;
+    unsigned code = 0;
     Bytes payload;
 
+    std::string Text(std::size_t from = 0) const { return {payload.begin() + from, payload.end()}; }
     bool operator==(const Sent&) const = default;
 };
 
@@ -30,7 +31,7 @@ class HandDrivenHost final : public Host {
 
     microseconds Now() const override { return now_; }
     std::uint64_t After(microseconds delay, std::function<void()> action) override {
-        due_.emplace(std::make_pair(now_ + delay, ++last_id_), std::move(action));
+        due_.emplace(std::pair(now_ + delay, ++last_id_), std::move(action));
         return last_id_;
     }
     void Cancel(std::uint64_t id) override {
@@ -43,10 +44,8 @@ class HandDrivenHost final : public Host {
         EXPECT_TRUE(bytes[0] == 0xA5 && bytes[1] == 0x5A);
         EXPECT_EQ(bytes[5] * 256U + bytes[6], bytes.size() - 9);
         EXPECT_EQ(bytes[end] * 256U + bytes[end + 1], sum);
-        sent.push_back({now_,
-                        bytes[2],
-                        static_cast<std::uint16_t>(bytes[3] * 256U + bytes[4]),
-                        {bytes.begin() + 7, bytes.begin() + end}});
+        sent.push_back(
+            {now_, bytes[2], bytes[3] * 256U + bytes[4], {bytes.begin() + 7, bytes.begin() + end}});
     }
 
     void Run(microseconds duration) {
@@ -68,12 +67,11 @@ class HandDrivenHost final : public Host {
     std::map<std::pair<microseconds, std::uint64_t>, std::function<void()>> due_;
 };
 
-inline Bytes Request(std::uint16_t code, std::uint8_t payload = 0) {
-    const auto high = [](unsigned word) { return static_cast<std::uint8_t>(word >> 8U); };
+inline Bytes Request(unsigned code, std::uint8_t payload = 0) {
     const auto low = [](unsigned word) { return static_cast<std::uint8_t>(word & 0xFFU); };
-    Bytes bytes{0xA5, 0x5A, 0x10, high(code), low(code), 0, 1, payload};
+    Bytes bytes{0xA5, 0x5A, 0x10, low(code >> 8U), low(code), 0, 1, payload};
     const auto sum = std::accumulate(bytes.begin(), bytes.end(), 0U);
-    bytes.insert(bytes.end(), {high(sum), low(sum)});
+    bytes.insert(bytes.end(), {low(sum >> 8U), low(sum)});
     return bytes;
 }
 
@@ -83,21 +81,28 @@ struct Bench {
 
     void BootToNormal() {
         dvr.PowerOn();
-        host.Run(milliseconds(5000));
+        host.Run(5s);
     }
-    // What the DVR sends within the duration.
+    // What the DVR sends within the duration: all of it, or that alone.
     std::vector<Sent> During(microseconds duration) {
         host.sent.clear();
         host.Run(duration);
         return host.sent;
     }
-    // The answers that come within the time a device takes for one.
-    std::vector<Sent> Ask(std::uint16_t code) {
-        dvr.Receive(Request(code));
-        During(milliseconds(15));
-        return Only(0x20, code);
+    std::vector<Sent> During(microseconds duration, unsigned type, unsigned code) {
+        During(duration);
+        return Only(type, code);
     }
-    std::vector<Sent> Only(std::uint8_t type, std::uint16_t code) const {
+    // The answers that come within the time a device takes for one.
+    std::vector<Sent> Ask(unsigned code, std::uint8_t payload = 0) {
+        dvr.Receive(Request(code, payload));
+        return During(15ms, 0x20, code);
+    }
+    std::string AskVersion() {
+        const auto answers = Ask(0x802E);
+        return answers.empty() ? "" : answers[0].Text();
+    }
+    std::vector<Sent> Only(unsigned type, unsigned code) const {
         std::vector<Sent> found = host.sent;
         std::erase_if(found, [=](const Sent& s) { return s.type != type || s.code != code; });
         return found;
