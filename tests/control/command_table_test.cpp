@@ -9,11 +9,7 @@ using namespace std::chrono_literals;
 using Words = std::vector<std::string>;
 
 TEST(Words, SplitAndQuoteAreEachOthersReverse) {
-    struct Case {
-        const char* line;
-        std::optional<Words> words;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, std::optional<Words>> cases[] = {
         {"", Words{}},
         {"  tap \t Next\r", Words{"tap", "Next"}},
         {"# all of it", Words{}},
@@ -24,20 +20,16 @@ TEST(Words, SplitAndQuoteAreEachOthersReverse) {
         {"open \"quote", std::nullopt},
         {"open 'quote", std::nullopt},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.line);
+    for (const auto& [line, expected] : cases) {
         std::string problem;
-        const auto words = SplitWords(c.line, problem);
-        EXPECT_EQ(words, c.words);
-        EXPECT_EQ(problem.empty(), words.has_value());
-        if (words) {
-            EXPECT_EQ(SplitWords(JoinWords(*words), problem), words);
-        }
+        const auto words = SplitWords(line, problem);
+        EXPECT_EQ(words, expected) << line;
+        EXPECT_EQ(problem.empty(), words.has_value()) << line;
+        EXPECT_EQ(SplitWords(JoinWords(words.value_or(Words{})), problem), words.value_or(Words{}));
     }
 }
 
 // Follows commands by writing down what they were.
-using Table = CommandTable<std::string>;
 Outcome Note(std::string& target, const Values& values) {
     target = values.Chose("in") ? "in:" + values.Text("FOLDER") : "";
     target += values.Chose("off") ? "off" : "";
@@ -48,67 +40,58 @@ Outcome Note(std::string& target, const Values& values) {
     target += values.Text("TEXT");
     return Done(target);
 }
-const Table& Commands() {
-    static const Table table({{"card in [FOLDER]", "", Note},
-                              {"card out", "", Note},
-                              {"power on|off", "", Note},
-                              {"fault call CALL [after SKIP] [times COUNT]", "", Note},
-                              {"sleep DURATION", "", Note},
-                              {"send BYTES", "", Note},
-                              {"say TEXT...", "", Note}});
-    return table;
+
+std::string NotAllowed(const std::string& word, const std::string& after, const char* allowed) {
+    return "'" + word + "' is not allowed after '" + after + "'; allowed is " + allowed;
 }
 
 TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
-    struct Case {
-        const char* line;
-        bool done;
-        const char* text;
+    const CommandTable<std::string> table({{"card in [FOLDER]", "", Note},
+                                           {"card out", "", Note},
+                                           {"power on|off", "", Note},
+                                           {"fault call CALL [after SKIP] [times COUNT]", "", Note},
+                                           {"sleep DURATION", "", Note},
+                                           {"send BYTES", "", Note},
+                                           {"say TEXT...", "", Note}});
+    const std::pair<const char*, const char*> done[] = {
+        {"card in", "in:"},
+        {"card in \"my folder\"", "in:my folder"},
+        {"power off", "off"},
+        {"fault call CloseHandle", ""},
+        {"fault call CloseHandle times 0x10", "times16"},
+        {"fault call CloseHandle after 3 times 2", "skip3times2"},
+        {"sleep 1.5s", "1500000"},
+        {"sleep 2min", "120000000"},
+        {"send \"A5 5a\"", "**"},
+        {"say it 'loud and' clear", "it \"loud and\" clear"},
+        {"  # nothing", ""},
     };
-    const Case cases[] = {
-        {"card in", true, "in:"},
-        {"card in \"my folder\"", true, "in:my folder"},
-        {"power off", true, "off"},
-        {"fault call CloseHandle", true, ""},
-        {"fault call CloseHandle times 0x10", true, "times16"},
-        {"fault call CloseHandle after 3 times 2", true, "skip3times2"},
-        {"sleep 1.5s", true, "1500000"},
-        {"sleep 2min", true, "120000000"},
-        {"send \"A5 5a\"", true, "**"},
-        {"say it 'loud and' clear", true, "it \"loud and\" clear"},
-        {"  # nothing", true, ""},
-        {"crad in", false,
-         "'crad' is not allowed; allowed is card, power, fault, sleep, send or say"},
-        {"card", false, "something is missing after 'card'; allowed is in or out"},
-        {"card up", false, "'up' is not allowed after 'card'; allowed is in or out"},
-        {"card out now", false, "'now' is too much after 'card out'"},
-        {"power", false, "something is missing after 'power'; allowed is on or off"},
-        {"fault call X after no", false,
-         "'no' is not allowed after 'fault call X after'; allowed is SKIP (a whole number from 0 "
-         "to "
-         "1000000000)"},
-        {"fault call X times 2 after 3", false, "'after' is too much after 'fault call X times 2'"},
-        {"sleep 5", false,
-         "'5' is not allowed after 'sleep'; allowed is DURATION (a number with ms, s or min, such "
-         "as "
-         "500ms)"},
-        {"sleep -5s", false,
-         "'-5s' is not allowed after 'sleep'; allowed is DURATION (a number with ms, s or min, "
-         "such "
-         "as 500ms)"},
-        {"send A5F", false,
-         "'A5F' is not allowed after 'send'; allowed is BYTES (pairs of hexadecimal digits, such "
-         "as "
-         "A55A)"},
-        {"say \"open", false, "a quote \" is not closed"},
+    constexpr char kDuration[] = "DURATION (a number with ms, s or min, such as 500ms)";
+    const std::pair<const char*, std::string> refused[] = {
+        {"crad in", "'crad' is not allowed; allowed is card, power, fault, sleep, send or say"},
+        {"card", "something is missing after 'card'; allowed is in or out"},
+        {"card up", NotAllowed("up", "card", "in or out")},
+        {"card out now", "'now' is too much after 'card out'"},
+        {"power", "something is missing after 'power'; allowed is on or off"},
+        {"fault call X after no",
+         NotAllowed("no", "fault call X after", "SKIP (a whole number from 0 to 1000000000)")},
+        {"fault call X times 2 after 3", "'after' is too much after 'fault call X times 2'"},
+        {"sleep 5", NotAllowed("5", "sleep", kDuration)},
+        {"sleep -5s", NotAllowed("-5s", "sleep", kDuration)},
+        {"send A5F",
+         NotAllowed("A5F", "send", "BYTES (pairs of hexadecimal digits, such as A55A)")},
+        {"say \"open", "a quote \" is not closed"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.line);
+    const auto check = [&table](const char* line, const std::string& text, bool is_done) {
         std::string target;
-        const Outcome outcome = Commands().Follow(target, c.line);
-        EXPECT_EQ(outcome.done, c.done);
-        EXPECT_EQ(outcome.text, c.text);
-    }
+        const Outcome outcome = table.Follow(target, line);
+        EXPECT_EQ(outcome.done, is_done) << line;
+        EXPECT_EQ(outcome.text, text) << line;
+    };
+    for (const auto& [line, text] : done)
+        check(line, text, true);
+    for (const auto& [line, text] : refused)
+        check(line, text, false);
 }
 
 TEST(Grammar, PatternsThatAreNotWellFormedAreRefused) {

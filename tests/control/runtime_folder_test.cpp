@@ -4,65 +4,60 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "control/socket_claim.h"
-#include "tests/control/runtime_fixture.h"
+#include "tests/support/process.h"
 
 namespace control {
 namespace {
 
 namespace fs = std::filesystem;
 
-mode_t ModeOf(const std::string& path) {
-    struct stat status {};
-    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
-    return status.st_mode & 07777;
-}
-
-class Runtime : public RuntimeTest {
+class Runtime : public tests::Process {
   protected:
+    // With what is wrong, behind the folder's name.
     std::string Problem() {
-        std::string problem;
-        EXPECT_FALSE(RuntimeFolder::Open(problem));
-        EXPECT_TRUE(problem.starts_with(folder_ + ": ")) << problem;
-        EXPECT_EQ(problem.find('\n'), std::string::npos);
-        return problem.substr(std::min(problem.size(), folder_.size() + 2));
+        EXPECT_FALSE(RuntimeFolder::Open(problem_));
+        EXPECT_TRUE(problem_.starts_with(folder_ + ": ")) << problem_;
+        return problem_.substr(std::min(problem_.size(), folder_.size() + 2));
+    }
+    bool Claim(const char* name = "unit") {
+        return SocketClaim::Make(name, taken_, problem_).has_value();
     }
 
     std::string problem_;
     bool taken_ = false;
-    const std::string folder_ = session_ + "/tolvane";
+    const std::string folder_ = Path("tolvane");
 };
 
 TEST_F(Runtime, FolderAndSocketAreTheUsersAlone) {
     umask(0);
-    const auto folder = RuntimeFolder::Open(problem_);
-    ASSERT_TRUE(folder) << problem_;
-    EXPECT_EQ(folder->path(), folder_);
-    EXPECT_EQ(ModeOf(folder_), 0700U);
     const auto claim = SocketClaim::Make("unit", taken_, problem_);
     ASSERT_TRUE(claim) << problem_;
-    EXPECT_EQ(ModeOf(folder_ + "/unit.sock"), 0600U);
-    EXPECT_EQ(ModeOf(folder_ + "/unit.lock"), 0600U);
+    EXPECT_EQ(RuntimeFolder::Open(problem_).value().path(), folder_);
+    for (const auto& [path, mode] :
+         {std::pair("", 0700), {"/unit.sock", 0600}, {"/unit.lock", 0600}})
+        EXPECT_EQ(fs::status(folder_ + path).permissions(), fs::perms(mode)) << path;
 }
 
 TEST_F(Runtime, UnsafeFoldersAreRefused) {
-    fs::create_directory(session_ + "/elsewhere");
-    fs::permissions(session_ + "/elsewhere", fs::perms::owner_all);
-    fs::create_directory_symlink(session_ + "/elsewhere", folder_);
+    fs::create_directory(Path("elsewhere"));
+    fs::permissions(Path("elsewhere"), fs::perms::owner_all);
+    fs::create_directory_symlink(Path("elsewhere"), folder_);
     EXPECT_EQ(Problem(), "not a folder");
     fs::remove(folder_);
     std::ofstream(folder_) << "";
     EXPECT_EQ(Problem(), "not a folder");
     fs::remove(folder_);
     fs::create_directory(folder_);
-    for (const mode_t mode : {0750U, 0701U, 0777U}) {
-        chmod(folder_.c_str(), mode);
+    for (const int mode : {0750, 0701, 0777}) {
+        fs::permissions(folder_, fs::perms(mode));
         EXPECT_EQ(Problem(),
                   "the folder is open to other users; it must have the permissions 0700");
     }
-    chmod(folder_.c_str(), 0700);
+    fs::permissions(folder_, fs::perms::owner_all);
     if (geteuid() == 0) {
         ASSERT_EQ(chown(folder_.c_str(), 65534, 65534), 0);
         EXPECT_EQ(Problem(), "the folder belongs to another user");
@@ -71,14 +66,14 @@ TEST_F(Runtime, UnsafeFoldersAreRefused) {
 
 TEST_F(Runtime, EntriesInTheWayAreNeitherFollowedNorRemoved) {
     ASSERT_TRUE(RuntimeFolder::Open(problem_));
-    std::ofstream(session_ + "/precious") << "kept";
-    for (const char* entry : {"unit.lock", "unit.sock"}) {
-        fs::create_symlink(session_ + "/precious", folder_ + "/" + entry);
-        EXPECT_FALSE(SocketClaim::Make("unit", taken_, problem_)) << entry;
+    std::ofstream(Path("precious")) << "kept";
+    for (const char* entry : {"/unit.lock", "/unit.sock"}) {
+        fs::create_symlink(Path("precious"), folder_ + entry);
+        EXPECT_FALSE(Claim()) << entry;
         EXPECT_FALSE(taken_);
-        EXPECT_TRUE(problem_.starts_with(folder_ + "/" + entry)) << problem_;
-        EXPECT_EQ(fs::file_size(session_ + "/precious"), 4U);
-        fs::remove(folder_ + "/" + entry);
+        EXPECT_TRUE(problem_.starts_with(folder_ + entry)) << problem_;
+        EXPECT_EQ(Read("precious"), "kept");
+        fs::remove(folder_ + entry);
     }
 }
 
@@ -94,14 +89,14 @@ TEST_F(Runtime, ALivingClaimIsNotTakenAndADeadOneIsFreeAtOnce) {
     char sign = 0;
     ASSERT_EQ(read(ready[0], &sign, 1), 1);
     ASSERT_EQ(sign, '+');
-    EXPECT_FALSE(SocketClaim::Make("unit", taken_, problem_));
+    EXPECT_FALSE(Claim());
     EXPECT_TRUE(taken_);
-    EXPECT_TRUE(SocketClaim::Make("other", taken_, problem_)) << problem_;
+    EXPECT_TRUE(Claim("other")) << problem_;
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
     ASSERT_TRUE(fs::exists(folder_ + "/unit.sock"));
     for (int round = 0; round < 2; ++round) {
-        EXPECT_TRUE(SocketClaim::Make("unit", taken_, problem_)) << problem_;
+        EXPECT_TRUE(Claim()) << problem_;
         EXPECT_FALSE(fs::exists(folder_ + "/unit.sock"));
     }
 }
@@ -116,10 +111,10 @@ TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
 }
 
 TEST(SocketName, AllowsWordsAndNoPaths) {
-    for (const char* name : {"unit", "Bench-2_b", "0123456789abcdef0123456789abcdef"})
-        EXPECT_TRUE(IsSocketName(name)) << name;
-    for (const char* name : {"", ".", "..", "a/b", "a b", "a.b", "\xC3\xA4", "a\n",
-                             "0123456789abcdef0123456789abcdef0"})
+    const std::string longest(32, 'a');
+    EXPECT_TRUE(IsSocketName("Bench-2_b") && IsSocketName(longest));
+    EXPECT_FALSE(IsSocketName(longest + "a"));
+    for (const char* name : {"", ".", "..", "a/b", "a b", "a.b", "\xC3\xA4", "a\n"})
         EXPECT_FALSE(IsSocketName(name)) << name;
 }
 

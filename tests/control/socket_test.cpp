@@ -7,7 +7,7 @@
 #include "control/socket_address.h"
 #include "control/socket_client.h"
 #include "control/socket_server.h"
-#include "tests/control/runtime_fixture.h"
+#include "tests/support/process.h"
 
 namespace control {
 namespace {
@@ -17,23 +17,20 @@ using Kind = SocketClient::Reply::Kind;
 using Id = SocketServer::ClientId;
 
 // A server on "unit" that is run by hand between the clients' steps.
-class Sockets : public RuntimeTest {
+class Sockets : public tests::Process {
   protected:
     Sockets() {
-        std::string problem;
-        bool taken = false;
-        auto claim = SocketClaim::Make("unit", taken, problem);
-        EXPECT_TRUE(claim) << problem;
-        server_ = std::make_unique<SocketServer>(
-            *std::move(claim),
-            SocketServer::Handlers{[this](Id id, const Request& request) { Answer(id, request); },
-                                   [this](Id id) { left_.push_back(id); }});
+        auto claim = SocketClaim::Make("unit", nobody_, problem_);
+        EXPECT_TRUE(claim) << problem_;
+        SocketServer::Handlers handlers{
+            [this](Id id, const Request& request) { Answer(id, request); }, [](Id) {}};
+        server_ = std::make_unique<SocketServer>(*std::move(claim), handlers);
     }
 
     void Answer(Id id, const Request& request) {
         if (request.line == "no")
             return server_->End(id, Refused("not that\nreally"));
-        if (request.line == "later" || request.line == "watch") {
+        if (request.line == "later") {
             watcher_ = id;
             return;
         }
@@ -48,12 +45,20 @@ class Sockets : public RuntimeTest {
             server_->HandleReady();
     }
 
-    static SocketClient Client() {
-        std::string problem;
-        bool nobody = false;
-        auto client = SocketClient::Connect("unit", 1s, nobody, problem);
-        EXPECT_TRUE(client) << problem;
+    std::optional<SocketClient> Connect(const char* name, SocketClient::Limit limit) {
+        return SocketClient::Connect(name, limit, nobody_, problem_);
+    }
+    SocketClient Client() {
+        auto client = Connect("unit", 1s);
+        EXPECT_TRUE(client) << problem_;
         return *std::move(client);
+    }
+    // One whose request waits for what the test answers.
+    SocketClient Waiting() {
+        SocketClient client = Client();
+        client.Send({"later"}, 1s);
+        Serve();
+        return client;
     }
 
     // Sends the bytes as they are and returns all that comes back, * for the end of it.
@@ -75,8 +80,9 @@ class Sockets : public RuntimeTest {
     }
 
     std::unique_ptr<SocketServer> server_;
-    std::vector<Id> left_;
     Id watcher_ = 0;
+    bool nobody_ = false;
+    std::string problem_;
 };
 
 TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
@@ -86,11 +92,7 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
         long_text += "|" + std::string(kLongestLine - 1, 'x') + "\n";
     const std::string not_text = "-a line is not plain UTF-8 text\n*";
     const std::string too_long = "-a line is too long; at most 65536 bytes are allowed\n*";
-    struct Case {
-        std::string sent;
-        std::string answer;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"one\n", "|got one\n+\n"},
         {"one\r\ntwo\n\n", "|got one\n+\n|got two\n+\n|got \n+\n"},
         {"no\nyes\n", "-not that really\n|got yes\n+\n"},
@@ -112,24 +114,21 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
         {"\xC3\n", not_text},
         {"half", ""},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.sent.substr(0, 40));
-        const SocketClient client = Client();
-        EXPECT_EQ(Exchange(client, c.sent).substr(0, 200), c.answer.substr(0, 200));
+    for (const auto& [sent, answer] : cases) {
+        SCOPED_TRACE(sent.substr(0, 40));
+        EXPECT_EQ(Exchange(Client(), sent).substr(0, 200), answer.substr(0, 200));
+        if (sent.size() > 100)
+            continue;
         const SocketClient bytewise = Client();
-        std::string answer;
-        if (c.sent.size() < 100) {
-            for (const char byte : c.sent)
-                answer += Exchange(bytewise, {&byte, 1});
-            EXPECT_EQ(answer.substr(0, answer.find('*')), c.answer.substr(0, c.answer.find('*')));
-        }
+        std::string answered;
+        for (const char byte : sent)
+            answered += Exchange(bytewise, {&byte, 1});
+        EXPECT_EQ(answered.substr(0, answered.find('*')), answer.substr(0, answer.find('*')));
     }
 }
 
 TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
-    SocketClient watcher = Client();
-    watcher.Send({"watch"}, 1s);
-    Serve();
+    SocketClient watcher = Waiting();
     constexpr int kLines = 40'000;
     const std::string padding(200, '.');
     for (int i = 0; i < kLines; ++i)
@@ -145,10 +144,10 @@ TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
         if (reply.kind == Kind::kLost) {
             lost += std::stoi(reply.text);
             next += std::stoi(reply.text);
-            continue;
+        } else {
+            ASSERT_EQ(reply.kind, Kind::kLine) << reply.text;
+            ASSERT_EQ(std::stoi(reply.text), next++);
         }
-        ASSERT_EQ(reply.kind, Kind::kLine) << reply.text;
-        ASSERT_EQ(std::stoi(reply.text), next++);
     }
     EXPECT_EQ(next, kLines);
     EXPECT_GT(lost, kLines / 2);
@@ -164,14 +163,11 @@ TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
         Serve();
     }
     EXPECT_LT(taken, 2'000'000U);
-    const std::string answer = Exchange(client, "");
-    EXPECT_TRUE(answer.starts_with("|got \n+\n"));
+    EXPECT_TRUE(Exchange(client, "").starts_with("|got \n+\n"));
 }
 
 TEST_F(Sockets, WhatIsPrintedIsPlainText) {
-    SocketClient client = Client();
-    client.Send({"later"}, 1s);
-    Serve();
+    SocketClient client = Waiting();
     server_->Line(watcher_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
     server_->End(watcher_, Done());
     Serve();
@@ -189,37 +185,30 @@ TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
     for (std::size_t i = 0; i < SocketServer::kMostClients; ++i)
         clients.push_back(Client());
     Serve();
-    SocketClient extra = Client();
-    EXPECT_EQ(Exchange(extra, "one\n"), "-too many clients at a time; at most 32\n*");
+    EXPECT_EQ(Exchange(Client(), "one\n"), "-too many clients at a time; at most 32\n*");
     clients.pop_back();
     Serve();
-    SocketClient next = Client();
-    EXPECT_EQ(Exchange(next, "one\n"), "|got one\n+\n");
+    EXPECT_EQ(Exchange(Client(), "one\n"), "|got one\n+\n");
 }
 
 TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
-    std::string problem;
-    bool nobody = false;
     SocketClient client = Client();
     client.Send({"later"}, 1s);
     EXPECT_EQ(client.Receive(20ms).kind, Kind::kLate);
-    EXPECT_FALSE(SocketClient::Connect("other", 1s, nobody, problem));
-    EXPECT_TRUE(nobody);
+    EXPECT_FALSE(Connect("other", 1s));
+    EXPECT_TRUE(nobody_);
     // A server that no longer takes callers: the waiting room fills up.
     std::vector<SocketClient> waiting;
-    for (;;) {
-        auto caller = SocketClient::Connect("unit", 20ms, nobody, problem);
-        if (!caller)
-            break;
+    while (auto caller = Connect("unit", 20ms)) {
         waiting.push_back(*std::move(caller));
         ASSERT_LT(waiting.size(), 1000U);
     }
-    EXPECT_FALSE(nobody);
-    EXPECT_TRUE(problem.ends_with("no answer")) << problem;
+    EXPECT_FALSE(nobody_);
+    EXPECT_TRUE(problem_.ends_with("no answer")) << problem_;
     server_.reset();
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
-    EXPECT_FALSE(SocketClient::Connect("unit", 1s, nobody, problem));
-    EXPECT_TRUE(nobody);
+    EXPECT_FALSE(Connect("unit", 1s));
+    EXPECT_TRUE(nobody_);
 }
 
 // Without a descriptor left a client is turned away; it is not asked for again and again.
