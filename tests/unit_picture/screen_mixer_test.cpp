@@ -30,48 +30,29 @@ platform::gdi::Surface Graphics() {
     return graphics;
 }
 
-unit::ScalerState Shown(unit::ScalerWindow window, std::uint32_t alpha = 63) {
-    unit::ScalerState scaler;
-    scaler.scaler_path = true;
-    scaler.alpha = alpha;
-    scaler.key_enabled = true;
-    scaler.key_color = kKey;
-    scaler.selector = 0;
-    scaler.window = window;
-    return scaler;
-}
-
 struct Rect {
-    int x, y, width, height;
+    std::uint16_t x, y, width, height;
 };
-
-unit::ScalerWindow Window(const Rect& source, const Rect& place) {
-    const auto word = [](int value) { return static_cast<std::uint16_t>(value); };
-    unit::ScalerWindow window{};
-    window.source_x = word(source.x);
-    window.source_y = word(source.y);
-    window.source_width = word(source.width);
-    window.source_height = word(source.height);
-    window.x = word(place.x);
-    window.y = word(place.y);
-    window.width = word(place.width);
-    window.height = word(place.height);
-    return window;
-}
-
 constexpr Rect kAll{0, 0, 80, 48};
 
+unit::ScalerState Shown(const Rect& source = kAll, const Rect& place = kAll,
+                        std::uint32_t alpha = 63) {
+    const auto& [from_x, from_y, from_width, from_height] = source;
+    const auto& [x, y, width, height] = place;
+    return {
+        .scaler_path = true,
+        .alpha = alpha,
+        .key_enabled = true,
+        .key_color = kKey,
+        .selector = 0,
+        .window = {0, from_x, from_y, from_width, from_height, 0, 0, x, y, width, height, {}, {}}};
+}
+
 TEST(ScreenMixer, VideoShowsExactlyWhereTheKeyColourIs) {
-    const Picture mixed = MixPlanes(Graphics(), Ruler(80, 48), Shown(Window(kAll, kAll)));
-    for (int y = 0; y < 48; ++y)
-        for (int x = 0; x < 80; ++x) {
-            const std::uint32_t video = static_cast<std::uint32_t>(y << 12 | x);
-            const std::uint32_t expected = y != 20   ? video
-                                           : x == 30 ? kInk
-                                           : x == 31 ? 0x001001
-                                                     : video;
-            ASSERT_EQ(mixed.At(x, y), expected) << x << ' ' << y;
-        }
+    Picture expected = Ruler(80, 48);
+    expected.pixels[20 * 80 + 30] = kInk;
+    expected.pixels[20 * 80 + 31] = 0x001001;
+    EXPECT_EQ(MixPlanes(Graphics(), Ruler(80, 48), Shown()), expected);
 }
 
 TEST(ScreenMixer, TheWindowRecordCropsScalesAndPlaces) {
@@ -98,22 +79,18 @@ TEST(ScreenMixer, TheWindowRecordCropsScalesAndPlaces) {
         // No window set yet.
         {{}, {}, 5, 5, 0},
     };
-    const platform::gdi::Surface graphics = Graphics();
-    const Picture video = Ruler(80, 48);
-    for (const auto& row : cases)
-        EXPECT_EQ(MixPlanes(graphics, video, Shown(Window(row.source, row.place))).At(row.x, row.y),
-                  row.expected)
-            << row.x << ' ' << row.y;
+    for (const auto& [source, place, x, y, expected] : cases)
+        EXPECT_EQ(MixPlanes(Graphics(), Ruler(80, 48), Shown(source, place)).At(x, y), expected)
+            << x << ' ' << y;
 }
 
 TEST(ScreenMixer, AlphaBlendsWhatIsNotKeyed) {
     Picture video = Ruler(80, 48);
     std::ranges::fill(video.pixels, 0x00C864U);
-    const unit::ScalerWindow whole = Window(kAll, kAll);
     // 21 of 63: a third of the ink.
-    EXPECT_EQ(MixPlanes(Graphics(), video, Shown(whole, 21)).At(30, 20), 0x55B058U);
-    EXPECT_EQ(MixPlanes(Graphics(), video, Shown(whole, 0)).At(30, 20), 0x00C864U);
-    unit::ScalerState off = Shown(whole, 0);
+    EXPECT_EQ(MixPlanes(Graphics(), video, Shown(kAll, kAll, 21)).At(30, 20), 0x55B058U);
+    EXPECT_EQ(MixPlanes(Graphics(), video, Shown(kAll, kAll, 0)).At(30, 20), 0x00C864U);
+    unit::ScalerState off = Shown();
     off.selector = 1;
     EXPECT_EQ(MixPlanes(Graphics(), video, off).At(0, 0), kKeyPixel);
 }

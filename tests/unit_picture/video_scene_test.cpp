@@ -11,12 +11,8 @@ namespace {
 using namespace std::chrono_literals;
 using unit::Picture;
 
-class VideoSceneTest : public testing::Test {
-  protected:
-    Platform platform_;
-};
-
-TEST_F(VideoSceneTest, LivesThirtyFramesASecondAndIsAlikeAtTheSameTime) {
+TEST(VideoScene, LivesThirtyFramesASecondAndIsAlikeAtTheSameTime) {
+    const Platform platform;
     unit::VideoScene scene;
     const Picture first = scene.At(20s);
     EXPECT_EQ(first, scene.At(20s + 16ms));
@@ -30,21 +26,21 @@ TEST_F(VideoSceneTest, LivesThirtyFramesASecondAndIsAlikeAtTheSameTime) {
         EXPECT_EQ(scene.At(time).width, 720);
 }
 
-// Where the date stands, the pictures of two seconds differ in its digits.
-TEST_F(VideoSceneTest, CarriesDateTimeAndFrameInsideTheShownPart) {
+TEST(VideoScene, CarriesDateTimeAndFrameInsideTheShownPart) {
+    const Platform platform;
     unit::VideoScene scene;
-    const auto ink = [](const Picture& picture, int from, int to) {
+    const Picture picture = scene.At(20s);
+    const auto ink = [&picture](int from, int to) {
         int white = 0;
         for (int y = 394; y < 394 + 22; ++y)
             for (int x = from; x < to; ++x)
                 white += picture.At(x, y) == 0xF0F0F0 ? 1 : 0;
         return white;
     };
-    const Picture picture = scene.At(20s);
-    EXPECT_GT(ink(picture, 30, 130), 100) << "date";
-    EXPECT_GT(ink(picture, 140, 220), 80) << "time";
-    EXPECT_GT(ink(picture, 240, 300), 60) << "frame";
-    EXPECT_EQ(ink(picture, 0, 30) + ink(picture, 310, 720), 0);
+    EXPECT_GT(ink(30, 130), 100) << "date";
+    EXPECT_GT(ink(140, 220), 80) << "time";
+    EXPECT_GT(ink(240, 300), 60) << "frame";
+    EXPECT_EQ(ink(0, 30) + ink(310, 720), 0);
 }
 
 TEST(Calendar, CountsFromTheUnitsPowerOn) {
