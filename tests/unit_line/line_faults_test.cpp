@@ -8,107 +8,72 @@ namespace tests {
 namespace {
 
 using namespace std::chrono_literals;
-using std::chrono::microseconds;
 using enum unit::Direction;
-
-// An indication of 57 percent and one of a card, an answer about the card.
-constexpr char kPercent[] = "A5 5A 80 00 2E 00 01 39 01 E7";
-constexpr char kCard[] = "A5 5A 80 00 26 00 03 01 00 5A 02 03";
-constexpr char kAnswer[] = "A5 5A 20 80 26 00 03 01 00 5A 02 23";
-
-// With those frames, where they are whole, by their names.
-std::string Named(std::string text) {
-    for (const auto& [name, bytes] :
-         {std::pair("PERCENT", std::string(kPercent)), {"CARD", kCard}, {"ANSWER", kAnswer}})
-        for (std::size_t at = 0; (at = text.find(bytes)) != std::string::npos;)
-            text.replace(at, bytes.size(), name);
-    return text;
-}
-
-struct Sent {
-    int at;
-    const char* hex;
-};
 
 struct FaultCase {
     std::vector<const char*> rules;
-    std::vector<Sent> sent;
+    const char* sent;
     const char* arrives;
     std::vector<std::uint64_t> applied;
 };
 
 const FaultCase kFaultCases[] = {
     // Bytes.
-    {{"drop bytes after 1 every 2"}, {{0, "01 02 03 04 05"}}, "0: 01 02 04", {2}},
-    {{"drop bytes after 2 times 1"}, {{0, "01 02"}, {9, "03 04"}}, "0: 01 02 / 9: 04", {1}},
-    {{"corrupt bytes"}, {{0, "00 5A"}}, "0: FF A5", {2}},
-    {{"corrupt bytes value 77 times 1"}, {{0, "01 02"}}, "0: 77 02", {1}},
-    {{"delay 1ms bytes times 1"},
-     {{0, "01"}, {400, "02"}, {2000, "03"}},
-     "1000: 01 02 / 2000: 03",
-     {1}},
-    {{"split 1ms bytes every 2"}, {{0, "01 02 03"}}, "0: 01 / 1000: 02 03", {1}},
-    {{"inject CCDD before bytes times 1"}, {{0, "01 02"}}, "0: CC DD 01 02", {1}},
-    {{"inject CC after bytes"}, {{0, "01 02"}}, "0: 01 CC 02 CC", {2}},
-    {{"drop bytes to-dvr"}, {{0, "01"}}, "0: 01", {0}},
+    {{"drop bytes after 1 every 2"}, "0: 01 02 03 04 05", "0: 01 02 04", {2}},
+    {{"drop bytes after 2 times 1"}, "0: 01 02 / 9: 03 04", "0: 01 02 / 9: 04", {1}},
+    {{"corrupt bytes"}, "0: 00 5A", "0: FF A5", {2}},
+    {{"corrupt bytes value 77 times 1"}, "0: 01 02", "0: 77 02", {1}},
+    {{"delay 1ms bytes times 1"}, "0: 01 / 400: 02 / 2000: 03", "1000: 01 02 / 2000: 03", {1}},
+    {{"split 1ms bytes every 2"}, "0: 01 02 03", "0: 01 / 1000: 02 03", {1}},
+    {{"inject CCDD before bytes times 1"}, "0: 01 02", "0: CC DD 01 02", {1}},
+    {{"inject CC after bytes"}, "0: 01 02", "0: 01 CC 02 CC", {2}},
+    {{"drop bytes to-dvr"}, "0: 01", "0: 01", {0}},
     // Frames and their parts.
-    {{"drop frames"}, {{0, kPercent}, {5, "77"}, {9, kCard}}, "5: 77", {2}},
-    {{"drop sync of frames"}, {{0, kPercent}}, "0: 80 00 2E 00 01 39 01 E7", {1}},
-    {{"corrupt type of frames value 20"}, {{0, kPercent}}, "0: A5 5A 20 00 2E 00 01 39 01 E7", {1}},
-    {{"corrupt code of frames xor 8001"}, {{0, kPercent}}, "0: A5 5A 80 80 2F 00 01 39 01 E7", {1}},
+    {{"drop frames"}, "0: PERCENT / 5: 77 / 9: CARD", "5: 77", {2}},
+    {{"drop sync of frames"}, "0: PERCENT", "0: 80 00 2E 00 01 39 01 E7", {1}},
+    {{"corrupt type of frames value 20"}, "0: PERCENT", "0: A5 5A 20 00 2E 00 01 39 01 E7", {1}},
+    {{"corrupt code of frames xor 8001"}, "0: PERCENT", "0: A5 5A 80 80 2F 00 01 39 01 E7", {1}},
     {{"corrupt length 1 of frames value 09"},
-     {{0, kPercent}},
+     "0: PERCENT",
      "0: A5 5A 80 00 2E 00 09 39 01 E7",
      {1}},
     {{"corrupt payload 2 of frames value 11"},
-     {{0, kPercent}, {9, kCard}},
+     "0: PERCENT / 9: CARD",
      "0: PERCENT / 9: A5 5A 80 00 26 00 03 01 00 11 02 03",
      {1}},
-    {{"drop StorageCardStatus frames"},
-     {{0, kCard}, {5, kPercent}, {9, kAnswer}},
-     "5: PERCENT",
-     {2}},
-    {{"drop acknowledgements"}, {{0, kAnswer}, {5, kPercent}}, "5: PERCENT", {1}},
-    {{"drop query 0x26 frames"}, {{0, kAnswer}, {5, kCard}}, "5: CARD", {1}},
-    {{"duplicate frames every 2"},
-     {{0, kPercent}, {5, kPercent}},
-     "0: PERCENT / 5: PERCENT PERCENT",
-     {1}},
-    {{"delay 300ms acknowledgements"},
-     {{0, kAnswer}, {400, kPercent}},
-     "300000: ANSWER PERCENT",
-     {1}},
-    {{"split 20ms frames"}, {{0, kPercent}}, "0: A5 5A 80 00 2E / 20000: 00 01 39 01 E7", {1}},
+    {{"drop StorageCardStatus frames"}, "0: CARD / 5: PERCENT / 9: ANSWER", "5: PERCENT", {2}},
+    {{"drop acknowledgements"}, "0: ANSWER / 5: PERCENT", "5: PERCENT", {1}},
+    {{"drop query 0x26 frames"}, "0: ANSWER / 5: CARD", "5: CARD", {1}},
+    {{"duplicate frames every 2"}, "0: PERCENT / 5: CARD", "0: PERCENT / 5: CARD CARD", {1}},
+    {{"delay 300ms acknowledgements"}, "0: ANSWER / 400: CARD", "300000: ANSWER CARD", {1}},
+    {{"split 20ms frames"}, "0: PERCENT", "0: A5 5A 80 00 2E / 20000: 00 01 39 01 E7", {1}},
     {{"split 1ms checksum of frames"},
-     {{0, kPercent}},
+     "0: PERCENT",
      "0: A5 5A 80 00 2E 00 01 39 / 1000: 01 E7",
      {1}},
     {{"inject EE after frames after 1 times 1"},
-     {{0, kPercent}, {5, kPercent}, {9, kPercent}},
-     "0: PERCENT / 5: PERCENT EE / 9: PERCENT",
+     "0: CARD / 5: CARD / 9: CARD",
+     "0: CARD / 5: CARD EE / 9: CARD",
      {1}},
     // Damaged ones are no frames to a rule; the next good one is.
     {{"drop frames"},
-     {{0, "A5 5A 80 00 2E 00 01 39 01 E6"}, {5, kPercent}},
+     "0: A5 5A 80 00 2E 00 01 39 01 E6 / 5: PERCENT",
      "0: A5 5A 80 00 2E 00 01 39 01 E6",
      {1}},
-    {{"drop frames"}, {{0, "A5 5A 80 00 2E 00 41"}, {5, kPercent}}, "0: A5 5A 80 00 2E 00 41", {1}},
-    {{"drop frames"}, {{0, "A5 A5 5A 80 00 2E 00 01 39 01 E7"}}, "0: A5", {1}},
+    {{"drop frames"}, "0: A5 5A 80 00 2E 00 41 / 5: PERCENT", "0: A5 5A 80 00 2E 00 41", {1}},
+    {{"drop frames"}, "0: A5 PERCENT", "0: A5", {1}},
     // Several rules, in order.
-    {{"split 20ms sync of frames", "duplicate frames"},
-     {{0, kPercent}},
-     "20000: PERCENT PERCENT",
-     {1, 1}},
+    {{"split 20ms sync of frames", "duplicate frames"}, "0: CARD", "20000: CARD CARD", {1, 1}},
     {{"delay 300ms frames", "split 20ms frames"},
-     {{0, kPercent}},
+     "0: PERCENT",
      "300000: A5 5A 80 00 2E / 320000: 00 01 39 01 E7",
      {1, 1}},
     {{"drop bytes times 1", "corrupt payload of frames value AA"},
-     {{0, kPercent}},
+     "0: PERCENT",
      "0: 5A 80 00 2E 00 01 AA 01 E7",
      {1, 1}},
     {{"drop checksum of frames", "corrupt checksum of frames"},
-     {{0, kPercent}},
+     "0: PERCENT",
      "0: A5 5A 80 00 2E 00 01 39",
      {1, 0}},
 };
@@ -117,14 +82,11 @@ TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
     for (const FaultCase& c : kFaultCases)
         for (const bool byte_by_byte : {false, true}) {
             SCOPED_TRACE(std::string(c.rules[0]) + (byte_by_byte ? ", byte by byte" : ""));
-            TappedLine line;
-            for (const char* rule : c.rules)
-                line.Add(rule);
-            for (const Sent& sent : c.sent)
-                line.Send(kToUnit, microseconds(sent.at), sent.hex, byte_by_byte);
+            TappedLine line(c.rules);
+            line.Send(kToUnit, c.sent, byte_by_byte);
             line.RunFor(1s);
-            EXPECT_EQ(Named(line.program.text()), c.arrives);
-            EXPECT_EQ(Named(line.heard_to_unit.text()), c.arrives);
+            EXPECT_EQ(line.program.text(), c.arrives);
+            EXPECT_EQ(line.heard_to_unit.text(), c.arrives);
             std::vector<std::uint64_t> applied;
             for (const unit::LineFaults::Entry& entry : line.faults->List())
                 applied.push_back(entry.applied);
@@ -133,24 +95,21 @@ TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
 }
 
 TEST(LineFaults, WhatTheProgramSendsIsHeardBeforeTheFaults) {
-    TappedLine line;
-    line.Add("corrupt checksum of requests to-dvr");
-    line.Add("delay 2ms requests to-dvr");
-    line.Send(kToDvr, 0us, "A5 5A 10 80 2E 00 01 00 01 BE");
-    line.Send(kToUnit, 5us, kPercent);
+    TappedLine line({"corrupt checksum of requests to-dvr", "delay 2ms requests to-dvr"});
+    line.Send(kToDvr, "0: A5 5A 10 80 2E 00 01 00 01 BE");
+    line.Send(kToUnit, "5: PERCENT");
     line.RunFor(10ms);
     EXPECT_EQ(line.heard_to_dvr.text(), "0: A5 5A 10 80 2E 00 01 00 01 BE");
     EXPECT_EQ(line.dvr.text(), "2000: A5 5A 10 80 2E 00 01 00 FE 41");
-    EXPECT_EQ(Named(line.program.text()), "5: PERCENT");
+    EXPECT_EQ(line.program.text(), "5: PERCENT");
 }
 
 TEST(LineFaults, ChanceComesFromTheSeed) {
-    const auto dropped = [](const std::string& rule) {
-        TappedLine line;
-        line.Add(rule);
+    const auto dropped = [](const char* rule) {
+        TappedLine line({rule});
         for (int block = 0; block < 100; ++block)
             for (int byte = 0; byte < 100; ++byte)
-                line.Send(kToUnit, microseconds(block), "55");
+                line.Send(kToUnit, std::to_string(block) + ": 55");
         line.RunFor(10ms);
         const auto entry = line.faults->List().at(0);
         EXPECT_EQ(entry.matches, 10'000U);
@@ -164,13 +123,11 @@ TEST(LineFaults, ChanceComesFromTheSeed) {
 }
 
 TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
-    TappedLine line;
+    TappedLine line({"corrupt checksum of FW_Upgrade_Version indications to-unit",
+                     "drop bytes after 11 times 1"});
     std::vector<std::string> told;
     line.faults->OnApplied([&](const std::string& text) { told.push_back(text); });
-    line.Add("corrupt checksum of FW_Upgrade_Version indications to-unit");
-    line.Add("drop bytes after 11 times 1");
-    line.Send(kToUnit, 0us, kPercent);
-    line.Send(kToUnit, 0us, "01 02");
+    line.Send(kToUnit, "0: PERCENT 01 02");
     line.RunFor(1ms);
     EXPECT_EQ(told, (std::vector<std::string>{
                         "fault 1 (corrupt checksum of FW_Upgrade_Version indications to-unit): "
@@ -182,9 +139,9 @@ TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
     line.faults->Clear();
     line.Add("drop bytes after 100");
     EXPECT_EQ(line.faults->List().at(0).number, 3) << "numbers are not given twice";
-    line.Send(kToUnit, 2ms, kPercent);
+    line.Send(kToUnit, "2000: PERCENT");
     line.RunFor(1ms);
-    EXPECT_TRUE(Named(line.program.text()).ends_with("/ 2000: PERCENT"));
+    EXPECT_TRUE(line.program.text().ends_with("/ 2000: PERCENT"));
 }
 
 TEST(FaultText, RulesReadBackAsTheyWereWritten) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "control/values.h"
@@ -17,8 +18,21 @@
 
 namespace tests {
 
-// What passed at which microsecond since the start: "0: A5 5A / 300: 01". What passes at one time
-// is one piece here.
+// Frames that tests name: an indication of 57 percent and one of a card, an answer about the card.
+constexpr std::pair<std::string_view, std::string_view> kNamedFrames[] = {
+    {"PERCENT", "A5 5A 80 00 2E 00 01 39 01 E7"},
+    {"CARD", "A5 5A 80 00 26 00 03 01 00 5A 02 03"},
+    {"ANSWER", "A5 5A 20 80 26 00 03 01 00 5A 02 23"},
+};
+
+inline std::string Replaced(std::string text, std::string_view from, std::string_view to) {
+    for (std::size_t at = 0; (at = text.find(from)) != std::string::npos;)
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+// What passed at which microsecond since the start: "0: A5 5A / 300: PERCENT". What passes at one
+// time is one piece here.
 class PieceNotes {
   public:
     void Note(std::chrono::microseconds time, std::span<const std::uint8_t> bytes) {
@@ -29,7 +43,12 @@ class PieceNotes {
         last_ = time;
         text_ += " " + unit::HexText(bytes);
     }
-    const std::string& text() const { return text_; }
+    std::string text() const {
+        std::string text = text_;
+        for (const auto& [name, bytes] : kNamedFrames)
+            text = Replaced(std::move(text), bytes, name);
+        return text;
+    }
 
   private:
     std::string text_;
@@ -63,9 +82,11 @@ class PlayedLine final : public platform::device::SerialLine {
 // A tap between a port and a far end that a test plays, on a simulated unit.
 class TappedLine {
   public:
-    TappedLine() {
+    explicit TappedLine(const std::vector<const char*>& rules = {}) {
         far->sent = [this](std::span<const std::uint8_t> bytes) { dvr.Note(Time(), bytes); };
         Open();
+        for (const char* const rule : rules)
+            Add(rule);
     }
     ~TappedLine() { tap->Close(); }
 
@@ -73,22 +94,27 @@ class TappedLine {
         tap->Open([this](std::span<const std::uint8_t> bytes) { program.Note(Time(), bytes); });
     }
 
-    void Add(const std::string& text) const {
+    void Add(const char* text) const {
         std::string problem;
         const auto rule = unit::ParseFaultRule(text, problem);
         ASSERT_TRUE(rule) << problem;
         faults->Add(*rule);
     }
 
-    // The far end, or the program, sends at that time.
-    void Send(unit::Direction direction, std::chrono::microseconds at, const std::string& hex,
-              bool byte_by_byte = false) {
-        platform::kernel::At(start_ + at, [this, direction, hex, byte_by_byte] {
-            const std::vector<std::uint8_t> bytes = control::ReadBytes(hex).value();
-            const std::size_t step = byte_by_byte ? 1 : bytes.size();
-            for (std::size_t from = 0; from < bytes.size(); from += step)
-                SendNow(direction, std::span(bytes).subspan(from, step));
-        });
+    // The far end, or the program, sends pieces at their times, written as PieceNotes does.
+    void Send(unit::Direction direction, std::string pieces, bool byte_by_byte = false) {
+        for (const auto& [name, bytes] : kNamedFrames)
+            pieces = Replaced(std::move(pieces), name, bytes);
+        std::istringstream list(pieces);
+        for (std::string piece; std::getline(list, piece, '/');)
+            platform::kernel::At(start_ + std::chrono::microseconds(std::stoi(piece)), [=, this] {
+                std::string hex = piece.substr(piece.find(':') + 1);
+                std::erase(hex, ' ');
+                const std::vector<std::uint8_t> bytes = control::ReadBytes(hex).value();
+                const std::size_t step = byte_by_byte ? 1 : bytes.size();
+                for (std::size_t from = 0; from < bytes.size(); from += step)
+                    SendNow(direction, std::span(bytes).subspan(from, step));
+            });
     }
 
     void RunFor(std::chrono::milliseconds time) { platform.RunFor(time); }
