@@ -7,19 +7,23 @@
 #include <string>
 #include <vector>
 
-#include "dvrsim/temporary_card.h"
 #include "unit/board/debug_log.h"
 #include "unit/board/virtual_unit.h"
 #include "unit/picture/screen_reader.h"
 
 namespace tests {
 
+unit::Program TheProgram();
+
 // The whole program on the whole unit with the simulated DVR, in simulated time unless told
 // otherwise. Ends the program in order and expects that nothing is left.
 class WizardRun {
   public:
     explicit WizardRun(const unit::VirtualUnit::Options& options = {});
-    ~WizardRun();
+    ~WizardRun() {
+        if (!closed_)
+            Close();
+    }
     WizardRun(const WizardRun&) = delete;
     WizardRun& operator=(const WizardRun&) = delete;
 
@@ -29,19 +33,16 @@ class WizardRun {
     void RunFor(std::chrono::milliseconds time);
     // Runs until it holds, looking every 20 ms of unit time; false when it did not come in time.
     bool RunUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
-    bool WaitForText(const std::wstring& text, std::chrono::seconds limit);
+    bool WaitForText(const std::wstring& text, std::chrono::seconds limit) {
+        return RunUntil([&] { return screen().Shows(text); }, limit);
+    }
 
     // Presses the button with that caption for 100 ms; false when it is not on the screen.
     bool Tap(const std::wstring& caption);
     void TapAt(int x, int y);
 
-    // The usual road up to where the named screen stands; each fails the test when it does not.
-    void GoToCheckCard();
+    // The usual road up to the screen that asks for the card; fails the test when it does not come.
     void GoToInsertCard();
-    void GoToUpdating();
-    void GoToRemoveCard();
-
-    void InsertImage() { unit_->InsertCard(card_.path()); }
 
     // Closes the window and waits for the end; the destructor does it otherwise. What was left
     // open is a failure.
@@ -56,7 +57,6 @@ class WizardRun {
     std::string output() const;
 
   private:
-    dvrsim::TemporaryCard card_;
     mutable std::mutex mutex_;
     std::vector<std::string> lines_;
     unit::DebugLog log_;

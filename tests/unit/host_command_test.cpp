@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <mutex>
 
 #include "tests/support/process.h"
@@ -76,9 +75,9 @@ TEST_F(HostCommand, TellsOnceOfATimeThatIsTooLongAndEndsWithItsOwner) {
     const pid_t child = std::stoi(Read("child"));
     // Gone, or waiting only for whoever adopted it.
     EXPECT_TRUE(WaitUntil([&] {
-        std::ifstream status("/proc/" + std::to_string(child) + "/stat");
-        const std::string text((std::istreambuf_iterator<char>(status)), {});
-        return text.empty() || text.find(") Z ") != std::string::npos;
+        std::string state;
+        std::ifstream("/proc/" + std::to_string(child) + "/stat") >> state >> state >> state;
+        return state.empty() || state == "Z";
     }));
 }
 

@@ -1,5 +1,4 @@
 #include <poll.h>
-#include <signal.h>
 #include <sys/wait.h>
 
 #include <atomic>
@@ -7,32 +6,19 @@
 
 #include "control/socket_server.h"
 #include "tests/support/numbers.h"
-#include "tests/support/process.h"
+#include "tests/unit/unit_process.h"
 
 // A second tolvane while the first runs, as processes.
 
 namespace {
 
-using namespace std::chrono_literals;
-using Words = std::vector<std::string>;
+using tests::Words;
 
-constexpr char kWindowStands[] = "---CMainFrame::OnCreate";
-
-class SecondProcess : public tests::Process {
+class SecondProcess : public tests::UnitProcess {
   protected:
-    pid_t StartUnit(const std::string& tag, Words options = {"--headless"}) {
-        options.insert(options.end(), {"--speed", "10"});
-        return Start(TOLVANE_BINARY, options, tag);
-    }
-    bool Stands(const std::string& tag) const {
-        return Read(tag + "out").find(kWindowStands) != std::string::npos;
-    }
-    bool WaitForWindow(const std::string& tag) {
-        return WaitUntil([&] { return Stands(tag); });
-    }
     // Whether a unit has the control socket within the time; it is the one whose power is off.
     bool WaitForSocket() {
-        return WaitUntil([this] { return Run(UNITCTL_BINARY, {"power", "off"}, "ctl-") == 0; });
+        return WaitUntil([this] { return Ctl({"power", "off"}) == 0; });
     }
     // The exit status of a copy that is to end by itself.
     int WaitForEnd(pid_t unit) {
@@ -43,41 +29,31 @@ class SecondProcess : public tests::Process {
         });
         return ended ? Wait(unit) : End(unit, SIGKILL);
     }
-    int End(pid_t unit, int signal = SIGTERM) {
-        kill(unit, signal);
-        return Wait(unit);
-    }
 };
 
 TEST_F(SecondProcess, BringsTheFirstForwardAndEndsWithOneAndNoWindow) {
     setenv("SDL_VIDEODRIVER", "dummy", 1);
     setenv("DISPLAY", ":0", 1);
-    const pid_t first = StartUnit("first-", {});
-    ASSERT_TRUE(WaitForWindow("first-"));
+    const pid_t first = StartAndWait("first-", {});
     for (const Words& options : {Words{"--headless"}, Words{}}) {
         EXPECT_EQ(WaitForEnd(StartUnit("second-", options)), 1);
         EXPECT_EQ(Read("second-err"), "tolvane: the unit that runs already has come forward\n");
         EXPECT_EQ(Read("second-out"), "");
     }
     // The name of another unit is another unit.
-    const pid_t other = StartUnit("other-", {"--headless", "--unit", "bench-2"});
-    EXPECT_TRUE(WaitForWindow("other-"));
-    EXPECT_EQ(End(other), 0);
+    EXPECT_EQ(End(StartAndWait("other-", {"--headless", "--unit", "bench-2"})), 0);
     EXPECT_EQ(End(first), 0);
     EXPECT_EQ(Read("first-err"), "");
 }
 
 TEST_F(SecondProcess, OfTwoStartedTogetherOneRuns) {
     for (int round = 0; round < 5; ++round) {
-        const pid_t units[] = {StartUnit("a-"), StartUnit("b-")};
-        const std::string tags[] = {"a-", "b-"};
-        int runs = -1;
-        ASSERT_TRUE(WaitUntil([&] {
-            runs = Stands(tags[0]) ? 0 : Stands(tags[1]) ? 1 : -1;
-            return runs >= 0;
-        }));
-        EXPECT_EQ(WaitForEnd(units[1 - runs]), 1) << Read(tags[1 - runs] + "err");
-        EXPECT_FALSE(Stands(tags[1 - runs]));
+        const pid_t units[] = {StartUnit("0-"), StartUnit("1-")};
+        ASSERT_TRUE(WaitUntil([&] { return Stands("0-") || Stands("1-"); }));
+        const int runs = Stands("0-") ? 0 : 1;
+        const std::string other = std::to_string(1 - runs) + "-";
+        EXPECT_EQ(WaitForEnd(units[1 - runs]), 1) << Read(other + "err");
+        EXPECT_FALSE(Stands(other));
         EXPECT_EQ(End(units[runs]), 0);
     }
 }
@@ -94,19 +70,15 @@ TEST_F(SecondProcess, AKilledFirstIsNeverInTheWay) {
         EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
         // One that was just asking may have been told of the window and still found it gone.
         const pid_t next = second != 0 ? second : StartUnit("second-");
-        const bool stands =
-            WaitUntil([&] { return Stands("second-") || !Read("second-err").empty(); });
-        EXPECT_TRUE(stands);
+        EXPECT_TRUE(WaitUntil([&] { return Stands("second-") || !Read("second-err").empty(); }));
         EXPECT_EQ(End(next), Stands("second-") ? 0 : 1) << Read("second-err");
     }
 }
 
 TEST_F(SecondProcess, AFirstThatHangsCountsAsGoneAndItsSocketIsTakenOverWhenItEnds) {
-    const pid_t first = StartUnit("first-");
-    ASSERT_TRUE(WaitForWindow("first-"));
+    const pid_t first = StartAndWait("first-");
     kill(first, SIGSTOP);
-    const pid_t second = StartUnit("second-");
-    EXPECT_TRUE(WaitForWindow("second-")) << Read("second-err");
+    const pid_t second = StartAndWait("second-");
     EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
     EXPECT_TRUE(WaitForSocket());
     EXPECT_TRUE(WaitUntil(
@@ -126,17 +98,18 @@ struct Answers {
 };
 
 class PlayedFirst {
+    using Id = control::SocketServer::ClientId;
+
   public:
     explicit PlayedFirst(const Answers& answers) : answers_(answers) {
         std::string problem;
         bool taken = false;
         auto claim = control::SocketClaim::Make("unit", taken, problem);
         EXPECT_TRUE(claim) << problem;
-        server_.emplace(*std::move(claim),
-                        control::SocketServer::Handlers{
-                            [this](control::SocketServer::ClientId id,
-                                   const control::Request& request) { Answer(id, request.line); },
-                            [](control::SocketServer::ClientId) {}});
+        control::SocketServer::Handlers handlers{
+            [this](Id id, const control::Request& request) { Answer(id, request.line); },
+            [](Id) {}};
+        server_.emplace(*std::move(claim), handlers);
         thread_ = std::thread([this] {
             while (!ending_) {
                 pollfd watched{server_->descriptor(), POLLIN, 0};
@@ -156,7 +129,7 @@ class PlayedFirst {
     std::atomic<int> forwards{0};
 
   private:
-    void Answer(control::SocketServer::ClientId id, const std::string& line) {
+    void Answer(Id id, const std::string& line) {
         ++questions;
         if (line == "neighbour object Tolvane")
             return Say(id, answers_.object);
@@ -171,7 +144,7 @@ class PlayedFirst {
         }
         Say(id, "none");
     }
-    void Say(control::SocketServer::ClientId id, const char* answer) {
+    void Say(Id id, const char* answer) {
         if (answer)
             server_->End(id, control::Done(answer));
     }
@@ -190,16 +163,16 @@ TEST_F(SecondProcess, FollowsWhatAFirstAnswersAndRunsOnItsOwnWithoutOne) {
         bool runs;
         int windows_asked;
         int forwards;
-        double earliest;  // of its own window, on its clock that begins at 20 s
+        double earliest = 20;  // of its own window, on its clock that begins then
     } cases[] = {
-        {"the window comes late", {.windowless_questions = 7}, false, 8, 1, 0},
+        {"the window comes late", {.windowless_questions = 7}, false, 8, 1},
         {"the window never comes", {.windowless_questions = kNever}, true, 25, 0, 22.5},
-        {"the window cannot come forward", {.forward = "no"}, true, 25, 25, 20},
-        {"it ends while it is asked", {.hangs_up = true}, true, 1, 0, 20},
-        {"the name is free", {.object = "none"}, true, 0, 0, 20},
-        {"its answers make no sense", {.object = "\x01?"}, true, 0, 0, 20},
-        {"it never answers", {.object = nullptr}, true, 0, 0, 20},
-        {"it hangs later", {.forward = nullptr}, true, 1, 1, 20},
+        {"the window cannot come forward", {.forward = "no"}, true, 25, 25},
+        {"it ends while it is asked", {.hangs_up = true}, true, 1, 0},
+        {"the name is free", {.object = "none"}, true, 0, 0},
+        {"its answers make no sense", {.object = "\x01?"}, true, 0, 0},
+        {"it never answers", {.object = nullptr}, true, 0, 0},
+        {"it hangs later", {.forward = nullptr}, true, 1, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -13,14 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using unit::ReadWizard;
 
-TEST(WizardProbe, NamesStepsAndStatesAndNoOthers) {
-    EXPECT_STREQ(unit::WizardStepName(-1), "power on");
-    EXPECT_STREQ(unit::WizardStepName(6), "reopen");
-    EXPECT_STREQ(unit::WizardStepName(7), "?");
-    EXPECT_STREQ(unit::RunningStateName(3), "rebooting");
-    EXPECT_STREQ(unit::RunningStateName(5), "?");
-}
-
 TEST(WizardProbe, MayLookWhileTheWindowCloses) {
     unit::VirtualUnit::Options options;
     options.kernel.mode = platform::kernel::Mode::kFreeRunning;
@@ -37,6 +29,9 @@ TEST(WizardProbe, MayLookWhileTheWindowCloses) {
     done = true;
     observer.join();
     EXPECT_GT(looks, 0U);
+    // Names are for whatever number a wild program has.
+    EXPECT_STREQ(unit::WizardStepName(7), "?");
+    EXPECT_STREQ(unit::RunningStateName(5), "?");
 }
 
 }  // namespace
