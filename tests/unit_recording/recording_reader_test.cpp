@@ -33,7 +33,7 @@ class ReadRecording : public Process {
 
     // Behind the name of the file.
     std::string Problem(const std::string& text) {
-        EXPECT_FALSE(Read(text)) << text;
+        EXPECT_FALSE(Read(text)) << text.substr(0, 200);
         const std::string start = Path("file") + ":";
         EXPECT_TRUE(problem_.starts_with(start)) << problem_;
         return problem_.substr(std::min(problem_.size(), start.size()));
@@ -88,76 +88,75 @@ TEST_F(ReadRecording, OneCutOffEndsWithItsLastWholeLine) {
     EXPECT_EQ(recording->moments.size(), 1U);
 }
 
+std::string NotAllowed(const char* word, const std::string& after, const std::string& allowed) {
+    return std::string("'") + word + "' is not allowed" +
+           (after.empty() ? "" : " after '" + after + "'") + "; allowed is " + allowed;
+}
+
 TEST_F(ReadRecording, WhatIsNoRecordingOrHasNoWholeHeaderIsRefused) {
     const std::string no_recording =
         "1: this is no recording; one begins with 'tolvane recording 1'";
-    const std::pair<const char*, std::string> cases[] = {
-        {"tolvane recording 2\nwhatever\n",
-         "1: a recording of version 2; this tolvane reads version 1"},
+    const std::string start = "tolvane recording 1\n";
+    const std::pair<std::string, std::string> cases[] = {
+        {"tolvane recording 2\n", "1: a recording of version 2; this tolvane reads version 1"},
         {"tolvane recording 0\n", no_recording},
-        {"tolvane scenario 1\n", no_recording},
         {"\x89PNG\r\n\x1a\n", no_recording},
         {"", "1: the recording ends before its first event; it cannot be replayed"},
-        {"tolvane recording 1\nbegin\n", "2: the header lacks the line 'program'"},
-        {"tolvane recording 1\nseed 1\nseed 2\n", "3: 'seed' stands here a second time"},
-        {"tolvane recording 1\nseed -1\n",
-         "2: '-1' is not allowed after 'seed'; allowed is a whole number from 0 to "
-         "9223372036854775807"},
-        {"tolvane recording 1\nmode free speed 0\n",
-         "2: '0' is not allowed after 'mode free speed'; allowed is a number from 0.1 to 1000"},
-        {"tolvane recording 1\nvolume 11\n",
-         "2: 'volume' is not allowed; allowed is program, mode, seed, start, supply, "
-         "missing-bitmap or begin"},
+        {start + "begin\n", "2: the header lacks the line 'program'"},
+        {start + "seed 1\nseed 2\n", "3: 'seed' stands here a second time"},
+        {start + "seed -1\n",
+         "2: " + NotAllowed("-1", "seed", "a whole number from 0 to 9223372036854775807")},
+        {start + "mode free speed 0\n",
+         "2: " + NotAllowed("0", "mode free speed", "a number from 0.1 to 1000")},
+        {start + "volume 11\n",
+         "2: " + NotAllowed("volume", "",
+                            "program, mode, seed, start, supply, missing-bitmap or begin")},
     };
     for (const auto& [text, problem] : cases)
         EXPECT_EQ(Problem(text), problem) << text;
 }
 
 TEST_F(ReadRecording, DamagedEventsAreRefused) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"20 finger up 1 1",
-         "'20' is not allowed; allowed is a time in seconds with six decimals, such as 21.704512"},
-        {"19.999999 finger up 1 1", "the time 19.999999 is earlier than that of the line before"},
-        {"20.000000 finger up 800 1",
-         "'800' is not allowed after 'finger up'; allowed is a whole number from 0 to 799"},
-        {"20.000000 finger up 1 1 1",
-         "'1' is not allowed after 'finger up 1 1'; allowed is nothing more"},
-        {"20.000000 line to-dvr A5 5",
-         "'5' is not allowed; allowed is a byte as two hexadecimal digits, or + and the "
-         "microseconds to the next byte"},
-        {"20.000000 driver DVR1: control 0x0881 2 -> 0",
-         "'2' is not allowed after 'driver DVR1: control 0x0881'; allowed is a byte as two "
-         "hexadecimal digits, or ->"},
-        {"20.000000 screen 5f3a",
-         "'5f3a' is not allowed after 'screen'; allowed is 16 hexadecimal digits"},
-        {"20.000000 screen 0123456789abcdef \"Update", "a quote \" is not closed"},
-        {"20.000000 failed-call Open 1 -> 5",
-         "'Open' is not allowed after 'failed-call'; allowed is the name of a call that can fail, "
-         "such as CreateFileW"},
-        {"20.000000 \x1B[2J\xFF",
-         "'?[2J?' is not allowed; allowed is line, finger, supply, card, dvr, request, "
-         "driver, suspend, wake, broadcast, screen, unseen, hal, battery-driver, clock, "
-         "line-fault, failed-call, close, lost or end"},
-        {"20.000000 end\n20.000000 wake", "something follows after 'end'; allowed is nothing more"},
+    const std::string byte = "a byte as two hexadecimal digits, or ";
+    const std::pair<std::string, std::string> cases[] = {
+        {"20 wake\n",
+         NotAllowed("20", "", "a time in seconds with six decimals, such as 21.704512")},
+        {"20.000000 finger up 800 1\n",
+         NotAllowed("800", "finger up", "a whole number from 0 to 799")},
+        {"20.000000 finger up 1 1 1\n", NotAllowed("1", "finger up 1 1", "nothing more")},
+        {"20.000000 line to-dvr A5 5\n",
+         NotAllowed("5", "", byte + "+ and the microseconds to the next byte")},
+        {"20.000000 driver DVR1: control 0x0881 2 -> 0\n",
+         NotAllowed("2", "driver DVR1: control 0x0881", byte + "->")},
+        {"20.000000 screen 5f3a\n", NotAllowed("5f3a", "screen", "16 hexadecimal digits")},
+        {"20.000000 failed-call Open 1 -> 5\n",
+         NotAllowed("Open", "failed-call",
+                    "the name of a call that can fail, such as CreateFileW")},
+        {"20.000000 \x1B[2J\xFF\n",
+         NotAllowed(
+             "?[2J?", "",
+             "line, finger, supply, card, dvr, request, driver, suspend, wake, "
+             "broadcast, screen, unseen, hal, battery-driver, clock, line-fault, failed-call, "
+             "close, lost or end")},
+        {"19.999999 wake\n", "the time 19.999999 is earlier than that of the line before"},
+        {"20.000000 screen 0123456789abcdef \"Update\n", "a quote \" is not closed"},
+        {"20.000000 end\n20.000000 wake\n",
+         "something follows after 'end'; allowed is nothing more"},
+        {std::string(20'000, 'x'),
+         "the line is longer than 16384 bytes; no line of a recording is"},
+        {std::string(unit::kLongestRecording, '\n'),
+         "the recording is longer than 67108864 bytes; none is"},
     };
-    for (const auto& [line, problem] : cases) {
-        const std::string text = std::string(kHeader) + line + "\n";
-        const auto lines = std::ranges::count(text, '\n');
-        EXPECT_EQ(Problem(text), std::to_string(lines) + ": " + problem) << line;
+    for (const auto& [text, problem] : cases) {
+        const std::string found = Problem(kHeader + text);
+        EXPECT_EQ(found.substr(found.find(": ") + 2), problem);
     }
-    EXPECT_EQ(Problem(kHeader + std::string(20'000, 'x')),
-              "9: the line is longer than 16384 bytes; no line of a recording is");
-}
-
-TEST_F(ReadRecording, OneThatDoesNotEndIsRefused) {
     // A file of nothing but holes behind its header, each of them a byte 0.
     Read(kHeader);
     ASSERT_EQ(truncate(Path("file").c_str(), off_t{1} << 40), 0);
     EXPECT_FALSE(unit::ReadRecording(Path("file"), problem_));
     EXPECT_EQ(problem_,
               Path("file") + ":9: the line is longer than 16384 bytes; no line of a recording is");
-    const std::string lines = std::string(kHeader) + std::string(unit::kLongestRecording, '\n');
-    EXPECT_TRUE(Problem(lines).ends_with("the recording is longer than 67108864 bytes; none is"));
 }
 
 }  // namespace

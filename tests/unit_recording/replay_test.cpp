@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
 #include <regex>
 #include <sstream>
 
 #include "platform/kernel/call_faults.h"
-#include "platform/resource/module.h"
-#include "res/program_resources.h"
 #include "tests/rig/wizard_run.h"
 #include "tests/support/process.h"
 #include "unit/commands/unit_commands.h"
@@ -22,42 +21,34 @@ using namespace std::chrono_literals;
 
 constexpr char kUpdate[] = RECORDINGS "/update.recording";
 
-int RunProgram() {
-    wchar_t command_line[] = L"";
-    return WinMain(platform::resource::ModuleInstance(), nullptr, command_line, SW_SHOWNORMAL);
-}
-
 class Replays : public Process {
   protected:
     // Records what `walk` does to a unit with those options, in simulated time.
     std::string Record(const unit::VirtualUnit::Options& options,
                        const std::function<void(WizardRun&)>& walk) {
-        const std::string file = Path("recording");
         WizardRun run(options);
         {
             // Nothing of the program has run yet: in simulated time it waits for the hardware.
             unit::Recorder recorder(run.unit(), options);
-            std::string problem;
-            EXPECT_TRUE(recorder.Start(file, problem)) << problem;
+            EXPECT_TRUE(recorder.Start(Path("recording"), report_)) << report_;
             walk(run);
             run.Close();
         }
         recorded_log_ = run.output();
-        return file;
+        return Path("recording");
     }
 
     unit::ReplayResult Replay(const std::string& file) {
-        std::string problem;
-        const auto recording = unit::ReadRecording(file, problem);
-        EXPECT_TRUE(recording) << problem;
+        const auto recording = unit::ReadRecording(file, report_);
+        EXPECT_TRUE(recording) << report_;
         if (!recording)
             return {};
         replayed_log_.clear();
         unit::DebugLog log([this](std::chrono::microseconds, const std::string& line) {
             replayed_log_ += line + '\n';
         });
-        unit::ReplayResult result = unit::Replay(*recording, {RunProgram, res::ProgramResources()},
-                                                 log, [](const std::string&) {});
+        unit::ReplayResult result =
+            unit::Replay(*recording, TheProgram(), log, [](const std::string&) {});
         report_ = unit::ReplayReport(*recording, result);
         return result;
     }
@@ -190,16 +181,12 @@ TEST_F(Replays, ARecordingThatWasCutOffIsReplayedToItsEnd) {
 
 // Recordings against the host's clock, over both kinds of line, through the command itself.
 TEST_F(Replays, FreeRunningRecordingsAreAlike) {
-    const char* const lines[] = {"sim", "pty"};
-    std::vector<pid_t> children;
-    for (const char* line : lines)
-        children.push_back(Start(TOLVANE_BINARY,
-                                 {"--auto", "--speed", "8", "--com9", line, "--record", Path(line),
-                                  "--screens", Path("screens")},
-                                 line));
-    for (const pid_t child : children)
-        ASSERT_EQ(Wait(child), 0);
-    for (const char* line : lines) {
+    std::map<std::string, pid_t> children;
+    for (const char* line : {"sim", "pty"})
+        children[line] = Start(TOLVANE_BINARY,
+                               {"--auto", "--speed", "8", "--com9", line, "--record", Path(line)});
+    for (const auto& [line, child] : children) {
+        EXPECT_EQ(Wait(child), 0);
         EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path(line)}), 0) << Read("err");
         EXPECT_NE(Read("err").find(" alike, "), std::string::npos) << Read("err");
     }
