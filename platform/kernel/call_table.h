@@ -16,141 +16,146 @@ struct FailableCall {
     DWORD error;
 };
 
-// In order of the names.
+// In order of the names: CALL(name, error).
+#define PLATFORM_FAILABLE_CALLS(CALL)                            \
+    CALL(BeginPaint, ERROR_INVALID_WINDOW_HANDLE)                \
+    CALL(BitBlt, ERROR_INVALID_HANDLE)                           \
+    CALL(ClientToScreen, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(CloseHandle, ERROR_INVALID_HANDLE)                      \
+    CALL(CloseMsgQueue, ERROR_INVALID_HANDLE)                    \
+    CALL(CoInitializeEx, ERROR_OUTOFMEMORY)                      \
+    CALL(CreateBitmap, ERROR_NOT_ENOUGH_MEMORY)                  \
+    CALL(CreateCompatibleBitmap, ERROR_NOT_ENOUGH_MEMORY)        \
+    CALL(CreateCompatibleDC, ERROR_NOT_ENOUGH_MEMORY)            \
+    CALL(CreateDialogIndirectParamW, ERROR_NOT_ENOUGH_MEMORY)    \
+    CALL(CreateEventW, ERROR_OUTOFMEMORY)                        \
+    CALL(CreateFileW, ERROR_DEV_NOT_EXIST)                       \
+    CALL(CreateFontIndirectW, ERROR_NOT_ENOUGH_MEMORY)           \
+    CALL(CreateMsgQueue, ERROR_OUTOFMEMORY)                      \
+    CALL(CreateMutexW, ERROR_OUTOFMEMORY)                        \
+    CALL(CreateSolidBrush, ERROR_NOT_ENOUGH_MEMORY)              \
+    CALL(CreateThread, ERROR_OUTOFMEMORY)                        \
+    CALL(CreateWindowExW, ERROR_NOT_ENOUGH_MEMORY)               \
+    CALL(DeleteDC, ERROR_INVALID_HANDLE)                         \
+    CALL(DeleteObject, ERROR_INVALID_HANDLE)                     \
+    CALL(DestroyIcon, ERROR_INVALID_HANDLE)                      \
+    CALL(DestroyWindow, ERROR_INVALID_WINDOW_HANDLE)             \
+    CALL(DeviceIoControl, ERROR_GEN_FAILURE)                     \
+    CALL(DialogBoxIndirectParamW, ERROR_NOT_ENOUGH_MEMORY)       \
+    CALL(DrawTextW, ERROR_INVALID_HANDLE)                        \
+    CALL(EnableWindow, ERROR_INVALID_WINDOW_HANDLE)              \
+    CALL(EndDialog, ERROR_INVALID_WINDOW_HANDLE)                 \
+    CALL(EndPaint, ERROR_INVALID_HANDLE)                         \
+    CALL(FillRect, ERROR_INVALID_HANDLE)                         \
+    CALL(FindResourceW, ERROR_RESOURCE_NAME_NOT_FOUND)           \
+    CALL(FindWindowW, ERROR_CANNOT_FIND_WND_CLASS)               \
+    CALL(GetBkColor, ERROR_INVALID_HANDLE)                       \
+    CALL(GetBkMode, ERROR_INVALID_HANDLE)                        \
+    CALL(GetClassInfoW, ERROR_CLASS_DOES_NOT_EXIST)              \
+    CALL(GetClassNameW, ERROR_INVALID_WINDOW_HANDLE)             \
+    CALL(GetClientRect, ERROR_INVALID_WINDOW_HANDLE)             \
+    CALL(GetCommMask, ERROR_GEN_FAILURE)                         \
+    CALL(GetCommState, ERROR_GEN_FAILURE)                        \
+    CALL(GetCommTimeouts, ERROR_GEN_FAILURE)                     \
+    CALL(GetCurrentObject, ERROR_INVALID_HANDLE)                 \
+    CALL(GetDC, ERROR_INVALID_WINDOW_HANDLE)                     \
+    CALL(GetDeviceCaps, ERROR_INVALID_HANDLE)                    \
+    CALL(GetExitCodeThread, ERROR_INVALID_HANDLE)                \
+    CALL(GetFileVersionInfoSizeW, ERROR_RESOURCE_TYPE_NOT_FOUND) \
+    CALL(GetFileVersionInfoW, ERROR_RESOURCE_TYPE_NOT_FOUND)     \
+    CALL(GetMessageW, ERROR_INVALID_WINDOW_HANDLE)               \
+    CALL(GetModuleFileNameW, ERROR_MOD_NOT_FOUND)                \
+    CALL(GetModuleHandleW, ERROR_MOD_NOT_FOUND)                  \
+    CALL(GetMsgQueueInfo, ERROR_INVALID_HANDLE)                  \
+    CALL(GetObjectType, ERROR_INVALID_HANDLE)                    \
+    CALL(GetObjectW, ERROR_INVALID_HANDLE)                       \
+    CALL(GetParent, ERROR_INVALID_WINDOW_HANDLE)                 \
+    CALL(GetPixel, ERROR_INVALID_HANDLE)                         \
+    CALL(GetStockObject, ERROR_NOT_SUPPORTED)                    \
+    CALL(GetSysColorBrush, ERROR_INVALID_PARAMETER)              \
+    CALL(GetSystemMetrics, ERROR_INVALID_PARAMETER)              \
+    CALL(GetSystemPowerStatusEx2, ERROR_GEN_FAILURE)             \
+    CALL(GetTextColor, ERROR_INVALID_HANDLE)                     \
+    CALL(GetTextExtentPoint32W, ERROR_INVALID_HANDLE)            \
+    CALL(GetTextMetricsW, ERROR_INVALID_HANDLE)                  \
+    CALL(GetThreadPriority, ERROR_INVALID_HANDLE)                \
+    CALL(GetUpdateRect, ERROR_INVALID_WINDOW_HANDLE)             \
+    CALL(GetWindow, ERROR_INVALID_WINDOW_HANDLE)                 \
+    CALL(GetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
+    CALL(GetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(GetWindowRect, ERROR_INVALID_WINDOW_HANDLE)             \
+    CALL(GetWindowTextW, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(GetWindowThreadProcessId, ERROR_INVALID_WINDOW_HANDLE)  \
+    CALL(InitCommonControlsEx, ERROR_NOT_ENOUGH_MEMORY)          \
+    CALL(InvalidateRect, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(KernelIoControl, ERROR_NOT_SUPPORTED)                   \
+    CALL(KillTimer, ERROR_INVALID_PARAMETER)                     \
+    CALL(LoadAcceleratorsW, ERROR_RESOURCE_NAME_NOT_FOUND)       \
+    CALL(LoadCursorW, ERROR_RESOURCE_NAME_NOT_FOUND)             \
+    CALL(LoadIconW, ERROR_RESOURCE_NAME_NOT_FOUND)               \
+    CALL(LoadImageW, ERROR_RESOURCE_NAME_NOT_FOUND)              \
+    CALL(LoadResource, ERROR_INVALID_HANDLE)                     \
+    CALL(LoadStringW, ERROR_RESOURCE_NAME_NOT_FOUND)             \
+    CALL(LockResource, ERROR_INVALID_HANDLE)                     \
+    CALL(MoveWindow, ERROR_INVALID_WINDOW_HANDLE)                \
+    CALL(MsgWaitForMultipleObjects, ERROR_INVALID_HANDLE)        \
+    CALL(MsgWaitForMultipleObjectsEx, ERROR_INVALID_HANDLE)      \
+    CALL(OpenEventW, ERROR_FILE_NOT_FOUND)                       \
+    CALL(OpenMsgQueue, ERROR_OUTOFMEMORY)                        \
+    CALL(PatBlt, ERROR_INVALID_HANDLE)                           \
+    CALL(PostMessageW, ERROR_NOT_ENOUGH_QUOTA)                   \
+    CALL(PostThreadMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
+    CALL(PulseEvent, ERROR_INVALID_HANDLE)                       \
+    CALL(PurgeComm, ERROR_GEN_FAILURE)                           \
+    CALL(ReadFile, ERROR_GEN_FAILURE)                            \
+    CALL(ReadMsgQueue, ERROR_PIPE_NOT_CONNECTED)                 \
+    CALL(RegisterClassW, ERROR_NOT_ENOUGH_MEMORY)                \
+    CALL(RegisterWindowMessageW, ERROR_NOT_ENOUGH_MEMORY)        \
+    CALL(ReleaseDC, ERROR_DC_NOT_FOUND)                          \
+    CALL(ReleaseMutex, ERROR_NOT_OWNER)                          \
+    CALL(RequestPowerNotifications, ERROR_OUTOFMEMORY)           \
+    CALL(ResetEvent, ERROR_INVALID_HANDLE)                       \
+    CALL(ScreenToClient, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(SelectObject, ERROR_INVALID_HANDLE)                     \
+    CALL(SendMessageW, ERROR_INVALID_WINDOW_HANDLE)              \
+    CALL(SendNotifyMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
+    CALL(SetActiveWindow, ERROR_INVALID_WINDOW_HANDLE)           \
+    CALL(SetBkColor, ERROR_INVALID_HANDLE)                       \
+    CALL(SetBkMode, ERROR_INVALID_HANDLE)                        \
+    CALL(SetCommMask, ERROR_GEN_FAILURE)                         \
+    CALL(SetCommState, ERROR_GEN_FAILURE)                        \
+    CALL(SetCommTimeouts, ERROR_GEN_FAILURE)                     \
+    CALL(SetEvent, ERROR_INVALID_HANDLE)                         \
+    CALL(SetFocus, ERROR_INVALID_WINDOW_HANDLE)                  \
+    CALL(SetForegroundWindow, ERROR_INVALID_WINDOW_HANDLE)       \
+    CALL(SetPixel, ERROR_INVALID_HANDLE)                         \
+    CALL(SetSystemPowerState, ERROR_GEN_FAILURE)                 \
+    CALL(SetTextColor, ERROR_INVALID_HANDLE)                     \
+    CALL(SetThreadPriority, ERROR_INVALID_HANDLE)                \
+    CALL(SetTimer, ERROR_NOT_ENOUGH_MEMORY)                      \
+    CALL(SetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
+    CALL(SetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(SetWindowPos, ERROR_INVALID_WINDOW_HANDLE)              \
+    CALL(SetWindowTextW, ERROR_INVALID_WINDOW_HANDLE)            \
+    CALL(ShowWindow, ERROR_INVALID_WINDOW_HANDLE)                \
+    CALL(SizeofResource, ERROR_INVALID_HANDLE)                   \
+    CALL(StopPowerNotifications, ERROR_INVALID_HANDLE)           \
+    CALL(StretchBlt, ERROR_INVALID_HANDLE)                       \
+    CALL(TranslateAcceleratorW, ERROR_INVALID_ACCEL_HANDLE)      \
+    CALL(TransparentImage, ERROR_INVALID_HANDLE)                 \
+    CALL(UnregisterClassW, ERROR_CLASS_DOES_NOT_EXIST)           \
+    CALL(UpdateWindow, ERROR_INVALID_WINDOW_HANDLE)              \
+    CALL(ValidateRect, ERROR_INVALID_WINDOW_HANDLE)              \
+    CALL(VerQueryValueW, ERROR_RESOURCE_TYPE_NOT_FOUND)          \
+    CALL(WaitForMultipleObjects, ERROR_INVALID_HANDLE)           \
+    CALL(WaitForSingleObject, ERROR_INVALID_HANDLE)              \
+    CALL(WriteFile, ERROR_GEN_FAILURE)                           \
+    CALL(WriteMsgQueue, ERROR_PIPE_NOT_CONNECTED)
+
 inline constexpr FailableCall kFailableCalls[] = {
-    {"BeginPaint", ERROR_INVALID_WINDOW_HANDLE},
-    {"BitBlt", ERROR_INVALID_HANDLE},
-    {"ClientToScreen", ERROR_INVALID_WINDOW_HANDLE},
-    {"CloseHandle", ERROR_INVALID_HANDLE},
-    {"CloseMsgQueue", ERROR_INVALID_HANDLE},
-    {"CoInitializeEx", ERROR_OUTOFMEMORY},
-    {"CreateBitmap", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateCompatibleBitmap", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateCompatibleDC", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateDialogIndirectParamW", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateEventW", ERROR_OUTOFMEMORY},
-    {"CreateFileW", ERROR_DEV_NOT_EXIST},
-    {"CreateFontIndirectW", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateMsgQueue", ERROR_OUTOFMEMORY},
-    {"CreateMutexW", ERROR_OUTOFMEMORY},
-    {"CreateSolidBrush", ERROR_NOT_ENOUGH_MEMORY},
-    {"CreateThread", ERROR_OUTOFMEMORY},
-    {"CreateWindowExW", ERROR_NOT_ENOUGH_MEMORY},
-    {"DeleteDC", ERROR_INVALID_HANDLE},
-    {"DeleteObject", ERROR_INVALID_HANDLE},
-    {"DestroyIcon", ERROR_INVALID_HANDLE},
-    {"DestroyWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"DeviceIoControl", ERROR_GEN_FAILURE},
-    {"DialogBoxIndirectParamW", ERROR_NOT_ENOUGH_MEMORY},
-    {"DrawTextW", ERROR_INVALID_HANDLE},
-    {"EnableWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"EndDialog", ERROR_INVALID_WINDOW_HANDLE},
-    {"EndPaint", ERROR_INVALID_HANDLE},
-    {"FillRect", ERROR_INVALID_HANDLE},
-    {"FindResourceW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"FindWindowW", ERROR_CANNOT_FIND_WND_CLASS},
-    {"GetBkColor", ERROR_INVALID_HANDLE},
-    {"GetBkMode", ERROR_INVALID_HANDLE},
-    {"GetClassInfoW", ERROR_CLASS_DOES_NOT_EXIST},
-    {"GetClassNameW", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetClientRect", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetCommMask", ERROR_GEN_FAILURE},
-    {"GetCommState", ERROR_GEN_FAILURE},
-    {"GetCommTimeouts", ERROR_GEN_FAILURE},
-    {"GetCurrentObject", ERROR_INVALID_HANDLE},
-    {"GetDC", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetDeviceCaps", ERROR_INVALID_HANDLE},
-    {"GetExitCodeThread", ERROR_INVALID_HANDLE},
-    {"GetFileVersionInfoSizeW", ERROR_RESOURCE_TYPE_NOT_FOUND},
-    {"GetFileVersionInfoW", ERROR_RESOURCE_TYPE_NOT_FOUND},
-    {"GetMessageW", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetModuleFileNameW", ERROR_MOD_NOT_FOUND},
-    {"GetModuleHandleW", ERROR_MOD_NOT_FOUND},
-    {"GetMsgQueueInfo", ERROR_INVALID_HANDLE},
-    {"GetObjectType", ERROR_INVALID_HANDLE},
-    {"GetObjectW", ERROR_INVALID_HANDLE},
-    {"GetParent", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetPixel", ERROR_INVALID_HANDLE},
-    {"GetStockObject", ERROR_NOT_SUPPORTED},
-    {"GetSysColorBrush", ERROR_INVALID_PARAMETER},
-    {"GetSystemMetrics", ERROR_INVALID_PARAMETER},
-    {"GetSystemPowerStatusEx2", ERROR_GEN_FAILURE},
-    {"GetTextColor", ERROR_INVALID_HANDLE},
-    {"GetTextExtentPoint32W", ERROR_INVALID_HANDLE},
-    {"GetTextMetricsW", ERROR_INVALID_HANDLE},
-    {"GetThreadPriority", ERROR_INVALID_HANDLE},
-    {"GetUpdateRect", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindowLongPtrW", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindowLongW", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindowRect", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindowTextW", ERROR_INVALID_WINDOW_HANDLE},
-    {"GetWindowThreadProcessId", ERROR_INVALID_WINDOW_HANDLE},
-    {"InitCommonControlsEx", ERROR_NOT_ENOUGH_MEMORY},
-    {"InvalidateRect", ERROR_INVALID_WINDOW_HANDLE},
-    {"KernelIoControl", ERROR_NOT_SUPPORTED},
-    {"KillTimer", ERROR_INVALID_PARAMETER},
-    {"LoadAcceleratorsW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"LoadCursorW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"LoadIconW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"LoadImageW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"LoadResource", ERROR_INVALID_HANDLE},
-    {"LoadStringW", ERROR_RESOURCE_NAME_NOT_FOUND},
-    {"LockResource", ERROR_INVALID_HANDLE},
-    {"MoveWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"MsgWaitForMultipleObjects", ERROR_INVALID_HANDLE},
-    {"MsgWaitForMultipleObjectsEx", ERROR_INVALID_HANDLE},
-    {"OpenEventW", ERROR_FILE_NOT_FOUND},
-    {"OpenMsgQueue", ERROR_OUTOFMEMORY},
-    {"PatBlt", ERROR_INVALID_HANDLE},
-    {"PostMessageW", ERROR_NOT_ENOUGH_QUOTA},
-    {"PostThreadMessageW", ERROR_NOT_ENOUGH_QUOTA},
-    {"PulseEvent", ERROR_INVALID_HANDLE},
-    {"PurgeComm", ERROR_GEN_FAILURE},
-    {"ReadFile", ERROR_GEN_FAILURE},
-    {"ReadMsgQueue", ERROR_PIPE_NOT_CONNECTED},
-    {"RegisterClassW", ERROR_NOT_ENOUGH_MEMORY},
-    {"RegisterWindowMessageW", ERROR_NOT_ENOUGH_MEMORY},
-    {"ReleaseDC", ERROR_DC_NOT_FOUND},
-    {"ReleaseMutex", ERROR_NOT_OWNER},
-    {"RequestPowerNotifications", ERROR_OUTOFMEMORY},
-    {"ResetEvent", ERROR_INVALID_HANDLE},
-    {"ScreenToClient", ERROR_INVALID_WINDOW_HANDLE},
-    {"SelectObject", ERROR_INVALID_HANDLE},
-    {"SendMessageW", ERROR_INVALID_WINDOW_HANDLE},
-    {"SendNotifyMessageW", ERROR_NOT_ENOUGH_QUOTA},
-    {"SetActiveWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetBkColor", ERROR_INVALID_HANDLE},
-    {"SetBkMode", ERROR_INVALID_HANDLE},
-    {"SetCommMask", ERROR_GEN_FAILURE},
-    {"SetCommState", ERROR_GEN_FAILURE},
-    {"SetCommTimeouts", ERROR_GEN_FAILURE},
-    {"SetEvent", ERROR_INVALID_HANDLE},
-    {"SetFocus", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetForegroundWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetPixel", ERROR_INVALID_HANDLE},
-    {"SetSystemPowerState", ERROR_GEN_FAILURE},
-    {"SetTextColor", ERROR_INVALID_HANDLE},
-    {"SetThreadPriority", ERROR_INVALID_HANDLE},
-    {"SetTimer", ERROR_NOT_ENOUGH_MEMORY},
-    {"SetWindowLongPtrW", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetWindowLongW", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetWindowPos", ERROR_INVALID_WINDOW_HANDLE},
-    {"SetWindowTextW", ERROR_INVALID_WINDOW_HANDLE},
-    {"ShowWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"SizeofResource", ERROR_INVALID_HANDLE},
-    {"StopPowerNotifications", ERROR_INVALID_HANDLE},
-    {"StretchBlt", ERROR_INVALID_HANDLE},
-    {"TranslateAcceleratorW", ERROR_INVALID_ACCEL_HANDLE},
-    {"TransparentImage", ERROR_INVALID_HANDLE},
-    {"UnregisterClassW", ERROR_CLASS_DOES_NOT_EXIST},
-    {"UpdateWindow", ERROR_INVALID_WINDOW_HANDLE},
-    {"ValidateRect", ERROR_INVALID_WINDOW_HANDLE},
-    {"VerQueryValueW", ERROR_RESOURCE_TYPE_NOT_FOUND},
-    {"WaitForMultipleObjects", ERROR_INVALID_HANDLE},
-    {"WaitForSingleObject", ERROR_INVALID_HANDLE},
-    {"WriteFile", ERROR_GEN_FAILURE},
-    {"WriteMsgQueue", ERROR_PIPE_NOT_CONNECTED},
+#define PLATFORM_ROW(name, error) {#name, error},
+    PLATFORM_FAILABLE_CALLS(PLATFORM_ROW)
+#undef PLATFORM_ROW
 };
 
 // Calls that have no failure to show: they return nothing, a plain fact, or what the program's own

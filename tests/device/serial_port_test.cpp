@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/kernel/scheduler.h"
-#include "tests/support/crew.h"
+#include "tests/support/platform_test.h"
 #include "tests/support/memory_port.h"
 
 namespace {

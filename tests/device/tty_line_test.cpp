@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "platform/device/serial_port.h"
-#include "tests/support/crew.h"
+#include "tests/support/platform_test.h"
 #include "tests/support/platform_fixture.h"
 
 namespace {

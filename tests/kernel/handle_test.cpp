@@ -1,18 +1,9 @@
-#include <msgqueue.h>
-#include <windows.h>
+#include "tests/support/platform_test.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
-#include "platform/kernel/kernel.h"
-#include "tests/support/platform_fixture.h"
-
+namespace tests {
 namespace {
 
-namespace kernel = platform::kernel;
 using platform::NamedKind;
-using tests::Platform;
 
 constexpr wchar_t kShared[] = L"shared";
 
@@ -21,106 +12,83 @@ HANDLE MakeQueue(LPCWSTR name) {
     return CreateMsgQueue(name, &options);
 }
 
-struct HandleCall {
-    const char* name;
-    bool (*succeeds)(HANDLE);
-    bool accepts_event;
-};
-
-BYTE g_buffer[64];
-DWORD g_count = 0;
-
-const HandleCall kCalls[] = {
-    {"CloseHandle", [](HANDLE handle) { return CloseHandle(handle) != 0; }, true},
-    {"CloseMsgQueue", [](HANDLE handle) { return CloseMsgQueue(handle) != 0; }, false},
-    {"SetEvent", [](HANDLE handle) { return SetEvent(handle) != 0; }, true},
-    {"Wait", [](HANDLE handle) { return WaitForSingleObject(handle, 0) != WAIT_FAILED; }, true},
-    {"WriteMsgQueue", [](HANDLE handle) { return WriteMsgQueue(handle, g_buffer, 9, 0, 0) != 0; },
-     false},
-    {"ReadFile",
-     [](HANDLE handle) { return ReadFile(handle, g_buffer, 1, &g_count, nullptr) != 0; }, false},
-};
-
-TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
-    Platform platform;
-    platform.Run([] {
-        const HANDLE stale = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        EXPECT_TRUE(CloseHandle(stale));
-        const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        const HANDLE reader = MakeQueue(nullptr);
-        for (const HandleCall& call : kCalls) {
-            std::vector<HANDLE> wrong = {nullptr, INVALID_HANDLE_VALUE, stale,
-                                         reinterpret_cast<HANDLE>(ULONG_PTR{0x123456789ABCDEF4})};
-            if (!call.accepts_event)
-                wrong.push_back(event);
-            for (const HANDLE handle : wrong) {
-                SetLastError(0);
-                EXPECT_FALSE(call.succeeds(handle)) << call.name << ' ' << handle;
-                EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE) << call.name << ' ' << handle;
-            }
+PLATFORM_TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
+    static BYTE buffer[9];
+    static DWORD count = 0;
+    const struct {
+        BOOL (*call)(HANDLE);
+        bool accepts_event;
+    } cases[] = {
+        {[](HANDLE h) { return CloseHandle(h); }, true},
+        {[](HANDLE h) { return CloseMsgQueue(h); }, false},
+        {[](HANDLE h) { return SetEvent(h); }, true},
+        {[](HANDLE h) { return BOOL(WaitForSingleObject(h, 0) != WAIT_FAILED); }, true},
+        {[](HANDLE h) { return WriteMsgQueue(h, buffer, 9, 0, 0); }, false},
+        {[](HANDLE h) { return ReadFile(h, buffer, 1, &count, nullptr); }, false},
+    };
+    const HANDLE stale = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    EXPECT_TRUE(CloseHandle(stale));
+    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE reader = MakeQueue(nullptr);
+    for (const HANDLE wrong : {HANDLE{nullptr}, INVALID_HANDLE_VALUE, stale, event,
+                               reinterpret_cast<HANDLE>(ULONG_PTR{0x123456789ABCDEF4})})
+        for (const auto& [call, accepts_event] : cases) {
+            SCOPED_TRACE(testing::Message() << wrong);
+            if (wrong != event || !accepts_event)
+                ExpectFails(ERROR_INVALID_HANDLE, [&] { return call(wrong); });
         }
-        EXPECT_FALSE(WriteMsgQueue(reader, g_buffer, 9, 0, 0)) << "the queue's other end";
-        EXPECT_TRUE(CloseHandle(reader));
-        EXPECT_TRUE(CloseHandle(event));
-    });
+    EXPECT_FALSE(WriteMsgQueue(reader, buffer, 9, 0, 0)) << "the queue's other end";
+    EXPECT_TRUE(CloseHandle(reader));
+    EXPECT_TRUE(CloseHandle(event));
 }
 
-TEST(Handles, RunningOutIsAnErrorNotAMixUp) {
-    Platform platform;
-    platform.Run([] {
-        std::vector<HANDLE> events;
-        while (const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr))
-            events.push_back(event);
-        EXPECT_EQ(GetLastError(), ERROR_OUTOFMEMORY);
-        for (const HANDLE open : events)
-            EXPECT_TRUE(CloseHandle(open));
-    });
+PLATFORM_TEST(Handles, RunningOutIsAnErrorNotAMixUp) {
+    std::vector<HANDLE> events;
+    while (const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr))
+        events.push_back(event);
+    EXPECT_EQ(GetLastError(), ERROR_OUTOFMEMORY);
+    for (const HANDLE open : events)
+        EXPECT_TRUE(CloseHandle(open));
 }
-
-struct Maker {
-    NamedKind kind;
-    HANDLE (*make)();
-};
-
-const Maker kMakers[] = {
-    {NamedKind::kEvent, [] { return CreateEventW(nullptr, TRUE, TRUE, kShared); }},
-    {NamedKind::kMutex, [] { return CreateMutexW(nullptr, TRUE, kShared); }},
-    {NamedKind::kMessageQueue, [] { return MakeQueue(kShared); }},
-};
 
 // Of all kinds and processes there is one object of a name, until its last handle is closed.
 TEST(Names, AreSharedByAllKindsAndWithTheNeighbours) {
-    for (const Maker& maker : kMakers)
+    const std::pair<NamedKind, HANDLE (*)()> makers[] = {
+        {NamedKind::kEvent, [] { return CreateEventW(nullptr, TRUE, TRUE, kShared); }},
+        {NamedKind::kMutex, [] { return CreateMutexW(nullptr, TRUE, kShared); }},
+        {NamedKind::kMessageQueue, [] { return MakeQueue(kShared); }},
+    };
+    for (const auto& [kind, make] : makers)
         for (const NamedKind there :
              {NamedKind::kNone, NamedKind::kEvent, NamedKind::kMutex, NamedKind::kMessageQueue}) {
             Platform platform;
             platform.board.neighbour.objects[kShared] = there;
-            platform.Run([&] {
+            platform.Run([&, kind = kind, make = make] {
                 const bool free = there == NamedKind::kNone;
-                const bool fits = free || there == maker.kind;
-                const HANDLE handle = maker.make();
+                const bool fits = free || there == kind;
+                const HANDLE handle = make();
                 EXPECT_EQ(handle != nullptr, fits);
                 EXPECT_EQ(GetLastError(), free   ? ERROR_SUCCESS
                                           : fits ? ERROR_ALREADY_EXISTS
                                                  : ERROR_INVALID_HANDLE);
-                EXPECT_EQ(kernel::FindNamedKind(kShared), fits ? maker.kind : NamedKind::kNone);
+                EXPECT_EQ(kernel::FindNamedKind(kShared), fits ? kind : NamedKind::kNone);
                 if (!fits)
                     return;
                 // What stands in for another process's object has no state to work with.
                 EXPECT_EQ(WaitForSingleObject(handle, 0) == WAIT_FAILED, !free);
-                EXPECT_EQ(SetEvent(handle), free && maker.kind == NamedKind::kEvent);
+                EXPECT_EQ(SetEvent(handle), free && kind == NamedKind::kEvent);
 
                 // A second handle keeps the name without asking again, the neighbour gone or not.
                 platform.board.neighbour.objects.clear();
-                const HANDLE second = maker.make();
+                const HANDLE second = make();
                 EXPECT_EQ(GetLastError(), ERROR_ALREADY_EXISTS);
-                for (const Maker& other : kMakers)
-                    EXPECT_TRUE(other.kind == maker.kind || other.make() == nullptr);
+                for (const auto& [other_kind, make_other] : makers)
+                    EXPECT_TRUE(other_kind == kind || make_other() == nullptr);
                 EXPECT_EQ(platform.board.neighbour.questions, 1);
                 EXPECT_TRUE(CloseHandle(second));
-                EXPECT_TRUE(maker.kind == NamedKind::kMessageQueue ? CloseMsgQueue(handle)
-                                                                   : CloseHandle(handle));
-                const HANDLE third = maker.make();
+                EXPECT_TRUE(kind == NamedKind::kMessageQueue ? CloseMsgQueue(handle)
+                                                             : CloseHandle(handle));
+                const HANDLE third = make();
                 EXPECT_EQ(GetLastError(), ERROR_SUCCESS) << "the name is free again";
                 EXPECT_TRUE(CloseHandle(third));
             });
@@ -128,3 +96,4 @@ TEST(Names, AreSharedByAllKindsAndWithTheNeighbours) {
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,46 +1,35 @@
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
-#include <string>
 #include <thread>
 
-#include "platform/kernel/scheduler.h"
-#include "tests/support/crew.h"
-#include "tests/support/platform_fixture.h"
-#include "tests/support/run_modes.h"
+#include "tests/support/platform_test.h"
 
+namespace tests {
 namespace {
 
-namespace kernel = platform::kernel;
-using std::chrono::milliseconds;
-using tests::Platform;
-
-class Hardware : public tests::InEveryMode {
+class Hardware : public InEveryMode {
   protected:
     Platform platform{GetParam().options};
     std::string order;
 };
+INSTANTIATE_IN_EVERY_MODE(Hardware);
 
 TEST_P(Hardware, ActionsRunInOrderOfTimeThenOfArrival) {
     const kernel::Time start = kernel::Now();
-    const auto plan = [&](int milliseconds_from_start, const char* what) {
-        return kernel::At(start + milliseconds(milliseconds_from_start),
-                          [this, what] { order += what; });
+    const auto plan = [&](kernel::Duration from_start, const char* what) {
+        return kernel::At(start + from_start, [this, what] { order += what; });
     };
-    plan(20, "late ");
-    plan(10, "first ");
-    plan(10, "second ");
-    kernel::At(start - milliseconds(10), [&] {
+    plan(20ms, "late ");
+    plan(10ms, "first ");
+    plan(10ms, "second ");
+    kernel::At(start - 10ms, [&] {
         order += "overdue ";
-        plan(0, "nested ");
+        plan(0ms, "nested ");
     });
-    const kernel::EventId cancelled = plan(15, "cancelled ");
+    const kernel::EventId cancelled = plan(15ms, "cancelled ");
     for (const kernel::EventId id : {cancelled, cancelled, kernel::EventId{987654}})
         kernel::Cancel(id);
-    platform.RunFor(milliseconds(20));
+    platform.RunFor(20ms);
     EXPECT_EQ(order, "overdue nested first second late ");
 }
 
@@ -57,11 +46,10 @@ TEST_P(Hardware, StartsNoOtherActionUnlessItWaits) {
         order += "first ";
     });
     kernel::After({}, [&] { order += "other "; });
-    platform.RunFor(milliseconds(1));
+    platform.RunFor(1ms);
     EXPECT_EQ(order, "first other ");
 
-    tests::Crew crew;
-    crew.Start([=] {
+    Crew crew([=] {
         WaitForSingleObject(question, INFINITE);
         Sleep(30);
         SetEvent(answer);
@@ -70,23 +58,20 @@ TEST_P(Hardware, StartsNoOtherActionUnlessItWaits) {
     EXPECT_EQ(WaitForSingleObject(answer, 10), WAIT_TIMEOUT);
     SetEvent(question);
     EXPECT_EQ(WaitForSingleObject(answer, INFINITE), WAIT_OBJECT_0);
-    EXPECT_GE(kernel::Now(), start + milliseconds(40));
+    EXPECT_GE(kernel::Now(), start + 40ms);
     crew.Join();
     CloseHandle(question);
     CloseHandle(answer);
 }
 
-INSTANTIATE_IN_EVERY_MODE(Hardware);
-
 // An event loop outside the kernel is told that there is something to do, and runs it by itself.
 TEST(FreeRunning, WakerAndDueActionsServeAnEventLoopOutside) {
     Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 100});
     std::atomic<int> wakes = 0;
-    std::atomic<bool> ran = false;
+    bool ran = false;
     kernel::SetHardwareWaker([&] { ++wakes; });
     EXPECT_EQ(kernel::RunDueActions(), kernel::kNever);
-    tests::Crew crew;
-    crew.Start([&] { kernel::After(milliseconds(20), [&] { ran = true; }); });
+    const Crew crew([&] { kernel::After(20ms, [&] { ran = true; }); });
     while (wakes == 0)
         std::this_thread::yield();
     while (!ran)
@@ -104,16 +89,16 @@ TEST(FreeRunning, HardwareSleepsThroughNoWake) {
         bool asked = false;
         const kernel::Time start = kernel::Now();
         EXPECT_TRUE(kernel::RunHardware([&] {
-            if (asked)
+            if (std::exchange(asked, true))
                 return true;
-            asked = true;
             kernel::KernelLock lock = kernel::LockKernel();
             kernel::Wake(lock);
             return false;
         }));
         shortest = std::min(shortest, kernel::Now() - start);
     }
-    EXPECT_LT(shortest, milliseconds(40));
+    EXPECT_LT(shortest, 40ms);
 }
 
 }  // namespace
+}  // namespace tests

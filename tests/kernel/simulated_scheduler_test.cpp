@@ -1,121 +1,77 @@
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <set>
-#include <string>
 
-#include "platform/kernel/scheduler.h"
-#include "tests/support/crew.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/support/platform_test.h"
 
+namespace tests {
 namespace {
 
-namespace kernel = platform::kernel;
-using tests::Crew;
-using tests::Platform;
-
-TEST(SimulatedScheduler, MoreUrgentThreadRunsBeforeTheNextCall) {
-    Platform platform;
+PLATFORM_TEST(SimulatedScheduler, MoreUrgentThreadRunsBeforeTheNextCall) {
     std::string order;
-    platform.Run([&] {
-        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-        Crew crew;
-        for (const int priority : {5, 0, 2, THREAD_PRIORITY_NORMAL})
-            crew.Start(
-                [&order, event, priority] {
-                    WaitForSingleObject(event, INFINITE);
-                    order += std::to_string(priority) + ' ';
-                },
-                priority);
-        Sleep(1);
-        SetEvent(event);
-        GetTickCount();
-        order += "waker ";
-        SetThreadPriority(GetCurrentThread(), 4);
-        GetTickCount();
-        order += "lowered ";
-        crew.Join();
-        CloseHandle(event);
-    });
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    Crew crew;
+    for (const int priority : {5, 0, 2, THREAD_PRIORITY_NORMAL})
+        crew.Start(
+            [&order, event, priority] {
+                WaitForSingleObject(event, INFINITE);
+                order += std::to_string(priority) + ' ';
+            },
+            priority);
+    Sleep(1);
+    SetEvent(event);
+    GetTickCount();
+    order += "waker ";
+    SetThreadPriority(GetCurrentThread(), 4);
+    GetTickCount();
+    order += "lowered ";
+    crew.Join();
+    CloseHandle(event);
     EXPECT_EQ(order, "0 2 waker 3 lowered 5 ");
 }
 
-// What three busy threads of one priority did, and when.
-std::wstring History(const kernel::Options& options) {
-    Platform platform(options);
-    platform.Run([&] {
-        CRITICAL_SECTION section;
-        InitializeCriticalSection(&section);
-        const HANDLE event = CreateEventW(nullptr, FALSE, TRUE, nullptr);
-        Crew crew;
-        for (int name = 0; name < 3; ++name)
-            crew.Start([&section, event, name] {
-                for (int round = 0; round < 10; ++round) {
-                    EnterCriticalSection(&section);
-                    NKDbgPrintfW(L"%d:%d at %u\r\n", name, round, GetTickCount());
-                    LeaveCriticalSection(&section);
-                    WaitForSingleObject(event, 5);
-                    SetEvent(event);
-                    if (round % 3 == name)
-                        Sleep(static_cast<DWORD>(round));
-                }
-            });
-        crew.Join();
-        CloseHandle(event);
-        DeleteCriticalSection(&section);
-    });
-    return platform.board.debug_output();
-}
-
-TEST(SimulatedScheduler, SameSeedSameHistory) {
-    for (const bool preempt : {false, true}) {
-        std::set<std::wstring> histories;
-        for (std::uint64_t seed = 1; seed <= 10; ++seed) {
-            const kernel::Options options{.seed = seed, .preempt = preempt};
-            const std::wstring history = History(options);
-            EXPECT_EQ(std::count(history.begin(), history.end(), L'\n'), 30);
-            EXPECT_TRUE(History(options) == history) << "seed " << seed << " preempt " << preempt;
-            histories.insert(history);
-        }
-        EXPECT_GT(histories.size(), 5U) << "preempt " << preempt;
-    }
-}
-
-TEST(SimulatedScheduler, OnlyPreemptionInterleavesThreadsThatNeverWait) {
-    for (const bool preempt : {false, true}) {
-        Platform platform({.preempt = preempt});
+// The same seed makes the same history, another one another; only preemption interleaves threads
+// that never wait.
+TEST(SimulatedScheduler, FollowsItsSeed) {
+    const auto history = [](std::uint64_t seed, bool preempt, bool waits) {
         std::string order;
-        platform.Run([&] {
+        const auto run = [&] {
             Crew crew;
-            for (const char name : {'a', 'b'})
-                crew.Start([&order, name] {
+            for (const char name : {'a', 'b', 'c'})
+                crew.Start([&, name] {
                     for (int call = 0; call < 100; ++call) {
                         order += name;
-                        GetTickCount();
+                        waits ? Sleep(1) : void(GetTickCount());
                     }
                 });
-        });
+        };
+        OnPlatform(run, {.seed = seed, .preempt = preempt});
+        return order;
+    };
+    for (const bool preempt : {false, true}) {
+        std::set<std::string> histories;
+        for (std::uint64_t seed = 1; seed <= 10; ++seed) {
+            histories.insert(history(seed, preempt, true));
+            EXPECT_EQ(histories.count(history(seed, preempt, true)), 1U) << "seed " << seed;
+        }
+        EXPECT_GT(histories.size(), 5U) << "preempt " << preempt;
+        std::string order = history(1, preempt, false);
         order.erase(std::unique(order.begin(), order.end()), order.end());
-        EXPECT_EQ(order.size() > 2, preempt) << order;
+        EXPECT_EQ(order.size() > 3, preempt) << order;
     }
 }
 
 TEST(SimulatedScheduler, UnitWithEveryThreadBlockedIsReportedAsStalled) {
     Platform platform;
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    bool ended = false;
-    const auto thread = kernel::StartThread([&] {
-        WaitForSingleObject(event, INFINITE);
-        ended = true;
-        return DWORD{0};
-    });
-    EXPECT_FALSE(kernel::RunHardware([&] { return ended; }));
+    const auto thread =
+        kernel::StartThread([=] { return DWORD{WaitForSingleObject(event, INFINITE)}; });
+    const auto ended = [&] { return thread->ended; };
+    EXPECT_FALSE(kernel::RunHardware(ended));
     SetEvent(event);
-    EXPECT_TRUE(kernel::RunHardware([&] { return ended; }));
+    EXPECT_TRUE(kernel::RunHardware(ended));
     EXPECT_FALSE(kernel::RunHardware([] { return false; })) << "nobody is left at all";
     CloseHandle(event);
 }
 
 }  // namespace
+}  // namespace tests

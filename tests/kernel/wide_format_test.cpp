@@ -6,64 +6,59 @@
 
 namespace {
 
-struct PrintCase {
-    const wchar_t* expected;
-    const wchar_t* format;
-    std::wstring printed;
-};
+struct Printed {
+    template <class... Arguments>
+    Printed(const wchar_t* text, const wchar_t* how, Arguments... arguments)
+        : expected(text), format(how) {
+        const int length = wsprintfW(buffer, format, arguments...);
+        EXPECT_EQ(length, lstrlenW(buffer));
+    }
 
-template <class... Arguments>
-PrintCase Print(const wchar_t* expected, const wchar_t* format, Arguments... arguments) {
+    std::wstring expected;
+    const wchar_t* format;
     wchar_t buffer[1024];
-    const int length = wsprintfW(buffer, format, arguments...);
-    EXPECT_EQ(length, lstrlenW(buffer)) << length;
-    return {expected, format, buffer};
-}
+};
 
 // What the API's own formatter prints, by its documentation; none of it from a run of this one.
 TEST(WideFormat, PrintsAsTheApiDoes) {
     const char unterminated[] = {'a', 'b'};
+    const std::wstring long_text(1500, L'x');
     const wchar_t* const no_text = nullptr;
-    const PrintCase rows[] = {
-        Print(L"", L""),
-        Print(L"100%", L"%d%%", 100),
-        Print(L"-7 4294967295 -1", L"%d %u %i", -7, -1, 0xFFFFFFFFU),
-        Print(L"ff FF 10 0xff 0XFF 010", L"%x %X %o %#x %#X %#o", 255, 255, 8, 255, 255, 8),
-        Print(L"0 0 010", L"%#x %#o %#.3o", 0, 0, 8),
-        Print(L"+5 -5  5 5", L"%+d %+d % d %+u", 5, -5, 5, 5),
-        Print(L"|   42|42   |00042|-0042|", L"|%5d|%-5d|%05d|%05d|", 42, 42, 42, -42),
-        Print(L"|0x00ff|  0xff|0xff  |", L"|%#06x|%#6x|%-#6x|", 255, 255, 255),
-        Print(L"|007|     007|     007|", L"|%.3d|%8.3d|%08.3d|", 7, 7, 7),
-        Print(L"||1|", L"|%.0d|%.0d|", 0, 1),
-        Print(L"|   42|42   |007|7", L"|%*d|%*d|%.*d|%.*d", 5, 42, -5, 42, 3, 7, -1, 7),
-        Print(L"-2147483648 80000000", L"%d %x", static_cast<int>(0x80000000U), 0x80000000U),
-        Print(L"-9223372036854775808", L"%I64d", static_cast<LONGLONG>(1ULL << 63)),
-        Print(L"18446744073709551615 ffffffffff", L"%I64u %llx", ~0ULL, 0xFFFFFFFFFFULL),
-        Print(L"-2 4294967294 fffffffe", L"%ld %lu %lx", -2, -2, -2),
-        Print(L"4464 1 ffff", L"%hd %hu %hx", 70000, 65537, -1),
-        Print(L"wide narrow", L"%s %S", L"wide", "narrow"),
-        Print(L"wide wide narrow narrow", L"%ls %lS %hs %hS", L"wide", L"wide", "narrow", "narrow"),
-        Print(L"|  ab|ab  |ab|", L"|%4s|%-4S|%.2s|", L"ab", "ab", L"abc"),
-        Print(L"ab a", L"%.2S %.*S", unterminated, 1, unterminated),
-        Print(L"(null) (null)", L"%s %S", no_text, no_text),
-        Print(L"AA\u3042 \u00E9", L"%c%C%c %C", L'A', 'A', L'\u3042', '\xE9'),
-        Print(L"|  x|x  |", L"|%3c|%-3c|", L'x', L'x'),
-        Print(L"0000000012ABCDEF", L"%p", reinterpret_cast<void*>(0x12ABCDEF)),
-        Print(L"%q %y 5", L"%q %y %d", 5),
-        Print(L"cut %", L"cut %"),
-        Print(L"cut %-5", L"cut %-5"),
-        Print(L"KESTA\tCOM_Init, CreateFile() fail!!!, ErrorCode(55), SerialPort.cpp(42)\r\n",
-              L"%s\t%S, CreateFile() fail!!!, ErrorCode(%d), %S(%d)\r\n", L"KESTA", "COM_Init", 55,
-              "SerialPort.cpp", 42),
+    const Printed rows[] = {
+        {L"", L""},
+        {L"100%", L"%d%%", 100},
+        {L"-7 4294967295 -1", L"%d %u %i", -7, -1, 0xFFFFFFFFU},
+        {L"ff FF 10 0xff 0XFF 010", L"%x %X %o %#x %#X %#o", 255, 255, 8, 255, 255, 8},
+        {L"0 0 010", L"%#x %#o %#.3o", 0, 0, 8},
+        {L"+5 -5  5 5", L"%+d %+d % d %+u", 5, -5, 5, 5},
+        {L"|   42|42   |00042|-0042|", L"|%5d|%-5d|%05d|%05d|", 42, 42, 42, -42},
+        {L"|0x00ff|  0xff|0xff  |", L"|%#06x|%#6x|%-#6x|", 255, 255, 255},
+        {L"|007|     007|     007|", L"|%.3d|%8.3d|%08.3d|", 7, 7, 7},
+        {L"||1|", L"|%.0d|%.0d|", 0, 1},
+        {L"|   42|42   |007|7", L"|%*d|%*d|%.*d|%.*d", 5, 42, -5, 42, 3, 7, -1, 7},
+        {L"-2147483648 80000000", L"%d %x", static_cast<int>(0x80000000U), 0x80000000U},
+        {L"-9223372036854775808", L"%I64d", static_cast<LONGLONG>(1ULL << 63)},
+        {L"18446744073709551615 ffffffffff", L"%I64u %llx", ~0ULL, 0xFFFFFFFFFFULL},
+        {L"-2 4294967294 fffffffe", L"%ld %lu %lx", -2, -2, -2},
+        {L"4464 1 ffff", L"%hd %hu %hx", 70000, 65537, -1},
+        {L"wide narrow", L"%s %S", L"wide", "narrow"},
+        {L"wide wide narrow narrow", L"%ls %lS %hs %hS", L"wide", L"wide", "narrow", "narrow"},
+        {L"|  ab|ab  |ab|", L"|%4s|%-4S|%.2s|", L"ab", "ab", L"abc"},
+        {L"ab a", L"%.2S %.*S", unterminated, 1, unterminated},
+        {L"(null) (null)", L"%s %S", no_text, no_text},
+        {L"AA\u3042 \u00E9", L"%c%C%c %C", L'A', 'A', L'\u3042', '\xE9'},
+        {L"|  x|x  |", L"|%3c|%-3c|", L'x', L'x'},
+        {L"0000000012ABCDEF", L"%p", reinterpret_cast<void*>(0x12ABCDEF)},
+        {L"%q %y 5", L"%q %y %d", 5},
+        {L"cut %", L"cut %"},
+        {L"cut %-5", L"cut %-5"},
+        {L"KESTA\tCOM_Init, CreateFile() fail!!!, ErrorCode(55), SerialPort.cpp(42)\r\n",
+         L"%s\t%S, CreateFile() fail!!!, ErrorCode(%d), %S(%d)\r\n", L"KESTA", "COM_Init", 55,
+         "SerialPort.cpp", 42},
+        {long_text.substr(0, 1023).c_str(), L"%s", long_text.c_str()},
     };
-    for (const PrintCase& row : rows)
-        EXPECT_EQ(row.printed, row.expected) << testing::PrintToString(row.format);
-}
-
-TEST(WideFormat, ResultHasAtMost1023Characters) {
-    const std::wstring longer(1500, L'x');
-    const PrintCase row = Print(L"", L"%s", longer.c_str());
-    EXPECT_EQ(row.printed, std::wstring(1023, L'x'));
+    for (const Printed& row : rows)
+        EXPECT_EQ(row.buffer, row.expected) << testing::PrintToString(row.format);
 }
 
 }  // namespace

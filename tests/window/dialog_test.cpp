@@ -51,7 +51,7 @@ TEST(Dialog, EndsInManyWays) {
         {"it is destroyed itself", true, [](HWND, HWND dialog) { DestroyWindow(dialog); }, 0},
         {"its thread quits", true, [](HWND, HWND) { PostQuitMessage(8); }, 0, true, true},
         {"ended by another thread", true,
-         [](HWND, HWND dialog) { ApiThread([=] { EndDialog(dialog, 6); }); }, 6},
+         [](HWND, HWND dialog) { Crew([=] { EndDialog(dialog, 6); }); }, 6},
         {"its owner was disabled", true, [](HWND, HWND dialog) { EndDialog(dialog, 7); }, 7, true,
          false, kDisabled},
     };

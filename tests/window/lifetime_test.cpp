@@ -95,7 +95,7 @@ PLATFORM_TEST(Destruction, IsForTheWindowsThreadAndTakesOwnedWindowsAlongFirst) 
 }
 
 PLATFORM_TEST(Destruction, ComesWithTheEndOfTheThread) {
-    ApiThread([] {
+    Crew([] {
         const HWND left = MakePlain(L"Plain");
         SetTimer(left, 1, 10, NULL);
         EXPECT_EQ(GetForegroundWindow(), left);
@@ -158,7 +158,7 @@ TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
         const TestWindow visible, hidden,
             disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
         visible.Show();
-        ApiThread([=] {
+        Crew([=] {
             EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));
             window::PostToAll(other, 3, 4);
         });

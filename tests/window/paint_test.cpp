@@ -82,7 +82,7 @@ PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentM
     };
     PostMessageW(target, kPosted, 0, 0);
     bool returned = false;
-    const ApiThread peer([&] {
+    const Crew peer([&] {
         update();
         returned = true;
         SendMessageW(target, kSent, 0, 0);
@@ -94,7 +94,7 @@ PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentM
     EXPECT_EQ(target.Order(interesting), (Numbers{kSent, WM_PAINT, kPosted}));
 
     // Painted meanwhile: nothing is left of the request.
-    ApiThread{update};
+    Crew{update};
     UpdateWindow(target);
     target.Forget();
     PostMessageW(target, kPosted, 0, 0);

@@ -19,7 +19,7 @@ PLATFORM_TEST(Retrieval, SentBeforePostedBeforeQuitBeforeTouchBeforeTimerBeforeP
     window::TouchScreen(Touch::kDown, 5, 5);
     PostQuitMessage(7);
     PostMessageW(target, kPosted, 0, 0);
-    const ApiThread peer([&] { SendMessageW(target, kSent, 0, 0); });
+    const Crew peer([&] { SendMessageW(target, kSent, 0, 0); });
     Sleep(1);
 
     const Numbers order{kPosted, WM_QUIT, WM_LBUTTONDOWN, WM_TIMER, WM_PAINT};
@@ -60,7 +60,7 @@ PLATFORM_TEST(Retrieval, AFilterTakesWhatItNamesAndLeavesTheRestInOrder) {
 PLATFORM_TEST(Retrieval, AStaleFilterWindowIsAnErrorAlsoWhileWaiting) {
     MSG message{};
     const TestWindow target(On(kSent, [](HWND handle, WPARAM) { return !DestroyWindow(handle); }));
-    const ApiThread peer([&] {
+    const Crew peer([&] {
         Sleep(50);
         SendMessageW(target, kSent, 0, 0);
     });
@@ -80,7 +80,7 @@ PLATFORM_TEST(Posting, ToAFullQueueFailsUntilSomethingWasFetched) {
     MSG message{};
     EXPECT_TRUE(PeekMessageW(&message, NULL, 0, 0, PM_REMOVE));
     EXPECT_TRUE(post());
-    ApiThread peer([&] {
+    Crew peer([&] {
         const auto notify = [&] { return SendNotifyMessageW(target, kSent, 0, 0); };
         int sent = 0;
         while (sent < 20000 && notify())
@@ -114,7 +114,7 @@ TEST(Waiting, WakesForItsKindsOfMessagesAndForHandles) {
         target.Show();
         HandleWaiting();
         const HANDLE event = CreateEventW(NULL, FALSE, FALSE, NULL);
-        const ApiThread peer([&] {
+        const Crew peer([&] {
             Sleep(20);
             each.cause(target);
         });

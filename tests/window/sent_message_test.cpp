@@ -29,7 +29,7 @@ TEST(Sending, WhoeverWaitsForAWindowThatGoesLearnsIt) {
         OnPlatform([=] {
             std::optional<TestWindow> target;
             const DWORD start = GetTickCount();
-            const ApiThread peer([&] {
+            const Crew peer([&] {
                 target.emplace();
                 Sleep(100);
                 if (by_its_threads_end)

@@ -89,7 +89,7 @@ PLATFORM_TEST(TouchRouting, AThreadThatSleepsHoldsUpItsOwnTouchesOnly) {
 PLATFORM_TEST(Positioning, OfAnotherThreadsWindowDoesNotWait) {
     TestWindow task_bar(TestWindow::Options{.extended_style = WS_EX_TOPMOST});
     task_bar.Forget();
-    ApiThread([&] {
+    Crew([&] {
         EXPECT_TRUE(SetWindowPos(task_bar, HWND_NOTOPMOST, 0, 0, 0, 0,
                                  SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE));
         EXPECT_FALSE(window::TopLevelWindows()[0].topmost);
@@ -140,7 +140,7 @@ PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
     EXPECT_EQ(GetActiveWindow(), nullptr);
     EXPECT_TRUE(SetForegroundWindow(own));
     EXPECT_EQ(GetActiveWindow(), own.handle());
-    ApiThread([&] { EXPECT_TRUE(SetForegroundWindow(other)); });
+    Crew([&] { EXPECT_TRUE(SetForegroundWindow(other)); });
     EXPECT_EQ(GetForegroundWindow(), HWND{other});
     other.Stop();
     Sleep(10);

@@ -1,20 +1,11 @@
 #pragma once
 
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
-#include <functional>
 #include <optional>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "platform/window/screen.h"
-#include "tests/support/crew.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/support/platform_test.h"
 
 namespace tests {
 
@@ -102,11 +93,6 @@ inline TestWindow::Handler On(UINT number, std::function<LRESULT(HWND, WPARAM)> 
     };
 }
 
-// A thread made through the API; its end is waited for.
-struct ApiThread : Crew {
-    explicit ApiThread(std::function<void()> body) { Start(std::move(body)); }
-};
-
 // A window on a thread of its own, which looks after it until Stop.
 class WindowThread {
   public:
@@ -133,7 +119,7 @@ class WindowThread {
 
     std::atomic<DWORD> id_{0};
     std::atomic<HWND> window_{nullptr};
-    ApiThread thread_;
+    Crew thread_;
 };
 
 // Handles what waits now.
@@ -141,38 +127,6 @@ inline void HandleWaiting() {
     MSG message{};
     while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))
         DispatchMessageW(&message);
-}
-
-// Runs `body` on a thread of a platform of its own.
-inline void OnPlatform(const std::function<void()>& body,
-                       const platform::kernel::Options& options = {}) {
-    Platform platform(options);
-    platform.Run(body);
-}
-
-// A test that runs on a thread of a platform of its own.
-#define PLATFORM_TEST(suite, name) \
-    void suite##name();            \
-    TEST(suite, name) {            \
-        OnPlatform(suite##name);   \
-    }                              \
-    void suite##name()
-
-// Runs `body` with each of the cases, each on a platform of its own.
-template <class Cases, class Body>
-void OnPlatformForEach(const Cases& cases, Body body) {
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.name);
-        OnPlatform([&] { body(each); });
-    }
-}
-
-// Expects that a call returns nothing, and with this last error.
-template <class Call>
-void ExpectFails(DWORD error, Call call) {
-    SetLastError(ERROR_SUCCESS);
-    EXPECT_FALSE(call());
-    EXPECT_EQ(GetLastError(), error);
 }
 
 inline const HWND kNoWindow = reinterpret_cast<HWND>(UINT_PTR{0x1248});

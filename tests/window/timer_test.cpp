@@ -44,7 +44,7 @@ TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
         EXPECT_FALSE(KillTimer(target, 1));
     };
     const auto by_another_thread = [](auto act) {
-        return [=](HWND target) { ApiThread([=] { act(target); }); };
+        return [=](HWND target) { Crew([=] { act(target); }); };
     };
     const Case cases[] = {
         {"left alone", 0, [](HWND) {}, {{1, 100}, {1, 200}}},
@@ -71,7 +71,7 @@ TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
 PLATFORM_TEST(Timer, ArmedByAnotherThreadWakesWhoWaitsForAMessage) {
     const TestWindow target;
     SetTimer(target, 1, 5000, NULL);
-    const ApiThread later([&] {
+    const Crew later([&] {
         Sleep(40);
         SetTimer(target, 2, 100, NULL);
     });

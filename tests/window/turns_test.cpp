@@ -29,7 +29,7 @@ TEST(Turns, PaintingsAskedForLetPostedMessagesAndTimersThrough) {
         });
         window.Show();
         SetTimer(window, 1, 20, nullptr);
-        ApiThread flood([&] {
+        Crew flood([&] {
             for (int count = 0; count < 1000 && !closed; ++count) {
                 InvalidateRect(window, nullptr, FALSE);
                 UpdateWindow(window);
