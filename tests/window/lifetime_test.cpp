@@ -46,6 +46,23 @@ TEST(Creation, AWindowMayRefuseToLive) {
     });
 }
 
+PLATFORM_TEST(Creation, TellsTheWindowOfItsBirthShowingAndEnd) {
+    TestWindow target;
+    const Numbers birth{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE};
+    const Numbers showing{WM_SHOWWINDOW, WM_WINDOWPOSCHANGED, WM_ACTIVATE, WM_SETFOCUS,
+                          WM_WINDOWPOSCHANGED};
+    const Numbers end{WM_CLOSE, WM_ACTIVATE, WM_KILLFOCUS, WM_DESTROY, WM_NCDESTROY};
+    EXPECT_EQ(target.Order(birth), birth);
+    EXPECT_EQ(target.Count(WM_SHOWWINDOW), 0U);
+    target.Forget();
+    EXPECT_FALSE(ShowWindow(target, SW_SHOW));
+    EXPECT_TRUE(ShowWindow(target, SW_SHOW));
+    EXPECT_EQ(target.Order(showing), showing);
+    target.Forget();
+    SendMessageW(target, WM_CLOSE, 0, 0);
+    EXPECT_EQ(target.Order(end), end);
+}
+
 PLATFORM_TEST(Handles, StaleAndForeignOnesAreErrors) {
     static PAINTSTRUCT paint{};
     // clang-format off
@@ -71,6 +88,39 @@ PLATFORM_TEST(Handles, StaleAndForeignOnesAreErrors) {
             ExpectFails(ERROR_INVALID_WINDOW_HANDLE, [&] { return call(wrong); });
         }
     CloseHandle(event);
+}
+
+PLATFORM_TEST(Handles, OfANeighboursWindowAreGoodUntilItIsGone) {
+    Neighbour& neighbour = platform.board.neighbour;
+    constexpr auto kFind = [] { return FindWindowW(L"Elsewhere", NULL); };
+    const auto forward = [](HWND handle, unsigned with_owned) {
+        const auto value = reinterpret_cast<UINT_PTR>(handle) | with_owned;
+        return SetForegroundWindow(reinterpret_cast<HWND>(value));
+    };
+    neighbour.window_class = L"Elsewhere";
+    neighbour.title = L"there";
+    ExpectFails(ERROR_CANNOT_FIND_WND_CLASS, kFind);
+
+    neighbour.window = 0x51;
+    const HWND found = kFind();
+    EXPECT_EQ(FindWindowW(L"Elsewhere", L"there"), found);
+    EXPECT_EQ(FindWindowW(NULL, L"there"), found);
+    EXPECT_EQ(FindWindowW(L"Elsewhere", L"not there"), HWND{NULL});
+    EXPECT_TRUE(IsWindow(found));
+    for (const unsigned with_owned : {0, 1}) {
+        EXPECT_TRUE(forward(found, with_owned));
+        EXPECT_EQ(neighbour.brought_forward, int(with_owned));
+    }
+    ExpectFails(ERROR_INVALID_WINDOW_HANDLE, [&] { return PostMessageW(found, 0, 0, 0); });
+
+    // Another window of that name is another handle, and the old one stays stale.
+    neighbour.window = 0x52;
+    EXPECT_FALSE(IsWindow(found));
+    const HWND next = kFind();
+    EXPECT_TRUE(next && next != found);
+    neighbour.window = 0x51;
+    ExpectFails(ERROR_INVALID_WINDOW_HANDLE, [&] { return forward(next, 1); });
+    EXPECT_FALSE(IsWindow(found) || IsWindow(next));
 }
 
 PLATFORM_TEST(Destruction, IsForTheWindowsThreadAndTakesOwnedWindowsAlongFirst) {
@@ -107,7 +157,7 @@ PLATFORM_TEST(Destruction, ComesWithTheEndOfTheThread) {
 }
 
 PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
-    const HWND made = MakePlain(L"Tolvane");
+    const HWND made = MakePlain(L"Tolvane", 12);
     WNDCLASSW found{};
     EXPECT_TRUE(GetClassInfoW(NULL, L"TOLVANE", &found));
     EXPECT_STREQ(found.lpszClassName, L"Tolvane");
@@ -120,10 +170,19 @@ PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
     EXPECT_TRUE(SetWindowTextW(made, L"New"));
     EXPECT_EQ(FindWindowW(NULL, L"new"), made);
     // Left to the system, a window covers the screen.
-    const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
     RECT place{};
     GetWindowRect(made, &place);
-    EXPECT_TRUE(EqualRect(&place, &screen));
+    EXPECT_TRUE(place.right == GetSystemMetrics(SM_CXSCREEN) &&
+                place.bottom == GetSystemMetrics(SM_CYSCREEN) && place.left + place.top == 0);
+
+    constexpr LONG_PTR kWide = 0x1122334455667788;
+    EXPECT_EQ(SetWindowLongPtrW(made, 0, kWide), 0);
+    EXPECT_EQ(SetWindowLongW(made, 8, -5), 0);
+    EXPECT_EQ(GetWindowLongPtrW(made, 0), kWide);
+    EXPECT_EQ(GetWindowLongW(made, 8), -5);
+    for (const int index : {-1, -100, 5, 12, 1000})
+        ExpectFails(ERROR_INVALID_INDEX, [&] { return GetWindowLongPtrW(made, index); });
+
     const auto unregister = [] { return UnregisterClassW(L"Tolvane", NULL); };
     ExpectFails(ERROR_CLASS_HAS_WINDOWS, unregister);
     DestroyWindow(made);
@@ -131,59 +190,26 @@ PLATFORM_TEST(Class, NamesAreUniqueWhateverTheirCase) {
     ExpectFails(ERROR_CLASS_DOES_NOT_EXIST, unregister);
 }
 
-PLATFORM_TEST(WindowData, KeepsWhatIsSetAndRefusesOtherIndices) {
-    const HWND made = MakePlain(L"Extra", 12);
-    const LONG_PTR wide = 0x1122334455667788;
-    EXPECT_EQ(SetWindowLongPtrW(made, 0, wide), 0);
-    EXPECT_EQ(SetWindowLongW(made, 8, -5), 0);
-    EXPECT_EQ(GetWindowLongPtrW(made, 0), wide);
-    EXPECT_EQ(GetWindowLongW(made, 8), -5);
-    for (const int index : {-1, -100, 5, 12, 1000})
-        ExpectFails(ERROR_INVALID_INDEX, [&] { return GetWindowLongPtrW(made, index); });
-    DestroyWindow(made);
-}
-
-TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
-    Platform platform;
+PLATFORM_TEST(Broadcast, OfARegisteredMessageReachesEveryTopLevelWindowAndTheObserver) {
     std::wstring observed;
     window::ObserveBroadcasts([&](UINT message, WPARAM wparam, LPARAM lparam) {
         observed += window::RegisteredMessageName(message) + std::to_wstring(wparam * 10 + lparam);
     });
-    platform.Run([] {
-        const UINT status = RegisterWindowMessageW(L"_All_APP_PowerStatusChange_");
-        const UINT other = RegisterWindowMessageW(L"_PowerSuspend_Acknowledge_");
-        EXPECT_TRUE(0xC000 <= status && status != other && other <= 0xFFFF);
-        EXPECT_EQ(RegisterWindowMessageW(L"_all_app_powerstatuschange_"), status);
-        ExpectFails(ERROR_INVALID_PARAMETER, [] { return RegisterWindowMessageW(L""); });
-        const TestWindow visible, hidden,
-            disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
-        visible.Show();
-        Crew([=] {
-            EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));
-            window::PostToAll(other, 3, 4);
-        });
-        HandleWaiting();
-        for (const TestWindow* each : {&visible, &hidden, &disabled})
-            EXPECT_EQ(each->Order({status, other}), (Numbers{status, other}));
+    const UINT status = RegisterWindowMessageW(L"Status");
+    const UINT other = RegisterWindowMessageW(L"Other");
+    EXPECT_TRUE(0xC000 <= status && status != other && other <= 0xFFFF);
+    EXPECT_EQ(RegisterWindowMessageW(L"sTATUS"), status);
+    ExpectFails(ERROR_INVALID_PARAMETER, [] { return RegisterWindowMessageW(L""); });
+    const TestWindow visible, hidden, disabled(TestWindow::Options{.style = WS_DISABLED});
+    visible.Show();
+    Crew([=] {
+        EXPECT_TRUE(PostMessageW(HWND_BROADCAST, status, 1, 2));
+        window::PostToAll(other, 3, 4);
     });
-    EXPECT_EQ(observed, L"_All_APP_PowerStatusChange_12");
-}
-
-PLATFORM_TEST(Creation, TellsTheWindowOfItsBirthShowingAndEnd) {
-    TestWindow target;
-    const Numbers birth{WM_NCCREATE, WM_CREATE, WM_SIZE, WM_MOVE};
-    const Numbers showing{WM_SHOWWINDOW, WM_WINDOWPOSCHANGED, WM_ACTIVATE, WM_SETFOCUS,
-                          WM_WINDOWPOSCHANGED};
-    const Numbers end{WM_CLOSE, WM_ACTIVATE, WM_KILLFOCUS, WM_DESTROY, WM_NCDESTROY};
-    EXPECT_EQ(target.Order(birth), birth);
-    EXPECT_EQ(target.Count(WM_SHOWWINDOW), 0U);
-    target.Forget();
-    EXPECT_FALSE(ShowWindow(target, SW_SHOW));
-    EXPECT_TRUE(ShowWindow(target, SW_SHOW));
-    EXPECT_EQ(target.Order(showing), showing);
-    target.Forget();
-    SendMessageW(target, WM_CLOSE, 0, 0);
-    EXPECT_EQ(target.Order(end), end);
+    HandleWaiting();
+    for (const TestWindow* each : {&visible, &hidden, &disabled})
+        EXPECT_EQ(each->Order({status, other}), (Numbers{status, other}));
+    EXPECT_EQ(observed, L"Status12");
 }
 
 }  // namespace

@@ -7,16 +7,15 @@ namespace {
 // A shown window that paints by BeginPaint and keeps what it was told.
 class Painter : public TestWindow {
   public:
-    explicit Painter(
-        std::function<void()> while_painting = [] {}, LRESULT erased = 1)
-        : TestWindow([=, this](HWND handle, UINT message, WPARAM, LPARAM) {
+    explicit Painter(LRESULT erased = 1, DWORD takes = 0)
+        : TestWindow([=, this](HWND handle, UINT message, WPARAM) {
               if (message != WM_PAINT)
                   return message == WM_ERASEBKGND ? std::optional(erased) : std::nullopt;
               PAINTSTRUCT paint{};
               BeginPaint(handle, &paint);
               painted.push_back(paint.rcPaint);
               left_to_erase = paint.fErase;
-              while_painting();
+              Sleep(takes);
               EXPECT_TRUE(EndPaint(handle, &paint));
               return std::optional(LRESULT{0});
           }) {
@@ -28,8 +27,10 @@ class Painter : public TestWindow {
 };
 
 TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
-    const auto hide = [](HWND h) { ShowWindow(h, SW_HIDE); };
-    const auto show = [](HWND h) { ShowWindow(h, SW_SHOW); };
+    const auto show = [](int how) { return [=](HWND h) { ShowWindow(h, how); }; };
+    const auto move = [](int x, int cx, int cy) {
+        return [=](HWND h) { MoveWindow(h, x, 0, cx, cy, TRUE); };
+    };
     const auto all = [](HWND h) { InvalidateRect(h, NULL, FALSE); };
     const auto add = [](const RECT& part) {
         return [=](HWND h) { InvalidateRect(h, &part, FALSE); };
@@ -50,10 +51,10 @@ TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
         {"half validated", {all, remove({0, 0, 100, 60})}, {0, 60, 100, 100}},
         {"a hole validated", {all, remove({10, 20, 30, 40})}, {0, 0, 100, 100}},
         {"all windows", {[=](HWND) { all(NULL); }}, {0, 0, 100, 100}},
-        {"hidden", {hide, all}, {}},
-        {"shown again", {hide, show}, {0, 0, 100, 100}},
-        {"larger", {[](HWND h) { MoveWindow(h, 0, 0, 120, 80, TRUE); }}, {0, 0, 120, 80}},
-        {"moved alone", {[](HWND h) { MoveWindow(h, 7, 7, 100, 100, TRUE); }}, {}},
+        {"hidden", {show(SW_HIDE), all}, {}},
+        {"shown again", {show(SW_HIDE), show(SW_SHOW)}, {0, 0, 100, 100}},
+        {"larger", {move(0, 120, 80)}, {0, 0, 120, 80}},
+        {"moved alone", {move(7, 100, 100)}, {}},
     };
     OnPlatformForEach(cases, [](const auto& each) {
         Painter target;
@@ -112,7 +113,7 @@ TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
                  {"done", TRUE, 1, {WM_PAINT, WM_ERASEBKGND}},
                  {"left to the painting", TRUE, 0, {WM_PAINT, WM_ERASEBKGND}}};
     OnPlatformForEach(cases, [](const auto& each) {
-        Painter target([] {}, each.answer);
+        Painter target(each.answer);
         HandleWaiting();
         target.Forget();
         InvalidateRect(target, NULL, each.asked);
@@ -122,6 +123,31 @@ TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
         HandleWaiting();
         EXPECT_EQ(target.Order({WM_ERASEBKGND, WM_PAINT}), each.seen);
     });
+}
+
+// Another thread asks for paintings faster than the window can paint; posted messages and timers
+// have their turns between.
+PLATFORM_TEST(Paint, AskedForWithoutEndLetsPostedMessagesAndTimersThrough) {
+    std::atomic<bool> closed = false;
+    Painter target(1, 5);
+    SetTimer(target, 1, 20, NULL);
+    const Crew flood([&] {
+        for (int count = 0; count < 1000 && !closed; ++count) {
+            InvalidateRect(target, NULL, FALSE);
+            UpdateWindow(target);
+            if (count == 200)
+                PostMessageW(target, kPosted, 0, 0);
+            Sleep(1);
+        }
+    });
+    const DWORD start = GetTickCount();
+    MSG message{};
+    while (GetMessageW(&message, NULL, 0, 0) > 0 && message.message != kPosted)
+        DispatchMessageW(&message);
+    closed = true;
+    EXPECT_LT(GetTickCount() - start, 230U);
+    EXPECT_GT(target.Count(WM_TIMER), 5U);
+    EXPECT_GT(target.painted.size(), 20U);
 }
 
 }  // namespace

@@ -3,10 +3,8 @@
 namespace tests {
 namespace {
 
-const TestWindow::Handler kValidate = On(WM_PAINT, [](HWND handle, WPARAM) {
-    ValidateRect(handle, NULL);
-    return 0;
-});
+const TestWindow::Handler kValidate =
+    On(WM_PAINT, [](HWND handle, WPARAM) { return ValidateRect(handle, NULL) - 1; });
 
 PLATFORM_TEST(Retrieval, SentBeforePostedBeforeQuitBeforeTouchBeforeTimerBeforePaint) {
     TestWindow target(kValidate);
@@ -21,9 +19,8 @@ PLATFORM_TEST(Retrieval, SentBeforePostedBeforeQuitBeforeTouchBeforeTimerBeforeP
     PostMessageW(target, kPosted, 0, 0);
     const Crew peer([&] { SendMessageW(target, kSent, 0, 0); });
     Sleep(1);
-
-    const Numbers order{kPosted, WM_QUIT, WM_LBUTTONDOWN, WM_TIMER, WM_PAINT};
-    for (const UINT expected : order) {
+    for (const UINT expected :
+         {kPosted, UINT{WM_QUIT}, UINT{WM_LBUTTONDOWN}, UINT{WM_TIMER}, UINT{WM_PAINT}}) {
         MSG message{};
         EXPECT_EQ(GetMessageW(&message, NULL, 0, 0), expected != WM_QUIT);
         EXPECT_EQ(message.message, expected);
@@ -71,45 +68,40 @@ PLATFORM_TEST(Retrieval, AStaleFilterWindowIsAnErrorAlsoWhileWaiting) {
 
 PLATFORM_TEST(Posting, ToAFullQueueFailsUntilSomethingWasFetched) {
     const TestWindow target;
+    const auto expect_full_at = [](int most, const std::function<bool()>& send) {
+        int sent = 0;
+        while (sent < 20000 && send())
+            ++sent;
+        EXPECT_EQ(sent, most);
+        ExpectFails(ERROR_NOT_ENOUGH_QUOTA, send);
+    };
     const auto post = [&] { return PostMessageW(target, kPosted, 0, 0); };
-    int posted = 0;
-    while (posted < 20000 && post())
-        ++posted;
-    EXPECT_EQ(posted, 10000);
-    ExpectFails(ERROR_NOT_ENOUGH_QUOTA, post);
+    expect_full_at(10000, post);
     MSG message{};
     EXPECT_TRUE(PeekMessageW(&message, NULL, 0, 0, PM_REMOVE));
-    EXPECT_TRUE(post());
-    Crew peer([&] {
-        const auto notify = [&] { return SendNotifyMessageW(target, kSent, 0, 0); };
-        int sent = 0;
-        while (sent < 20000 && notify())
-            ++sent;
-        EXPECT_EQ(sent, 10000);
-        ExpectFails(ERROR_NOT_ENOUGH_QUOTA, notify);
-    });
+    expect_full_at(1, post);
+    Crew([&] { expect_full_at(10000, [&] { return SendNotifyMessageW(target, kSent, 0, 0); }); });
 }
 
 TEST(Waiting, WakesForItsKindsOfMessagesAndForHandles) {
-    struct Case {
+    const auto post = [](HWND target) { PostMessageW(target, kPosted, 0, 0); };
+    const auto arm = [](HWND target) { SetTimer(target, 1, 10, NULL); };
+    const struct {
         const char* name;
         DWORD mask;
         bool wakes;
         std::function<void(HWND)> cause;
-    };
-    // clang-format off
-    const Case cases[] = {
-        {"posted", QS_POSTMESSAGE, true, [](HWND target) { PostMessageW(target, kPosted, 0, 0); }},
-        {"posted, not wanted", QS_SENDMESSAGE, false, [](HWND target) { PostMessageW(target, kPosted, 0, 0); }},
-        {"sent", QS_SENDMESSAGE, true, [](HWND target) { SendNotifyMessageW(target, kSent, 0, 0); }},
-        {"timer", QS_ALLINPUT, true, [](HWND target) { SetTimer(target, 1, 10, NULL); }},
-        {"timer, not wanted", QS_ALLINPUT & ~QS_TIMER, false, [](HWND target) { SetTimer(target, 1, 10, NULL); }},
+    } cases[] = {
+        {"posted", QS_POSTMESSAGE, true, post},
+        {"posted, not wanted", QS_SENDMESSAGE, false, post},
+        {"sent", QS_SENDMESSAGE, true, [](HWND h) { SendNotifyMessageW(h, kSent, 0, 0); }},
+        {"timer", QS_ALLINPUT, true, arm},
+        {"timer, not wanted", QS_ALLINPUT & ~QS_TIMER, false, arm},
         {"touch", QS_INPUT, true, [](HWND) { window::TouchScreen(Touch::kUp, 5, 5); }},
-        {"paint", QS_PAINT, true, [](HWND target) { InvalidateRect(target, NULL, FALSE); }},
+        {"paint", QS_PAINT, true, [](HWND h) { InvalidateRect(h, NULL, FALSE); }},
         {"nothing", QS_ALLINPUT, false, [](HWND) {}},
     };
-    // clang-format on
-    OnPlatformForEach(cases, [](const Case& each) {
+    OnPlatformForEach(cases, [](const auto& each) {
         const TestWindow target(kValidate);
         target.Show();
         HandleWaiting();

@@ -3,23 +3,20 @@
 namespace tests {
 namespace {
 
-constexpr UINT kAsk = WM_USER + 1;
-constexpr UINT kAskBack = WM_USER + 2;
-
 PLATFORM_TEST(Sending, RunsOnTheWindowsThreadAndAWaitingSenderAnswersWhatIsSentToIt) {
     DWORD own_thread = 0;
-    const TestWindow own(On(kAskBack, [&](HWND, WPARAM wparam) {
+    const TestWindow own(On(kSent, [&](HWND, WPARAM wparam) {
         own_thread = GetCurrentThreadId();
         return static_cast<LRESULT>(wparam) + (InSendMessage() ? 100 : 0);
     }));
     DWORD other_thread = 0;
-    const WindowThread other({}, On(kAsk, [&](HWND, WPARAM wparam) {
+    const WindowThread other({}, On(kSent, [&](HWND, WPARAM wparam) {
                                  other_thread = GetCurrentThreadId();
                                  Sleep(100);
-                                 return SendMessageW(own, kAskBack, wparam + 1, 0) + 1;
+                                 return SendMessageW(own, kSent, wparam + 1, 0) + 1;
                              }));
-    EXPECT_EQ(SendMessageW(own, kAskBack, 5, 0), 5);
-    EXPECT_EQ(SendMessageW(other, kAsk, 20, 0), 122);
+    EXPECT_EQ(SendMessageW(own, kSent, 5, 0), 5);
+    EXPECT_EQ(SendMessageW(other, kSent, 20, 0), 122);
     EXPECT_EQ(own_thread, GetCurrentThreadId());
     EXPECT_EQ(other_thread, GetWindowThreadProcessId(other, NULL));
 }
@@ -39,27 +36,22 @@ TEST(Sending, WhoeverWaitsForAWindowThatGoesLearnsIt) {
             });
             Sleep(50);
             ExpectFails(ERROR_INVALID_WINDOW_HANDLE,
-                        [&] { return SendMessageW(*target, kAsk, 0, 0); });
+                        [&] { return SendMessageW(*target, kSent, 0, 0); });
             EXPECT_EQ(GetTickCount() - start, 100U);
             EXPECT_FALSE(IsWindow(*target));
         });
 }
 
-TEST(Sending, RepliesCrossBothWaysWithRealThreads) {
-    platform::kernel::Options options;
-    options.mode = platform::kernel::Mode::kFreeRunning;
-    options.speed = 50;
-    OnPlatform(
-        [] {
-            const auto echo = [](HWND, WPARAM wparam) { return static_cast<LRESULT>(wparam); };
-            const TestWindow own(On(kAskBack, echo));
-            const WindowThread other({}, On(kAsk, [&](HWND, WPARAM wparam) {
-                                         return SendMessageW(own, kAskBack, wparam, 0);
-                                     }));
-            for (WPARAM count = 0; count < 200; ++count)
-                ASSERT_EQ(SendMessageW(other, kAsk, count, 0), static_cast<LRESULT>(count));
-        },
-        options);
+TEST(Sending, RepliesCrossBothWaysFreeRunning) {
+    const auto run = [] {
+        const TestWindow own(On(kSent, [](HWND, WPARAM wparam) { return LRESULT(wparam); }));
+        const WindowThread other({}, On(kSent, [&](HWND, WPARAM wparam) {
+                                     return SendMessageW(own, kSent, wparam, 0);
+                                 }));
+        for (WPARAM count = 0; count < 200; ++count)
+            ASSERT_EQ(SendMessageW(other, kSent, count, 0), LRESULT(count));
+    };
+    OnPlatform(run, {.mode = kernel::Mode::kFreeRunning, .speed = 50});
 }
 
 }  // namespace

@@ -3,10 +3,6 @@
 namespace tests {
 namespace {
 
-HWND WithLowestBit(HWND handle) {
-    return reinterpret_cast<HWND>(reinterpret_cast<UINT_PTR>(handle) | 1);
-}
-
 // The titles from the top, topmost windows with a star.
 std::string Stack() {
     std::string stack;
@@ -43,9 +39,9 @@ TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
         {"foreground with owned windows", "b|", "dbca"},
     };
     OnPlatformForEach(cases, [](const auto& each) {
-        const TestWindow a(TestWindow::Options{.title = L"a"}),
-            b(TestWindow::Options{.title = L"b"}), c(TestWindow::Options{.title = L"c"});
-        const TestWindow d(TestWindow::Options{.owner = b, .title = L"d"});
+        using Options = TestWindow::Options;
+        const TestWindow a(Options{.title = L"a"}), b(Options{.title = L"b"}),
+            c(Options{.title = L"c"}), d(Options{.owner = b, .title = L"d"});
         const std::map<char, HWND> places{{'a', a},
                                           {'b', b},
                                           {'c', c},
@@ -58,7 +54,8 @@ TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
             const HWND target = places.at(each.steps[at]);
             const char where = each.steps[at + 1];
             if (where == '!' || where == '|')
-                SetForegroundWindow(where == '!' ? target : WithLowestBit(target));
+                SetForegroundWindow(
+                    reinterpret_cast<HWND>(reinterpret_cast<UINT_PTR>(target) | (where == '|')));
             else
                 SetWindowPos(target, places.at(where), 0, 0, 0, 0,
                              SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -156,16 +153,16 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         const char* name;
         int x, y;
         std::function<void(HWND upper)> prepare;
-        std::string to;
-        int seen_x, seen_y;
+        char to;
+        LPARAM seen = 0;
     } cases[] = {
-        {"lower alone", 10, 20, nothing, "lower", 10, 20},
-        {"both", 120, 130, nothing, "upper", 20, 30},
-        {"upper's last pixel", 299, 299, nothing, "upper", 199, 199},
-        {"beside upper", 300, 299, nothing, "", 0, 0},
-        {"upper disabled", 120, 130, disable, "", 0, 0},
-        {"upper hidden", 120, 130, hide, "lower", 120, 130},
-        {"off the screen", -1, 20, nothing, "", 0, 0},
+        {"lower alone", 10, 20, nothing, 'l', MAKELPARAM(10, 20)},
+        {"both", 120, 130, nothing, 'u', MAKELPARAM(20, 30)},
+        {"upper's last pixel", 299, 299, nothing, 'u', MAKELPARAM(199, 199)},
+        {"beside upper", 300, 299, nothing, '-'},
+        {"upper disabled", 120, 130, disable, '-'},
+        {"upper hidden", 120, 130, hide, 'l', MAKELPARAM(120, 130)},
+        {"off the screen", -1, 20, nothing, '-'},
     };
     OnPlatformForEach(cases, [](const auto& each) {
         TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
@@ -174,20 +171,20 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         upper.Show();
         each.prepare(upper);
         HandleWaiting();
-        lower.Forget();
-        upper.Forget();
+        for (TestWindow* target : {&lower, &upper})
+            target->Forget();
         for (const Touch touch : {Touch::kDown, Touch::kMove, Touch::kUp})
             window::TouchScreen(touch, each.x, each.y);
         HandleWaiting();
         const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP};
-        EXPECT_EQ(lower.Order(all), each.to == "lower" ? all : Numbers());
-        EXPECT_EQ(upper.Order(all), each.to == "upper" ? all : Numbers());
-        for (const MSG& seen : each.to == "lower" ? lower.seen() : upper.seen())
-            if (seen.message == WM_LBUTTONDOWN) {
-                EXPECT_EQ(seen.lParam, MAKELPARAM(each.seen_x, each.seen_y));
-                EXPECT_EQ(seen.wParam, MK_LBUTTON);
-                EXPECT_EQ(GetForegroundWindow(), seen.hwnd);
-            }
+        for (const TestWindow* target : {&lower, &upper}) {
+            const bool touched = each.to == (target == &lower ? 'l' : 'u');
+            EXPECT_EQ(target->Order(all), touched ? all : Numbers());
+            EXPECT_TRUE(!touched || GetForegroundWindow() == *target);
+            for (const MSG& seen : target->seen())
+                EXPECT_TRUE(seen.message != WM_LBUTTONDOWN ||
+                            (seen.lParam == each.seen && seen.wParam == MK_LBUTTON));
+        }
     });
 }
 

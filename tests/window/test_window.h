@@ -13,6 +13,8 @@ namespace tests {
 inline constexpr UINT kPosted = WM_USER + 1;
 inline constexpr UINT kSent = WM_USER + 2;
 
+inline const HWND kNoWindow = reinterpret_cast<HWND>(UINT_PTR{0x1248});
+
 namespace window = platform::window;
 using window::Touch;
 using Numbers = std::vector<UINT>;
@@ -20,7 +22,7 @@ using Numbers = std::vector<UINT>;
 // A window that notes what it is told and lets a handler answer. Made and destroyed on one thread.
 class TestWindow {
   public:
-    using Handler = std::function<std::optional<LRESULT>(HWND, UINT, WPARAM, LPARAM)>;
+    using Handler = std::function<std::optional<LRESULT>(HWND, UINT, WPARAM)>;
 
     struct Options {
         RECT place{0, 0, 100, 100};
@@ -39,10 +41,10 @@ class TestWindow {
         settings.lpfnWndProc = Procedure;
         settings.lpszClassName = kClass;
         RegisterClassW(&settings);
-        const RECT& place = options.place;
-        handle_ = CreateWindowExW(options.extended_style, kClass, options.title, options.style,
-                                  place.left, place.top, place.right - place.left,
-                                  place.bottom - place.top, options.owner, NULL, NULL, this);
+        const auto& [left, top, right, bottom] = options.place;
+        handle_ =
+            CreateWindowExW(options.extended_style, kClass, options.title, options.style, left, top,
+                            right - left, bottom - top, options.owner, NULL, NULL, this);
     }
     TestWindow(const TestWindow&) = delete;
     TestWindow& operator=(const TestWindow&) = delete;
@@ -75,10 +77,8 @@ class TestWindow {
                                   reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams));
         auto* const self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         self->seen_.push_back({window, message, wparam, lparam, 0, {}});
-        if (self->handler_)
-            if (const auto answer = self->handler_(window, message, wparam, lparam))
-                return *answer;
-        return DefWindowProcW(window, message, wparam, lparam);
+        const auto answer = self->handler_ ? self->handler_(window, message, wparam) : std::nullopt;
+        return answer ? *answer : DefWindowProcW(window, message, wparam, lparam);
     }
 
     Handler handler_;
@@ -88,7 +88,7 @@ class TestWindow {
 
 // A handler of one message.
 inline TestWindow::Handler On(UINT number, std::function<LRESULT(HWND, WPARAM)> answer) {
-    return [=](HWND handle, UINT message, WPARAM wparam, LPARAM) {
+    return [=](HWND handle, UINT message, WPARAM wparam) {
         return message == number ? std::optional(answer(handle, wparam)) : std::nullopt;
     };
 }
@@ -103,7 +103,7 @@ class WindowThread {
               id_ = GetCurrentThreadId();
               window_ = target;
               MSG message{};
-              while (GetMessageW(&message, NULL, 0, 0) > 0 && message.message != kStop)
+              while (GetMessageW(&message, NULL, 0, 0) > 0)
                   DispatchMessageW(&message);
           }) {
         while (window_ == NULL)
@@ -111,12 +111,10 @@ class WindowThread {
     }
     ~WindowThread() { Stop(); }
 
-    void Stop() const { PostThreadMessageW(id_, kStop, 0, 0); }
+    void Stop() const { PostThreadMessageW(id_, WM_QUIT, 0, 0); }
     operator HWND() const { return window_; }
 
   private:
-    static constexpr UINT kStop = WM_APP + 0x3FFF;
-
     std::atomic<DWORD> id_{0};
     std::atomic<HWND> window_{nullptr};
     Crew thread_;
@@ -128,7 +126,5 @@ inline void HandleWaiting() {
     while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))
         DispatchMessageW(&message);
 }
-
-inline const HWND kNoWindow = reinterpret_cast<HWND>(UINT_PTR{0x1248});
 
 }  // namespace tests

@@ -3,39 +3,24 @@
 namespace tests {
 namespace {
 
-struct Tick {
-    WPARAM id;
-    DWORD after;
-    bool operator==(const Tick&) const = default;
-};
+// A timer's number, and the milliseconds after which it came.
+using Ticks = std::vector<std::pair<WPARAM, DWORD>>;
 
-void PrintTo(const Tick& tick, std::ostream* out) {
-    *out << "timer " << tick.id << " after " << tick.after << " ms";
-}
-
-// The timer messages fetched within some time from now.
-std::vector<Tick> Collect(DWORD milliseconds) {
+// The timer messages fetched within 250 ms from now.
+Ticks Collect() {
     const DWORD start = GetTickCount();
-    std::vector<Tick> ticks;
-    for (;;) {
-        const DWORD passed = GetTickCount() - start;
-        if (passed > milliseconds ||
-            MsgWaitForMultipleObjects(0, NULL, FALSE, milliseconds - passed, QS_TIMER) !=
-                WAIT_OBJECT_0)
-            return ticks;
+    const auto passed = [=] { return GetTickCount() - start; };
+    Ticks ticks;
+    while (passed() <= 250 &&
+           MsgWaitForMultipleObjects(0, NULL, FALSE, 250 - passed(), QS_TIMER) == WAIT_OBJECT_0) {
         MSG message{};
         if (PeekMessageW(&message, NULL, WM_TIMER, WM_TIMER, PM_REMOVE))
-            ticks.push_back({message.wParam, GetTickCount() - start});
+            ticks.emplace_back(message.wParam, passed());
     }
+    return ticks;
 }
 
 TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
-    struct Case {
-        const char* name;
-        DWORD after;  // an arming of timer 1 with 100 ms
-        std::function<void(HWND)> act;
-        std::vector<Tick> expected;  // within 250 ms from then
-    };
     const auto arm = [](UINT_PTR id, UINT period) {
         return [=](HWND target) { EXPECT_EQ(SetTimer(target, id, period, NULL), id); };
     };
@@ -46,7 +31,12 @@ TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
     const auto by_another_thread = [](auto act) {
         return [=](HWND target) { Crew([=] { act(target); }); };
     };
-    const Case cases[] = {
+    const struct {
+        const char* name;
+        DWORD after;  // an arming of timer 1 with 100 ms
+        std::function<void(HWND)> act;
+        Ticks expected;  // from then
+    } cases[] = {
         {"left alone", 0, [](HWND) {}, {{1, 100}, {1, 200}}},
         {"missed periods are one message", 370, [](HWND) {}, {{1, 0}, {1, 30}, {1, 130}, {1, 230}}},
         {"another beside it", 0, arm(2, 150), {{1, 100}, {2, 150}, {1, 200}}},
@@ -59,12 +49,12 @@ TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
         {"killed by another thread", 150, by_another_thread(kill), {}},
         {"its window destroyed", 150, DestroyWindow, {}},
     };
-    OnPlatformForEach(cases, [](const Case& each) {
+    OnPlatformForEach(cases, [](const auto& each) {
         const TestWindow target;
         SetTimer(target, 1, 100, NULL);
         Sleep(each.after);
         each.act(target);
-        EXPECT_EQ(Collect(250), each.expected);
+        EXPECT_EQ(Collect(), each.expected);
     });
 }
 
