@@ -59,23 +59,6 @@ int FillRect(HDC dc, const RECT* rectangle, HBRUSH handle) {
     return 1;
 }
 
-COLORREF SetPixel(HDC dc, int x, int y, COLORREF color) {
-    const platform::kernel::ApiCall call("SetPixel");
-    if (call.Fails())
-        return CLR_INVALID;
-    ContextCall context(dc);
-    if (!context)
-        return CLR_INVALID;
-    const RECT spot = RectangleAt(x, y, 1, 1);
-    if (IsEmpty(Intersect(spot, context->Drawable()))) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return CLR_INVALID;
-    }
-    Fill(*context, spot, PixelOf(color));
-    context.Drawn();
-    return color & 0xFFFFFF;
-}
-
 COLORREF GetPixel(HDC dc, int x, int y) {
     const platform::kernel::ApiCall call("GetPixel");
     if (call.Fails())

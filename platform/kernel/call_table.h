@@ -102,7 +102,6 @@ struct FailableCall {
     CALL(MsgWaitForMultipleObjectsEx, ERROR_INVALID_HANDLE)      \
     CALL(OpenEventW, ERROR_FILE_NOT_FOUND)                       \
     CALL(OpenMsgQueue, ERROR_OUTOFMEMORY)                        \
-    CALL(PatBlt, ERROR_INVALID_HANDLE)                           \
     CALL(PostMessageW, ERROR_NOT_ENOUGH_QUOTA)                   \
     CALL(PostThreadMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
     CALL(PulseEvent, ERROR_INVALID_HANDLE)                       \
@@ -128,7 +127,6 @@ struct FailableCall {
     CALL(SetEvent, ERROR_INVALID_HANDLE)                         \
     CALL(SetFocus, ERROR_INVALID_WINDOW_HANDLE)                  \
     CALL(SetForegroundWindow, ERROR_INVALID_WINDOW_HANDLE)       \
-    CALL(SetPixel, ERROR_INVALID_HANDLE)                         \
     CALL(SetSystemPowerState, ERROR_GEN_FAILURE)                 \
     CALL(SetTextColor, ERROR_INVALID_HANDLE)                     \
     CALL(SetThreadPriority, ERROR_INVALID_HANDLE)                \
@@ -140,7 +138,6 @@ struct FailableCall {
     CALL(ShowWindow, ERROR_INVALID_WINDOW_HANDLE)                \
     CALL(SizeofResource, ERROR_INVALID_HANDLE)                   \
     CALL(StopPowerNotifications, ERROR_INVALID_HANDLE)           \
-    CALL(StretchBlt, ERROR_INVALID_HANDLE)                       \
     CALL(TranslateAcceleratorW, ERROR_INVALID_ACCEL_HANDLE)      \
     CALL(TransparentImage, ERROR_INVALID_HANDLE)                 \
     CALL(UnregisterClassW, ERROR_CLASS_DOES_NOT_EXIST)           \

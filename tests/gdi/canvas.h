@@ -1,30 +1,54 @@
 #pragma once
 
-#include <windows.h>
-
 #include <algorithm>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/gdi/device_context.h"
+#include "platform/gdi/gdi.h"
 #include "platform/gdi/surface.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/support/platform_test.h"
 
 namespace tests {
 
-// A surface and a device context that draws on it, as a window has them.
+namespace gdi = platform::gdi;
+using Strings = std::vector<std::wstring>;
+using Pixels = std::vector<std::uint32_t>;
+
+struct FontSize {
+    int width, height, weight;
+};
+
+inline HFONT MakeFont(const FontSize& size, std::wstring_view face = L"Arial", BYTE italic = 0) {
+    LOGFONTW description{};
+    description.lfWidth = size.width;
+    description.lfHeight = size.height;
+    description.lfWeight = size.weight;
+    description.lfItalic = italic;
+    description.lfCharSet = DEFAULT_CHARSET;
+    face.copy(description.lfFaceName, LF_FACESIZE - 1);
+    return CreateFontIndirectW(&description);
+}
+
+// A surface and a device context that draws on it, as a window has them; text is white.
 class Canvas {
   public:
     Canvas(int width, int height)
-        : surface(std::make_shared<platform::gdi::Surface>(width, height)),
-          dc(platform::gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] { ++drawn; })) {}
+        : surface(std::make_shared<gdi::Surface>(width, height)),
+          dc(gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] { ++drawn; })),
+          stock_font_(GetCurrentObject(dc, OBJ_FONT)) {
+        SetBkMode(dc, TRANSPARENT);
+        SetTextColor(dc, RGB(255, 255, 255));
+    }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
-    ~Canvas() { platform::gdi::DestroyWindowDC(dc); }
+    ~Canvas() {
+        DeleteObject(SelectObject(dc, stock_font_));
+        gdi::DestroyWindowDC(dc);
+    }
 
     std::uint32_t At(int x, int y) const { return surface->row(y)[x]; }
+    Pixels AllPixels() const { return {surface->pixels().begin(), surface->pixels().end()}; }
 
     void FillWith(COLORREF color) { FillWith(color, {0, 0, surface->width(), surface->height()}); }
     void FillWith(COLORREF color, const RECT& rectangle) {
@@ -33,8 +57,20 @@ class Canvas {
         DeleteObject(brush);
     }
 
-    std::vector<std::wstring> Texts() const {
-        std::vector<std::wstring> texts;
+    void UseFont(const FontSize& size, std::wstring_view face = L"Arial") {
+        DeleteObject(SelectObject(dc, MakeFont(size, face)));
+    }
+    int Draw(const std::wstring& text, RECT rectangle, UINT format = 0) {
+        return DrawTextW(dc, text.c_str(), -1, &rectangle, format);
+    }
+    int WidthOf(const std::wstring& text) {
+        SIZE size{};
+        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        return size.cx;
+    }
+
+    Strings Texts() const {
+        Strings texts;
         for (const auto& placed : surface->texts())
             texts.push_back(placed.text);
         return texts;
@@ -51,60 +87,12 @@ class Canvas {
         return box.right == 0 ? RECT{} : box;
     }
 
-    std::shared_ptr<platform::gdi::Surface> surface;
+    std::shared_ptr<gdi::Surface> surface;
     int drawn = 0;
     HDC dc;
-};
-
-struct FontSize {
-    int width;
-    int height;
-    int weight;
-};
-
-inline LOGFONTW Describe(std::wstring_view face, const FontSize& size) {
-    LOGFONTW description{};
-    description.lfWidth = size.width;
-    description.lfHeight = size.height;
-    description.lfWeight = size.weight;
-    description.lfCharSet = DEFAULT_CHARSET;
-    face.copy(description.lfFaceName, LF_FACESIZE - 1);
-    return description;
-}
-
-// A font selected into a device context, transparent and in one colour.
-class FontOn {
-  public:
-    FontOn(HDC dc, const FontSize& size, COLORREF color = RGB(255, 255, 255),
-           std::wstring_view face = L"Arial")
-        : dc_(dc) {
-        const LOGFONTW description = Describe(face, size);
-        font_ = CreateFontIndirectW(&description);
-        previous_ = SelectObject(dc, font_);
-        SetBkMode(dc, TRANSPARENT);
-        SetTextColor(dc, color);
-    }
-    FontOn(const FontOn&) = delete;
-    FontOn& operator=(const FontOn&) = delete;
-    ~FontOn() {
-        SelectObject(dc_, previous_);
-        DeleteObject(font_);
-    }
 
   private:
-    HDC dc_;
-    HFONT font_;
-    HGDIOBJ previous_;
+    HGDIOBJ stock_font_;
 };
-
-inline int Draw(HDC dc, const std::wstring& text, RECT rectangle, UINT format) {
-    return DrawTextW(dc, text.c_str(), -1, &rectangle, format);
-}
-
-inline int WidthOf(HDC dc, const std::wstring& text) {
-    SIZE size{};
-    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-    return size.cx;
-}
 
 }  // namespace tests

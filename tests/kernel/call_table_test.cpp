@@ -34,7 +34,6 @@ const std::map<std::string, std::intptr_t> kFailedResults = {
     {"MsgWaitForMultipleObjects", WAIT_FAILED},
     {"MsgWaitForMultipleObjectsEx", WAIT_FAILED},
     {"SetBkColor", CLR_INVALID},
-    {"SetPixel", CLR_INVALID},
     {"SetSystemPowerState", kChosen},
     {"SetTextColor", CLR_INVALID},
     {"StopPowerNotifications", kChosen},

@@ -8,20 +8,6 @@
 #define OPAQUE 2
 
 #define SRCCOPY 0x00CC0020U
-#define SRCPAINT 0x00EE0086U
-#define SRCAND 0x008800C6U
-#define SRCINVERT 0x00660046U
-#define SRCERASE 0x00440328U
-#define NOTSRCCOPY 0x00330008U
-#define NOTSRCERASE 0x001100A6U
-#define MERGECOPY 0x00C000CAU
-#define MERGEPAINT 0x00BB0226U
-#define PATCOPY 0x00F00021U
-#define PATPAINT 0x00FB0A09U
-#define PATINVERT 0x005A0049U
-#define DSTINVERT 0x00550009U
-#define BLACKNESS 0x00000042U
-#define WHITENESS 0x00FF0062U
 
 #define TECHNOLOGY 2
 #define HORZSIZE 4
@@ -49,16 +35,13 @@ COLORREF WINAPI GetBkColor(HDC hdc);
 COLORREF WINAPI SetTextColor(HDC hdc, COLORREF crColor);
 COLORREF WINAPI GetTextColor(HDC hdc);
 
-COLORREF WINAPI SetPixel(HDC hdc, int X, int Y, COLORREF crColor);
 COLORREF WINAPI GetPixel(HDC hdc, int nXPos, int nYPos);
 
+// With SRCCOPY only.
 BOOL WINAPI BitBlt(HDC hdcDest, int nXDest, int nYDest, int nWidth, int nHeight, HDC hdcSrc,
                    int nXSrc, int nYSrc, DWORD dwRop);
-BOOL WINAPI StretchBlt(HDC hdcDest, int nXOriginDest, int nYOriginDest, int nWidthDest,
-                       int nHeightDest, HDC hdcSrc, int nXOriginSrc, int nYOriginSrc, int nWidthSrc,
-                       int nHeightSrc, DWORD dwRop);
-BOOL WINAPI PatBlt(HDC hdc, int nXLeft, int nYLeft, int nWidth, int nHeight, DWORD dwRop);
-// hSrc is a device context or a bitmap. Pixels of the colour TransparentColor are left out.
+// hSrc is a device context. Pixels of the colour TransparentColor are left out; nothing is
+// stretched.
 BOOL WINAPI TransparentImage(HDC hdcDest, LONG DstX, LONG DstY, LONG DstCx, LONG DstCy, HANDLE hSrc,
                              LONG SrcX, LONG SrcY, LONG SrcCx, LONG SrcCy,
                              COLORREF TransparentColor);
