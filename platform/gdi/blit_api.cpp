@@ -50,12 +50,9 @@ BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE so
         return FALSE;
     ContextCall context(dc);
     const auto from = context ? FindContext(static_cast<HDC>(source)) : nullptr;
-    if (!from)
+    if (!from || !Supported(from->surface != context->surface))
         return FALSE;
-    // A copy of its own where it would read what it wrote.
-    const std::shared_ptr<const Surface> image =
-        from->surface == context->surface ? std::make_shared<const Surface>(*from->surface)
-                                          : from->surface;
+    const Surface& image = *from->surface;
     const RECT visible = Visible(context, RectangleAt(x, y, width, height),
                                  RectangleAt(source_x, source_y, width, height));
     const RECT written = Intersect(visible, context->surface->kept());
@@ -65,12 +62,11 @@ BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE so
         const LONG from_y = row_y - y + source_y;
         for (LONG row_x = written.left; row_x < written.right; ++row_x) {
             const LONG from_x = row_x - x + source_x;
-            const bool painted =
-                Contains(image->kept(), {from_x, from_y, from_x + 1, from_y + 1}) &&
-                image->row(from_y)[from_x] != key;
+            const bool painted = Contains(image.kept(), {from_x, from_y, from_x + 1, from_y + 1}) &&
+                                 image.row(from_y)[from_x] != key;
             opaque = opaque && painted;
             if (painted)
-                context->surface->row(row_y)[row_x] = image->row(from_y)[from_x];
+                context->surface->row(row_y)[row_x] = image.row(from_y)[from_x];
         }
     }
     if (opaque)

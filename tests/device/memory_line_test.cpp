@@ -1,57 +1,30 @@
-#include <windows.h>
-
-#include <gtest/gtest.h>
-
 #include <thread>
-#include <vector>
 
-#include "platform/kernel/scheduler.h"
-#include "tests/support/memory_port.h"
+#include "tests/device/com9.h"
 
+namespace tests {
 namespace {
-
-namespace kernel = platform::kernel;
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-using tests::kProgramTimeouts;
-using tests::MemoryPort;
-using tests::Platform;
-
-void Write(HANDLE handle, const std::string& text) {
-    DWORD written = 0;
-    EXPECT_TRUE(WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-    EXPECT_EQ(written, text.size());
-}
-
-std::string Read(HANDLE handle, DWORD most) {
-    std::string text(most, '?');
-    DWORD read = 0;
-    EXPECT_TRUE(ReadFile(handle, text.data(), most, &read, nullptr));
-    return text.substr(0, read);
-}
 
 TEST(MemoryLine, KeepsNoMoreThanADevicesMemory) {
     Platform platform;
-    const auto line = std::make_shared<platform::device::MemoryLine>(
-        CBR_9600, [](std::span<const std::uint8_t>) {},
-        platform::device::MemoryLine::Pace::kAtOnce);
+    using platform::device::MemoryLine;
+    const auto line = std::make_shared<MemoryLine>(
+        CBR_9600, [](std::span<const std::uint8_t>) {}, MemoryLine::Pace::kAtOnce);
     std::size_t arrived = 0;
     line->Open([&](std::span<const std::uint8_t> bytes) { arrived += bytes.size(); });
     for (int piece = 0; piece < 3; ++piece)
         line->Send(std::vector<std::uint8_t>(100'000));
-    platform.RunFor(milliseconds(1));
+    platform.RunFor(1ms);
     EXPECT_EQ(arrived, 262'144U);
     line->Close();
 }
 
-enum class Outcome { kExchanges, kHearsNothing, kRefused };
-
 TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
-    struct Row {
+    enum class Outcome { kExchanges, kHearsNothing, kRefused };
+    const struct {
         void (*change)(DCB&);
         Outcome outcome;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {[](DCB&) {}, Outcome::kExchanges},
         {[](DCB& settings) { settings.fRtsControl = 0; }, Outcome::kExchanges},
         {[](DCB& settings) { settings.BaudRate = 115200; }, Outcome::kHearsNothing},
@@ -64,21 +37,21 @@ TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
         {[](DCB& settings) { settings.Parity = 5; }, Outcome::kRefused},
         {[](DCB& settings) { settings.StopBits = 3; }, Outcome::kRefused},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);
         Platform platform;
         MemoryPort port(platform);
         platform.Run([&] {
-            const HANDLE handle = MemoryPort::Open(kProgramTimeouts);
+            const HANDLE handle = OpenCom9();
             DCB settings{};
             EXPECT_TRUE(GetCommState(handle, &settings));
             row.change(settings);
             EXPECT_EQ(SetCommState(handle, &settings), row.outcome != Outcome::kRefused);
             // What was refused changed nothing.
             const bool exchanges = row.outcome != Outcome::kHearsNothing;
-            Write(handle, "out");
-            kernel::After({}, [&] { port.Send("in"); });
-            EXPECT_EQ(Read(handle, 2), exchanges ? "in" : "");
+            EXPECT_EQ(Write(handle, "out"), 3U);
+            port.SendAfter({}, 2);
+            EXPECT_EQ(Read(handle, 2), exchanges ? "xx" : "");
             Sleep(1);
             EXPECT_EQ(port.heard, exchanges ? "out" : "");
             CloseHandle(handle);
@@ -96,11 +69,9 @@ TEST(MemoryLine, CatchesUpAfterALateHost) {
     settings.BaudRate = 460800;
     settings.ByteSize = 8;
     port.line->ApplySettings(settings);
-    kernel::After({}, [&] {
-        port.Send(std::string(1'000, 'x'));
-        std::this_thread::sleep_for(microseconds(200));
-    });
-    platform.RunFor(milliseconds(200));
+    port.SendAfter({}, 1'000);
+    kernel::After({}, [] { std::this_thread::sleep_for(200us); });
+    platform.RunFor(200ms);
     EXPECT_EQ(arrivals, std::vector<std::size_t>{1'000});
 }
 
@@ -108,14 +79,15 @@ TEST(MemoryLine, LosesWhatIsOnTheWireWhileClosed) {
     Platform platform;
     MemoryPort port(platform);
     platform.Run([&] {
-        HANDLE handle = MemoryPort::Open(kProgramTimeouts);
-        kernel::After({}, [&] { port.Send(std::string(4'608, 'x')); });
+        HANDLE handle = OpenCom9();
+        port.SendAfter({}, 4'608);
         CloseHandle(handle);
         Sleep(50);
-        handle = MemoryPort::Open(kProgramTimeouts);
+        handle = OpenCom9();
         EXPECT_EQ(Read(handle, 4'608).size(), 2'304U);
         CloseHandle(handle);
     });
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,9 +1,6 @@
 #include "platform/device/tty_line.h"
 
-#include <windows.h>
-
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <termios.h>
@@ -11,29 +8,26 @@
 
 #include <filesystem>
 #include <mutex>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "platform/device/serial_port.h"
-#include "tests/support/platform_test.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/device/com9.h"
 
+namespace tests {
 namespace {
-
-namespace kernel = platform::kernel;
 
 // A unit whose "COM9:" is a device of the host; at the other end of that, this test.
 class Tty : public testing::Test {
   protected:
-    Tty() {
+    Tty() { UseDevice(NewDevice()); }
+    ~Tty() override {
+        close(far_end);
+        close(keeper);
+    }
+
+    std::string NewDevice() {
         char name[128] = {};
         EXPECT_EQ(openpty(&far_end, &keeper, name, nullptr, nullptr), 0);
-        UseDevice(name);
-    }
-    ~Tty() override {
-        HangUp();
-        close(keeper);
+        return name;
     }
 
     void UseDevice(const std::string& name) {
@@ -43,18 +37,6 @@ class Tty : public testing::Test {
         };
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(
             std::make_shared<platform::device::TtyLine>(name, note));
-    }
-
-    static HANDLE Open(COMMTIMEOUTS timeouts) {
-        const HANDLE port = CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                        OPEN_EXISTING, 0, nullptr);
-        EXPECT_TRUE(SetCommTimeouts(port, &timeouts));
-        return port;
-    }
-
-    void HangUp() {
-        if (far_end >= 0)
-            close(std::exchange(far_end, -1));
     }
 
     std::string ReadFarEnd(std::size_t size) const {
@@ -72,13 +54,19 @@ class Tty : public testing::Test {
         const std::scoped_lock lock(mutex);
         return std::exchange(problems, {});
     }
+    void AwaitProblem(const std::string& expected) {
+        std::vector<std::string> said;
+        for (; said.empty(); said = TakeProblems())
+            Sleep(10);
+        EXPECT_EQ(said, std::vector<std::string>{expected});
+    }
 
     // Keeps the device alive while the port is closed.
     int keeper = -1;
     int far_end = -1;
     std::mutex mutex;
     std::vector<std::string> problems;
-    tests::Platform platform{{.mode = kernel::Mode::kFreeRunning, .speed = 20}};
+    Platform platform{{.mode = kernel::Mode::kFreeRunning, .speed = 20}};
 };
 
 constexpr COMMTIMEOUTS kPatient{0, 0, 60'000, 0, 60'000};
@@ -88,19 +76,16 @@ TEST_F(Tty, TakesTheSettingsAndCarriesEveryByteValueBothWays) {
         // Until the port is opened, the host's terminal echoes.
         EXPECT_EQ(write(far_end, "stale", 5), 5);
         EXPECT_EQ(ReadFarEnd(5), "stale");
-        const HANDLE port = Open(kPatient);
-        DCB settings{};
-        EXPECT_TRUE(GetCommState(port, &settings));
-        settings.BaudRate = 460801;
-        EXPECT_FALSE(SetCommState(port, &settings));
-        settings.BaudRate = 460800;
-        EXPECT_TRUE(SetCommState(port, &settings));
+        const HANDLE port = OpenCom9(kPatient);
         termios state{};
         EXPECT_EQ(tcgetattr(keeper, &state), 0);
         EXPECT_EQ(cfgetospeed(&state), B460800);
         EXPECT_EQ(cfgetispeed(&state), B460800);
         EXPECT_EQ(state.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS), tcflag_t{CS8});
-        settings = {};
+        DCB settings{};
+        EXPECT_TRUE(GetCommState(port, &settings));
+        settings.BaudRate = 460801;
+        EXPECT_FALSE(SetCommState(port, &settings));
         EXPECT_TRUE(GetCommState(port, &settings));
         EXPECT_EQ(settings.BaudRate, 460800U);
         EXPECT_EQ(settings.ByteSize, 8);
@@ -108,12 +93,11 @@ TEST_F(Tty, TakesTheSettingsAndCarriesEveryByteValueBothWays) {
         std::string all;
         for (int value = 0; value < 256; ++value)
             all += static_cast<char>(value);
-        DWORD count = 0;
-        EXPECT_TRUE(WriteFile(port, all.data(), 256, &count, nullptr));
-        EXPECT_EQ(count, 256U);
+        EXPECT_EQ(Write(port, all), 256U);
         EXPECT_EQ(ReadFarEnd(256), all);
         EXPECT_EQ(write(far_end, all.data(), all.size()), 256);
         std::string got(256, '?');
+        DWORD count = 0;
         EXPECT_TRUE(ReadFile(port, got.data(), 256, &count, nullptr));
         EXPECT_EQ(got, all);
         pollfd echoed{far_end, POLLIN, 0};
@@ -125,23 +109,16 @@ TEST_F(Tty, TakesTheSettingsAndCarriesEveryByteValueBothWays) {
 
 TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
     platform.Run([&] {
-        const HANDLE port = Open({0, 0, 100, 0, 100});
-        const std::string much(1 << 20, 'x');
-        DWORD first = 0;
-        EXPECT_TRUE(WriteFile(port, much.data(), 1 << 20, &first, nullptr));
-        EXPECT_GT(first, 0U);
-        EXPECT_LT(first, 1U << 20);
+        const HANDLE port = OpenCom9({0, 0, 100, 0, 100});
+        const DWORD first = Write(port, std::string(1 << 20, 'x'));
+        EXPECT_TRUE(first > 0 && first < 1U << 20) << first;
 
         COMMTIMEOUTS patient = kPatient;
         SetCommTimeouts(port, &patient);
         // Two writers wait for the same room.
-        tests::Crew crew;
+        Crew crew;
         for (int writer = 0; writer < 2; ++writer)
-            crew.Start([&] {
-                DWORD written = 0;
-                EXPECT_TRUE(WriteFile(port, much.data(), 1 << 18, &written, nullptr));
-                EXPECT_EQ(written, 1U << 18);
-            });
+            crew.Start([&] { EXPECT_EQ(Write(port, std::string(1 << 18, 'x')), 1U << 18); });
         EXPECT_EQ(ReadFarEnd(first + (2 << 18)).size(), first + (2 << 18));
         crew.Join();
         CloseHandle(port);
@@ -151,71 +128,54 @@ TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
 TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
     // The path leads to one device and later to another, as an adapter's does that is pulled out
     // and put back.
-    const std::string folder = testing::TempDir() + "tolvane-tty-" + std::to_string(getpid());
-    std::filesystem::create_directory(folder);
-    const std::string path = folder + "/line";
+    const std::string path = testing::TempDir() + "tolvane-tty-" + std::to_string(getpid());
     std::filesystem::create_symlink(ttyname(keeper), path);
     UseDevice(path);
     platform.Run([&] {
-        const HANDLE port = Open({0, 50, 50, 10, 100});
-        DCB settings{};
-        EXPECT_TRUE(GetCommState(port, &settings));
-        settings.BaudRate = 460800;
-        EXPECT_TRUE(SetCommState(port, &settings));
+        const HANDLE port = OpenCom9({0, 50, 50, 10, 100});
         for (int round = 0; round < 2; ++round) {
-            HangUp();
-            std::vector<std::string> said;
-            for (; said.empty(); said = TakeProblems())
-                Sleep(10);
-            EXPECT_EQ(said, std::vector<std::string>{path + ": the serial device went away"});
-            DWORD count = 1;
-            char byte = 0;
-            EXPECT_TRUE(ReadFile(port, &byte, 1, &count, nullptr));
-            EXPECT_EQ(count, 0U);
-            EXPECT_TRUE(WriteFile(port, "lost", 4, &count, nullptr));
-            EXPECT_EQ(count, 0U);
-            settings = {};
+            close(far_end);
+            AwaitProblem(path + ": the serial device went away");
+            EXPECT_EQ(Read(port, 1), "");
+            EXPECT_EQ(Write(port, "lost"), 0U);
+            DCB settings{};
             EXPECT_TRUE(GetCommState(port, &settings));
             EXPECT_EQ(settings.BaudRate, 460800U);
 
-            char name[128] = {};
             close(keeper);
-            EXPECT_EQ(openpty(&far_end, &keeper, name, nullptr, nullptr), 0);
+            const std::string name = NewDevice();
             std::filesystem::remove(path);
             std::filesystem::create_symlink(name, path);
-            for (said.clear(); said.empty(); said = TakeProblems())
-                Sleep(10);
-            EXPECT_EQ(said, std::vector<std::string>{path + ": the serial device is back"});
+            AwaitProblem(path + ": the serial device is back");
             termios state{};
             EXPECT_EQ(tcgetattr(keeper, &state), 0);
             EXPECT_EQ(cfgetospeed(&state), B460800);
             EXPECT_EQ(write(far_end, "x", 1), 1);
-            while (ReadFile(port, &byte, 1, &count, nullptr) && count == 0)
-                continue;
-            EXPECT_EQ(byte, 'x');
-            EXPECT_TRUE(WriteFile(port, "back", 4, &count, nullptr));
-            EXPECT_EQ(count, 4U);
+            std::string got;
+            while (got.empty())
+                got = Read(port, 1);
+            EXPECT_EQ(got, "x");
+            EXPECT_EQ(Write(port, "back"), 4U);
             EXPECT_EQ(ReadFarEnd(4), "back");
         }
         CloseHandle(port);
     });
-    std::filesystem::remove_all(folder);
+    std::filesystem::remove(path);
     EXPECT_TRUE(TakeProblems().empty());
 }
 
 TEST_F(Tty, PathsThatCannotBeOpenedAreErrorsWithOneClearLine) {
-    struct Row {
+    const struct {
         std::string path;
         DWORD error;
         std::string said;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"/dev/no-such-tty", ERROR_DEV_NOT_EXIST, "cannot open"},
         {"/dev/null", ERROR_GEN_FAILURE, "not a serial device"},
         {"/proc", ERROR_GEN_FAILURE, "cannot open"},
     };
     platform.Run([&] {
-        for (const Row& row : rows) {
+        for (const auto& row : rows) {
             UseDevice(row.path);
             EXPECT_EQ(CreateFileW(L"COM9:", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
                       INVALID_HANDLE_VALUE);
@@ -228,3 +188,4 @@ TEST_F(Tty, PathsThatCannotBeOpenedAreErrorsWithOneClearLine) {
 }
 
 }  // namespace
+}  // namespace tests

@@ -49,7 +49,8 @@ TEST_F(Blits, CopiesAreClippedOnBothSides) {
     ExpectFails(ERROR_NOT_SUPPORTED, [&] {
         return BitBlt(canvas.dc, 0, 0, 5, 5, source.dc, 0, 0, SRCCOPY + 1) ||
                BitBlt(canvas.dc, 0, 0, -5, 5, source.dc, 0, 0, SRCCOPY) ||
-               TransparentImage(canvas.dc, 0, 0, 5, 5, source.dc, 0, 0, 4, 5, 0);
+               TransparentImage(canvas.dc, 0, 0, 5, 5, source.dc, 0, 0, 4, 5, 0) ||
+               TransparentImage(canvas.dc, 0, 0, 5, 5, canvas.dc, 9, 0, 5, 5, 0);
     });
 }
 

@@ -1,41 +1,36 @@
-#include <gtest/gtest.h>
-#include <windows.h>
-
 #include "platform/resource/image.h"
-#include "platform/resource/module.h"
-#include "platform/resource/resource_file.h"
-#include "resource_bytes.h"
+#include "tests/resource/resource_bytes.h"
 
+namespace tests {
 namespace {
 
-namespace resource = platform::resource;
-using namespace tests;
-
-constexpr wchar_t kPath[] = L"\\program.exe";
-
 Bytes VersionResource() {
-    const auto text = ByteList().Word(20).Word(2).Word(1).Text(u"Name").Align().Text(u"7").Align();
-    const auto table = ByteList().Word(44).Word(0).Word(1).Text(u"040904B0").Add(text);
-    const auto strings = ByteList().Word(80).Word(0).Word(1).Text(u"StringFileInfo").Add(table);
-    ByteList root;
-    root.Word(172).Word(52).Word(0).Text(u"VS_VERSION_INFO").Align().Dword(0xFEEF04BD);
-    return root.Dwords({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}).Add(strings);
+    const auto text = ByteList().Words({20, 2, 1}).Text(u"Name").Align().Text(u"7").Align();
+    const auto table = ByteList().Words({44, 0, 1}).Text(u"040904B0").Add(text);
+    const auto strings = ByteList().Words({80, 0, 1}).Text(u"StringFileInfo").Add(table);
+    return ByteList()
+        .Words({172, 52, 0})
+        .Text(u"VS_VERSION_INFO")
+        .Align()
+        .Dwords({0xFEEF04BD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0})
+        .Add(strings);
 }
 
+using Resources = std::vector<std::pair<unsigned, Bytes>>;
+
 // The resources of every kind that is looked into, small enough to damage in every way.
-std::vector<std::pair<unsigned, Bytes>> OneOfEach() {
-    ByteList group, strings;
-    group.Word(0).Word(1).Word(1).Word(0x0202).Word(2).Word(1).Word(1).Dword(64).Word(1);
+Resources OneOfEach() {
+    ByteList strings;
     for (int index = 0; index < 16; ++index)
-        strings.Word(1).Word('s');
+        strings.Words({1, 's'});
     return {{2, Dib(3, 2, 4, 0, 2).Dwords({1, 2, 0, 0})},
             {3, Dib(2, 4, 1).Dwords({1, 2, 0, 0, 0, 0})},
-            {14, group},
+            {14, ByteList().Words({0, 1, 1, 0x0202, 2, 1, 1, 64, 0, 1})},
             {6, strings},
             {16, VersionResource()}};
 }
 
-Bytes FileOf(const std::vector<std::pair<unsigned, Bytes>>& resources) {
+Bytes FileOf(const Resources& resources) {
     std::vector<Bytes> entries;
     for (const auto& [type, data] : resources)
         entries.push_back(ResEntry(type, 1, data));
@@ -46,7 +41,7 @@ Bytes FileOf(const std::vector<std::pair<unsigned, Bytes>>& resources) {
 // the file was refused.
 int Use(const Bytes& file) {
     std::string problem;
-    if (!resource::SetModule(file, kPath, problem)) {
+    if (!resource::SetModule(file, kProgramPath, problem)) {
         EXPECT_TRUE(problem.starts_with("byte ") || file.empty()) << problem;
         return -1;
     }
@@ -54,17 +49,16 @@ int Use(const Bytes& file) {
     usable += resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2).has_value();
     wchar_t text[64];
     usable += LoadStringW(nullptr, 15, text, 64) > 0;
-    const DWORD size = GetFileVersionInfoSizeW(kPath, nullptr);
+    const DWORD size = GetFileVersionInfoSizeW(kProgramPath, nullptr);
     Bytes block(size);
-    if (size == 0 || !GetFileVersionInfoW(kPath, 0, size, block.data()))
+    if (size == 0 || !GetFileVersionInfoW(kProgramPath, 0, size, block.data()))
         return usable;
     void* value = nullptr;
     UINT length = 0;
     usable += VerQueryValueW(block.data(), L"\\", &value, &length);
     if (VerQueryValueW(block.data(), L"\\StringFileInfo\\040904B0\\Name", &value, &length)) {
         const auto* start = static_cast<const std::byte*>(value);
-        EXPECT_GE(start, block.data());
-        EXPECT_LE(start + length, block.data() + block.size());
+        EXPECT_TRUE(start >= block.data() && start + length <= block.data() + block.size());
         ++usable;
     }
     return usable;
@@ -82,11 +76,8 @@ TEST(Damage, CutOffAtEveryLength) {
     }
     // Between two of the six entries, the empty first one counted.
     EXPECT_EQ(accepted, 5);
-}
-
-TEST(Damage, EachResourceCutOffAtEveryLength) {
     for (std::size_t damaged = 0; damaged < 5; ++damaged) {
-        auto resources = OneOfEach();
+        Resources resources = OneOfEach();
         auto& [type, data] = resources[damaged];
         while (!data.empty()) {
             data.pop_back();
@@ -97,3 +88,4 @@ TEST(Damage, EachResourceCutOffAtEveryLength) {
 }
 
 }  // namespace
+}  // namespace tests

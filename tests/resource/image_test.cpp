@@ -1,28 +1,20 @@
 #include "platform/resource/image.h"
 
-#include <gtest/gtest.h>
-#include <windows.h>
+#include "res/program_resources.h"
+#include "res/resource.h"
+#include "tests/resource/resource_bytes.h"
 
-#include "platform/resource/module.h"
-#include "resource_bytes.h"
-
+namespace tests {
 namespace {
 
-namespace resource = platform::resource;
-using namespace tests;
 using Pixels = std::vector<std::uint32_t>;
-
-void SetModule(const Bytes& file) {
-    std::string problem;
-    ASSERT_TRUE(resource::SetModule(file, L"\\program.exe", problem)) << problem;
-    SetLastError(ERROR_SUCCESS);
-}
 
 // Two by two pixels: the lower row stands first.
 TEST(Image, Bitmaps) {
     const Pixels rgbw = {0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF};
     constexpr auto kTopDown = static_cast<std::uint32_t>(-2);
     const ByteList colours = ByteList().Dwords({0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF});
+    const ByteList none = ByteList().Dwords({0});
     // clang-format off
     const struct {
         const char* what;
@@ -36,20 +28,21 @@ TEST(Image, Bitmaps) {
         {"16 bits", Dib(2, 2, 16).Dwords({0x7FFF001F, 0x03E07C00}), rgbw},
         {"24 bits", Dib(2, 2, 24).Dwords({0xFF0000FF, 0x0000FFFF, 0x00FF0000, 0x000000FF}), rgbw},
         {"32 bits from the top, the highest byte unused", Dib(2, kTopDown, 32).Dwords({0x77FF0000, 0x0000FF00, 0x000000FF, 0x99FFFFFF}), rgbw},
-        {"run-length encoded", Dib(2, 2, 8, 1).Dword(0), {}, ERROR_NOT_SUPPORTED},
-        {"2 bits", Dib(2, 2, 2).Dword(0), {}, ERROR_NOT_SUPPORTED},
-        {"no width", Dib(0, 2, 24).Dword(0), {}, ERROR_INVALID_DATA},
-        {"no height", Dib(2, 0, 24).Dword(0), {}, ERROR_INVALID_DATA},
-        {"the least height", Dib(2, 0x80000000, 24).Dword(0), {}, ERROR_INVALID_DATA},
-        {"far too wide", Dib(0x7FFFFFFF, 2, 24).Dword(0), {}, ERROR_INVALID_DATA},
-        {"one pixel short", Dib(1, 2, 32).Dword(0), {}, ERROR_INVALID_DATA},
-        {"more colours than bytes", Dib(1, 1, 24, 0, 0xFFFFFFFF).Dword(0), {}, ERROR_INVALID_DATA},
+        {"run-length encoded", Dib(2, 2, 8, 1).Add(none), {}, ERROR_NOT_SUPPORTED},
+        {"2 bits", Dib(2, 2, 2).Add(none), {}, ERROR_NOT_SUPPORTED},
+        {"no width", Dib(0, 2, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"no height", Dib(2, 0, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"the least height", Dib(2, 0x80000000, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"far too wide", Dib(0x7FFFFFFF, 2, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"one pixel short", Dib(1, 2, 32).Add(none), {}, ERROR_INVALID_DATA},
+        {"more colours than bytes", Dib(1, 1, 24, 0, 0xFFFFFFFF).Add(none), {}, ERROR_INVALID_DATA},
     };
     // clang-format on
     for (const auto& dib : cases) {
         SCOPED_TRACE(dib.what);
         const Bytes file = ResFile({ResEntry(2, 1, dib.bytes)});
-        SetModule(file);
+        UseModule(file);
+        SetLastError(ERROR_SUCCESS);
         const auto image = resource::DecodeBitmap(MAKEINTRESOURCEW(1));
         ASSERT_EQ(image.has_value(), dib.error == ERROR_SUCCESS);
         EXPECT_EQ(GetLastError(), dib.error);
@@ -62,10 +55,8 @@ TEST(Image, Bitmaps) {
 Bytes TwoIcons(std::uint32_t pixel) {
     const auto plain = Dib(2, 4, 1).Dwords({0x111111, 0x222222, 0x40, 0x80, 0xC0, 0x40});
     const auto deep = Dib(2, 4, 32).Dwords({pixel, pixel, pixel, pixel, 0x40, 0x80});
-    ByteList group;
-    group.Word(0).Word(1).Word(2);
-    group.Word(0x0202).Word(2).Word(1).Word(1).Dword(64).Word(7);
-    group.Word(0x0202).Word(0).Word(1).Word(32).Dword(64).Word(8);
+    const auto group =
+        ByteList().Words({0, 1, 2, 0x0202, 2, 1, 1, 64, 0, 7, 0x0202, 0, 1, 32, 64, 0, 8});
     return ResFile({ResEntry(3, 7, plain), ResEntry(3, 8, deep), ResEntry(14, 1, group)});
 }
 
@@ -75,15 +66,25 @@ TEST(Image, IconTakesItsOpacityFromItsPixelsElseFromItsMask) {
         {0x00010203, {0x00010203, 0xFF010203, 0xFF010203, 0x00010203}}};
     for (const auto& [pixel, expected] : cases) {
         const Bytes file = TwoIcons(pixel);
-        SetModule(file);
+        UseModule(file);
         const auto icon = resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2);
         ASSERT_TRUE(icon);
         EXPECT_EQ(icon->bits_per_pixel, 32);
         EXPECT_EQ(icon->pixels, expected);
         resource::Hide(RT_ICON, MAKEINTRESOURCEW(8));
-        EXPECT_FALSE(resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2));
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND));
+        ExpectFails(ERROR_RESOURCE_NAME_NOT_FOUND,
+                    [] { return resource::DecodeIcon(MAKEINTRESOURCEW(1), 2, 2).has_value(); });
+    }
+}
+
+// The size that is asked for and the one that is nearest; without a size, the first.
+TEST(Image, TheProgramsIconIsTheNearestInSize) {
+    UseModule(res::ProgramResources());
+    for (const auto& [asked, size] : {std::pair(32, 32), {16, 16}, {20, 16}, {0, 32}}) {
+        const auto icon = resource::DecodeIcon(MAKEINTRESOURCEW(IDR_MAINFRAME), asked, asked);
+        EXPECT_TRUE(icon && icon->width == size && icon->height == size) << asked;
     }
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,51 +1,35 @@
 #include "platform/resource/module.h"
 
-#include <gtest/gtest.h>
-#include <windows.h>
+#include <cstring>
 
-#include "resource_bytes.h"
+#include "res/program_resources.h"
+#include "tests/resource/resource_bytes.h"
 
+namespace tests {
 namespace {
-
-namespace resource = platform::resource;
-using namespace tests;
-
-constexpr wchar_t kModulePath[] = L"\\Tolvane\\Tolvane.exe";
-
-Bytes SomeResources() {
-    ByteList strings;
-    strings.Word(0).Word(2).Word('H').Word('i').Dwords({0, 0, 0, 0, 0, 0, 0});
-    const Bytes bitmap = Dib(1, 1, 24).Dword(0x00123456);
-    // An entry whose type and name are texts.
-    ByteList named;
-    named.Dwords({3, 48}).Text(u"CARD").Text(u"Slot.A").Dwords({0, 0, 0, 0});
-    return ResFile({ResEntry(2, 202, bitmap), ResEntry(2, 203, bitmap), ResEntry(6, 9, strings),
-                    named.Byte(1).Byte(2).Byte(3).Align()});
-}
 
 class Module : public testing::Test {
   protected:
-    void SetUp() override {
-        std::string problem;
-        ASSERT_TRUE(resource::SetModule(resources_, kModulePath, problem)) << problem;
+    Module() { UseModule(file_); }
+
+    static Bytes SomeResources() {
+        ByteList strings;
+        strings.Words({0, 2, 'H', 'i', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+        const Bytes bitmap = Dib(1, 1, 24).Dwords({0x00123456});
+        // An entry whose type and name are texts.
+        ByteList named;
+        named.Dwords({3, 48}).Text(u"CARD").Text(u"Slot.A").Dwords({0, 0, 0, 0});
+        return ResFile({ResEntry(2, 202, bitmap), ResEntry(2, 203, bitmap), ResEntry(6, 9, strings),
+                        named.Byte(1).Byte(2).Byte(3).Align()});
     }
 
-    template <class Call>
-    static void ExpectFails(DWORD error, Call call) {
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(call());
-        EXPECT_EQ(GetLastError(), error);
-    }
-
-    const Bytes resources_ = SomeResources();
+    const Bytes file_ = SomeResources();
 };
 
 TEST_F(Module, FindsByNumberAndByText) {
     const struct {
-        LPCWSTR type;
-        LPCWSTR name;
-        DWORD size;
-        DWORD error;
+        LPCWSTR type, name;
+        DWORD size, error;
     } cases[] = {
         {RT_BITMAP, MAKEINTRESOURCEW(202), 44, ERROR_SUCCESS},
         {L"#2", L"#203", 44, ERROR_SUCCESS},
@@ -58,7 +42,7 @@ TEST_F(Module, FindsByNumberAndByText) {
         {L"cards", L"Slot.A", 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
     };
     for (const auto& row : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << &row - cases);
+        SCOPED_TRACE(&row - cases);
         SetLastError(ERROR_SUCCESS);
         const HRSRC found = FindResourceW(nullptr, row.name, row.type);
         EXPECT_EQ(GetLastError(), row.error);
@@ -67,7 +51,7 @@ TEST_F(Module, FindsByNumberAndByText) {
     resource::Hide(RT_BITMAP, L"#203");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203)));
     EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
-    SetUp();
+    UseModule(file_);
     EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203))) << "hidden until the next module";
 }
 
@@ -76,26 +60,16 @@ TEST_F(Module, Strings) {
         UINT id;
         int size;
         std::wstring text;
-        DWORD error;
-    } cases[] = {
-        {129, 16, L"Hi", ERROR_SUCCESS},
-        {129, 3, L"Hi", ERROR_SUCCESS},
-        {129, 2, L"H", ERROR_SUCCESS},
-        {129, 1, L"", ERROR_SUCCESS},
-        {128, 16, L"", ERROR_RESOURCE_NAME_NOT_FOUND},
-        {143, 16, L"", ERROR_RESOURCE_NAME_NOT_FOUND},
-        {144, 16, L"", ERROR_RESOURCE_NAME_NOT_FOUND},
-        {129 + 0x10000, 16, L"", ERROR_RESOURCE_NAME_NOT_FOUND},
-    };
+    } cases[] = {{129, 16, L"Hi"}, {129, 3, L"Hi"}, {129, 2, L"H"}, {129, 1, L""},
+                 {128, 16, L""},   {143, 16, L""},  {144, 16, L""}, {129 + 0x10000, 16, L""}};
     for (const auto& row : cases) {
-        SCOPED_TRACE(testing::Message() << "string " << row.id << " into " << row.size);
+        SCOPED_TRACE(&row - cases);
         std::wstring text(17, L'#');
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(LoadStringW(nullptr, row.id, text.data(), row.size),
-                  static_cast<int>(row.text.size()));
+        EXPECT_EQ(LoadStringW(nullptr, row.id, text.data(), row.size), int(row.text.size()));
         EXPECT_EQ(text.c_str(), row.text);
         EXPECT_EQ(text[row.size], L'#') << "written beyond its size";
-        EXPECT_EQ(GetLastError(), row.error);
+        EXPECT_EQ(GetLastError(), row.id == 129 ? ERROR_SUCCESS : ERROR_RESOURCE_NAME_NOT_FOUND);
     }
 }
 
@@ -109,26 +83,60 @@ TEST_F(Module, WhatIsNotThereIsRefused) {
     ExpectFails(ERROR_INVALID_HANDLE,
                 [&] { return LoadResource(nullptr, reinterpret_cast<HRSRC>(this)); });
     ExpectFails(ERROR_MOD_NOT_FOUND, [] { return GetModuleHandleW(L"coredll.dll"); });
-    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return version(kModulePath); });
+    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return version(kProgramPath); });
     ExpectFails(ERROR_FILE_NOT_FOUND, [&] { return version(L"\\Windows\\other.exe"); });
     ExpectFails(ERROR_RESOURCE_NAME_NOT_FOUND,
                 [] { return LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(128)); });
 }
 
 TEST_F(Module, KnowsItsPathWhateverItsResources) {
-    const Bytes damaged(resources_.begin(), resources_.end() - 4);
+    const Bytes damaged(file_.begin(), file_.end() - 4);
     std::string problem;
-    EXPECT_FALSE(resource::SetModule(damaged, kModulePath, problem));
+    EXPECT_FALSE(resource::SetModule(damaged, kProgramPath, problem));
     EXPECT_EQ(problem, "byte 252: data cut off");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));
     wchar_t path[32];
     EXPECT_EQ(GetModuleFileNameW(nullptr, path, 21), 20U);
-    EXPECT_STREQ(path, kModulePath);
+    EXPECT_STREQ(path, kProgramPath);
     EXPECT_EQ(GetModuleFileNameW(resource::ModuleInstance(), path, 20), 20U);
     EXPECT_STREQ(path, L"\\Tolvane\\Tolvane.ex");
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
-    for (const wchar_t* name : {L"tolvane.EXE", kModulePath, LPCWSTR{}})
+    for (const wchar_t* name : {L"tolvane.EXE", kProgramPath, LPCWSTR{}})
         EXPECT_EQ(GetModuleHandleW(name), resource::ModuleInstance());
 }
 
+TEST(ProgramResources, VersionBlockSays0700) {
+    UseModule(res::ProgramResources());
+    const DWORD size = GetFileVersionInfoSizeW(L"\\tolvane\\TOLVANE.EXE", nullptr);
+    ASSERT_GT(size, sizeof(VS_FIXEDFILEINFO));
+    std::vector<std::byte> block(size);
+    ExpectFails(ERROR_INSUFFICIENT_BUFFER,
+                [&] { return GetFileVersionInfoW(kProgramPath, 0, size - 1, block.data()); });
+    ASSERT_TRUE(GetFileVersionInfoW(kProgramPath, 0, size, block.data()));
+    void* value = nullptr;
+    UINT length = 0;
+    const auto query = [&](LPCWSTR path) {
+        return VerQueryValueW(block.data(), path, &value, &length);
+    };
+    ASSERT_TRUE(query(L"\\"));
+    // The signature, the structure's version, and the file's: 0.7.0.0.
+    EXPECT_EQ(length, 52U);
+    EXPECT_EQ(std::memcmp(value, "\xBD\x04\xEF\xFE\0\0\1\0\7\0\0\0\0\0\0\0", 16), 0);
+    const std::pair<const wchar_t*, const wchar_t*> texts[] = {
+        {L"\\StringFileInfo\\040904B0\\FileVersion", L"0.7.0.0"},
+        {L"\\stringfileinfo\\040904b0\\productversion", L"0.7.0.0"},
+        {L"\\StringFileInfo\\040904B0\\OriginalFilename", L"Tolvane.exe"},
+    };
+    for (const auto& [path, text] : texts) {
+        ASSERT_TRUE(query(path)) << path;
+        EXPECT_STREQ(static_cast<const wchar_t*>(value), text);
+        EXPECT_EQ(length, std::wcslen(text) + 1);
+    }
+    ASSERT_TRUE(query(L"\\VarFileInfo\\Translation"));
+    ASSERT_EQ(length, 4U);
+    EXPECT_EQ(std::memcmp(value, "\x09\x04\xB0\x04", 4), 0);
+    ExpectFails(ERROR_RESOURCE_TYPE_NOT_FOUND, [&] { return query(L"\\StringFileInfo\\0\\Any"); });
+}
+
 }  // namespace
+}  // namespace tests

@@ -3,12 +3,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string_view>
-#include <vector>
+
+#include "platform/resource/module.h"
+#include "tests/support/platform_test.h"
 
 namespace tests {
 
+namespace resource = platform::resource;
 using Bytes = std::vector<std::byte>;
+
+inline constexpr wchar_t kProgramPath[] = L"\\Tolvane\\Tolvane.exe";
+
+inline void UseModule(std::span<const std::byte> file) {
+    std::string problem;
+    ASSERT_TRUE(resource::SetModule(file, kProgramPath, problem)) << problem;
+}
 
 // Little-endian bytes written down one field after the other.
 class ByteList {
@@ -18,10 +29,14 @@ class ByteList {
         return *this;
     }
     ByteList& Word(unsigned value) { return Byte(value & 0xFF).Byte(value >> 8 & 0xFF); }
-    ByteList& Dword(std::uint32_t value) { return Word(value & 0xFFFF).Word(value >> 16); }
+    ByteList& Words(std::initializer_list<unsigned> values) {
+        for (const unsigned value : values)
+            Word(value);
+        return *this;
+    }
     ByteList& Dwords(std::initializer_list<std::uint32_t> values) {
         for (const std::uint32_t value : values)
-            Dword(value);
+            Word(value & 0xFFFF).Word(value >> 16);
         return *this;
     }
     ByteList& Text(std::u16string_view text) {
@@ -48,8 +63,8 @@ class ByteList {
 inline Bytes ResEntry(unsigned type, unsigned name, const Bytes& data) {
     ByteList entry;
     entry.Dwords({static_cast<std::uint32_t>(data.size()), 32});
-    entry.Word(0xFFFF).Word(type).Word(0xFFFF).Word(name);
-    return entry.Dword(0).Word(0x30).Word(0x409).Dwords({0, 0}).Add(data).Align();
+    entry.Words({0xFFFF, type, 0xFFFF, name, 0, 0, 0x30, 0x409, 0, 0, 0, 0});
+    return entry.Add(data).Align();
 }
 
 inline Bytes ResFile(const std::vector<Bytes>& entries) {
@@ -65,8 +80,7 @@ inline ByteList Dib(std::uint32_t width, std::uint32_t height, unsigned bits_per
                     std::uint32_t compression = 0, std::uint32_t colours = 0) {
     return ByteList()
         .Dwords({40, width, height})
-        .Word(1)
-        .Word(bits_per_pixel)
+        .Words({1, bits_per_pixel})
         .Dwords({compression, 0, 0, 0, colours, 0});
 }
 

@@ -40,8 +40,8 @@ COLORREF WINAPI GetPixel(HDC hdc, int nXPos, int nYPos);
 // With SRCCOPY only.
 BOOL WINAPI BitBlt(HDC hdcDest, int nXDest, int nYDest, int nWidth, int nHeight, HDC hdcSrc,
                    int nXSrc, int nYSrc, DWORD dwRop);
-// hSrc is a device context. Pixels of the colour TransparentColor are left out; nothing is
-// stretched.
+// hSrc is a device context of another surface. Pixels of the colour TransparentColor are left out;
+// nothing is stretched.
 BOOL WINAPI TransparentImage(HDC hdcDest, LONG DstX, LONG DstY, LONG DstCx, LONG DstCy, HANDLE hSrc,
                              LONG SrcX, LONG SrcY, LONG SrcCx, LONG SrcCy,
                              COLORREF TransparentColor);
