@@ -36,12 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> bytes = input.Bytes(size);
     bytes.resize(bytes.size() + kEnd);
 
-    tests::model::FrameFinder finder;
-    std::string expected;
-    for (const std::uint8_t byte : bytes)
-        if (const auto report = finder.Add(byte))
-            expected += tests::model::HandlerLog(*report, false);
-
+    const std::string expected = tests::model::HandlerLog(bytes);
     tests::PlainBoard& board = ThePlatform().board;
     board.ClearOutput();
     for (std::size_t at = 0; at < bytes.size(); at += piece)

@@ -24,25 +24,21 @@ TEST(ParseData, RefusesNothingWithoutLosingItsPlace) {
 
 // What the dispatcher never does to them.
 TEST(Handlers, RefuseNoFrameAndAFrameOfTheOtherType) {
+    const std::pair<Handler*, std::string> rows[] = {
+        {Video_Resolution_ACK, "Video_Resolution_ACK"},
+        {StorageCardStatus_ACK, "StorageCardStatus_ACK"},
+        {DVR_RunningState_IND, "DVR_RunningState_IND"},
+        {FW_Upgrade_Version_IND, "FW_Upgrade_Version_IND"},
+    };
     LinkFixture link;
     SetLastError(ERROR_SUCCESS);
     Dispatch_Command(nullptr);
-    DvrFrame frame{};
-    frame.command = 0x8026;
-    frame.type = 0x80;
-    for (Handler* const handler : {Video_Resolution_ACK, DVR_RunningState_ACK,
-                                   StorageCardStatus_ACK, FW_Upgrade_Version_ACK})
-        handler(frame);
-    frame.type = 0x20;
-    for (Handler* const handler :
-         {DVR_Mode_IND, DVR_RunningState_IND, StorageCardStatus_IND, FW_Upgrade_Version_IND})
-        handler(frame);
     std::string expected = "\tDispatch_Command" + kRefused + "Dispatch.cpp(#)";
-    for (const std::string name :
-         {"Video_Resolution_ACK", "DVR_RunningState_ACK", "StorageCardStatus_ACK",
-          "FW_Upgrade_Version_ACK", "DVR_Mode_IND", "DVR_RunningState_IND", "StorageCardStatus_IND",
-          "FW_Upgrade_Version_IND"})
+    for (const auto& [handler, name] : rows) {
+        const BYTE other = name.ends_with("ACK") ? 0x80 : 0x20;
+        handler({kFrameSync, other, 0x8026, 0, {}, 0});
         expected += "\n\t" + name + ", (0x8026), Invalid Arguments!!!";
+    }
     EXPECT_EQ(link.TakeLog(), expected);
 }
 

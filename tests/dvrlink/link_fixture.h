@@ -73,6 +73,10 @@ struct LinkFixture {
         return joined;
     }
 
+    std::ptrdiff_t Count(const std::string& logged) const {
+        return std::ranges::count(ProgramLog(platform.board), logged);
+    }
+
     Platform platform;
     Bytes received_by_dvr;
     std::shared_ptr<platform::device::MemoryLine> line =

@@ -13,39 +13,16 @@ constexpr std::size_t kSum = 2;
 constexpr std::size_t kLongestPayload = 64;
 
 // From command 0x0010 on.
+// clang-format off
 constexpr const char* kCommands[] = {
-    "DVR_RunningState",
-    "DVR_Mode",
-    "Video_Resolution",
-    "Video_TimeStamp",
-    "Video_CycleTime",
-    "Video_SoundRecording",
-    "Photo_Resolution",
-    "Play_DeleteFile",
-    "Play_Thumbnail",
-    "Play_Volume",
-    "Language",
-    "Automatic_ShutDown",
-    "System_Reboot",
-    "Factory_DefaultSetting",
-    "Frequency",
-    "Time",
-    "Key",
-    "Play_File",
-    "Video_Record",
-    "Photo_Capture",
-    "AC_LineStatus",
-    "BatteryStatus",
-    "StorageCardStatus",
-    "QueryInformation",
-    "QueryFileName",
-    "G_Sensor",
-    "Normal_REC_Overwrite",
-    "Event_REC_Overwrite",
-    "Lock_UnLock_File",
-    "EventTrigger",
-    "FW_Upgrade_Version",
+    "DVR_RunningState", "DVR_Mode", "Video_Resolution", "Video_TimeStamp", "Video_CycleTime",
+    "Video_SoundRecording", "Photo_Resolution", "Play_DeleteFile", "Play_Thumbnail", "Play_Volume",
+    "Language", "Automatic_ShutDown", "System_Reboot", "Factory_DefaultSetting", "Frequency",
+    "Time", "Key", "Play_File", "Video_Record", "Photo_Capture", "AC_LineStatus", "BatteryStatus",
+    "StorageCardStatus", "QueryInformation", "QueryFileName", "G_Sensor", "Normal_REC_Overwrite",
+    "Event_REC_Overwrite", "Lock_UnLock_File", "EventTrigger", "FW_Upgrade_Version",
 };
+// clang-format on
 static_assert(std::size(kCommands) == 31);
 
 constexpr unsigned kFirstCommand = 0x10;
@@ -180,6 +157,15 @@ std::string HandlerLog(const Report& report, bool told) {
         log += begin + Text("(0x%04X)%s\r\n", report.command, report.query() ? ", Query" : "");
     for (const std::string& line : DecodedLines(number, ack, report, told))
         log += begin + line + "\r\n";
+    return log;
+}
+
+std::string HandlerLog(std::span<const std::uint8_t> bytes) {
+    FrameFinder finder;
+    std::string log;
+    for (const std::uint8_t byte : bytes)
+        if (const auto report = finder.Add(byte))
+            log += HandlerLog(*report, false);
     return log;
 }
 

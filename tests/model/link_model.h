@@ -44,5 +44,7 @@ class FrameFinder {
 // What the program writes to the debug output for a report, with its line ends, up to where the
 // wizard is told; `told` is whether there is a main frame to tell.
 std::string HandlerLog(const Report& report, bool told);
+// The same for all reports in the bytes, while there is none.
+std::string HandlerLog(std::span<const std::uint8_t> bytes);
 
 }  // namespace tests::model
