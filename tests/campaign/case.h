@@ -1,10 +1,9 @@
 #pragma once
 
-#include <windows.h>
-
+#include <array>
 #include <cstdint>
-#include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,14 +12,26 @@
 
 namespace tests::campaign {
 
-// Where on a road something goes wrong, counted from 1.
-enum class Moment {
-    kCall,   // just before the program's call of that number
-    kFrame,  // with the last byte of the DVR's frame of that number
-    kByte,   // with the byte of that number from the DVR; for faults of the line alone
-};
+// Where on a road something goes wrong, counted from 1: just before the program's call of that
+// number, with the last byte of the DVR's frame of that number, or with a byte from the DVR.
+enum Moment : std::size_t { kCall, kFrame, kByte, kMoments };
+// How many a road has of each.
+using Counts = std::array<std::uint64_t, kMoments>;
 
-struct FaultKind;
+// What can go wrong.
+struct FaultKind {
+    std::string_view name;
+    // It can come at this moment and those before it.
+    Moment last;
+    // Lets it come; on the hardware's thread. Null for a call that fails.
+    void (*strike)(WizardRun& run);
+    // For a fault of a byte on the line: the rule, for one byte.
+    std::string_view line_rule{};
+};
+std::span<const FaultKind> FaultKinds();
+
+inline constexpr std::string_view kFails = "fails";
+inline constexpr std::string_view kCloses = "closes";
 
 struct Fault {
     const FaultKind* kind;
@@ -38,26 +49,20 @@ struct Case {
 };
 
 std::string ToText(const Case& trial);
-// Nothing, with one line in `problem`, for a text that tells no case.
-std::optional<Case> ParseCase(std::string_view text, std::string& problem);
+// Throws std::invalid_argument, with one line, for a text that tells no case.
+Case ParseCase(const std::string& text);
 
-// What can go wrong.
-struct FaultKind {
-    std::string_view name;
-    // The moments that it can come at.
-    bool at_calls;
-    bool at_frames;
-    bool at_bytes;
-    // Lets it come; on the hardware's thread. Null for a call that fails.
-    void (*strike)(WizardRun& run);
-    // For a fault of a byte on the line: the rule, for one byte.
-    std::string_view line_rule{};
-};
-
-std::span<const FaultKind> FaultKinds();
-bool Fits(const FaultKind& kind, Moment moment);
-
-inline constexpr std::string_view kFails = "fails";
-inline constexpr std::string_view kCloses = "closes";
+// The row of that name. Throws std::invalid_argument, with one line that says which there are.
+template <class Rows>
+auto Named(const std::string& what, std::string_view name, const Rows& rows) {
+    std::string names;
+    for (const auto& row : rows) {
+        if (row.name == name)
+            return &row;
+        names += (names.empty() ? "" : ", ") + std::string(row.name);
+    }
+    throw std::invalid_argument("there is no " + what + " '" + std::string(name) +
+                                "'; allowed is one of " + names);
+}
 
 }  // namespace tests::campaign

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "platform/kernel/clock.h"
 #include "tests/campaign/case.h"
 #include "unit/board/power_coordinator.h"
@@ -31,23 +29,23 @@ void Silence(WizardRun& run) {
 // One kind a line, whatever its length.
 // clang-format off
 constexpr FaultKind kKinds[] = {
-    {kFails, true, false, false, nullptr},
-    {"drops", true, true, true, nullptr, "drop bytes to-unit"},
-    {"corrupts", true, true, true, nullptr, "corrupt bytes to-unit"},
-    {"splits", true, true, true, nullptr, "split 300ms bytes to-unit"},
-    {"loses-request", true, true, false, nullptr, "drop bytes to-dvr"},
-    {"dvr-resets", true, true, false, [](WizardRun& run) { run.unit().ResetDvr(); }},
-    {"dvr-silent", true, true, false, Silence},
-    {"dvr-off", true, true, false, [](WizardRun& run) { run.unit().dvr().dvr()->PowerOff(); }},
-    {"unplugged", true, true, false, [](WizardRun& run) { run.unit().SetPlugged(false); }},
-    {"card-leaves", true, true, false, [](WizardRun& run) { run.unit().RemoveCard(); }},
-    {"power-goes", true, true, false, [](WizardRun& run) { run.unit().SetExternalPower(false); }},
-    {"suspend-asked", true, true, false, Request<0>},
-    {"resume-asked", true, true, false, Request<1>},
-    {"off-asked", true, true, false, Request<2>},
-    {kCloses, true, true, false, [](WizardRun&) { unit::ProgramHost::CloseWindow(); }},
-    {"scaler-vanishes", true, true, false, Hide<L'S'>},
-    {"reset-vanishes", true, true, false, Hide<L'D'>},
+    {kFails, kCall, nullptr},
+    {"drops", kByte, nullptr, "drop bytes to-unit"},
+    {"corrupts", kByte, nullptr, "corrupt bytes to-unit"},
+    {"splits", kByte, nullptr, "split 300ms bytes to-unit"},
+    {"loses-request", kFrame, nullptr, "drop bytes to-dvr"},
+    {"dvr-resets", kFrame, [](WizardRun& run) { run.unit().ResetDvr(); }},
+    {"dvr-silent", kFrame, Silence},
+    {"dvr-off", kFrame, [](WizardRun& run) { run.unit().dvr().dvr()->PowerOff(); }},
+    {"unplugged", kFrame, [](WizardRun& run) { run.unit().SetPlugged(false); }},
+    {"card-leaves", kFrame, [](WizardRun& run) { run.unit().RemoveCard(); }},
+    {"power-goes", kFrame, [](WizardRun& run) { run.unit().SetExternalPower(false); }},
+    {"suspend-asked", kFrame, Request<0>},
+    {"resume-asked", kFrame, Request<1>},
+    {"off-asked", kFrame, Request<2>},
+    {kCloses, kFrame, [](WizardRun&) { unit::ProgramHost::CloseWindow(); }},
+    {"scaler-vanishes", kFrame, Hide<L'S'>},
+    {"reset-vanishes", kFrame, Hide<L'D'>},
 };
 // clang-format on
 
@@ -55,18 +53,6 @@ constexpr FaultKind kKinds[] = {
 
 std::span<const FaultKind> FaultKinds() {
     return kKinds;
-}
-
-bool Fits(const FaultKind& kind, Moment moment) {
-    switch (moment) {
-        case Moment::kCall:
-            return kind.at_calls;
-        case Moment::kFrame:
-            return kind.at_frames;
-        case Moment::kByte:
-            break;
-    }
-    return kind.at_bytes;
 }
 
 }  // namespace tests::campaign

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <random>
-#include <span>
-#include <string>
 #include <vector>
 
 #include "tests/campaign/case.h"
@@ -14,9 +10,7 @@ namespace tests::campaign {
 // A road, and how many moments it has.
 struct Course {
     const Road* road;
-    std::uint64_t calls;
-    std::uint64_t frames;
-    std::uint64_t bytes;
+    Counts counts{};
 };
 
 // Drives each road once without faults. What is wrong already then is told to `find`.
@@ -35,15 +29,9 @@ std::vector<Case> Sweep(const std::vector<Course>& courses,
                         const std::vector<const FaultKind*>& kinds, std::uint64_t every,
                         const Stretch& stretch, std::uint32_t seed);
 
-// So many of those kinds on each road, the next road going on where the one before it ended, each
-// at a moment that the seed chooses.
+// So many cases, each of so many of those kinds at moments that the seed chooses.
 std::vector<Case> Sample(const std::vector<Course>& courses,
-                         const std::vector<const FaultKind*>& kinds, std::size_t on_each,
-                         std::uint32_t seed);
-
-// Two of those kinds at moments that the seed chooses, so many times.
-std::vector<Case> Pairs(const std::vector<Course>& courses,
-                        const std::vector<const FaultKind*>& kinds, std::size_t count,
-                        std::uint32_t seed);
+                         const std::vector<const FaultKind*>& kinds, std::size_t faults,
+                         std::size_t count, std::uint32_t seed);
 
 }  // namespace tests::campaign

@@ -1,7 +1,5 @@
 #include "tests/campaign/road.h"
 
-#include <algorithm>
-
 namespace tests::campaign {
 
 namespace {
@@ -112,11 +110,6 @@ constexpr Road kRoads[] = {
 
 std::span<const Road> Roads() {
     return kRoads;
-}
-
-const Road* FindRoad(std::string_view name) {
-    const Road* const found = std::ranges::find(kRoads, name, &Road::name);
-    return found == std::end(kRoads) ? nullptr : found;
 }
 
 void Hurry(dvrsim::Timings& timings, dvrsim::Faults& faults) {

@@ -20,8 +20,6 @@ struct Road {
 };
 
 std::span<const Road> Roads();
-// Null for a name that is none.
-const Road* FindRoad(std::string_view name);
 
 // An update of a few seconds and a few reports.
 void Hurry(dvrsim::Timings& timings, dvrsim::Faults& faults);

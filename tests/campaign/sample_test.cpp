@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "tests/campaign/isolation.h"
 #include "tests/campaign/plan.h"
+#include "tests/campaign/trial.h"
 
 namespace tests::campaign {
 namespace {
@@ -49,9 +49,9 @@ TEST_P(FaultCampaign, FindsNothingInASample) {
     const auto courses = Survey(roads, 1, [](const Case& trial, const std::string& finding) {
         ADD_FAILURE() << ToText(trial) << ": " << finding;
     });
-    const auto singles = Sample(courses, AllKinds(), kOnEachRoad, kSeed + GetParam());
-    EXPECT_GT(Expect(singles), singles.size() / 2);
-    EXPECT_GT(Expect(Pairs(courses, AllKinds(), kPairs, kSeed + GetParam())), 0U);
+    const std::size_t singles = kOnEachRoad * roads.size();
+    EXPECT_GT(Expect(Sample(courses, AllKinds(), 1, singles, kSeed + GetParam())), singles / 2);
+    EXPECT_GT(Expect(Sample(courses, AllKinds(), 2, kPairs, kSeed + GetParam())), 0U);
     if (GetParam() == 0) {
         const auto start =
             Sweep({courses.front()}, {&FaultKinds().front()}, kEveryCall, kStart, kSeed);

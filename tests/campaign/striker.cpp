@@ -18,8 +18,8 @@ constexpr std::size_t kCallsRemembered = 4;
 
 void Striker::Note(std::string_view fault) {
     const std::scoped_lock lock(mutex_);
-    struck_.push_back(fault);
-    last_ = kernel::Now();
+    seen_.struck.push_back(fault);
+    seen_.last = kernel::Now();
 }
 
 Striker::Striker(const Case& trial, WizardRun& run) : run_(run) {
@@ -33,17 +33,13 @@ Striker::Striker(const Case& trial, WizardRun& run) : run_(run) {
             for (const std::uint8_t byte : line->bytes)
                 HearByte(byte);
     });
-    for (const Fault& fault : trial.faults)
-        Arm(fault);
-}
-
-void Striker::Arm(const Fault& fault) {
-    if (fault.kind->name == kFails) {
-        kernel::AddCallFault({.skip = fault.number - 1});
-    } else if (fault.moment == Moment::kByte) {
-        AddLineFault(*fault.kind, fault.number - 1);
-    } else {
-        waiting_.push_back(fault);
+    for (const Fault& fault : trial.faults) {
+        if (fault.kind->name == kFails)
+            kernel::AddCallFault({.skip = fault.number - 1});
+        else if (fault.moment == kByte)
+            AddLineFault(*fault.kind, fault.number - 1);
+        else
+            waiting_.push_back(fault);
     }
 }
 
@@ -64,6 +60,17 @@ void Striker::Stop() {
     run_.unit().dvr().faults().Clear();
 }
 
+std::vector<Fault> Striker::TakeDue(Moment moment, std::uint64_t number) {
+    std::vector<Fault> due;
+    std::erase_if(waiting_, [&](const Fault& fault) {
+        if (fault.moment != moment || fault.number != number)
+            return false;
+        due.push_back(fault);
+        return true;
+    });
+    return due;
+}
+
 void Striker::HearCall(const kernel::MadeCall& call) {
     std::vector<Fault> due;
     {
@@ -72,12 +79,7 @@ void Striker::HearCall(const kernel::MadeCall& call) {
         latest.push_front(call.call);
         if (latest.size() > kCallsRemembered)
             latest.pop_back();
-        std::erase_if(waiting_, [&](const Fault& fault) {
-            if (fault.moment != Moment::kCall || fault.number != call.number_of_all)
-                return false;
-            due.push_back(fault);
-            return true;
-        });
+        due = TakeDue(kCall, call.number_of_all);
     }
     for (const Fault& fault : due)
         StrikeNow(fault);
@@ -85,31 +87,20 @@ void Striker::HearCall(const kernel::MadeCall& call) {
 
 void Striker::HearFailure(const kernel::FailedCall& call) {
     const std::size_t lines = run_.lines().size();
+    Note(kFails);
     const std::scoped_lock lock(mutex_);
     const std::deque<std::string_view>& latest = latest_[call.thread];
     // The first of them is the call itself.
-    failures_.push_back({call, {latest.begin() + 1, latest.end()}, lines});
-    struck_.push_back(kFails);
-    last_ = kernel::Now();
+    seen_.failures.push_back({call, {latest.begin() + 1, latest.end()}, lines});
 }
 
 void Striker::HearByte(std::uint8_t byte) {
-    std::vector<Fault> due;
-    {
-        const std::scoped_lock lock(mutex_);
-        ++bytes_;
-        const auto cut = cutter_.Take(byte);
-        if (!cut || cut->kind != unit::Cut::Kind::kFrame)
-            return;
-        ++frames_;
-        std::erase_if(waiting_, [&](const Fault& fault) {
-            if (fault.moment != Moment::kFrame || fault.number != frames_)
-                return false;
-            due.push_back(fault);
-            return true;
-        });
-    }
-    for (const Fault& fault : due)
+    const std::scoped_lock lock(mutex_);
+    ++seen_.bytes;
+    const auto cut = cutter_.Take(byte);
+    if (!cut || cut->kind != unit::Cut::Kind::kFrame)
+        return;
+    for (const Fault& fault : TakeDue(kFrame, ++seen_.frames))
         kernel::At(kernel::Now(), [this, fault] { Strike(fault); });
 }
 
@@ -135,34 +126,13 @@ void Striker::StrikeNow(const Fault& fault) {
         lock, [&] { return struck; }, kernel::kNever);
 }
 
-std::size_t Striker::struck() const {
+Seen Striker::seen() const {
     const std::scoped_lock lock(mutex_);
-    return struck_.size();
+    return seen_;
 }
 
-bool Striker::Struck(std::string_view kind) const {
-    const std::scoped_lock lock(mutex_);
-    return std::ranges::find(struck_, kind) != struck_.end();
-}
-
-std::optional<kernel::Time> Striker::last() const {
-    const std::scoped_lock lock(mutex_);
-    return last_;
-}
-
-std::vector<FailureSeen> Striker::failures() const {
-    const std::scoped_lock lock(mutex_);
-    return failures_;
-}
-
-std::uint64_t Striker::frames() const {
-    const std::scoped_lock lock(mutex_);
-    return frames_;
-}
-
-std::uint64_t Striker::bytes() const {
-    const std::scoped_lock lock(mutex_);
-    return bytes_;
+bool Seen::Struck(std::string_view kind) const {
+    return std::ranges::find(struck, kind) != struck.end();
 }
 
 }  // namespace tests::campaign

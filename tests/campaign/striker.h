@@ -1,18 +1,27 @@
 #pragma once
 
-#include <cstdint>
 #include <deque>
 #include <map>
 #include <mutex>
-#include <string_view>
-#include <vector>
+#include <optional>
 
 #include "tests/campaign/case.h"
-#include "tests/campaign/log_check.h"
+#include "tests/campaign/failure_check.h"
 #include "unit/events/event_hub.h"
 #include "unit/line/frame_cutter.h"
 
 namespace tests::campaign {
+
+// What has come of a case so far.
+struct Seen {
+    std::vector<std::string_view> struck;
+    // When the last fault came; nothing before the first.
+    std::optional<platform::kernel::Time> last;
+    std::vector<FailureSeen> failures;
+    std::uint64_t frames = 0, bytes = 0;  // from the DVR
+
+    bool Struck(std::string_view kind) const;
+};
 
 // Counts the moments of a run and lets the faults of a case come at theirs. To be made before the
 // program has begun to run; hardware's thread, but for what it hears.
@@ -23,20 +32,15 @@ class Striker {
     // Lets no more fault come, and takes back those that last.
     void Stop();
 
-    std::size_t struck() const;
-    bool Struck(std::string_view kind) const;
-    // When the last fault came; nothing before the first.
-    std::optional<platform::kernel::Time> last() const;
-    std::vector<FailureSeen> failures() const;
-    std::uint64_t frames() const;
-    std::uint64_t bytes() const;
+    Seen seen() const;
 
   private:
     void HearCall(const platform::kernel::MadeCall& call);
     void HearFailure(const platform::kernel::FailedCall& call);
     void HearByte(std::uint8_t byte);
     void Note(std::string_view fault);
-    void Arm(const Fault& fault);
+    // Those that wait for this moment, which wait no longer. With the lock held.
+    std::vector<Fault> TakeDue(Moment moment, std::uint64_t number);
     // On the hardware's thread, as soon as it may.
     void Strike(const Fault& fault);
     // Lets it come before the calling thread of the program goes on.
@@ -46,13 +50,9 @@ class Striker {
     WizardRun& run_;
     mutable std::mutex mutex_;
     std::vector<Fault> waiting_;
-    std::vector<std::string_view> struck_;
-    std::optional<platform::kernel::Time> last_;
+    Seen seen_;
     std::map<DWORD, std::deque<std::string_view>> latest_;  // calls, by thread
-    std::vector<FailureSeen> failures_;
     unit::FrameCutter cutter_;
-    std::uint64_t frames_ = 0;
-    std::uint64_t bytes_ = 0;
     unit::EventHub::Subscription listening_;
 };
 

@@ -4,8 +4,6 @@
 
 #include "platform/kernel/scheduler.h"
 #include "tests/campaign/answer_probe.h"
-#include "tests/campaign/leftovers.h"
-#include "tests/campaign/log_check.h"
 #include "tests/campaign/striker.h"
 #include "unit/probe/wizard_probe.h"
 
@@ -16,23 +14,18 @@ namespace {
 using namespace std::chrono_literals;
 using End = CarDriver::End;
 
-constexpr int kFirstStep = -1;
-constexpr int kLastStep = 6;
-
 // How often external power is cycled at most; the driver of a car tries once more.
 constexpr std::size_t kMostCycles = 2;
 
-// Calls without which the program does not start: what it then returns.
+// Calls without which the program does not start.
 constexpr std::string_view kCallsOfTheStart[] = {"CreateMutexW", "CreateWindowExW", "LoadStringW",
                                                  "RegisterClassW"};
-
 // What the program says, or does not say, when a part of it could not be started.
 constexpr const char* kMissingParts[] = {
     "\tCMainFrame::OnCreate, UART_Init() fail!!!", "\tUART_Init, CreateThread() fail!!!",
     "\tCMainFrame::OnCreate, g_pCPowerDetector->Init() fail!!!",
     "\tCPowerDetector::Init, CreateThread() fail!!!"};
 constexpr std::string_view kPartsInSilence[] = {"RegisterWindowMessageW", "ShowWindow"};
-constexpr int kFailedStart = static_cast<int>(E_FAIL);
 
 class Trial {
   public:
@@ -41,22 +34,15 @@ class Trial {
         driver_.OnLook([this] { Watch(); });
     }
 
-    // Drives the road and closes the window.
-    std::optional<End> Drive() {
-        const auto end = case_.road->drive(run_, driver_);
-        run_.CloseAnyhow();
-        return end;
-    }
-
     Verdict Run() {
         const auto end = case_.road->drive(run_, driver_);
         if (case_.faults.empty() && end != case_.road->end)
             Find(std::string("the road ends in ") + (end ? NameOf(*end) : "nothing"));
         LookAtTheWindow();
-        verdict_.frames = striker_.frames();
-        verdict_.bytes = striker_.bytes();
+        const Seen seen = striker_.seen();
+        verdict_.counts = {0, seen.frames, seen.bytes};
         // Calls that have yet to fail do so while the program ends.
-        if (Closed() || case_.faults.empty() || striker_.struck() < case_.faults.size())
+        if (Closed() || case_.faults.empty() || seen.struck.size() < case_.faults.size())
             Close();
         else
             Recover();
@@ -76,31 +62,27 @@ class Trial {
 
     void Find(std::string finding) { verdict_.findings.push_back(std::move(finding)); }
 
-    bool Closed() { return !run_.unit().program().running() || striker_.Struck(kCloses); }
+    bool Closed() { return !run_.unit().program().running() || striker_.seen().Struck(kCloses); }
 
-    bool MayNotHaveStarted() const {
-        return std::ranges::any_of(striker_.failures(), [](const FailureSeen& failure) {
-            return std::ranges::find(kCallsOfTheStart, failure.call.call) !=
-                   std::end(kCallsOfTheStart);
+    bool HasFailed(std::span<const std::string_view> calls) const {
+        return std::ranges::any_of(striker_.seen().failures, [&](const FailureSeen& failure) {
+            return std::ranges::find(calls, failure.call.call) != calls.end();
         });
     }
 
     // Whether something is missing that the program makes only as it starts.
     bool LacksAPart() const {
-        return std::ranges::any_of(kMissingParts,
-                                   [this](const char* line) { return run_.Logged(line); }) ||
-               std::ranges::any_of(striker_.failures(), [](const FailureSeen& failure) {
-                   return std::ranges::find(kPartsInSilence, failure.call.call) !=
-                          std::end(kPartsInSilence);
-               });
+        return HasFailed(kPartsInSilence) ||
+               std::ranges::any_of(kMissingParts,
+                                   [this](const char* line) { return run_.Logged(line); });
     }
 
     // After each look of the driver.
     void Watch() {
         const auto wizard = unit::ReadWizard();
-        if (wizard && (wizard->step < kFirstStep || wizard->step > kLastStep))
+        if (wizard && (wizard->step < -1 || wizard->step > 6))
             Find("the step is " + std::to_string(wizard->step));
-        if (const auto last = striker_.last(); last && last != asked_after_) {
+        if (const auto last = striker_.seen().last; last && last != asked_after_) {
             asked_after_ = last;
             probe_.Ask();
         }
@@ -110,12 +92,11 @@ class Trial {
 
     void LookAtTheWindow() {
         probe_.Ask();
-        const auto limit =
-            std::chrono::duration_cast<std::chrono::seconds>(AnswerProbe::kLongestWait);
-        run_.RunUntil([this] { return !probe_.Waiting(); }, limit + 1s);
+        run_.RunUntil([this] { return !probe_.Waiting(); }, AnswerProbe::kLongestWait + 1s);
         if (probe_.Waiting() || overdue_)
             Find("the window does not answer");
-        if (!run_.unit().program().running() && !striker_.Struck(kCloses) && !MayNotHaveStarted())
+        if (!run_.unit().program().running() && !striker_.seen().Struck(kCloses) &&
+            !HasFailed(kCallsOfTheStart))
             Find("the program has ended by itself");
     }
 
@@ -159,22 +140,20 @@ class Trial {
             Find("the program does not end: " + run_.unit().leftovers());
         } else {
             const int code = run_.unit().program().exit_code();
-            if (code != 0 && !(code == kFailedStart && MayNotHaveStarted()))
+            if (code != 0 && !(code == static_cast<int>(E_FAIL) && HasFailed(kCallsOfTheStart)))
                 Find("the program ended with " + std::to_string(code));
         }
-        const std::vector<FailureSeen> failures = striker_.failures();
-        verdict_.struck = striker_.struck();
-        verdict_.calls = platform::kernel::CallCount();
-        std::vector<std::string_view> names;
-        for (const FailureSeen& failure : failures)
-            names.push_back(failure.call.call);
-        if (const std::string left = TooMuchLeft(run_.unit().leftovers(), names); !left.empty())
-            Find("left after the end: " + left);
-        for (std::string& wrong : CheckLog(run_.lines(), failures))
+        const Seen seen = striker_.seen();
+        verdict_.struck = seen.struck.size();
+        verdict_.counts[kCall] = platform::kernel::CallCount();
+        if (const std::string left = TooMuchLeft(run_.unit().leftovers(), seen.failures);
+            !left.empty())
+            Find("left after the end:" + left);
+        for (std::string& wrong : CheckLog(run_.lines(), seen.failures))
             Find(std::move(wrong));
         for (std::string& finding : verdict_.findings)
-            for (const std::string_view name : names)
-                finding += " [" + std::string(name) + " failed]";
+            for (const FailureSeen& failure : seen.failures)
+                finding += " [" + std::string(failure.call.call) + " failed]";
     }
 
     const Case& case_;
@@ -197,11 +176,9 @@ Verdict Try(const Case& trial, std::vector<std::string>* log) {
         if (log != nullptr)
             *log = running.lines();
     }
-    if (verdict.reopened) {
-        const Case quick{FindRoad("quick"), trial.seed, {}};
-        if (Trial(quick).Drive() != quick.road->end)
-            verdict.findings.push_back("no update after the program was opened again");
-    }
+    if (verdict.reopened &&
+        !Try({Named("road", "quick", Roads()), trial.seed, {}}).findings.empty())
+        verdict.findings.push_back("no update after the program was opened again");
     return verdict;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,14 +20,18 @@ struct Verdict {
     // starts those once.
     bool reopened = false;
     // What the road has to offer to a case, on this run.
-    std::uint64_t calls = 0;
-    std::uint64_t frames = 0;
-    std::uint64_t bytes = 0;
+    Counts counts{};
 };
 
 // Runs one case in simulated time: the road with its faults, then, unless the program was closed,
 // external power away and back with a healthy DVR and unit, and a whole update; then the end.
 // Takes the process for itself: what fails may be left behind. `log` gets the debug output.
 Verdict Try(const Case& trial, std::vector<std::string>* log = nullptr);
+
+// Tries each case in a process of its own, so many side by side. One that dies, or is not done
+// after a time of the host that is ample, is a finding of that case. `done` is called for each, in
+// the order in which they are done. To be called while the process has one thread and no child.
+void TryApart(const std::vector<Case>& cases, std::size_t side_by_side,
+              const std::function<void(const Case&, const Verdict&)>& done);
 
 }  // namespace tests::campaign

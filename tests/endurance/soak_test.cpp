@@ -60,7 +60,8 @@ TEST(Soak, OfSimulatedUpdatesWithFaultsLeavesNothing) {
     const std::uint64_t count = NumberFrom("TOLVANE_SOAK_SIMULATED", kSimulated);
     const auto courses = campaign::Survey(
         roads, 1, [](const auto&, const std::string& finding) { ADD_FAILURE() << finding; });
-    const auto cases = campaign::Pairs(courses, kinds, count, static_cast<std::uint32_t>(Seed()));
+    const auto cases =
+        campaign::Sample(courses, kinds, 2, count, static_cast<std::uint32_t>(Seed()));
     Soak("simulated updates", count, [&](std::uint64_t number) {
         campaign::Case trial = cases[number - 1];
         trial.seed = static_cast<std::uint32_t>(number);

@@ -1,16 +1,12 @@
 // fault-campaign: see tools/fault-campaign.
-#include <charconv>
+#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
-#include <functional>
-#include <iostream>
 #include <map>
-#include <string>
-#include <string_view>
 #include <thread>
 
-#include "tests/campaign/isolation.h"
 #include "tests/campaign/plan.h"
+#include "tests/campaign/trial.h"
 
 namespace {
 
@@ -18,106 +14,43 @@ using namespace tests::campaign;
 
 constexpr int kFindings = 1;
 constexpr int kWrongUsage = 2;
+constexpr std::chrono::seconds kProgress(30);
 
 struct Request {
     std::string case_text;
-    std::vector<const Road*> roads;
-    std::vector<const FaultKind*> kinds;
-    std::uint64_t every = 0;
+    std::vector<std::string> roads, kinds;
+    std::uint64_t every = 0, pairs = 0;
     Stretch stretch;
-    std::uint64_t pairs = 0;
-    std::uint64_t seed = 1;
-    std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency());
+    std::uint32_t seed = 1;
+    std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
 
-struct WrongUsage {
-    std::string line;
-};
-
-std::uint64_t ReadNumber(const std::string& option, std::string_view text) {
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size())
-        throw WrongUsage{option + " needs a number, not '" + std::string(text) + "'"};
-    return number;
+void PrintRow(const std::string& name, std::span<const std::uint64_t> numbers) {
+    std::printf("%-20s", name.c_str());
+    for (const std::uint64_t number : numbers)
+        std::printf(" %9ju", std::uintmax_t{number});
+    std::printf("\n");
+    std::fflush(stdout);
 }
-
-template <class Rows>
-auto ReadName(const std::string& what, const std::string& name, const Rows& rows) {
-    std::string list;
-    for (const auto& row : rows) {
-        if (row.name == name)
-            return &row;
-        list += (list.empty() ? "" : ", ") + std::string(row.name);
-    }
-    throw WrongUsage{"there is no " + what + " '" + name + "'; allowed is one of " + list};
-}
-
-Request ReadRequest(int count, char** arguments) {
-    Request request;
-    for (int index = 1; index < count; ++index) {
-        const std::string option = arguments[index];
-        if (index + 1 == count)
-            throw WrongUsage{"'" + option + "' is no option, or has no value"};
-        const std::string value = arguments[++index];
-        if (option == "--case")
-            request.case_text = value;
-        else if (option == "--road")
-            request.roads.push_back(ReadName("road", value, Roads()));
-        else if (option == "--kind")
-            request.kinds.push_back(ReadName("fault", value, FaultKinds()));
-        else if (option == "--every")
-            request.every = ReadNumber(option, value);
-        else if (option == "--from")
-            request.stretch.first = std::max<std::uint64_t>(1, ReadNumber(option, value));
-        else if (option == "--to")
-            request.stretch.last = ReadNumber(option, value);
-        else if (option == "--pairs")
-            request.pairs = ReadNumber(option, value);
-        else if (option == "--seed")
-            request.seed = ReadNumber(option, value);
-        else if (option == "--jobs")
-            request.jobs = std::max<std::uint64_t>(1, ReadNumber(option, value));
-        else
-            throw WrongUsage{
-                "unknown option '" + option +
-                "'; allowed are --case, --road, --kind, --every, --from, --to, --pairs, "
-                "--seed and --jobs"};
-    }
-    if (request.roads.empty())
-        for (const Road& road : Roads())
-            request.roads.push_back(&road);
-    if (request.kinds.empty())
-        for (const FaultKind& kind : FaultKinds())
-            request.kinds.push_back(&kind);
-    return request;
-}
-
-constexpr std::chrono::seconds kProgress(30);
-
-// What came of one sort of cases.
-struct Count {
-    std::size_t cases = 0;
-    std::size_t struck = 0;  // those all of whose faults came
-    std::size_t recovered = 0;
-    std::size_t twice = 0;  // that needed a second cycle of power
-    std::size_t reopened = 0;
-    std::size_t findings = 0;
-};
 
 class Campaign {
   public:
     void Note(const std::string& sort, const Case& trial, const Verdict& verdict) {
-        Count& count = counts_[sort];
-        ++count.cases;
-        TellProgress();
-        count.struck += verdict.struck >= trial.faults.size() ? 1 : 0;
-        count.recovered += verdict.cycles > 0 ? 1 : 0;
-        count.twice += verdict.cycles > 1 ? 1 : 0;
-        count.reopened += verdict.reopened ? 1 : 0;
-        count.findings += verdict.findings.empty() ? 0 : 1;
+        // Struck: all of its faults came. Twice: it needed a second cycle of power.
+        const Row row = {1,
+                         verdict.struck >= trial.faults.size(),
+                         verdict.cycles > 0,
+                         verdict.cycles > 1,
+                         verdict.reopened,
+                         !verdict.findings.empty()};
+        for (Row* const sum : {&rows_[sort], &all_})
+            std::ranges::transform(*sum, row, sum->begin(), std::plus());
         for (const std::string& finding : verdict.findings)
             Tell(trial, finding);
+        if (const auto now = Clock::now(); now - told_ > kProgress) {
+            told_ = now;
+            std::fprintf(stderr, "%ju cases done\n", std::uintmax_t{all_[0]});
+        }
     }
 
     void Tell(const Case& trial, const std::string& finding) {
@@ -126,108 +59,104 @@ class Campaign {
         std::fflush(stdout);
     }
 
-    void TellSurvey(const std::vector<Course>& courses) const {
-        std::printf("%-20s %8s %8s %8s\n", "road", "calls", "frames", "bytes");
-        for (const Course& course : courses)
-            std::printf("%-20s %8ju %8ju %8ju\n", std::string(course.road->name).c_str(),
-                        std::uintmax_t{course.calls}, std::uintmax_t{course.frames},
-                        std::uintmax_t{course.bytes});
-        std::fflush(stdout);
-    }
-
     void TellCounts() const {
-        std::printf("%-20s %8s %8s %9s %6s %8s %8s\n", "fault", "cases", "struck", "recovered",
+        std::printf("%-20s %9s %9s %9s %9s %9s %9s\n", "fault", "cases", "struck", "recovered",
                     "twice", "reopened", "findings");
-        Count all;
-        for (const auto& [sort, count] : counts_) {
-            TellCount(sort, count);
-            all.cases += count.cases;
-            all.struck += count.struck;
-            all.recovered += count.recovered;
-            all.twice += count.twice;
-            all.reopened += count.reopened;
-            all.findings += count.findings;
-        }
-        TellCount("all", all);
-        std::printf(
-            "%.0f s\n",
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count());
+        for (const auto& [sort, row] : rows_)
+            PrintRow(sort, row);
+        PrintRow("all", all_);
+        std::printf("%.0f s\n", std::chrono::duration<double>(Clock::now() - start_).count());
     }
 
     bool found() const { return found_; }
 
   private:
-    void TellProgress() {
-        ++done_;
-        if (const auto now = std::chrono::steady_clock::now(); now - told_ > kProgress) {
-            told_ = now;
-            std::fprintf(stderr, "%zu cases done\n", done_);
-        }
-    }
+    using Clock = std::chrono::steady_clock;
+    using Row = std::array<std::uint64_t, 6>;
 
-    static void TellCount(const std::string& sort, const Count& count) {
-        std::printf("%-20s %8zu %8zu %9zu %6zu %8zu %8zu\n", sort.c_str(), count.cases,
-                    count.struck, count.recovered, count.twice, count.reopened, count.findings);
-    }
-
-    const std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point told_ = start_;
-    std::size_t done_ = 0;
-    std::map<std::string, Count> counts_;
+    const Clock::time_point start_ = Clock::now();
+    Clock::time_point told_ = start_;
+    std::map<std::string, Row> rows_;
+    Row all_{};
     bool found_ = false;
 };
 
-int RunOne(const std::string& text) {
-    std::string problem;
-    const auto trial = ParseCase(text, problem);
-    if (!trial)
-        throw WrongUsage{problem};
-    std::vector<std::string> log;
-    const Verdict verdict = Try(*trial, &log);
-    for (const std::string& line : log)
-        std::printf("%s\n", line.c_str());
-    std::printf("%s: %zu of %zu faults came; power was cycled %zu times\n", ToText(*trial).c_str(),
-                verdict.struck, trial->faults.size(), verdict.cycles);
-    for (const std::string& finding : verdict.findings)
-        std::printf("FINDING  %s\n", finding.c_str());
-    return verdict.findings.empty() ? 0 : kFindings;
+// All of them when there are no names.
+template <class Rows>
+auto Chosen(const std::string& what, const std::vector<std::string>& names, const Rows& rows) {
+    std::vector<decltype(&rows[0])> chosen;
+    for (const std::string& name : names)
+        chosen.push_back(Named(what, name, rows));
+    if (names.empty())
+        for (const auto& row : rows)
+            chosen.push_back(&row);
+    return chosen;
 }
 
-int RunCampaign(const Request& request) {
+bool FindsInOne(const std::string& text) {
+    const Case trial = ParseCase(text);
+    std::vector<std::string> log;
+    const Verdict verdict = Try(trial, &log);
+    for (const std::string& line : log)
+        std::printf("%s\n", line.c_str());
+    std::printf("%s: %zu of %zu faults came; power was cycled %zu times\n", ToText(trial).c_str(),
+                verdict.struck, trial.faults.size(), verdict.cycles);
+    for (const std::string& finding : verdict.findings)
+        std::printf("FINDING  %s\n", finding.c_str());
+    return !verdict.findings.empty();
+}
+
+bool FindsInMany(const Request& request) {
+    const auto kinds = Chosen("fault", request.kinds, FaultKinds());
     Campaign campaign;
     const auto courses = Survey(
-        request.roads, request.jobs,
+        Chosen("road", request.roads, Roads()), request.jobs,
         [&](const Case& trial, const std::string& finding) { campaign.Tell(trial, finding); });
-    campaign.TellSurvey(courses);
-    const auto seed = static_cast<std::uint32_t>(request.seed);
+    std::printf("%-20s %9s %9s %9s\n", "road", "calls", "frames", "bytes");
+    for (const Course& course : courses)
+        PrintRow(std::string(course.road->name), course.counts);
     if (request.every > 0)
-        TryApart(Sweep(courses, request.kinds, request.every, request.stretch, seed), request.jobs,
+        TryApart(Sweep(courses, kinds, request.every, request.stretch, request.seed), request.jobs,
                  [&](const Case& trial, const Verdict& verdict) {
                      campaign.Note(std::string(trial.faults.front().kind->name), trial, verdict);
                  });
-    if (request.pairs > 0)
-        TryApart(Pairs(courses, request.kinds, request.pairs, seed), request.jobs,
-                 [&](const Case& trial, const Verdict& verdict) {
-                     campaign.Note("pairs", trial, verdict);
-                 });
+    TryApart(
+        Sample(courses, kinds, 2, request.pairs, request.seed), request.jobs,
+        [&](const Case& trial, const Verdict& verdict) { campaign.Note("pairs", trial, verdict); });
     campaign.TellCounts();
-    return campaign.found() ? kFindings : 0;
+    return campaign.found();
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
+    Request request;
+    CLI::App app("", "fault-campaign");
+    app.add_option("--case", request.case_text);
+    app.add_option("--road", request.roads);
+    app.add_option("--kind", request.kinds);
+    app.add_option("--every", request.every);
+    app.add_option("--from", request.stretch.first)->check(CLI::Range(1, 1000000));
+    app.add_option("--to", request.stretch.last);
+    app.add_option("--pairs", request.pairs);
+    app.add_option("--seed", request.seed);
+    app.add_option("--jobs", request.jobs)->check(CLI::Range(1, 1000000));
     try {
-        Request request = ReadRequest(count, arguments);
+        app.parse(count, arguments);
         if (!request.case_text.empty())
-            return RunOne(request.case_text);
+            return FindsInOne(request.case_text) ? kFindings : 0;
         if (request.every == 0 && request.pairs == 0) {
             request.every = 100;
             request.pairs = 500;
         }
-        return RunCampaign(request);
-    } catch (const WrongUsage& wrong) {
-        std::cerr << "fault-campaign: " << wrong.line << '\n';
-        return kWrongUsage;
+        return FindsInMany(request) ? kFindings : 0;
+    } catch (const CLI::ExtrasError& error) {
+        std::fprintf(stderr,
+                     "fault-campaign: %s; allowed are --case, --road, --kind, --every, --from, "
+                     "--to, --pairs, --seed and --jobs\n",
+                     error.what());
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "fault-campaign: %s\n", error.what());
     }
+    return kWrongUsage;
 }

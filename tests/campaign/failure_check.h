@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,5 +21,9 @@ struct FailureSeen {
 // that is not told, or not in its exact form; and a line of a failure in a form that there is none.
 std::vector<std::string> CheckLog(const std::vector<std::string>& lines,
                                   const std::vector<FailureSeen>& failures);
+
+// Of what the unit counted after the end ("2 handles, 1 drawing objects"), that which is more than
+// these may leave; empty when nothing is.
+std::string TooMuchLeft(const std::string& leftovers, const std::vector<FailureSeen>& failures);
 
 }  // namespace tests::campaign

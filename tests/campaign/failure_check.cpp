@@ -1,0 +1,188 @@
+#include "tests/campaign/failure_check.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <regex>
+#include <span>
+
+namespace tests::campaign {
+
+namespace {
+
+// What the program says of a call that fails: one of these lines, with the call's error in
+// parentheses and the source behind it. A row without lines is about a call whose result the
+// program does not look at, or that it makes again.
+struct Row {
+    std::string_view call;
+    // The thread's calls just before, the latest first; what is left open matches all.
+    std::array<std::string_view, 3> before;
+    // The function that has told of its entry and not of its exit; any when empty.
+    std::string_view inside;
+    std::vector<std::string_view> told;
+};
+
+// The first row that fits counts. One row a line, whatever its length.
+// clang-format off
+const Row kRows[] = {
+    {"CloseHandle", {"CloseHandle", "MsgWaitForMultipleObjects"}, "", {"UART_DeInit, COM_DeInit() fail!!!, ErrorCode"}},
+    {"CloseMsgQueue", {}, "", {"CPowerDetector::DeInit, CloseMsgQueue() fail!!!, ErrorCode"}},
+    {"CreateEventW", {}, "Mstar_C4_Scaler_Init", {"Mstar_C4_Scaler_Init, CreateEvent() fail!!!, ErroCode"}},
+    {"CreateEventW", {}, "", {"CPowerDetector::Init, CreateEvent() fail!!!, ErrorCode"}},
+    {"CreateFileW", {}, "Mstar_C4_Scaler_Init", {}},
+    {"CreateFileW", {}, "COM_Init", {"COM_Init, CreateFile() fail!!!, ErrorCode"}},
+    {"CreateFileW", {}, "", {"CMainFrame::Reset_DVR, CreateFile() fail!!!, ErrorCode"}},
+    {"CreateMsgQueue", {}, "", {"CPowerDetector::Init, CreateMsgQueue() fail!!!, ErrorCode"}},
+    {"CreateThread", {}, "UART_Init", {"UART_Init, CreateThread() fail!!!, ErrorCode"}},
+    {"CreateThread", {}, "", {"CPowerDetector::Init, CreateThread() fail!!!, ErrorCode"}},
+    {"DeleteDC", {"SelectObject", "BitBlt", "SetBkMode"}, "", {"CNotify::OnPaint, DeleteDC() fail!!!, ErrorCode"}},
+    {"DeleteDC", {"SelectObject", "BitBlt"}, "", {}},
+    {"DeleteDC", {"SelectObject"}, "", {"CMainFrame::~CMainFrame, DeleteDC() fail!!!, ErrorCode"}},
+    {"DeleteObject", {"FillRect"}, "", {"CMainFrame::OnPaint, DeleteObject() fail!!!, ErrorCode"}},
+    {"DeleteObject", {"DeleteDC"}, "", {"CNotify::OnPaint, DeleteObject() fail!!!, ErrorCode", "CMainFrame::~CMainFrame, DeleteObject() fail!!!, ErrorCode"}},
+    {"DeviceIoControl", {}, "", {
+        "CMainFrame::Reset_DVR, DeviceIoControl() fail!!!, ErrorCode",
+        "Mstar_C4_Scaler_Sw2Scaler, OSKA sw to scaler fail!!!, ErroCode",
+        "Mstar_C4_Scaler_SW2GOP, DeviceIoControl() fail!!!, ErroCode",
+        "Mstar_C4_Scaler_SetAlpha, OSKA set alpha fail!!!, ErroCode",
+        "Mstar_C4_Scaler_ColorKey, OSKA Scaler set ColorKey fail!!!, ErroCode",
+        "Mstar_C4_Scaler_ChangeDisplayWinddow, DeviceIoControl() fail!!!, ErroCode",
+        "Mstar_C4_Scaler_SetWindow, DeviceIoControl() fail!!!, ErroCode"}},
+    {"GetCommState", {}, "", {"COM_Init, GetCommState() fail!!!, ErrorCode"}},
+    {"GetSystemPowerStatusEx2", {}, "", {"CMainFrame::OnCreate, GetSystemPowerStatusEx2() fail!!!, ErrorCode", "CPowerDetector::ThreadProc_PowerDetector, GetSystemPowerStatusEx2() fail!!!, ErrorCode"}},
+    {"LoadImageW", {}, "CMainFrame::OnCreate", {"CMainFrame::OnCreate, LoadImage() fail!!!, ErrorCode"}},
+    {"LoadImageW", {"SetWindowPos"}, "", {"CNotify::OnInitDialog, LoadImage() fail!!!, ErrorCode"}},
+    {"ReadMsgQueue", {}, "", {"CPowerDetector::ThreadProc_PowerDetector, ReadMsgQueue() fail!!!, ErrorCode"}},
+    {"RequestPowerNotifications", {}, "", {"CPowerDetector::Init, RequestPowerNotifications() fail!!!, ErrorCode"}},
+    {"SetCommState", {}, "", {"COM_Init, SetCommState() fail!!!, ErrorCode"}},
+    {"SetCommTimeouts", {}, "", {"COM_Init, SetCommTimeouts() fail!!!, ErrorCode"}},
+    {"StopPowerNotifications", {}, "", {"CPowerDetector::DeInit, StopPowerNotifications() fail!!!, ErrorCode"}},
+    {"WriteFile", {}, "", {"UART_SendCommand, WriteFile() fail!!!, ErrorCode"}},
+};
+
+// What follows from a failure, or from a driver that is missing.
+constexpr std::string_view kConsequences[] = {
+    "UART_Init, COM_Init() fail!!!, ErrorCode",
+    "CMainFrame::OnCreate, UART_Init() fail!!!, ErrorCode",
+    "CMainFrame::OnCreate, g_pCPowerDetector->Init() fail!!!, ErrorCode",
+    "CMainFrame::OnTimer, Mstar_C4_Scaler_Init() fail!!!, ErroCode",
+    "Mstar_C4_Scaler_Init, CreateFile() fail!!!, ErroCode",
+    "Mstar_C4_Scaler_ChangeDisplayWinddow, Invalid Arguments!!!, ErroCode",
+    "Mstar_C4_Scaler_SetAlpha, Invalid Arguments!!!, ErroCode",
+    "Mstar_C4_Scaler_ColorKey, Invalid Arguments!!!, ErroCode",
+    "UART_SendCommand, Invalid Arguments!!!, ErrorCode",
+    "CMainFrame::~CMainFrame, Invalid Arguments!!!",
+    "CNotify::OnPaint, Invalid Arguments!!!",
+};
+
+struct Left {
+    std::string_view call;
+    std::string what;
+    int count;
+};
+
+// What one failure of the call leaves open at most.
+const Left kMayLeave[] = {
+    {"CloseHandle", "handles", 1},
+    {"CloseMsgQueue", "handles", 1},
+    {"DeleteDC", "device contexts", 1},
+    {"DeleteObject", "drawing objects", 1},
+    {"EndPaint", "device contexts", 1},
+    {"ReleaseDC", "device contexts", 1},
+    // What could not be put back keeps the other object selected, which then cannot be deleted.
+    {"SelectObject", "drawing objects", 1},
+    // The request, and the end of the queue that it writes to.
+    {"StopPowerNotifications", "handles", 2},
+};
+// clang-format on
+
+// A line of a failure, taken apart.
+struct Told {
+    std::string form;
+    std::string error;  // empty without one
+
+    bool Is(std::span<const std::string_view> forms) const {
+        return std::ranges::find(forms, form) != forms.end();
+    }
+};
+
+// Of another form: an empty one.
+Told TakeApart(const std::string& line) {
+    static const std::regex form(R"(\[Tolvane\.exe\] \t(.*?)(?:\((\d+)\))?, \w+\.cpp\(\d+\))");
+    std::smatch parts;
+    std::regex_match(line, parts, form);
+    return {parts[1], parts[2]};
+}
+
+bool TellsOfFailure(std::string_view line) {
+    return line.find(" fail!!!") != std::string_view::npos ||
+           line.find("Invalid Arguments!!!") != std::string_view::npos;
+}
+
+bool IsInside(const std::vector<std::string>& lines, std::size_t end, std::string_view function) {
+    const std::string name(function);
+    while (end-- > 0)
+        if (lines[end] == "[Tolvane.exe] +++" + name || lines[end] == "[Tolvane.exe] ---" + name)
+            return lines[end].find("+++") != std::string::npos;
+    return false;
+}
+
+bool Fits(const Row& row, const FailureSeen& failure, const std::vector<std::string>& lines) {
+    if (row.call != failure.call.call ||
+        !(row.inside.empty() || IsInside(lines, failure.lines, row.inside)))
+        return false;
+    for (std::size_t index = 0; index < row.before.size(); ++index)
+        if (!row.before[index].empty() &&
+            (index >= failure.before.size() || failure.before[index] != row.before[index]))
+            return false;
+    return true;
+}
+
+}  // namespace
+
+std::vector<std::string> CheckLog(const std::vector<std::string>& lines,
+                                  const std::vector<FailureSeen>& failures) {
+    std::vector<std::string> wrong;
+    std::vector<Told> told;
+    for (const std::string& line : lines) {
+        told.push_back(TellsOfFailure(line) ? TakeApart(line) : Told());
+        const auto& form = told.back();
+        if (TellsOfFailure(line) && !form.Is(kConsequences) &&
+            std::ranges::none_of(kRows, [&](const Row& row) { return form.Is(row.told); }))
+            wrong.push_back("a failure is told in no known form: " + line);
+    }
+    const bool without_picture = std::ranges::any_of(
+        failures, [](const FailureSeen& each) { return each.call.call == "LoadImageW"; });
+    for (const FailureSeen& failure : failures) {
+        const auto* const row = std::ranges::find_if(
+            kRows, [&](const Row& each) { return Fits(each, failure, lines); });
+        // The grey box that stands for a picture is drawn with a brush of its own.
+        if (row == std::end(kRows) || row->told.empty() ||
+            (row->before[0] == "FillRect" && without_picture))
+            continue;
+        const std::string error = std::to_string(failure.call.error);
+        if (std::none_of(
+                told.begin() + static_cast<std::ptrdiff_t>(failure.lines), told.end(),
+                [&](const Told& line) { return line.error == error && line.Is(row->told); }))
+            wrong.push_back("call " + std::to_string(failure.call.number_of_all) + ", " +
+                            std::string(failure.call.call) + ", failed with error " + error +
+                            " and was not told of");
+    }
+    return wrong;
+}
+
+std::string TooMuchLeft(const std::string& leftovers, const std::vector<FailureSeen>& failures) {
+    std::map<std::string, int> allowed;
+    for (const FailureSeen& failure : failures)
+        for (const Left& row : kMayLeave)
+            if (row.call == failure.call.call)
+                allowed[row.what] += row.count;
+    static const std::regex part(R"((\d+) ([^,]+))");
+    std::string too_much;
+    for (std::sregex_iterator at(leftovers.begin(), leftovers.end(), part), end; at != end; ++at)
+        if (const int most = allowed[(*at)[2]]; std::stoi((*at)[1]) > most)
+            too_much += " " + at->str() + " of " + std::to_string(most) + " allowed";
+    return too_much;
+}
+
+}  // namespace tests::campaign
