@@ -144,6 +144,21 @@ TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
     EXPECT_TRUE(line.program.text().ends_with("/ 2000: PERCENT"));
 }
 
+TEST(LineFaults, WhatRulesMultiplyHasAnEnd) {
+    for (const char* const rule : {"duplicate bytes", "inject 0102030405060708 after bytes",
+                                   "duplicate frames", "inject A55A before payload of frames"}) {
+        SCOPED_TRACE(rule);
+        TappedLine line(std::vector<const char*>(40, rule));
+        std::size_t told = 0;
+        line.faults->OnApplied([&](const std::string&) { ++told; });
+        line.Send(kToUnit, "0: PERCENT");
+        line.RunFor(1ms);
+        EXPECT_LE(line.program.text().size(), 4 * unit::kMostCells);
+        EXPECT_GE(told, 40U);
+        EXPECT_LE(told, 10'000U);
+    }
+}
+
 TEST(FaultText, RulesReadBackAsTheyWereWritten) {
     for (const char* const text : {
              "corrupt checksum of FW_Upgrade_Version indications to-unit",
@@ -163,7 +178,9 @@ TEST(FaultText, RulesReadBackAsTheyWereWritten) {
 }
 
 TEST(FaultText, WhatIsWrongIsSaidWithWhatIsAllowed) {
+    const std::string long_rule = "inject " + std::string(514, '0') + " after bytes";
     const std::pair<const char*, const char*> cases[] = {
+        {long_rule.c_str(), "a fault has 257 bytes of its own; allowed are up to 256"},
         {"melt bytes", "allowed is drop, corrupt, duplicate, delay, split or inject"},
         {"drop FW_Upgrade_Vision frames", "'FW_Upgrade_Vision' is no command of the DVR"},
         {"drop 0x8000 frames", "'0x8000' is no command of the DVR"},

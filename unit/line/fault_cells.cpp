@@ -112,6 +112,7 @@ void FaultFrame(const FaultRule& rule, Cells& cells, std::size_t frame_size) {
         result.push_back(cell);
     }
     finish_run();
+    result.resize(std::min(result.size(), kMostCells), Cell{});
     cells = std::move(result);
 }
 

@@ -20,6 +20,10 @@ struct Cell {
 };
 using Cells = std::vector<Cell>;
 
+// What bytes that come together become at most; the rest is lost. Rules that double, one after the
+// other, would not end otherwise.
+inline constexpr std::size_t kMostCells = std::size_t{16} * 1024;
+
 Cells CellsOf(std::span<const std::uint8_t> bytes, bool frame);
 
 // Whether the rule's part is there in a frame of `frame_size` bytes, of which some have been

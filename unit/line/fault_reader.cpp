@@ -35,6 +35,9 @@ constexpr FaultPattern kPatterns[] = {
 #undef TOLVANE_FAULT_TARGET
 #undef TOLVANE_FAULT_RATE
 
+// Each byte that the fault is about may get as many.
+constexpr std::size_t kMostFaultBytes = 256;
+
 bool ReadTarget(const control::Values& values, FaultRule& rule, std::string& problem) {
     const auto part = Chosen(kParts, values);
     if (values.Chose("bytes")) {
@@ -75,6 +78,11 @@ std::optional<FaultRule> ReadFaultRule(const control::Values& values, std::strin
     rule.to_dvr = !values.Chose("to-unit");
     if (values.Has("BYTES"))
         rule.bytes = values.Bytes("BYTES");
+    if (rule.bytes.size() > kMostFaultBytes) {
+        problem = "a fault has " + std::to_string(rule.bytes.size()) +
+                  " bytes of its own; allowed are up to " + std::to_string(kMostFaultBytes);
+        return std::nullopt;
+    }
     rule.replaces = values.Chose("value");
     rule.after = rule.action == FaultRule::Action::kInject && !values.Chose("before");
     rule.duration = values.Duration("DURATION");

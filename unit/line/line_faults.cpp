@@ -8,6 +8,12 @@
 #include "unit/line/frame_text.h"
 
 namespace unit {
+namespace {
+
+// Of bytes that come together; ever more rules could apply to each.
+constexpr std::size_t kMostTold = 10'000;
+
+}  // namespace
 
 int LineFaults::Add(FaultRule rule) {
     const std::scoped_lock lock(mutex_);
@@ -68,22 +74,24 @@ bool LineFaults::Active::Fires() {
     return true;
 }
 
-std::string LineFaults::LineFor(const Entry& entry, const std::string& what) const {
-    return "fault " + std::to_string(entry.number) + " (" + ToText(entry.rule) + "): " + what +
-           ", " + std::to_string(entry.applied) + " so far";
+void LineFaults::Tell(const Entry& entry, const std::string& what,
+                      std::vector<std::string>& lines) const {
+    if (hear_ && lines.size() < kMostTold)
+        lines.push_back("fault " + std::to_string(entry.number) + " (" + ToText(entry.rule) +
+                        "): " + what + ", " + std::to_string(entry.applied) + " so far");
 }
 
 void LineFaults::ApplyToBytes(Active& active, Cells& cells, std::vector<std::string>& lines) const {
     Cells result;
     for (const Cell& cell : cells) {
+        if (result.size() >= kMostCells)
+            break;
         if (!active.Fires()) {
             result.push_back(cell);
             continue;
         }
-        if (hear_) {
-            const std::uint8_t value[] = {cell.value};
-            lines.push_back(LineFor(active.entry, "byte " + HexText(value)));
-        }
+        const std::uint8_t value[] = {cell.value};
+        Tell(active.entry, "byte " + HexText(value), lines);
         const Cells faulted = FaultByte(active.entry.rule, cell);
         result.insert(result.end(), faulted.begin(), faulted.end());
     }
@@ -106,8 +114,7 @@ Cells LineFaults::Apply(Direction direction, std::span<const std::uint8_t> bytes
             if (!frame || !rule.frames->Matches(bytes) || !HasPart(rule, cells, bytes.size()) ||
                 !active.Fires())
                 continue;
-            if (hear_)
-                lines.push_back(LineFor(active.entry, FrameName(bytes)));
+            Tell(active.entry, FrameName(bytes), lines);
             FaultFrame(rule, cells, bytes.size());
         }
     }

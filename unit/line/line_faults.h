@@ -51,7 +51,7 @@ class LineFaults {
     };
 
     void ApplyToBytes(Active& active, Cells& cells, std::vector<std::string>& lines) const;
-    std::string LineFor(const Entry& entry, const std::string& what) const;
+    void Tell(const Entry& entry, const std::string& what, std::vector<std::string>& lines) const;
 
     mutable std::mutex mutex_;
     std::vector<Active> rules_;
