@@ -24,19 +24,12 @@ namespace tests {
 
 namespace kernel = platform::kernel;
 
-namespace {
-
 constexpr std::size_t kFrameOverhead = 9;
-// A process starts with an empty parser; an earlier run in this one may have ended within a frame.
-void EmptyParser() {
-    const std::array<BYTE, 80> nothing{};
-    UART_ParseData(nothing.data(), static_cast<DWORD>(nothing.size()));
-}
-
-}  // namespace
 
 WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(options) {
-    EmptyParser();
+    // A process starts with an empty parser; an earlier run here may have ended within a frame.
+    const std::array<BYTE, 80> nothing{};
+    UART_ParseData(nothing.data(), static_cast<DWORD>(nothing.size()));
     line_ = std::make_shared<platform::device::MemoryLine>(
         460800, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); }, pace);
     auto& drivers = platform.board.drivers;
@@ -74,63 +67,48 @@ void WizardBench::Start(int show) {
 void WizardBench::GoTo(int step) {
     if (!program_)
         Start();
-    const auto arrive = [&](int expected) {
-        EXPECT_TRUE(Until([&] { return Step() == expected; }, 300s)) << "never at " << expected;
-        RunFor(20ms);
-    };
-    const auto tap = [&](const char* caption) {
+    const auto tap = [this](const char* caption) {
         EXPECT_TRUE(Until([&] { return Tap(caption); }, 300s)) << "no button " << caption;
     };
-    arrive(-1);
-    if (step >= 0) {
-        tap("Power On");
-        tap("OK");
-        RunFor(3s);
-        Card(0);
-        arrive(0);
-        // The timer hides the buttons; the answer to the query shows the one again.
-        RunFor(200ms);
-        Card(0);
+    // Running free, the timer may come after the report, or under the finger.
+    const auto next = [this] {
+        if (Step() == 0 && !Tap("Next"))
+            Card(0);
+        return Step() == 1;
+    };
+    const std::function<void()> roads[] = {
+        [] {},
+        [&] {
+            tap("Power On");
+            tap("OK");
+            RunFor(3s);
+            Card(0);
+        },
+        [&] { EXPECT_TRUE(Until(next, 300s)); },
+        [&] { Percent(5); },
+        [&] { Percent(100); },
+        [&] {
+            RunFor(3s);
+            tap("OK");
+        },
+        [&] {
+            tap("Next");
+            RunFor(2500ms);
+            Running(2);
+        },
+        [&] { Command(IDC_BTN_SUSPEND); },
+    };
+    const DWORD answer = std::exchange(platform.board.hal_answer, ERROR_NOT_SUPPORTED);
+    for (int at = -1; at <= step; ++at) {
+        roads[at + 1]();
+        EXPECT_TRUE(Until([&] { return Step() == at; }, 300s)) << "never at " << at;
+        RunFor(at == 1 || at == 5 ? 2500ms : 200ms);
+        // The timer has hidden the buttons; the answer to the query shows the one again.
+        if (at == 0)
+            Card(0);
         RunFor(50ms);
     }
-    if (step >= 1) {
-        // Running free, the timer may come after the report, or under the finger.
-        const auto next = [&] {
-            if (Step() == 0 && !Tap("Next"))
-                Card(0);
-            return Step() == 1;
-        };
-        EXPECT_TRUE(Until(next, 300s));
-        arrive(1);
-        RunFor(2500ms);
-    }
-    if (step >= 2) {
-        Percent(5);
-        arrive(2);
-        RunFor(200ms);
-    }
-    if (step >= 3) {
-        Percent(100);
-        arrive(3);
-    }
-    if (step >= 4) {
-        RunFor(3s);
-        tap("OK");
-        arrive(4);
-    }
-    if (step >= 5) {
-        tap("Next");
-        RunFor(2500ms);
-        Running(2);
-        arrive(5);
-        RunFor(2100ms);
-    }
-    if (step >= 6) {
-        const DWORD answer = std::exchange(platform.board.hal_answer, ERROR_NOT_SUPPORTED);
-        Command(IDC_BTN_SUSPEND);
-        arrive(6);
-        platform.board.hal_answer = answer;
-    }
+    platform.board.hal_answer = answer;
     platform.board.ClearOutput();
 }
 
@@ -148,12 +126,12 @@ bool WizardBench::Tap(const std::string& caption) {
     const auto text = Find(caption);
     if (!text)
         return false;
-    const int x = (text->box.left + text->box.right) / 2;
-    const int y = (text->box.top + text->box.bottom) / 2;
-    platform::window::TouchScreen(platform::window::Touch::kDown, x, y);
-    RunFor(20ms);
-    platform::window::TouchScreen(platform::window::Touch::kUp, x, y);
-    RunFor(5ms);
+    using platform::window::Touch;
+    const auto& [left, top, right, bottom] = text->box;
+    for (const auto& [touch, time] : {std::pair(Touch::kDown, 20ms), {Touch::kUp, 5ms}}) {
+        platform::window::TouchScreen(touch, (left + right) / 2, (top + bottom) / 2);
+        RunFor(time);
+    }
     return true;
 }
 
