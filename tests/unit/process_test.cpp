@@ -40,4 +40,37 @@ TEST_F(Tolvane, ClosesItsWindowInOrderAtASignalAndAsksForWhatAnotherDvrNeeds) {
     }
 }
 
+// The wizard's unit and the DVR as two processes with a serial line between them.
+class OutsideDvr : public tests::UnitProcess {
+  protected:
+    // Whether what the DVR answers to the command has that text.
+    bool Command(const std::string& command, const char* text = "") {
+        EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), 0) << Read("send-err");
+        return Read("send-out").find(text) != std::string::npos;
+    }
+};
+
+TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
+    const std::string link = Path("line");
+    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "8"}, "dvr-");
+    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(link); }));
+    Command("update-time 6s");
+    const pid_t wizard =
+        Start(TOLVANE_BINARY, {"--auto", "--speed", "8", "--com9", link, "--reset-command",
+                               std::string(DVRSIM_BINARY) + " --send reset && echo reset >&2"});
+    // The hands that a person has at the DVR, as they are asked to.
+    const std::string put = "tolvane: Put the SD card with the update image into the DVR.\n";
+    const std::string take = "tolvane: Take the SD card out of the DVR.\n";
+    ASSERT_TRUE(WaitUntil([&] { return Read("err") == "reset\nreset\n" + put; })) << Read("err");
+    // A card that is in when the DVR looks for one starts the update before it is asked for.
+    ASSERT_TRUE(WaitUntil([&] { return Command("state", "\"state\": \"normal\""); }));
+    Command("card in");
+    ASSERT_TRUE(WaitUntil([&] { return Read("err").ends_with(take); })) << Read("err");
+    Command("card out");
+    EXPECT_EQ(Wait(wizard), 0) << Read("err");
+    EXPECT_EQ(Read("err"), "reset\nreset\n" + put + "reset\n" + take + "reset\n");
+    EXPECT_TRUE(Command("state", "\"firmware\": \"14.09.01.V1.02.03\""));
+    EXPECT_EQ(End(dvr), 0);
+}
+
 }  // namespace
