@@ -85,42 +85,6 @@ TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
         }
 }
 
-TEST(DvrUpdate, ABrokenCardBootsNormallyAndARebootOrderBeginsAnew) {
-    UpdateBench broken;
-    broken.dvr.ReportCard(CardStatus::kBroken);
-    broken.host.Run(10s);
-    EXPECT_EQ(broken.dvr.GetState(), kNormal);
-    UpdateBench bench;
-    bench.host.Run(10s);
-    bench.dvr.Receive(Request(0x1C));
-    bench.host.Run(100ms);
-    EXPECT_TRUE(bench.During(1500ms, 0x80, 0x2E).empty());
-    EXPECT_EQ(bench.During(60s, 0x80, 0x2E).size(), 100U);
-}
-
-TEST(DvrFaults, EachLeavesOutItsPart) {
-    const struct {
-        Faults faults;
-        bool states, card, version, percents;
-    } cases[] = {
-        {{}, true, true, true, true},
-        {{.silent = true}, false, false, false, false},
-        {{.silent_card = true}, true, false, true, true},
-        {{.silent_version = true}, true, true, false, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        UpdateBench bench({.faults = c.faults});
-        bench.host.Run(60s);
-        EXPECT_EQ(bench.dvr.GetState(), kUpdateFinished);
-        EXPECT_EQ(bench.Percents().size(), c.percents ? 100U : 0U);
-        EXPECT_EQ(bench.Only(0x80, 0x10).empty(), !c.states);
-        EXPECT_EQ(bench.Only(0x80, 0x26).empty(), !c.card);
-        EXPECT_EQ(bench.Ask(0x8026).empty(), !c.card);
-        EXPECT_EQ(bench.AskVersion().empty(), !c.version);
-    }
-}
-
 TEST(DvrFaults, EachGoesWrongAtItsPercent) {
     // The percents, run after run: all of them, or the first of those that go on for ever.
     const struct {
@@ -203,22 +167,6 @@ TEST(DvrFaults, SlowStretchesBootAnswersAndCardButNotTheUpdate) {
     UpdateBench bench({.faults = {.slowness = 2}});
     bench.host.Run(45s);
     EXPECT_EQ(bench.dvr.GetState(), kUpdateFinished);
-}
-
-TEST(DvrFaults, ReportsComeInCopiesAndTheCardsForEver) {
-    Bench bench({.faults = {.indication_copies = 3}});
-    bench.dvr.PowerOn();
-    EXPECT_EQ(bench.During(4s).size(), 12U);
-    EXPECT_EQ(bench.Ask(0x8010).size(), 1U) << "an answer is no report";
-    bench.dvr.SetFaults({.card_report_interval = 100ms});
-    bench.dvr.InsertCard(bench.card.path());
-    EXPECT_EQ(bench.During(1050ms, 0x80, 0x26).size(), 11U);
-    EXPECT_EQ(bench.host.sent.back().payload[0], 1);
-    bench.dvr.Reset();
-    EXPECT_EQ(bench.During(1500ms, 0x80, 0x26).size(), 0U);
-    EXPECT_GE(bench.During(3500ms, 0x80, 0x26).size(), 20U);
-    bench.dvr.SetFaults({});
-    EXPECT_EQ(bench.During(2s, 0x80, 0x26).size(), 0U);
 }
 
 }  // namespace
