@@ -1,19 +1,14 @@
-#include <windows.h>
-
 #include <atlapp.h>
 #include <atlbase.h>
 #include <atlframe.h>
 #include <atlwin.h>
-#include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
-#include <string>
 
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "res/resource.h"
-#include "tests/support/platform_fixture.h"
+#include "tests/support/platform_test.h"
 
 CAppModule _Module;
 
@@ -36,9 +31,9 @@ class Frame : public CFrameWindowImpl<Frame> {
 
     void OnFinalMessage(HWND window) override {
         ++final_messages;
-        EXPECT_EQ(m_hWnd, nullptr);
-        EXPECT_NE(window, nullptr);
+        EXPECT_TRUE(window && !m_hWnd);
     }
+    LRESULT Ask() { return SendMessageW(m_hWnd, kAsk, 0, 0); }
 
     std::function<LRESULT()> on_create = [] { return 0; };
     std::function<void()> on_ask = [] {};
@@ -56,72 +51,70 @@ class Frame : public CFrameWindowImpl<Frame> {
     LRESULT OnCommand(WORD code, WORD id, HWND, BOOL&) { return code * 100 + id; }
 };
 
-void OnPlatform(const std::function<void()>& body) {
-    Platform platform;
-    std::string problem;
-    ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\test.exe", problem));
-    platform.Run([&] {
-        _Module.Init(platform::resource::ModuleInstance());
-        body();
-        _Module.Term();
-    });
-}
+class FrameTest : public testing::Test {
+  protected:
+    void Run(const std::function<void()>& body) {
+        std::string problem;
+        ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\test.exe", problem));
+        OnPlatform([&] {
+            _Module.Init(platform::resource::ModuleInstance());
+            body();
+            _Module.Term();
+        });
+    }
+    Frame frame;
+};
 
-TEST(Frame, EndsItsLoopAndLetsGoOfTheWindow) {
-    OnPlatform([] {
-        Frame frame;
+TEST_F(FrameTest, EndsItsLoopAndLetsGoOfTheWindow) {
+    Run([&] {
         ASSERT_NE(frame.CreateEx(), nullptr);
         EXPECT_EQ(SendMessageW(frame, WM_COMMAND, MAKEWPARAM(12, 3), 0), 312);
-        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 1);
+        EXPECT_EQ(frame.Ask(), 1);
         frame.first_handles = false;
-        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 2);
+        EXPECT_EQ(frame.Ask(), 2);
         // It destroys itself inside a handler, whose message is the last to be let go of.
         frame.on_ask = [&] {
             DestroyWindow(frame);
-            EXPECT_NE(frame.m_hWnd, nullptr);
-            EXPECT_EQ(frame.final_messages, 0);
+            EXPECT_TRUE(frame.m_hWnd && frame.final_messages == 0);
         };
-        SendMessageW(frame, kAsk, 0, 0);
-        EXPECT_EQ(frame.m_hWnd, nullptr);
-        EXPECT_EQ(frame.final_messages, 1);
-        CMessageLoop loop;
-        EXPECT_EQ(loop.Run(), 0);
+        frame.Ask();
+        EXPECT_TRUE(!frame.m_hWnd && frame.final_messages == 1);
+        EXPECT_EQ(CMessageLoop().Run(), 0);
 
         // The object serves for a window more than once.
         frame.on_ask = [] {};
         ASSERT_NE(frame.CreateEx(), nullptr);
-        EXPECT_EQ(SendMessageW(frame, kAsk, 0, 0), 2);
+        EXPECT_EQ(frame.Ask(), 2);
         DestroyWindow(frame);
         EXPECT_EQ(frame.final_messages, 2);
     });
 }
 
-TEST(Frame, CreatedWithinAnothersCreationFindsItsOwnObject) {
-    OnPlatform([] {
-        Frame outer, inner, refusing;
-        inner.on_ask = [&] { inner.first_handles = false; };
+TEST_F(FrameTest, CreatedWithinAnothersCreationFindsItsOwnObject) {
+    Run([&] {
+        Frame inner, refusing;
+        inner.first_handles = false;
         refusing.on_create = [] { return -1; };
-        outer.on_create = [&] {
+        frame.on_create = [&] {
             EXPECT_EQ(refusing.CreateEx(), nullptr);
             EXPECT_NE(inner.CreateEx(), nullptr);
             return 0;
         };
-        EXPECT_NE(outer.CreateEx(), nullptr);
-        EXPECT_EQ(refusing.m_hWnd, nullptr);
-        EXPECT_NE(outer.m_hWnd, inner.m_hWnd);
-        EXPECT_EQ(SendMessageW(inner, kAsk, 0, 0), 2);
-        EXPECT_EQ(SendMessageW(outer, kAsk, 0, 0), 1);
+        EXPECT_NE(frame.CreateEx(), nullptr);
+        EXPECT_TRUE(!refusing.m_hWnd && frame.m_hWnd != inner.m_hWnd);
+        EXPECT_EQ(inner.Ask(), 2);
+        EXPECT_EQ(frame.Ask(), 1);
         EXPECT_EQ(_Module.ExtractCreateWndData(), nullptr);
         DestroyWindow(inner);
-        DestroyWindow(outer);
+        DestroyWindow(frame);
     });
 }
 
-TEST(Frame, GoneBeforeItsWindowLeavesTheWindowAlone) {
-    OnPlatform([] {
-        auto frame = std::make_unique<Frame>();
-        const HWND window = frame->CreateEx();
-        frame.reset();
+TEST_F(FrameTest, GoneBeforeItsWindowLeavesTheWindowAlone) {
+    Run([] {
+        auto gone = std::make_unique<Frame>();
+        const HWND window = gone->CreateEx();
+        gone.reset();
         EXPECT_EQ(SendMessageW(window, kAsk, 0, 0), 0);
         EXPECT_TRUE(DestroyWindow(window));
     });

@@ -64,40 +64,38 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
     ASSERT_TRUE(dialout && nobody);
     const std::string name = nobody->pw_name;
     const gid_t own_group = nobody->pw_gid;
+    const std::string denied = path + std::string(": permission denied; ");
+    const auto belongs = [&](const std::string& group) {
+        return denied + "the device belongs to group " + group + ": sudo adduser " + name + ' ' +
+               group + ", then log in again";
+    };
     const struct {
         gid_t group;
         mode_t mode;
         int error;
         std::string problem;
     } cases[] = {
-        {dialout->gr_gid, 0660, EACCES,
-         "permission denied; the device belongs to group dialout: sudo adduser " + name +
-             " dialout, then log in again"},
-        {own_group, 0620, EACCES, "permission denied; only its owner root may open the device"},
-        {12345, 0660, EACCES,
-         "permission denied; the device belongs to group 12345: sudo adduser " + name +
-             " 12345, then log in again"},
+        {dialout->gr_gid, 0660, EACCES, belongs("dialout")},
+        {own_group, 0620, EACCES, denied + "only its owner root may open the device"},
+        {12345, 0660, EACCES, belongs("12345")},
         {dialout->gr_gid, 0666, 0, ""},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.problem);
-        ASSERT_EQ(chown(path, 0, c.group), 0);
-        ASSERT_EQ(chmod(path, c.mode), 0);
+    for (const auto& [group, mode, error, problem] : cases) {
+        ASSERT_EQ(chown(path, 0, group), 0);
+        ASSERT_EQ(chmod(path, mode), 0);
         const std::string told = AsNobody([&] {
             Tty tty;
-            std::string problem;
-            const int error = tty.Open(path, problem);
-            return std::to_string(error) + ' ' + problem;
+            std::string said;
+            const int result = tty.Open(path, said);
+            return std::to_string(result) + said;
         });
-        EXPECT_EQ(told, std::to_string(c.error) + ' ' +
-                            (c.problem.empty() ? "" : path + (": " + c.problem)));
+        EXPECT_EQ(told, std::to_string(error) + problem);
     }
     // In the group by the user database, but not since this log-in.
     ASSERT_EQ(chown(path, 0, own_group), 0);
     EXPECT_EQ(AsNobody([&] { return OpenProblem(path, EACCES); }),
-              path + (": permission denied; the device belongs to group " +
-                      std::string(getgrgid(own_group)->gr_name) +
-                      ", which this log-in does not have yet: log in again"));
+              denied + "the device belongs to group " + getgrgid(own_group)->gr_name +
+                  ", which this log-in does not have yet: log in again");
 }
 
 TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {

@@ -31,13 +31,10 @@ std::wstring PlainBoard::debug_output() const {
 std::vector<std::wstring> PlainBoard::lines() const {
     const std::wstring output = debug_output();
     std::vector<std::wstring> lines;
-    for (std::size_t start = 0; start < output.size();) {
-        const std::size_t end = output.find(L"\r\n", start);
-        if (end == std::wstring::npos)
-            break;
+    std::size_t start = 0;
+    for (std::size_t end; (end = output.find(L"\r\n", start)) != std::wstring::npos;
+         start = end + 2)
         lines.push_back(output.substr(start, end - start));
-        start = end + 2;
-    }
     return lines;
 }
 
@@ -124,15 +121,14 @@ void Platform::Run(std::function<void()> body, kernel::Duration limit) {
         return DWORD{0};
     };
     const auto thread = kernel::StartThread(entry, THREAD_PRIORITY_NORMAL, kernel::kProgramProcess);
-    const kernel::Time deadline = kernel::Now() + limit;
-    const kernel::EventId alarm = kernel::At(deadline, [] {});
-    const auto ended = [&] {
-        kernel::KernelLock lock = kernel::LockKernel();
-        return thread->ended;
-    };
-    kernel::RunHardware([&] { return ended() || kernel::Now() >= deadline; });
+    bool late = false;
+    const kernel::EventId alarm = kernel::After(limit, [&] { late = true; });
+    kernel::RunHardware([&] {
+        const kernel::KernelLock lock = kernel::LockKernel();
+        return thread->ended || late;
+    });
     kernel::Cancel(alarm);
-    ASSERT_TRUE(ended()) << "still running after its unit time";
+    ASSERT_FALSE(late) << "still running after its unit time";
 }
 
 void Platform::RunFor(kernel::Duration time) {
