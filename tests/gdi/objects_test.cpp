@@ -7,41 +7,29 @@
 namespace tests {
 namespace {
 
-PLATFORM_TEST(Objects, EveryCallRefusesAHandleThatIsNone) {
-    static const RECT kDot{0, 0, 1, 1};
-    static HDC dc = CreateCompatibleDC(nullptr);
-    static HBRUSH brush = CreateSolidBrush(0);
-    const auto stale_dc = CreateCompatibleDC(nullptr);
+// Handles of nothing: every call refuses those already.
+PLATFORM_TEST(Objects, StaleAndForeignHandlesAreRefused) {
+    const RECT dot{0, 0, 1, 1};
+    const HDC stale_dc = CreateCompatibleDC(nullptr);
     EXPECT_TRUE(DeleteDC(stale_dc));
-    const auto stale_brush = CreateSolidBrush(0);
+    const HBRUSH stale_brush = CreateSolidBrush(0);
     EXPECT_TRUE(DeleteObject(stale_brush));
-    const std::function<bool(HDC)> context_calls[] = {
-        [](HDC h) { return DeleteDC(h); },
-        [](HDC h) { return gdi::DestroyWindowDC(h); },
-        [](HDC h) { return SelectObject(h, brush); },
-        [](HDC h) { return FillRect(h, &kDot, brush); },
-        [](HDC h) { return BitBlt(h, 0, 0, 1, 1, dc, 0, 0, SRCCOPY); },
-        [](HDC h) { return BitBlt(dc, 0, 0, 1, 1, h, 0, 0, SRCCOPY); },
-        [](HDC h) { return TransparentImage(h, 0, 0, 1, 1, dc, 0, 0, 1, 1, 0); },
-        [](HDC h) { return TransparentImage(dc, 0, 0, 1, 1, h, 0, 0, 1, 1, 0); },
-        [](HDC h) { return DrawTextW(h, L"a", -1, std::make_unique<RECT>(kDot).get(), 0); },
-    };
-    for (const HDC bad : {HDC{}, stale_dc, reinterpret_cast<HDC>(brush), HDC(INT_PTR{-1})})
-        for (const auto& call : context_calls)
-            ExpectFails(ERROR_INVALID_HANDLE, [&] { return call(bad); });
-    const std::function<bool(HGDIOBJ)> object_calls[] = {
-        [](HGDIOBJ h) { return DeleteObject(h); },
-        [](HGDIOBJ h) { return SelectObject(dc, h); },
-        [](HGDIOBJ h) { return GetObjectType(h); },
-        [](HGDIOBJ h) { return FillRect(dc, &kDot, static_cast<HBRUSH>(h)); },
-    };
-    for (const HGDIOBJ bad : {HGDIOBJ{}, HGDIOBJ{stale_brush}, HGDIOBJ(INT_PTR{-1})})
-        for (const auto& call : object_calls)
-            ExpectFails(ERROR_INVALID_HANDLE, [&] { return call(bad); });
-    ExpectFails(ERROR_INVALID_HANDLE, [] { return DeleteObject(dc); });
-    ExpectFails(ERROR_INVALID_HANDLE, [] { return DestroyIcon(reinterpret_cast<HICON>(brush)); });
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HBRUSH brush = CreateSolidBrush(0);
+    for (const HDC bad : {stale_dc, reinterpret_cast<HDC>(brush), HDC(INT_PTR{-1})})
+        for (const auto& call : std::initializer_list<std::function<bool()>>{
+                 [=] { return DeleteDC(bad); }, [=] { return gdi::DestroyWindowDC(bad); },
+                 [=] { return BitBlt(dc, 0, 0, 1, 1, bad, 0, 0, SRCCOPY); },
+                 [=] { return TransparentImage(dc, 0, 0, 1, 1, bad, 0, 0, 1, 1, 0); }})
+            ExpectFails(ERROR_INVALID_HANDLE, call);
+    for (const HGDIOBJ bad : {HGDIOBJ{stale_brush}, HGDIOBJ{dc}, HGDIOBJ(INT_PTR{-1})})
+        for (const auto& call : std::initializer_list<std::function<bool()>>{
+                 [=] { return DeleteObject(bad); }, [=] { return SelectObject(dc, bad); },
+                 [&] { return FillRect(dc, &dot, static_cast<HBRUSH>(bad)); }})
+            ExpectFails(ERROR_INVALID_HANDLE, call);
+    ExpectFails(ERROR_INVALID_HANDLE, [=] { return DestroyIcon(reinterpret_cast<HICON>(brush)); });
     gdi::Shutdown();
-    ExpectFails(ERROR_INVALID_HANDLE, [] { return DeleteDC(dc) || DeleteObject(brush); });
+    ExpectFails(ERROR_INVALID_HANDLE, [=] { return DeleteDC(dc) || DeleteObject(brush); });
     // Drawing starts anew.
     Canvas canvas(100, 40);
     canvas.UseFont({9, 26, 500});
