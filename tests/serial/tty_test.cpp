@@ -3,11 +3,9 @@
 #include <pty.h>
 #include <pwd.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <functional>
 #include <string>
 
 #include "serial/open_problem.h"
@@ -18,29 +16,13 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-// What `work` tells when it runs as nobody, in no group but its own: root may open everything.
-std::string AsNobody(const std::function<std::string()>& work) {
-    int ends[2] = {};
-    EXPECT_EQ(pipe(ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool dropped = geteuid() != 0 || (setgroups(0, nullptr) == 0 &&
-                                                setresgid(kNobody, kNobody, kNobody) == 0 &&
-                                                setresuid(kNobody, kNobody, kNobody) == 0);
-        const std::string told = dropped ? work() : "not dropped";
-        _exit(write(ends[1], told.data(), told.size()) < 0 ? 1 : 0);
-    }
-    close(ends[1]);
-    std::string told;
-    char byte = 0;
-    while (read(ends[0], &byte, 1) == 1)
-        told += byte;
-    close(ends[0]);
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    return told;
-}
+// As long as it lives the test is nobody, in no group but nobody's own: root may open everything.
+struct AsNobody {
+    AsNobody() { EXPECT_EQ(setgroups(0, nullptr) + setegid(kNobody) + seteuid(kNobody), 0); }
+    AsNobody(const AsNobody&) = delete;
+    AsNobody& operator=(const AsNobody&) = delete;
+    ~AsNobody() { EXPECT_EQ(seteuid(0) + setegid(0), 0); }
+};
 
 // A terminal of the host's, with its other end in the test's hands.
 class OnTerminal : public testing::Test {
@@ -60,10 +42,10 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can hand the device to another group";
     const struct group* const dialout = getgrnam("dialout");
-    const struct passwd* const nobody = getpwuid(kNobody);
-    ASSERT_TRUE(dialout && nobody);
-    const std::string name = nobody->pw_name;
-    const gid_t own_group = nobody->pw_gid;
+    const struct passwd* const user = getpwuid(kNobody);
+    ASSERT_TRUE(dialout && user);
+    const std::string name = user->pw_name;
+    const gid_t own_group = user->pw_gid;
     const std::string denied = path + std::string(": permission denied; ");
     const auto belongs = [&](const std::string& group) {
         return denied + "the device belongs to group " + group + ": sudo adduser " + name + ' ' +
@@ -83,19 +65,18 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
     for (const auto& [group, mode, error, problem] : cases) {
         ASSERT_EQ(chown(path, 0, group), 0);
         ASSERT_EQ(chmod(path, mode), 0);
-        const std::string told = AsNobody([&] {
-            Tty tty;
-            std::string said;
-            const int result = tty.Open(path, said);
-            return std::to_string(result) + said;
-        });
-        EXPECT_EQ(told, std::to_string(error) + problem);
+        const AsNobody nobody;
+        Tty tty;
+        std::string told;
+        EXPECT_EQ(tty.Open(path, told), error);
+        EXPECT_EQ(told, problem);
     }
     // In the group by the user database, but not since this log-in.
     ASSERT_EQ(chown(path, 0, own_group), 0);
-    EXPECT_EQ(AsNobody([&] { return OpenProblem(path, EACCES); }),
-              denied + "the device belongs to group " + getgrgid(own_group)->gr_name +
-                  ", which this log-in does not have yet: log in again");
+    const AsNobody nobody;
+    EXPECT_EQ(OpenProblem(path, EACCES), denied + "the device belongs to group " +
+                                             getgrgid(own_group)->gr_name +
+                                             ", which this log-in does not have yet: log in again");
 }
 
 TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {
@@ -103,12 +84,9 @@ TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {
     for (int round = 0; round < 2; ++round) {
         Tty first;
         ASSERT_EQ(first.Open(path, problem), 0) << problem;
-        for (int attempt = 0; attempt < 2; ++attempt) {
-            Tty second;
-            EXPECT_EQ(second.Open(path, problem), EBUSY);
-            EXPECT_EQ(problem,
-                      path + std::string(": the serial device is in use by another program"));
-        }
+        for (int attempt = 0; attempt < 2; ++attempt)
+            EXPECT_EQ(Tty().Open(path, problem), EBUSY);
+        EXPECT_EQ(problem, path + std::string(": the serial device is in use by another program"));
     }
 }
 
