@@ -41,27 +41,70 @@ class PlainBoard final : public platform::Board {
     std::vector<DWORD> power_options;  // one for each
     Neighbour neighbour;
 
-    std::wstring debug_output() const;
+    std::wstring debug_output() const {
+        const std::scoped_lock lock(mutex_);
+        return output_;
+    }
     // The debug output's whole lines, without their ends.
     std::vector<std::wstring> lines() const;
-    void ClearOutput();
+    void ClearOutput() {
+        const std::scoped_lock lock(mutex_);
+        output_.clear();
+    }
 
-    std::shared_ptr<platform::device::StreamDriver> FindDriver(std::wstring_view name) override;
-    bool ReadPowerSupply(platform::PowerSupply& out) override;
-    DWORD HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
-                     DWORD& returned) override;
-    DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override;
-    void DebugOutput(std::wstring_view text) override;
+    std::shared_ptr<platform::device::StreamDriver> FindDriver(std::wstring_view name) override {
+        const auto driver = drivers.find(name);
+        return driver == drivers.end() ? nullptr : driver->second;
+    }
+    bool ReadPowerSupply(platform::PowerSupply& out) override {
+        out = supply;
+        return supply_readable;
+    }
+    DWORD HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte>,
+                     DWORD&) override {
+        hal_codes.push_back(code);
+        if (on_hal_request)
+            on_hal_request(input);
+        return hal_answer;
+    }
+    DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override {
+        power_states.push_back(state_flags);
+        power_options.push_back(options);
+        return ERROR_SUCCESS;
+    }
+    void DebugOutput(std::wstring_view text) override {
+        const std::scoped_lock lock(mutex_);
+        output_ += text;
+    }
     void ScreenChanged() override {}
-    platform::NamedKind FindNeighbourObject(std::wstring_view name) override;
+    platform::NamedKind FindNeighbourObject(std::wstring_view name) override {
+        CountQuestion();
+        const auto object = neighbour.objects.find(name);
+        return object == neighbour.objects.end() ? platform::NamedKind::kNone : object->second;
+    }
     platform::NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> class_name,
-                                                  std::optional<std::wstring_view> title) override;
-    bool NeighbourWindowExists(platform::NeighbourWindow window) override;
-    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override;
+                                                  std::optional<std::wstring_view> title) override {
+        CountQuestion();
+        const bool fits = class_name.value_or(neighbour.window_class) == neighbour.window_class &&
+                          title.value_or(neighbour.title) == neighbour.title;
+        return fits ? neighbour.window : 0;
+    }
+    bool NeighbourWindowExists(platform::NeighbourWindow window) override {
+        CountQuestion();
+        return window == neighbour.window;
+    }
+    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override {
+        CountQuestion();
+        neighbour.brought_forward += with_owned ? 1 : 0;
+        return window == neighbour.window;
+    }
 
   private:
     // Hangs when the question comes with the kernel's lock held.
-    void CountQuestion();
+    void CountQuestion() {
+        platform::kernel::HandleCount();
+        ++neighbour.questions;
+    }
 
     mutable std::mutex mutex_;
     std::wstring output_;
