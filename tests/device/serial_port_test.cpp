@@ -75,25 +75,21 @@ PLATFORM_TEST(SerialPort, OneHandleAtATimeAndAWaitingReadEndsWithIt) {
 
 PLATFORM_TEST(CreateFile, OpensDevicesThatAreThereAndNothingElse) {
     const MemoryPort port(platform);
-    const struct {
-        const wchar_t* name;
-        DWORD creation, flags, error;
-    } rows[] = {
-        {L"COM9:", OPEN_EXISTING, 0, ERROR_SUCCESS},
-        {L"COM7:", OPEN_EXISTING, 0, ERROR_DEV_NOT_EXIST},
-        {L"COM9", OPEN_EXISTING, 0, ERROR_FILE_NOT_FOUND},
-        {L"", OPEN_EXISTING, 0, ERROR_FILE_NOT_FOUND},
-        {nullptr, OPEN_EXISTING, 0, ERROR_INVALID_PARAMETER},
-        {L"COM9:", CREATE_ALWAYS, 0, ERROR_INVALID_PARAMETER},
-        {L"COM9:", OPEN_EXISTING, FILE_FLAG_OVERLAPPED, ERROR_INVALID_PARAMETER},
-    };
-    for (const auto& row : rows) {
+    const auto expect = [](DWORD error, LPCWSTR name, DWORD creation = OPEN_EXISTING,
+                           DWORD flags = 0) {
         SetLastError(0);
-        const HANDLE handle = CreateFileW(row.name, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                          row.creation, row.flags, nullptr);
-        EXPECT_EQ(GetLastError(), row.error) << testing::PrintToString(row.name);
-        EXPECT_EQ(CloseHandle(handle), row.error == ERROR_SUCCESS);
-    }
+        const HANDLE handle =
+            CreateFileW(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, creation, flags, nullptr);
+        EXPECT_EQ(GetLastError(), error) << testing::PrintToString(name);
+        EXPECT_EQ(CloseHandle(handle), error == ERROR_SUCCESS);
+    };
+    expect(ERROR_SUCCESS, L"COM9:");
+    expect(ERROR_DEV_NOT_EXIST, L"COM7:");
+    expect(ERROR_FILE_NOT_FOUND, L"COM9");
+    expect(ERROR_FILE_NOT_FOUND, L"");
+    expect(ERROR_INVALID_PARAMETER, nullptr);
+    expect(ERROR_INVALID_PARAMETER, L"COM9:", CREATE_ALWAYS);
+    expect(ERROR_INVALID_PARAMETER, L"COM9:", OPEN_EXISTING, FILE_FLAG_OVERLAPPED);
 }
 
 }  // namespace

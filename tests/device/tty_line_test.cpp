@@ -165,25 +165,20 @@ TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
 }
 
 TEST_F(Tty, PathsThatCannotBeOpenedAreErrorsWithOneClearLine) {
-    const struct {
-        std::string path;
-        DWORD error;
-        std::string said;
-    } rows[] = {
-        {"/dev/no-such-tty", ERROR_DEV_NOT_EXIST, "cannot open"},
-        {"/dev/null", ERROR_GEN_FAILURE, "not a serial device"},
-        {"/proc", ERROR_GEN_FAILURE, "cannot open"},
+    const auto expect_refused = [&](const std::string& path, DWORD error, const char* problem) {
+        UseDevice(path);
+        ExpectFails(error, [] {
+            return CreateFileW(L"COM9:", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr) !=
+                   INVALID_HANDLE_VALUE;
+        });
+        const std::vector<std::string> said = TakeProblems();
+        ASSERT_EQ(said.size(), 1U);
+        EXPECT_TRUE(said[0].starts_with(path + ": " + problem)) << said[0];
     };
     platform.Run([&] {
-        for (const auto& row : rows) {
-            UseDevice(row.path);
-            EXPECT_EQ(CreateFileW(L"COM9:", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
-                      INVALID_HANDLE_VALUE);
-            EXPECT_EQ(GetLastError(), row.error) << row.path;
-            const std::vector<std::string> said = TakeProblems();
-            ASSERT_EQ(said.size(), 1U);
-            EXPECT_TRUE(said[0].starts_with(row.path + ": " + row.said)) << said[0];
-        }
+        expect_refused("/dev/no-such-tty", ERROR_DEV_NOT_EXIST, "cannot open");
+        expect_refused("/dev/null", ERROR_GEN_FAILURE, "not a serial device");
+        expect_refused("/proc", ERROR_GEN_FAILURE, "cannot open");
     });
 }
 

@@ -10,30 +10,20 @@ namespace {
 PLATFORM_TEST(Images, WhatIsNotThereHasTheLastErrorOfTheResource) {
     std::string problem;
     ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\Tolvane.exe", problem));
-    const auto stranger = reinterpret_cast<HINSTANCE>(0x1234);
-    const struct {
-        HINSTANCE module;
-        WORD id;
-        UINT type;
-        int width;
-        UINT flags;
-        DWORD error;
-    } cases[] = {
-        {nullptr, 999, IMAGE_BITMAP, 0, 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {nullptr, 999, IMAGE_ICON, 0, 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {stranger, IDB_CLOSE, IMAGE_BITMAP, 0, 0, ERROR_INVALID_HANDLE},
-        {nullptr, IDB_CLOSE, IMAGE_BITMAP, 10, 0, ERROR_NOT_SUPPORTED},
-        {nullptr, IDB_CLOSE, IMAGE_BITMAP, -1, 0, ERROR_INVALID_PARAMETER},
-        {nullptr, IDB_CLOSE, IMAGE_BITMAP, 0, LR_LOADFROMFILE, ERROR_NOT_SUPPORTED},
-        {nullptr, IDB_CLOSE, IMAGE_CURSOR, 0, 0, ERROR_NOT_SUPPORTED},
+    const auto expect = [](DWORD error, WORD id, UINT type, int width = 0, UINT flags = 0,
+                           HINSTANCE module = nullptr) {
+        SCOPED_TRACE(testing::Message() << id << ' ' << type << ' ' << width << ' ' << flags);
+        ExpectFails(
+            error, [&] { return LoadImageW(module, MAKEINTRESOURCEW(id), type, width, 0, flags); });
     };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(&row - cases);
-        ExpectFails(row.error, [&] {
-            return LoadImageW(row.module, MAKEINTRESOURCEW(row.id), row.type, row.width, 0,
-                              row.flags);
-        });
-    }
+    const auto stranger = reinterpret_cast<HINSTANCE>(0x1234);
+    expect(ERROR_RESOURCE_NAME_NOT_FOUND, 999, IMAGE_BITMAP);
+    expect(ERROR_RESOURCE_NAME_NOT_FOUND, 999, IMAGE_ICON);
+    expect(ERROR_INVALID_HANDLE, IDB_CLOSE, IMAGE_BITMAP, 0, 0, stranger);
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_BITMAP, 10);
+    expect(ERROR_INVALID_PARAMETER, IDB_CLOSE, IMAGE_BITMAP, -1);
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_BITMAP, 0, LR_LOADFROMFILE);
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_CURSOR);
     EXPECT_EQ(gdi::DrawingObjectCount(), 0u);
     // An icon of the program's own is destroyed once.
     const auto icon = static_cast<HICON>(

@@ -35,25 +35,20 @@ TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     canvas.UseFont({10, 30, 500});
     canvas.Draw(L"国", {0, 0, 20, 30});
     const RECT at_origin = canvas.InkBox();
-    constexpr struct {
-        UINT format;
-        int x, y;
-    } kCases[] = {
-        {DT_LEFT | DT_TOP, 100, 100},
-        {DT_CENTER, 190, 100},
-        {DT_RIGHT, 280, 100},
-        {DT_VCENTER, 100, 135},
-        {DT_VCENTER | DT_WORDBREAK, 100, 135},
-        {DT_VCENTER | DT_SINGLELINE | DT_CENTER, 190, 135},
-        {DT_BOTTOM | DT_SINGLELINE, 100, 170},
-    };
-    for (const auto& [format, x, y] : kCases) {
+    const auto expect = [&](UINT format, int x, int y) {
         canvas.FillWith(RGB(0, 0, 0));
         canvas.Draw(L"国", {100, 100, 300, 200}, format);
         const RECT ink = canvas.InkBox();
         EXPECT_EQ(ink.left - at_origin.left, x) << format;
         EXPECT_EQ(ink.top - at_origin.top, y) << format;
-    }
+    };
+    expect(DT_LEFT | DT_TOP, 100, 100);
+    expect(DT_CENTER, 190, 100);
+    expect(DT_RIGHT, 280, 100);
+    expect(DT_VCENTER, 100, 135);
+    expect(DT_VCENTER | DT_WORDBREAK, 100, 135);
+    expect(DT_VCENTER | DT_SINGLELINE | DT_CENTER, 190, 135);
+    expect(DT_BOTTOM | DT_SINGLELINE, 100, 170);
 }
 
 TEST_F(Text, DrawsAsManyCharactersAsItIsToldWithoutPrefixMarks) {

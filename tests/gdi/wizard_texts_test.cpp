@@ -9,37 +9,23 @@ namespace {
 
 using model::Screen;
 
-constexpr FontSize kPlain{9, 26, 500};
-
 FontSize FontOf(int control, std::optional<Screen> screen) {
-    const struct {
-        int control;
-        std::optional<Screen> screen;
-        FontSize size;
-    } fonts[] = {
-        {model::kTitle, {}, {10, 26, 500}},
-        {model::kWarning, {}, {10, 36, 600}},
-        {model::kToolVersion, {}, {10, 36, 600}},
-        {model::kDvrLine, screen, {10, 36, 600}},
-        {model::kSuspend, {}, {10, 24, 500}},
-        {model::kNext, screen, {10, 24, 500}},
-        {model::kUpdate, {}, {10, 24, 500}},
-        {model::kOk, {}, {10, 24, 500}},
-        {model::kUpper, {}, {16, 36, 600}},
-        {model::kLower, {}, {16, 36, 600}},
-        {model::kUpper, Screen::kNoticeAfterUpdate, {22, 44, 600}},
-        {model::kLower, Screen::kNoticeAfterUpdate, {22, 44, 600}},
-        {model::kLine1, Screen::kCheckCard, {12, 40, 500}},
-        {model::kLine1, Screen::kOffline, {13, 40, 600}},
-        {model::kLine2, Screen::kRemoveCard, {13, 40, 600}},
-        {model::kLine2, Screen::kSuccess, {15, 44, 600}},
-        {model::kLine2, Screen::kFailure, {15, 44, 600}},
-        {model::kLine2, Screen::kReopen, {15, 48, 600}},
+    if (control < model::kLine1)
+        return control == model::kTitle ? FontSize{10, 26, 500} : FontSize{10, 36, 600};
+    if (control >= model::kUpper)
+        return screen ? FontSize{22, 44, 600} : FontSize{16, 36, 600};
+    if (control >= model::kSuspend)
+        return {10, 24, 500};
+    const std::map<std::pair<int, std::optional<Screen>>, FontSize> others = {
+        {{model::kLine1, Screen::kCheckCard}, {12, 40, 500}},
+        {{model::kLine1, Screen::kOffline}, {13, 40, 600}},
+        {{model::kLine2, Screen::kRemoveCard}, {13, 40, 600}},
+        {{model::kLine2, Screen::kSuccess}, {15, 44, 600}},
+        {{model::kLine2, Screen::kFailure}, {15, 44, 600}},
+        {{model::kLine2, Screen::kReopen}, {15, 48, 600}},
     };
-    for (const auto& row : fonts)
-        if (row.control == control && row.screen == screen)
-            return row.size;
-    return kPlain;
+    const auto found = others.find({control, screen});
+    return found == others.end() ? FontSize{9, 26, 500} : found->second;
 }
 
 struct Row {

@@ -27,27 +27,21 @@ class Module : public testing::Test {
 };
 
 TEST_F(Module, FindsByNumberAndByText) {
-    const struct {
-        LPCWSTR type, name;
-        DWORD size, error;
-    } cases[] = {
-        {RT_BITMAP, MAKEINTRESOURCEW(202), 44, ERROR_SUCCESS},
-        {L"#2", L"#203", 44, ERROR_SUCCESS},
-        {L"card", L"SLOT.a", 3, ERROR_SUCCESS},
-        {RT_BITMAP, MAKEINTRESOURCEW(204), 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {RT_BITMAP, L"#65738", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {RT_BITMAP, L"#20x", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {L"card", L"Slot.B", 0, ERROR_RESOURCE_NAME_NOT_FOUND},
-        {RT_ICON, MAKEINTRESOURCEW(202), 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
-        {L"cards", L"Slot.A", 0, ERROR_RESOURCE_TYPE_NOT_FOUND},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(&row - cases);
+    const auto expect = [](DWORD size, LPCWSTR type, LPCWSTR name, DWORD error = ERROR_SUCCESS) {
         SetLastError(ERROR_SUCCESS);
-        const HRSRC found = FindResourceW(nullptr, row.name, row.type);
-        EXPECT_EQ(GetLastError(), row.error);
-        EXPECT_EQ(SizeofResource(resource::ModuleInstance(), found), row.size);
-    }
+        const HRSRC found = FindResourceW(nullptr, name, type);
+        EXPECT_EQ(GetLastError(), error);
+        EXPECT_EQ(SizeofResource(resource::ModuleInstance(), found), size);
+    };
+    expect(44, RT_BITMAP, MAKEINTRESOURCEW(202));
+    expect(44, L"#2", L"#203");
+    expect(3, L"card", L"SLOT.a");
+    expect(0, RT_BITMAP, MAKEINTRESOURCEW(204), ERROR_RESOURCE_NAME_NOT_FOUND);
+    expect(0, RT_BITMAP, L"#65738", ERROR_RESOURCE_NAME_NOT_FOUND);
+    expect(0, RT_BITMAP, L"#20x", ERROR_RESOURCE_NAME_NOT_FOUND);
+    expect(0, L"card", L"Slot.B", ERROR_RESOURCE_NAME_NOT_FOUND);
+    expect(0, RT_ICON, MAKEINTRESOURCEW(202), ERROR_RESOURCE_TYPE_NOT_FOUND);
+    expect(0, L"cards", L"Slot.A", ERROR_RESOURCE_TYPE_NOT_FOUND);
     resource::Hide(RT_BITMAP, L"#203");
     EXPECT_FALSE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(203)));
     EXPECT_TRUE(resource::Find(RT_BITMAP, MAKEINTRESOURCEW(202)));

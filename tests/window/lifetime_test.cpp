@@ -29,21 +29,17 @@ PLATFORM_TEST(Creation, FailsVisibly) {
 
 TEST(Creation, AWindowMayRefuseToLive) {
     const Numbers all{WM_NCCREATE, WM_CREATE, WM_DESTROY, WM_NCDESTROY};
-    const struct {
-        const char* name;
-        TestWindow::Handler handler;
-        Numbers expected;
-    } cases[] = {
-        {"early", On(WM_NCCREATE, [](HWND, WPARAM) { return 0; }), {WM_NCCREATE, WM_NCDESTROY}},
-        {"late", On(WM_CREATE, [](HWND, WPARAM) { return -1; }), all},
-        {"by itself", On(WM_CREATE, [](HWND h, WPARAM) { return !DestroyWindow(h); }), all},
+    const auto expect = [&](const Numbers& told, UINT number, auto answer) {
+        OnPlatform([&] {
+            const TestWindow target(On(number, answer));
+            EXPECT_EQ(target.handle(), nullptr);
+            EXPECT_EQ(target.Order(all), told);
+            EXPECT_EQ(FindWindowW(TestWindow::kClass, NULL), nullptr);
+        });
     };
-    OnPlatformForEach(cases, [&](const auto& each) {
-        const TestWindow target(each.handler);
-        EXPECT_EQ(target.handle(), nullptr);
-        EXPECT_EQ(target.Order(all), each.expected);
-        EXPECT_EQ(FindWindowW(TestWindow::kClass, NULL), nullptr);
-    });
+    expect({WM_NCCREATE, WM_NCDESTROY}, WM_NCCREATE, [](HWND, WPARAM) { return 0; });
+    expect(all, WM_CREATE, [](HWND, WPARAM) { return -1; });
+    expect(all, WM_CREATE, [](HWND handle, WPARAM) { return !DestroyWindow(handle); });
 }
 
 PLATFORM_TEST(Creation, TellsTheWindowOfItsBirthShowingAndEnd) {

@@ -104,25 +104,22 @@ PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentM
 }
 
 TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
-    const struct {
-        const char* name;
-        BOOL asked;
-        LRESULT answer;
-        Numbers seen;
-    } cases[] = {{"not asked", FALSE, 1, {WM_PAINT}},
-                 {"done", TRUE, 1, {WM_PAINT, WM_ERASEBKGND}},
-                 {"left to the painting", TRUE, 0, {WM_PAINT, WM_ERASEBKGND}}};
-    OnPlatformForEach(cases, [](const auto& each) {
-        Painter target(each.answer);
-        HandleWaiting();
-        target.Forget();
-        InvalidateRect(target, NULL, each.asked);
-        UpdateWindow(target);
-        EXPECT_EQ(target.left_to_erase, each.answer == 0);
-        UpdateWindow(target);
-        HandleWaiting();
-        EXPECT_EQ(target.Order({WM_ERASEBKGND, WM_PAINT}), each.seen);
-    });
+    const auto expect = [](BOOL asked, LRESULT answer, const Numbers& seen) {
+        OnPlatform([&] {
+            Painter target(answer);
+            HandleWaiting();
+            target.Forget();
+            InvalidateRect(target, NULL, asked);
+            UpdateWindow(target);
+            EXPECT_EQ(target.left_to_erase, answer == 0);
+            UpdateWindow(target);
+            HandleWaiting();
+            EXPECT_EQ(target.Order({WM_ERASEBKGND, WM_PAINT}), seen);
+        });
+    };
+    expect(FALSE, 1, {WM_PAINT});
+    expect(TRUE, 1, {WM_PAINT, WM_ERASEBKGND});
+    expect(TRUE, 0, {WM_PAINT, WM_ERASEBKGND});
 }
 
 // Another thread asks for paintings faster than the window can paint; posted messages and timers
