@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <string_view>
 
 namespace tests::model {
@@ -113,7 +114,7 @@ Event Generator::Percent() {
 Bytes Generator::AnyText(unsigned most) {
     Bytes text(Below(most + 1));
     for (std::uint8_t& byte : text)
-        byte = static_cast<std::uint8_t>(OneIn(20) ? 0 : ' ' + Below('~' - ' ' + 1));
+        byte = static_cast<std::uint8_t>(OneIn(20) ? Below(256) : ' ' + Below('~' - ' ' + 1));
     return text;
 }
 
@@ -208,8 +209,11 @@ Event Generator::Further(const WizardModel& wizard) {
 }
 
 Event Generator::Whatever() {
-    std::discrete_distribution<std::size_t> by_weight(std::begin(kWeights), std::end(kWeights));
-    const auto kind = static_cast<Kind>(by_weight(random_));
+    std::size_t row = 0;
+    for (unsigned at = Below(std::accumulate(std::begin(kWeights), std::end(kWeights), 0U));
+         at >= kWeights[row]; ++row)
+        at -= kWeights[row];
+    const auto kind = static_cast<Kind>(row);
     switch (kind) {
         case Kind::kRunning:
             return Running(OneIn(4) ? Below(256) : Below(5));
@@ -230,7 +234,8 @@ Event Generator::Whatever() {
             return Report(kind, kAck, 0x2E, payload);
         }
         case Kind::kReport:
-            return Report(kind, OneIn(2) ? kAck : kInd, 0x11 + Below(0x2D - 0x11 + 1), AnyText(16));
+            return Report(kind, OneIn(2) ? kAck : kInd, 0x11 + Below(0x2D - 0x11 + 1),
+                          AnyText(OneIn(8) ? 64 : 16));
         case Kind::kNoise:
             return {0, kind, 0, 0, Noise()};
         case Kind::kPress:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <random>
+#include <functional>
 #include <vector>
 
 #include "tests/model/event.h"
@@ -10,7 +10,9 @@ namespace tests::model {
 // Makes events for a wizard in this state: about half of them take it further.
 class Generator {
   public:
-    explicit Generator(std::uint64_t seed) : random_(seed) {}
+    // `choose` gives a number below the one that it is given.
+    explicit Generator(std::function<unsigned(unsigned limit)> choose)
+        : choose_(std::move(choose)) {}
 
     Sequence Begin();
     Event Next(const WizardModel& wizard);
@@ -18,7 +20,7 @@ class Generator {
     Event Last();
 
   private:
-    unsigned Below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
+    unsigned Below(unsigned limit) { return choose_(limit); }
     int Between(unsigned least, unsigned most) { return int(least + Below(most - least + 1)); }
     bool OneIn(unsigned count) { return Below(count) == 0; }
     template <typename Value, std::size_t kCount>
@@ -37,7 +39,7 @@ class Generator {
     Bytes Noise();
     Bytes AnyText(unsigned most);
 
-    std::mt19937_64 random_;
+    std::function<unsigned(unsigned limit)> choose_;
     std::vector<Event> pending_;  // to follow, the next one last
 };
 

@@ -296,4 +296,25 @@ std::string Lockstep::CompareScreen() const {
     return text.str() + "\n";
 }
 
+std::string RunBoth(const Sequence& sequence,
+                    const std::function<std::optional<Event>(const WizardModel&)>& next) {
+    Lockstep lockstep(sequence.world, sequence.start_milliseconds);
+    for (bool more = true; more && !lockstep.model().closed();) {
+        const std::optional<Event> event = next(lockstep.model());
+        more = event.has_value();
+        const std::string difference =
+            lockstep.Apply(event.value_or(Event{100, Kind::kClose, kCloseMessage}));
+        if (!difference.empty())
+            return difference;
+    }
+    return lockstep.End();
+}
+
+std::string Replay(const Sequence& sequence) {
+    auto event = sequence.events.begin();
+    return RunBoth(sequence, [&](const WizardModel&) {
+        return event == sequence.events.end() ? std::nullopt : std::optional(*event++);
+    });
+}
+
 }  // namespace tests::model

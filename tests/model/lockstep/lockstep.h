@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
@@ -44,5 +46,12 @@ class Lockstep {
     WizardModel model_;
     HWND window_ = nullptr;
 };
+
+// The program and its model from the sequence's beginning on, with the events that `next` gives.
+// When there is none the window is closed. The first difference; empty when there is none.
+std::string RunBoth(const Sequence& sequence,
+                    const std::function<std::optional<Event>(const WizardModel&)>& next);
+// With the sequence's own events.
+std::string Replay(const Sequence& sequence);
 
 }  // namespace tests::model
