@@ -25,7 +25,7 @@ constexpr std::string_view kVersions[] = {"14.09.01.V1.02.03",
                                           {"14.09.01.V9\0\0\0.\0\0", 17},
                                           {"14.09.01.V9\0\0\0\0.\0", 17}};
 constexpr unsigned kErrors[] = {0, 0, 0, 2, 5, 55, 31};
-constexpr unsigned kPowerStates[] = {0, 1, 1, 1, 255, 2, 0x101, 0x80000000, 0xFFFFFF00};
+constexpr unsigned kPowerParameters[] = {0, 1, 1, 1, 255, 2, 0x101, 0x80000000, 0xFFFFFF00};
 constexpr unsigned kSupplies[] = {0, 1, 1, 1, 255, 256};
 constexpr std::pair<unsigned, unsigned> kPosts[] = {
     {kCommandMessage, kNextId},     {kCommandMessage, kUpdateId},  {kCommandMessage, kSuspendId},
@@ -246,7 +246,7 @@ Event Generator::Whatever() {
         case Kind::kNotice:
             return Post(kind, Any(kToNotice));
         case Kind::kPower:
-            return {0, kind, Any(kPowerStates), Below(256)};
+            return {0, kind, Any(kPowerParameters), Below(256)};
         case Kind::kSupply:
             return {0, kind, Any(kSupplies), Below(256)};
         case Kind::kHold:

@@ -28,11 +28,23 @@ void WizardModel::Failure(const char* function, const char* what, unsigned error
     Line(Text("\t%s, %s, ErrorCode(%u), #", function, what, error));
 }
 
-View WizardModel::Look() const {
-    View view{step_, percent_, image_version_, running_state_, version_.data(), {}, notice_.exists};
+std::string ViewText(int step, int percent, int image_version, int running_state,
+                     const std::string& dvr_version, const std::map<std::uint64_t, Time>& timers,
+                     bool notice_up) {
+    std::string text = Text(
+        "step %d, percent %d, image version %d, running state %d, DVR version '%s'%s, timers", step,
+        percent, image_version, running_state, dvr_version.c_str(), notice_up ? ", notice up" : "");
+    for (const auto& [id, due] : timers)
+        text += " " + std::to_string(id) + " at " + std::to_string(due.count());
+    return text;
+}
+
+std::string WizardModel::Look() const {
+    std::map<std::uint64_t, Time> timers;
     for (const TimerState& timer : timers_)
-        view.timers[timer.id] = timer.due;
-    return view;
+        timers[timer.id] = timer.due;
+    return ViewText(step_, percent_, image_version_, running_state_, version_.data(), timers,
+                    notice_.exists);
 }
 
 std::vector<Shown> WizardModel::screen() const {

@@ -27,24 +27,20 @@ struct World {
     std::uint8_t ac_line = 1;
 };
 
-// What went out since it was taken last.
-struct Output {
-    std::string log;
-    std::vector<unsigned> frames;
-    std::vector<std::string> reset_requests, scaler_requests;
-    int reset_opens = 0, scaler_opens = 0;  // those that failed too
-    std::vector<unsigned> hal_codes, power_states;
-    bool operator==(const Output&) const = default;
+// Where what is compared went, or what it is.
+// clang-format off
+enum Channel {
+    kLog, kFrames, kResetRequests, kResetOpens, kScalerRequests, kScalerOpens, kHalCodes,
+    kPowerStates, kView, kChannels
 };
+// clang-format on
+// What went out since it was taken last, opens that failed too, and what can be seen now.
+using Account = std::array<std::string, kChannels>;
 
-// What can be seen of the wizard now, but for its screen.
-struct View {
-    int step = 0, percent = 0, image_version = 0, running_state = 0;
-    std::string dvr_version;
-    std::map<std::uint64_t, Time> timers;
-    bool notice_up = false;
-    bool operator==(const View&) const = default;
-};
+// What can be seen of the wizard, but for its screen.
+std::string ViewText(int step, int percent, int image_version, int running_state,
+                     const std::string& dvr_version, const std::map<std::uint64_t, Time>& timers,
+                     bool notice_up);
 
 // A text on the screen, and within which place its middle lies.
 struct Shown {
@@ -69,7 +65,7 @@ class WizardModel {
     WizardModel(const World& around, Time start);
 
     World world;
-    Output output;
+    Account output;
 
     // Lets time pass up to then, with all that comes of itself.
     void RunTo(Time time);
@@ -90,7 +86,7 @@ class WizardModel {
     void SetPercent(int percent) { percent_ = static_cast<std::uint8_t>(percent); }
     void Settle() { RunThread(); }
 
-    View Look() const;
+    std::string Look() const;
     std::vector<Shown> screen() const;
     // At the place of the close button: X, pressed x, or what lies behind, black b or the key k.
     char close_place() const { return main_.close_place; }
@@ -232,7 +228,7 @@ class WizardModel {
     void Arm(int id, int milliseconds);
     void Kill(std::uint64_t id);
     bool VersionKnown() const { return version_[1] != 0 || version_[4] != 0; }
-    void Line(const std::string& line) { output.log += "[Tolvane.exe] " + line + "\r\n"; }
+    void Line(const std::string& line) { output[kLog] += "[Tolvane.exe] " + line + "\r\n"; }
     void Failure(const char* function, const char* what, unsigned error);
 
     Time now_;

@@ -79,12 +79,12 @@ bool WizardModel::Poll(Activation& running, int most, bool arrived) {
 
 bool WizardModel::Reset(Activation& running) {
     if (running.stage == 0) {
-        ++output.reset_opens;
+        output[kResetOpens] += 'o';
         if (world.reset_open != 0) {
             Failure("CMainFrame::Reset_DVR", "CreateFile() fail!!!", world.reset_open);
             return true;
         }
-        output.reset_requests.emplace_back("0881 02");
+        output[kResetRequests] += "0881 02; ";
         if (world.reset_request != 0) {
             Failure("CMainFrame::Reset_DVR", "DeviceIoControl() fail!!!", world.reset_request);
             return true;
@@ -94,14 +94,14 @@ bool WizardModel::Reset(Activation& running) {
 }
 
 void WizardModel::SuspendSystem(int) {
-    output.hal_codes.push_back(0x01012020);
+    output[kHalCodes] += "01012020; ";
     if (world.hal != 0) {
         Failure("CMainFrame::OnXCommand", "KernelIoControl( IOCTL_HAL_ENTER_SUSPEND_MODE ) fail!!!",
                 world.hal);
         return;
     }
     Line("\tCMainFrame::OnXCommand, SystemSuspend");
-    output.power_states.push_back(0x00020000);
+    output[kPowerStates] += "00020000; ";
 }
 
 void WizardModel::ToStep(int step) {

@@ -21,7 +21,7 @@ constexpr const char* kCards[] = {"PLUG_OUT",
 
 void WizardModel::Send(int command) {
     if (world.has_link)
-        output.frames.push_back(static_cast<unsigned>(command));
+        output[kFrames] += Text("%04X; ", command);
     else
         Failure("UART_SendCommand", "WriteFile() fail!!!", 6);
 }
@@ -38,7 +38,7 @@ void WizardModel::Receive(std::span<const std::uint8_t> bytes) {
 }
 
 void WizardModel::OnReport(const Report& report) {
-    output.log += HandlerLog(report, true);
+    output[kLog] += HandlerLog(report, true);
     const bool ack = report.type == 0x20;
     if (!ack && report.type != 0x80)
         return;

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 }  // namespace
 
 bool WizardModel::OpenScaler() {
-    ++output.scaler_opens;
+    output[kScalerOpens] += 'o';
     scaler_open_ = world.scaler_open == 0;
     return scaler_open_;
 }
@@ -63,7 +63,7 @@ void WizardModel::Scale(const char* function, const char* request, const char* f
         Line(Text("\t%s, Invalid Arguments!!!, ErroCode(?), #", function));
         return;
     }
-    output.scaler_requests.emplace_back(request);
+    output[kScalerRequests] += std::string(request) + "; ";
     if (world.scaler_request != 0)
         Line(Text("\t%s, %s fail!!!, ErroCode(%u), #", function, failure, world.scaler_request));
 }

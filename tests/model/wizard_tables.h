@@ -8,73 +8,25 @@
 // The wizard in numbers and texts: its controls, and what each of its screens sets.
 namespace tests::model {
 
+// clang-format off
 enum Step {
-    kPowerOn = -1,
-    kCheckCard,
-    kInsertCard,
-    kUpdating,
-    kWait,
-    kRemoveCard,
-    kResult,
-    kReopen
+    kPowerOn = -1, kCheckCard, kInsertCard, kUpdating, kWait, kRemoveCard, kResult, kReopen,
+    kAnyStep = 99
 };
-inline constexpr int kAnyStep = 99;
-inline constexpr unsigned kAnyId = ~0U;
-
 // In the order of their making, which is that of drawing and of offering touches.
 enum Control {
-    kTitle,
-    kWarning,
-    kToolVersion,
-    kDvrLine,
-    kLine1,
-    kLine2,
-    kLine3,
-    kLine4,
-    kNotice,
-    kSuspend,
-    kNext,
-    kUpdate,
-    kClose,
-    kWizardControls,
-    kOk = kWizardControls,
-    kUpper,
-    kLower,
-    kAllControls
+    kTitle, kWarning, kToolVersion, kDvrLine, kLine1, kLine2, kLine3, kLine4, kNotice, kSuspend,
+    kNext, kUpdate, kClose, kWizardControls, kOk = kWizardControls, kUpper, kLower, kAllControls
 };
-
 enum Timer : unsigned {
-    kNotifyTimer = 257,
-    kCardOutTimer = 258,
-    kCardInTimer = 259,
-    kVideoTimer = 260,
-    kRepaintTimer = 261
+    kNotifyTimer = 257, kCardOutTimer, kCardInTimer, kVideoTimer, kRepaintTimer
 };
-
-enum CommandId : unsigned {
-    kNextId = 1011,
-    kUpdateId = 1012,
-    kSuspendId = 1013,
-    kCloseId = 1014,
-    kOkId = 1015
-};
-
+enum CommandId : unsigned { kNextId = 1011, kUpdateId, kSuspendId, kCloseId, kOkId, kAnyId = ~0U };
 enum class Screen {
-    kPowerOn,
-    kNoCardReport,
-    kCheckCard,
-    kInsertCard,
-    kUpdating,
-    kImageMissing,
-    kWait,
-    kRemoveCard,
-    kResult,
-    kSuccess,
-    kFailure,
-    kReopen,
-    kOffline,
-    kNoticeAfterUpdate,
+    kPowerOn, kNoCardReport, kCheckCard, kInsertCard, kUpdating, kImageMissing, kWait,
+    kRemoveCard, kResult, kSuccess, kFailure, kReopen, kOffline, kNoticeAfterUpdate
 };
+// clang-format on
 
 inline constexpr unsigned kWhite = 0xFFFFFF;
 inline constexpr unsigned kRed = 0x0000FF;

@@ -8,6 +8,7 @@
 #include "platform/kernel/clock.h"
 #include "platform/kernel/text.h"
 #include "platform/powermgr/power_notifications.h"
+#include "tests/model/text.h"
 #include "wizard/MainFrm.h"
 
 namespace tests::model {
@@ -45,38 +46,22 @@ std::string Sorted(const std::string& log) {
     return sorted;
 }
 
-std::string ToText(const Output& output) {
-    std::ostringstream text;
-    const auto list = [&](const char* what, const auto& values) {
-        text << "  " << what << std::hex;
-        for (const auto& value : values)
-            text << " [" << value << ']';
-        text << '\n';
-    };
-    list("frames", output.frames);
-    list("requests to DVR1:", output.reset_requests);
-    list("requests to SCA0:", output.scaler_requests);
-    list("opens of DVR1: and SCA0:", std::array{output.reset_opens, output.scaler_opens});
-    list("requests to the HAL", output.hal_codes);
-    list("power states", output.power_states);
-    return text.str() + output.log;
-}
-
-std::string ToText(const View& view) {
-    std::ostringstream text;
-    text << "  step " << view.step << ", percent " << view.percent << ", image version "
-         << view.image_version << ", running state " << view.running_state << ", DVR version "
-         << view.dvr_version << (view.notice_up ? ", notice up" : "") << "\n  timers";
-    for (const auto& [id, due] : view.timers)
-        text << " [" << id << " at " << due.count() << ']';
-    return text.str() + "\n";
-}
-
-template <typename Seen>
-std::string Differ(const Seen& program, const Seen& model) {
-    if (program == model)
-        return {};
-    return "program:\n" + ToText(program) + "model:\n" + ToText(model);
+std::string Differ(const Account& program, const Account& model) {
+    constexpr std::array<const char*, kChannels> kNames = {"log",
+                                                           "frames",
+                                                           "requests to DVR1:",
+                                                           "opens of DVR1:",
+                                                           "requests to SCA0:",
+                                                           "opens of SCA0:",
+                                                           "HAL codes",
+                                                           "power states",
+                                                           "view"};
+    std::string difference;
+    for (std::size_t channel = 0; channel < kChannels; ++channel)
+        if (program[channel] != model[channel])
+            difference += std::string(kNames[channel]) + " of the program:\n" + program[channel] +
+                          "\nof the model:\n" + model[channel] + "\n";
+    return difference;
 }
 
 }  // namespace
@@ -98,7 +83,7 @@ Lockstep::Lockstep(const World& world, int start_milliseconds)
     window_ = FindWindowW(L"Tolvane", nullptr);
     // What is said on the way is other tests' matter; what is asked is not.
     bench_.platform.board.ClearOutput();
-    model_.output.log.clear();
+    model_.output[kLog].clear();
 }
 
 Lockstep::~Lockstep() {
@@ -126,9 +111,9 @@ std::string Lockstep::End() {
     while (!model_.closed())
         model_.RunTo(model_.NextDeadline());
     bench_.WaitForEnd();
-    Output program = TakeOutput();
-    program.log = Sorted(program.log);
-    model_.output.log = Sorted(model_.output.log);
+    Account program = TakeOutput();
+    for (std::string* const log : {&program[kLog], &model_.output[kLog]})
+        *log = Sorted(*log);
     return Differ(program, model_.output);
 }
 
@@ -218,12 +203,14 @@ void Lockstep::Deliver(const Event& event) {
 
 // The log as the model writes it: "#" for a source and its line, "?" for the error of a refused
 // argument, which is whatever failed last.
-Output Lockstep::TakeOutput() {
+Account Lockstep::TakeOutput() {
     PlainBoard& board = bench_.platform.board;
-    Output output;
+    Account output;
+    std::string& log = output[kLog];
     for (const wchar_t character : board.debug_output())
-        output.log += static_cast<char>(character);
-    const auto blank = [&log = output.log](const std::string& mark, std::size_t from_end, char by) {
+        log += static_cast<char>(character);
+    board.ClearOutput();
+    const auto blank = [&log](const std::string& mark, std::size_t from_end, char by) {
         for (std::size_t at = 0; (at = log.find(mark, at)) != log.npos; ++at) {
             const std::size_t begin = from_end == 0 ? at + mark.size() : log.rfind(' ', at) + 1;
             const std::size_t end = log.find(')', at) + from_end;
@@ -233,67 +220,63 @@ Output Lockstep::TakeOutput() {
     };
     blank(".cpp(", 1, '#');
     blank("Invalid Arguments!!!, ErroCode(", 0, '?');
-    const std::vector<WORD> frames = std::exchange(bench_.frames, {});
-    output.frames.assign(frames.begin(), frames.end());
-    output.reset_requests = std::exchange(bench_.reset->requests, {});
-    output.scaler_requests = std::exchange(bench_.scaler->requests, {});
-    output.reset_opens = std::exchange(bench_.reset->opens, 0);
-    output.scaler_opens = std::exchange(bench_.scaler->opens, 0);
-    output.hal_codes.assign(board.hal_codes.begin(), board.hal_codes.end());
-    output.power_states.assign(board.power_states.begin(), board.power_states.end());
-    board.hal_codes.clear();
-    board.power_states.clear();
-    board.ClearOutput();
+    for (const unsigned command : std::exchange(bench_.frames, {}))
+        output[kFrames] += Text("%04X; ", command);
+    for (const std::string& request : std::exchange(bench_.reset->requests, {}))
+        output[kResetRequests] += request + "; ";
+    for (const std::string& request : std::exchange(bench_.scaler->requests, {}))
+        output[kScalerRequests] += request + "; ";
+    for (const DWORD code : std::exchange(board.hal_codes, {}))
+        output[kHalCodes] += Text("%08X; ", code);
+    for (const DWORD state : std::exchange(board.power_states, {}))
+        output[kPowerStates] += Text("%08X; ", state);
+    output[kResetOpens].assign(std::exchange(bench_.reset->opens, 0), 'o');
+    output[kScalerOpens].assign(std::exchange(bench_.scaler->opens, 0), 'o');
     return output;
 }
 
-View Lockstep::Look() const {
-    View view;
-    view.step = WizardBench::kNoFrame;
-    if (const CMainFrame* const frame = g_pMainFrame)
-        view = {frame->m_nStep,
-                frame->m_byUpdatePercent,
-                frame->m_byBinVersion,
-                frame->m_byRunningState,
-                frame->m_szDvrVersion.Load().data(),
-                {}};
-    const auto timers = platform::window::RunningTimers(window_);
-    view.timers = {timers.begin(), timers.end()};
-    view.notice_up = Notice() != nullptr;
-    return view;
-}
-
 std::string Lockstep::Compare() {
-    return Differ(TakeOutput(), std::exchange(model_.output, {})) + Differ(Look(), model_.Look()) +
-           CompareScreen();
+    Account program = TakeOutput();
+    const auto running = platform::window::RunningTimers(window_);
+    const std::map<std::uint64_t, Time> timers(running.begin(), running.end());
+    const bool notice_up = Notice() != nullptr;
+    if (const CMainFrame* const frame = g_pMainFrame)
+        program[kView] = ViewText(frame->m_nStep, frame->m_byUpdatePercent, frame->m_byBinVersion,
+                                  frame->m_byRunningState, frame->m_szDvrVersion.Load().data(),
+                                  timers, notice_up);
+    Account model = std::exchange(model_.output, {});
+    model[kView] = model_.Look();
+    return Differ(program, model) + CompareScreen();
 }
 
 // Which texts in which colours, and that the middle of each lies in its place.
 std::string Lockstep::CompareScreen() const {
     const platform::gdi::Surface screen = bench_.Screen();
-    const std::vector<Shown> expected = model_.screen();
-    const auto is_there = [&](const Shown& shown) {
-        return std::ranges::any_of(screen.texts(), [&](const platform::gdi::PlacedText& text) {
-            const POINT middle{(text.box.left + text.box.right) / 2,
-                               (text.box.top + text.box.bottom) / 2};
+    std::vector<Shown> missing = model_.screen();
+    std::string difference;
+    const auto tell = [&](const char* who, const std::wstring& text, unsigned color) {
+        difference +=
+            Text("on the %s's screen alone, in %06X: ", who, color) + kernel::ToUtf8(text) + "\n";
+    };
+    for (const auto& [text, box, color] : screen.texts()) {
+        const POINT middle{(box.left + box.right) / 2, (box.top + box.bottom) / 2};
+        const auto found = std::ranges::find_if(missing, [&](const Shown& shown) {
             const RECT place{static_cast<LONG>(shown.left), static_cast<LONG>(shown.top),
                              static_cast<LONG>(shown.right), static_cast<LONG>(shown.bottom)};
-            return text.text == shown.text && text.color == shown.color && PtInRect(&place, middle);
+            return text == shown.text && color == shown.color && PtInRect(&place, middle);
         });
-    };
+        if (found == missing.end())
+            tell("program", text, color);
+        else
+            missing.erase(found);
+    }
+    for (const Shown& shown : missing)
+        tell("model", shown.text, shown.color);
     const std::uint32_t pixel = screen.row(kCloseY)[kCloseX];
     const char close = pixel == 0xE70010 ? 'X' : pixel == 0x001000 ? 'k' : pixel == 0 ? 'b' : 'x';
-    if (screen.texts().size() == expected.size() && std::ranges::all_of(expected, is_there) &&
-        (model_.notice_up() || close == model_.close_place()))
-        return {};
-    std::ostringstream text;
-    text << "program:\n  close button " << close << std::hex;
-    for (const auto& shown : screen.texts())
-        text << " [" << shown.color << ' ' << kernel::ToUtf8(shown.text) << ']';
-    text << "\nmodel:\n  close button " << model_.close_place();
-    for (const Shown& shown : expected)
-        text << " [" << shown.color << ' ' << kernel::ToUtf8(shown.text) << ']';
-    return text.str() + "\n";
+    if (!model_.notice_up() && close != model_.close_place())
+        difference += Text("the close button is %c, not %c\n", close, model_.close_place());
+    return difference;
 }
 
 std::string RunBoth(const Sequence& sequence,

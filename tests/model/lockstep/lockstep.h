@@ -38,8 +38,7 @@ class Lockstep {
     void DeliverSupply(std::uint64_t line, std::uint64_t battery);
     void SetDriver(std::uint64_t driver, unsigned error);
     std::string Compare();
-    Output TakeOutput();
-    View Look() const;
+    Account TakeOutput();
     std::string CompareScreen() const;
 
     WizardBench bench_;
