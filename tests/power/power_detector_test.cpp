@@ -20,8 +20,6 @@ using namespace std::chrono_literals;
 namespace kernel = platform::kernel;
 using platform::powermgr::Notify;
 
-using Log = std::vector<std::string>;
-
 const wchar_t* const kRequests[] = {L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
                                     L"_KESTA_Technology,Inc._All_APP_PowerResume_Request_",
                                     L"_KESTA_Technology,Inc._All_APP_PowerOFF_Request_"};
@@ -83,7 +81,6 @@ TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
 
 // One call of the program fails; what is said, and what still works.
 TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
-    constexpr DWORD kError = 1234;
     const struct {
         const char* call;
         std::uint64_t skip;
@@ -91,7 +88,7 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         std::string where;    // of the one failure line; none when empty
         std::string heard;    // after a suspend request and a change of the supply
         std::size_t handles;  // left because they could not be closed
-        DWORD error = kError;
+        DWORD error = 1234;
     } rows[] = {
         {"CreateThread", 0, TRUE, "Init, CreateThread()", "3(1,1)", 0},
         {"CreateThread", 1, TRUE, "Init, CreateThread()", "0(0,0)", 0},
@@ -113,8 +110,7 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.skip));
         Platform platform;
         platform.AllowHandles(row.handles);
-        ASSERT_EQ(kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error}),
-                  "");
+        kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error});
         Listen();
         platform.Run([&] {
             const std::size_t handles = kernel::HandleCount();
@@ -129,16 +125,13 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
             EXPECT_EQ(Hear(), row.heard);
             CloseHandle(suspend);
         });
-        Log failures = ProgramLog(platform.board);
-        std::erase_if(failures,
-                      [](const std::string& line) { return line.find("fail!!!") == line.npos; });
-        Log expected;
-        if (!row.where.empty())
-            expected.push_back("\tCPowerDetector::" + row.where + " fail!!!, ErrorCode(1234), ");
-        ASSERT_EQ(failures.size(), expected.size());
-        if (!expected.empty()) {
-            EXPECT_TRUE(failures[0].starts_with(expected[0])) << failures[0];
-        }
+        std::string failures;
+        for (const std::string& line : ProgramLog(platform.board))
+            if (line.find("fail!!!") != line.npos)
+                failures += line.substr(0, line.rfind(", "));
+        EXPECT_EQ(failures, row.where.empty()
+                                ? ""
+                                : "\tCPowerDetector::" + row.where + " fail!!!, ErrorCode(1234)");
     }
 }
 
@@ -171,11 +164,12 @@ TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
     SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(nullptr), 0U);
     EXPECT_EQ(CPowerDetector::ThreadProc_PowerCommonCtrl_static(nullptr), 0U);
-    const std::string rest =
-        ", (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), PowerThreads.cpp(#)";
+    const std::string begin = "\tCPowerDetector::ThreadProc_Power",
+                      end =
+                          "_static, (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), "
+                          "PowerThreads.cpp(#)";
     EXPECT_EQ(ProgramLog(platform.board),
-              (Log{"\tCPowerDetector::ThreadProc_PowerDetector_static" + rest,
-                   "\tCPowerDetector::ThreadProc_PowerCommonCtrl_static" + rest}));
+              (std::vector{begin + "Detector" + end, begin + "CommonCtrl" + end}));
 }
 
 // Each thread wakes to waits that fail, and is there again afterwards.
