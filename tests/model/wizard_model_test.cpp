@@ -96,7 +96,7 @@ TEST_P(Campaign, ProgramAndModelDoTheSame) {
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
     std::cout << events << " events in " << seed - first << " sequences from seed " << first << ", "
               << took.count() << " s\n";
-    ASSERT_EQ(problem, "") << "seed " << seed - 1;
+    ASSERT_TRUE(problem.empty()) << "seed " << seed - 1 << "\n" << problem;
     if (enough >= kEnoughToReachAll) {
         EXPECT_EQ(NeverReached(), "");
     }
