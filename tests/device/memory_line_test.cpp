@@ -21,10 +21,7 @@ TEST(MemoryLine, KeepsNoMoreThanADevicesMemory) {
 
 TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
     enum class Outcome { kExchanges, kHearsNothing, kRefused };
-    const struct {
-        void (*change)(DCB&);
-        Outcome outcome;
-    } rows[] = {
+    const std::pair<void (*)(DCB&), Outcome> rows[] = {
         {[](DCB&) {}, Outcome::kExchanges},
         {[](DCB& settings) { settings.fRtsControl = 0; }, Outcome::kExchanges},
         {[](DCB& settings) { settings.BaudRate = 115200; }, Outcome::kHearsNothing},
@@ -45,10 +42,10 @@ TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
             const HANDLE handle = OpenCom9();
             DCB settings{};
             EXPECT_TRUE(GetCommState(handle, &settings));
-            row.change(settings);
-            EXPECT_EQ(SetCommState(handle, &settings), row.outcome != Outcome::kRefused);
+            row.first(settings);
+            EXPECT_EQ(SetCommState(handle, &settings), row.second != Outcome::kRefused);
             // What was refused changed nothing.
-            const bool exchanges = row.outcome != Outcome::kHearsNothing;
+            const bool exchanges = row.second != Outcome::kHearsNothing;
             EXPECT_EQ(Write(handle, "out"), 3U);
             port.SendAfter({}, 2);
             EXPECT_EQ(Read(handle, 2), exchanges ? "xx" : "");

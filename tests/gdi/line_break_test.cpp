@@ -17,11 +17,7 @@ void ExpectBroken(const std::wstring& text, int width, const std::wstring& lines
 }
 
 PLATFORM_TEST(LineBreak, ComesWhereAReaderExpectsIt) {
-    const struct {
-        const wchar_t* text;
-        int width;
-        const wchar_t* lines;
-    } cases[] = {
+    const std::tuple<LPCWSTR, int, LPCWSTR> cases[] = {
         {L"あいうえお", 50, L"あいうえお"},
         {L"あいうえおか", 50, L"あいうえお\nか"},
         // What never begins a line, and never ends one.

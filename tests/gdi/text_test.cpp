@@ -14,10 +14,7 @@ class Text : public testing::Test {
 };
 
 TEST_F(Text, AFullWidthCharacterIsTwiceTheWidthAndOnePixelMoreWhenBold) {
-    constexpr struct {
-        FontSize size;
-        int full_width;
-    } kCases[] = {
+    constexpr std::pair<FontSize, int> kCases[] = {
         {{9, 26, 500}, 18},  {{9, 26, 599}, 18},  {{9, 26, 600}, 19},  {{10, 24, 500}, 20},
         {{10, 36, 600}, 21}, {{12, 40, 500}, 24}, {{13, 40, 600}, 27}, {{15, 44, 600}, 31},
         {{16, 36, 600}, 33}, {{22, 44, 600}, 45}, {{22, 44, 0}, 44},

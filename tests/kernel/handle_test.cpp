@@ -15,10 +15,8 @@ HANDLE MakeQueue(LPCWSTR name) {
 PLATFORM_TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
     static BYTE buffer[9];
     static DWORD count = 0;
-    const struct {
-        BOOL (*call)(HANDLE);
-        bool accepts_event;
-    } cases[] = {
+    // With whether they take an event.
+    const std::pair<BOOL (*)(HANDLE), bool> cases[] = {
         {[](HANDLE h) { return CloseHandle(h); }, true},
         {[](HANDLE h) { return CloseMsgQueue(h); }, false},
         {[](HANDLE h) { return SetEvent(h); }, true},
@@ -32,9 +30,9 @@ PLATFORM_TEST(Handles, WrongOnesAreErrorsAndNothingElse) {
     const HANDLE reader = MakeQueue(nullptr);
     for (const HANDLE wrong : {HANDLE{nullptr}, INVALID_HANDLE_VALUE, stale, event,
                                reinterpret_cast<HANDLE>(ULONG_PTR{0x123456789ABCDEF4})})
-        for (const auto& [call, accepts_event] : cases) {
+        for (const auto& [call, takes_events] : cases) {
             SCOPED_TRACE(testing::Message() << wrong);
-            if (wrong != event || !accepts_event)
+            if (wrong != event || !takes_events)
                 ExpectFails(ERROR_INVALID_HANDLE, [&] { return call(wrong); });
         }
     EXPECT_FALSE(WriteMsgQueue(reader, buffer, 9, 0, 0)) << "the queue's other end";
