@@ -16,17 +16,21 @@ PLATFORM_TEST(Objects, StaleAndForeignHandlesAreRefused) {
     EXPECT_TRUE(DeleteObject(stale_brush));
     const HDC dc = CreateCompatibleDC(nullptr);
     const HBRUSH brush = CreateSolidBrush(0);
-    for (const HDC bad : {stale_dc, reinterpret_cast<HDC>(brush), HDC(INT_PTR{-1})})
-        for (const auto& call : std::initializer_list<std::function<bool()>>{
-                 [=] { return DeleteDC(bad); }, [=] { return gdi::DestroyWindowDC(bad); },
-                 [=] { return BitBlt(dc, 0, 0, 1, 1, bad, 0, 0, SRCCOPY); },
-                 [=] { return TransparentImage(dc, 0, 0, 1, 1, bad, 0, 0, 1, 1, 0); }})
+    for (const HDC bad : {stale_dc, reinterpret_cast<HDC>(brush), HDC(INT_PTR{-1})}) {
+        const std::function<bool()> calls[] = {
+            [=] { return DeleteDC(bad); }, [=] { return gdi::DestroyWindowDC(bad); },
+            [=] { return BitBlt(dc, 0, 0, 1, 1, bad, 0, 0, SRCCOPY); },
+            [=] { return TransparentImage(dc, 0, 0, 1, 1, bad, 0, 0, 1, 1, 0); }};
+        for (const auto& call : calls)
             ExpectFails(ERROR_INVALID_HANDLE, call);
-    for (const HGDIOBJ bad : {HGDIOBJ{stale_brush}, HGDIOBJ{dc}, HGDIOBJ(INT_PTR{-1})})
-        for (const auto& call : std::initializer_list<std::function<bool()>>{
-                 [=] { return DeleteObject(bad); }, [=] { return SelectObject(dc, bad); },
-                 [&] { return FillRect(dc, &dot, static_cast<HBRUSH>(bad)); }})
+    }
+    for (const HGDIOBJ bad : {HGDIOBJ{stale_brush}, HGDIOBJ{dc}, HGDIOBJ(INT_PTR{-1})}) {
+        const std::function<bool()> calls[] = {
+            [=] { return DeleteObject(bad); }, [=] { return SelectObject(dc, bad); },
+            [&] { return FillRect(dc, &dot, static_cast<HBRUSH>(bad)); }};
+        for (const auto& call : calls)
             ExpectFails(ERROR_INVALID_HANDLE, call);
+    }
     ExpectFails(ERROR_INVALID_HANDLE, [=] { return DestroyIcon(reinterpret_cast<HICON>(brush)); });
     gdi::Shutdown();
     ExpectFails(ERROR_INVALID_HANDLE, [=] { return DeleteDC(dc) || DeleteObject(brush); });
