@@ -23,10 +23,10 @@ struct FaultKind {
     std::string_view name;
     // It can come at this moment and those before it.
     Moment last;
-    // Lets it come; on the hardware's thread. Null for a call that fails.
-    void (*strike)(WizardRun& run);
-    // For a fault of a byte on the line: the rule, for one byte.
-    std::string_view line_rule{};
+    // What is done to the unit: one of its commands; empty when the window is closed.
+    std::string_view command;
+    // Whether the command is a fault that strikes once, and counts what it does not strike.
+    bool counts = false;
 };
 std::span<const FaultKind> FaultKinds();
 

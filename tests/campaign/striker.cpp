@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/kernel/scheduler.h"
-#include "unit/line/fault_text.h"
+#include "unit/board/program_host.h"
 
 namespace tests::campaign {
 
@@ -22,7 +22,8 @@ void Striker::Note(std::string_view fault) {
     seen_.last = kernel::Now();
 }
 
-Striker::Striker(const Case& trial, WizardRun& run) : run_(run) {
+Striker::Striker(const Case& trial, WizardRun& run, unit::Operator& hands)
+    : run_(run), hands_(hands) {
     kernel::ObserveCalls([this](const kernel::MadeCall& call) { HearCall(call); });
     kernel::ObserveFailedCalls([this](const kernel::FailedCall& call) { HearFailure(call); });
     listening_ = run.unit().events().Listen([this](const unit::TimedEvent& event) {
@@ -34,30 +35,23 @@ Striker::Striker(const Case& trial, WizardRun& run) : run_(run) {
                 HearByte(byte);
     });
     for (const Fault& fault : trial.faults) {
-        if (fault.kind->name == kFails)
-            kernel::AddCallFault({.skip = fault.number - 1});
-        else if (fault.moment == kByte)
-            AddLineFault(*fault.kind, fault.number - 1);
+        if (fault.kind->name == kFails || fault.moment == kByte)
+            AddFault(*fault.kind, fault.number - 1);
         else
             waiting_.push_back(fault);
     }
 }
 
-void Striker::AddLineFault(const FaultKind& kind, std::uint64_t skip) {
-    std::string problem;
-    auto rule = unit::ParseFaultRule(kind.line_rule, problem);
-    rule.value().skip = skip;
-    rule->times = 1;
-    run_.unit().dvr().faults().Add(*std::move(rule));
+void Striker::AddFault(const FaultKind& kind, std::uint64_t skip) {
+    const auto outcome = unit::UnitCommands().Follow(
+        hands_, std::string(kind.command) + " after " + std::to_string(skip) + " times 1");
+    if (!outcome.done)
+        throw std::logic_error(outcome.text);
 }
 
 void Striker::Stop() {
-    {
-        const std::scoped_lock lock(mutex_);
-        waiting_.clear();
-    }
-    kernel::ClearCallFaults();
-    run_.unit().dvr().faults().Clear();
+    const std::scoped_lock lock(mutex_);
+    waiting_.clear();
 }
 
 std::vector<Fault> Striker::TakeDue(Moment moment, std::uint64_t number) {
@@ -105,12 +99,13 @@ void Striker::HearByte(std::uint8_t byte) {
 }
 
 void Striker::Strike(const Fault& fault) {
-    if (fault.kind->strike == nullptr) {
-        AddLineFault(*fault.kind, 0);
-        return;
-    }
+    if (fault.kind->counts)
+        return AddFault(*fault.kind, 0);
     Note(fault.kind->name);
-    fault.kind->strike(run_);
+    if (fault.kind->command.empty())
+        unit::ProgramHost::CloseWindow();
+    else
+        unit::UnitCommands().Follow(hands_, fault.kind->command);
 }
 
 void Striker::StrikeNow(const Fault& fault) {

@@ -7,6 +7,7 @@
 
 #include "tests/campaign/case.h"
 #include "tests/campaign/failure_check.h"
+#include "unit/commands/unit_commands.h"
 #include "unit/events/event_hub.h"
 #include "unit/line/frame_cutter.h"
 
@@ -27,9 +28,9 @@ struct Seen {
 // program has begun to run; hardware's thread, but for what it hears.
 class Striker {
   public:
-    Striker(const Case& trial, WizardRun& run);
+    Striker(const Case& trial, WizardRun& run, unit::Operator& hands);
 
-    // Lets no more fault come, and takes back those that last.
+    // Lets no more fault come; those that have stay.
     void Stop();
 
     Seen seen() const;
@@ -45,9 +46,10 @@ class Striker {
     void Strike(const Fault& fault);
     // Lets it come before the calling thread of the program goes on.
     void StrikeNow(const Fault& fault);
-    void AddLineFault(const FaultKind& kind, std::uint64_t skip);
+    void AddFault(const FaultKind& kind, std::uint64_t skip);
 
     WizardRun& run_;
+    unit::Operator& hands_;
     mutable std::mutex mutex_;
     std::vector<Fault> waiting_;
     Seen seen_;

@@ -30,7 +30,7 @@ constexpr std::string_view kPartsInSilence[] = {"RegisterWindowMessageW", "ShowW
 class Trial {
   public:
     explicit Trial(const Case& trial)
-        : case_(trial), run_(OptionsFor(trial)), striker_(trial, run_), driver_(run_) {
+        : case_(trial), run_(OptionsFor(trial)), striker_(trial, run_, hands_), driver_(run_) {
         driver_.OnLook([this] { Watch(); });
     }
 
@@ -100,22 +100,13 @@ class Trial {
             Find("the program has ended by itself");
     }
 
-    // The unit and the DVR as they should be.
-    void Mend() {
-        striker_.Stop();
-        run_.unit().drivers().Mend();
-        run_.unit().SetPlugged(true);
-        dvrsim::Dvr& dvr = *run_.unit().dvr().dvr();
-        dvrsim::Faults healthy;
-        dvrsim::Timings timings = dvr.GetTimings();
-        Hurry(timings, healthy);
-        dvr.SetFaults(healthy);
-        dvr.SetTimings(timings);
-        dvr.PowerOn();
-    }
-
     void Recover() {
-        Mend();
+        striker_.Stop();
+        // The unit and the DVR as they should be, with a quick update.
+        for (const char* const command : {"fault clear", "line plug", "dvr update-time 30s",
+                                          "fault dvr jump-back 3 96", "dvr power on"})
+            if (const auto outcome = unit::UnitCommands().Follow(hands_, command); !outcome.done)
+                Find(command + (": " + outcome.text));
         std::optional<End> end;
         while (end != End::kSuccess && verdict_.cycles < kMostCycles) {
             ++verdict_.cycles;
@@ -158,6 +149,7 @@ class Trial {
 
     const Case& case_;
     WizardRun run_;
+    unit::Operator hands_{run_.unit(), ""};
     Striker striker_;
     CarDriver driver_;
     AnswerProbe probe_;

@@ -130,18 +130,18 @@ bool FindsInMany(const Request& request) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    Request request;
-    CLI::App app("", "fault-campaign");
-    app.add_option("--case", request.case_text);
-    app.add_option("--road", request.roads);
-    app.add_option("--kind", request.kinds);
-    app.add_option("--every", request.every);
-    app.add_option("--from", request.stretch.first)->check(CLI::Range(1, 1000000));
-    app.add_option("--to", request.stretch.last);
-    app.add_option("--pairs", request.pairs);
-    app.add_option("--seed", request.seed);
-    app.add_option("--jobs", request.jobs)->check(CLI::Range(1, 1000000));
     try {
+        Request request;
+        CLI::App app("", "fault-campaign");
+        app.add_option("--case", request.case_text);
+        app.add_option("--road", request.roads);
+        app.add_option("--kind", request.kinds);
+        app.add_option("--every", request.every);
+        app.add_option("--from", request.stretch.first)->check(CLI::Range(1, 1000000));
+        app.add_option("--to", request.stretch.last);
+        app.add_option("--pairs", request.pairs);
+        app.add_option("--seed", request.seed);
+        app.add_option("--jobs", request.jobs)->check(CLI::Range(1, 1000000));
         app.parse(count, arguments);
         if (!request.case_text.empty())
             return FindsInOne(request.case_text) ? kFindings : 0;
