@@ -33,6 +33,12 @@ enum Channel {
     kLog, kFrames, kResetRequests, kResetOpens, kScalerRequests, kScalerOpens, kHalCodes,
     kPowerStates, kView, kChannels
 };
+// Of windows; also what may be posted to the wizard's window or its notice. The power message
+// stands for one that is registered.
+enum Message : unsigned {
+    kCloseMessage = 0x10, kMenuMessage = 0x111, kTimerMessage = 0x113, kCommandMessage = 2024,
+    kPowerMessage = 0xC000
+};
 // clang-format on
 // What went out since it was taken last, opens that failed too, and what can be seen now.
 using Account = std::array<std::string, kChannels>;
@@ -47,15 +53,6 @@ struct Shown {
     std::wstring text;
     unsigned color;
     long left, top, right, bottom;
-};
-
-// Of windows; also what may be posted to the wizard's window or its notice.
-enum Message : unsigned {
-    kCloseMessage = 0x10,
-    kMenuMessage = 0x111,
-    kTimerMessage = 0x113,
-    kCommandMessage = 2024,
-    kPowerMessage = 0xC000,  // stands for one that is registered
 };
 
 // The wizard, told a second time: the window's thread with its messages, timers and waits, and the

@@ -7,15 +7,13 @@
 namespace tests::model {
 namespace {
 
-constexpr const char* kStates[] = {"INITIALIZING", "INIT_OK", "NORMAL", "REBOOTTING",
-                                   "SHUTDOWNING"};
-constexpr const char* kCards[] = {"PLUG_OUT",
-                                  "PLUG_IN",
-                                  "BROKEN",
-                                  "FORMATING",
-                                  "SPACE_FULL_NORMAL_FILE",
-                                  "SPACE_FULL_EVENT_FILE",
-                                  "SPACE_FULL_BOTH_FILE"};
+// clang-format off
+constexpr const char* kStates[] = {
+    "INITIALIZING", "INIT_OK", "NORMAL", "REBOOTTING", "SHUTDOWNING"};
+constexpr const char* kCards[] = {
+    "PLUG_OUT", "PLUG_IN", "BROKEN", "FORMATING", "SPACE_FULL_NORMAL_FILE",
+    "SPACE_FULL_EVENT_FILE", "SPACE_FULL_BOTH_FILE"};
+// clang-format on
 
 }  // namespace
 
