@@ -127,29 +127,37 @@ bool FindsInMany(const Request& request) {
     return campaign.found();
 }
 
-}  // namespace
+int Run(int count, const char* const* arguments) {
+    Request request;
+    CLI::App app("", "fault-campaign");
+    const auto number = [&app](const char* name, auto& value, std::uint64_t least) {
+        app.add_option(name, value)
+            ->check(CLI::Range(least, std::uint64_t{UINT32_MAX}))
+            ->type_name("NUMBER");
+    };
+    app.add_option("--case", request.case_text)->type_name("TEXT");
+    app.add_option("--road", request.roads)->type_name("NAME");
+    app.add_option("--kind", request.kinds)->type_name("NAME");
+    number("--every", request.every, 1);
+    number("--pairs", request.pairs, 0);
+    number("--from", request.stretch.first, 1);
+    number("--to", request.stretch.last, 1);
+    number("--seed", request.seed, 0);
+    number("--jobs", request.jobs, 1);
+    app.set_help_flag();
+    app.parse(count, arguments);
+    if (!request.case_text.empty())
+        return FindsInOne(request.case_text) ? kFindings : 0;
+    if (request.every == 0 && request.pairs == 0) {
+        request.every = 100;
+        request.pairs = 500;
+    }
+    return FindsInMany(request) ? kFindings : 0;
+}
 
-int main(int count, char** arguments) {
+int RunOrRefuse(int count, const char* const* arguments) {
     try {
-        Request request;
-        CLI::App app("", "fault-campaign");
-        app.add_option("--case", request.case_text);
-        app.add_option("--road", request.roads);
-        app.add_option("--kind", request.kinds);
-        app.add_option("--every", request.every);
-        app.add_option("--from", request.stretch.first)->check(CLI::Range(1, 1000000));
-        app.add_option("--to", request.stretch.last);
-        app.add_option("--pairs", request.pairs);
-        app.add_option("--seed", request.seed);
-        app.add_option("--jobs", request.jobs)->check(CLI::Range(1, 1000000));
-        app.parse(count, arguments);
-        if (!request.case_text.empty())
-            return FindsInOne(request.case_text) ? kFindings : 0;
-        if (request.every == 0 && request.pairs == 0) {
-            request.every = 100;
-            request.pairs = 500;
-        }
-        return FindsInMany(request) ? kFindings : 0;
+        return Run(count, arguments);
     } catch (const CLI::ExtrasError& error) {
         std::fprintf(stderr,
                      "fault-campaign: %s; allowed are --case, --road, --kind, --every, --from, "
@@ -159,4 +167,10 @@ int main(int count, char** arguments) {
         std::fprintf(stderr, "fault-campaign: %s\n", error.what());
     }
     return kWrongUsage;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    return RunOrRefuse(count, arguments);
 }
