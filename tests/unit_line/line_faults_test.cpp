@@ -23,7 +23,7 @@ const FaultCase kFaultCases[] = {
     {{"drop bytes after 2 times 1"}, "0: 01 02 / 9: 03 04", "0: 01 02 / 9: 04", {1}},
     {{"corrupt bytes"}, "0: 00 5A", "0: FF A5", {2}},
     {{"corrupt bytes value 77 times 1"}, "0: 01 02", "0: 77 02", {1}},
-    {{"delay 1ms bytes times 1"}, "0: 01 / 400: 02 / 2000: 03", "1000: 01 02 / 2000: 03", {1}},
+    {{"delay 0.5ms bytes times 1"}, "0: 01 / 400: 02 / 2000: 03", "500: 01 02 / 2000: 03", {1}},
     {{"split 1ms bytes every 2"}, "0: 01 02 03", "0: 01 / 1000: 02 03", {1}},
     {{"inject CCDD before bytes times 1"}, "0: 01 02", "0: CC DD 01 02", {1}},
     {{"inject CC after bytes"}, "0: 01 02", "0: 01 CC 02 CC", {2}},
@@ -43,7 +43,9 @@ const FaultCase kFaultCases[] = {
      {1}},
     {{"drop StorageCardStatus frames"}, "0: CARD / 5: PERCENT / 9: ANSWER", "5: PERCENT", {2}},
     {{"drop acknowledgements"}, "0: ANSWER / 5: PERCENT", "5: PERCENT", {1}},
-    {{"drop query 0x26 frames"}, "0: ANSWER / 5: CARD", "5: CARD", {1}},
+    {{"drop query StorageCardStatus frames"}, "0: ANSWER / 5: CARD", "5: CARD", {1}},
+    {{"drop plain frames to-unit"}, "0: ANSWER / 5: CARD", "0: ANSWER", {1}},
+    {{"drop 0x0055 frames"}, "0: A5 5A 80 00 55 00 00 01 D4 / 5: CARD", "5: CARD", {1}},
     {{"duplicate frames every 2"}, "0: PERCENT / 5: CARD", "0: PERCENT / 5: CARD CARD", {1}},
     {{"delay 300ms acknowledgements"}, "0: ANSWER / 400: CARD", "300000: ANSWER CARD", {1}},
     {{"split 20ms frames"}, "0: PERCENT", "0: A5 5A 80 00 2E / 20000: 00 01 39 01 E7", {1}},
@@ -119,7 +121,7 @@ TEST(LineFaults, ChanceComesFromTheSeed) {
     EXPECT_NEAR(first.first, 1000, 120) << "four standard deviations";
     EXPECT_EQ(first, dropped("drop bytes chance 10 seed 7"));
     EXPECT_NE(first.second, dropped("drop bytes chance 10 seed 8").second);
-    EXPECT_NEAR(dropped("drop bytes chance 0.5").first, 50, 28);
+    EXPECT_NEAR(dropped("drop bytes chance 0.5 seed 1").first, 50, 28);
 }
 
 TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
@@ -156,24 +158,6 @@ TEST(LineFaults, WhatRulesMultiplyHasAnEnd) {
         EXPECT_LE(line.program.text().size(), 4 * unit::kMostCells);
         EXPECT_GE(told, 40U);
         EXPECT_LE(told, 10'000U);
-    }
-}
-
-TEST(FaultText, RulesReadBackAsTheyWereWritten) {
-    for (const char* const text : {
-             "corrupt checksum of FW_Upgrade_Version indications to-unit",
-             "corrupt payload 3 of query 0x0055 frames to-dvr xor 0F10 times 7",
-             "corrupt bytes value 00 chance 0.25 seed 12",
-             "drop plain frames after 3 every 2",
-             "split 0.5ms length of requests to-dvr",
-             "inject 00A55A before indications",
-             "inject FF after bytes",
-             "duplicate sync of System_Reboot acknowledgements",
-         }) {
-        std::string problem;
-        const auto rule = unit::ParseFaultRule(text, problem);
-        ASSERT_TRUE(rule) << text << ": " << problem;
-        EXPECT_EQ(unit::ToText(*rule), text);
     }
 }
 

@@ -98,6 +98,7 @@ class TappedLine {
         std::string problem;
         const auto rule = unit::ParseFaultRule(text, problem);
         ASSERT_TRUE(rule) << problem;
+        EXPECT_EQ(unit::ToText(*rule), text) << "a rule is written as it was read";
         faults->Add(*rule);
     }
 

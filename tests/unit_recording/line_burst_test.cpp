@@ -63,26 +63,5 @@ TEST(LineBurst, APauseASendingAndManyBytesBeginAnother) {
     EXPECT_EQ(Join({{0us, many}, {1us, many}}).size(), 2U);
 }
 
-TEST(LineBurst, WhatIsNoBurstIsRefusedWithWhatIsAllowed) {
-    const std::string byte = "; allowed is a byte as two hexadecimal digits";
-    const std::string gap = byte + ", or + and the microseconds to the next byte";
-    const std::pair<const char*, std::string> cases[] = {
-        {"A5 +10", "something is missing" + byte},
-        {"wire", "something is missing" + byte},
-        {"+10 A5", "'+10' is not allowed" + byte},
-        {"A5 +1 +2 5A", "'+2' is not allowed" + byte},
-        {"A5 5AA", "'5AA' is not allowed" + gap},
-        {"A5 G0", "'G0' is not allowed" + gap},
-        {"A5 +-1 00", "'+-1' is not allowed" + gap},
-        {"A5 +9999999999 00", "'+9999999999' is not allowed" + gap},
-        {"wire A5 +1 00", "'+1' is not allowed" + byte},
-    };
-    for (const auto& [text, wanted] : cases) {
-        std::string problem;
-        EXPECT_FALSE(unit::ReadPieces(*control::SplitWords(text, problem), problem)) << text;
-        EXPECT_EQ(problem, wanted) << text;
-    }
-}
-
 }  // namespace
 }  // namespace tests

@@ -117,17 +117,26 @@ TEST_F(ReadRecording, WhatIsNoRecordingOrHasNoWholeHeaderIsRefused) {
 }
 
 TEST_F(ReadRecording, DamagedEventsAreRefused) {
-    const std::string byte = "a byte as two hexadecimal digits, or ";
+    const std::string byte = "a byte as two hexadecimal digits";
+    const std::string gap = byte + ", or + and the microseconds to the next byte";
     const std::pair<std::string, std::string> cases[] = {
         {"20 wake\n",
          NotAllowed("20", "", "a time in seconds with six decimals, such as 21.704512")},
         {"20.000000 finger up 800 1\n",
          NotAllowed("800", "finger up", "a whole number from 0 to 799")},
         {"20.000000 finger up 1 1 1\n", NotAllowed("1", "finger up 1 1", "nothing more")},
-        {"20.000000 line to-dvr A5 5\n",
-         NotAllowed("5", "", byte + "+ and the microseconds to the next byte")},
+        {"20.000000 line to-dvr A5 +10\n", "something is missing; allowed is " + byte},
+        {"20.000000 line to-dvr wire\n", "something is missing; allowed is " + byte},
+        {"20.000000 line to-dvr +10 A5\n", NotAllowed("+10", "", byte)},
+        {"20.000000 line to-dvr A5 +1 +2 5A\n", NotAllowed("+2", "", byte)},
+        {"20.000000 line to-dvr A5 5\n", NotAllowed("5", "", gap)},
+        {"20.000000 line to-dvr A5 5AA\n", NotAllowed("5AA", "", gap)},
+        {"20.000000 line to-dvr A5 G0\n", NotAllowed("G0", "", gap)},
+        {"20.000000 line to-dvr A5 +-1 00\n", NotAllowed("+-1", "", gap)},
+        {"20.000000 line to-dvr A5 +9999999999 00\n", NotAllowed("+9999999999", "", gap)},
+        {"20.000000 line to-dvr wire A5 +1 00\n", NotAllowed("+1", "", byte)},
         {"20.000000 driver DVR1: control 0x0881 2 -> 0\n",
-         NotAllowed("2", "driver DVR1: control 0x0881", byte + "->")},
+         NotAllowed("2", "driver DVR1: control 0x0881", byte + ", or ->")},
         {"20.000000 screen 5f3a\n", NotAllowed("5f3a", "screen", "16 hexadecimal digits")},
         {"20.000000 failed-call Open 1 -> 5\n",
          NotAllowed("Open", "failed-call",
