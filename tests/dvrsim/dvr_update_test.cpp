@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "tests/dvrsim/bench.h"
 
 namespace dvrsim {
@@ -23,12 +21,6 @@ struct UpdateBench : Bench {
         dvr.Reset();
         host.Run(4s);
         EXPECT_EQ(dvr.GetState(), kNormal);
-    }
-    std::vector<int> Percents() const {
-        std::vector<int> percents;
-        for (const Sent& report : Only(0x80, 0x2E))
-            percents.push_back(report.payload[0]);
-        return percents;
     }
 
     microseconds reset_at{};
@@ -83,54 +75,6 @@ TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
             bench.ResetToNormal();
             EXPECT_EQ(bench.AskVersion(), kOld);
         }
-}
-
-TEST(DvrFaults, EachGoesWrongAtItsPercent) {
-    // The percents, run after run: all of them, or the first of those that go on for ever.
-    const struct {
-        Faults faults;
-        Dvr::State end;
-        std::vector<std::pair<int, int>> runs;
-        bool for_ever = false;
-    } cases[] = {
-        {{.fail_at_percent = 37}, kUpdateFailed, {{1, 37}}},
-        {{.fail_at_percent = 0}, kUpdateFailed, {}},
-        {{.fail_at_percent = 100}, kUpdateFailed, {{1, 100}}},
-        {{.stop_at_percent = 0}, kUpdating, {}},
-        {{.stop_at_percent = 100}, kUpdating, {{1, 100}}},
-        {{.stuck_at_percent = 2}, kUpdating, {{1, 2}, {2, 2}, {2, 2}}, true},
-        {{.stuck_at_percent = 100}, kUpdating, {{1, 100}, {100, 100}}, true},
-        {{.jump_back = PercentJump{60, 10}}, kUpdateFinished, {{1, 60}, {10, 100}}},
-        // Once an update: again in the next.
-        {{.reboot_at_percent = 3, .jump_back = PercentJump{2, 1}},
-         kUpdating,
-         {{1, 2}, {1, 3}, {1, 2}, {1, 2}},
-         true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(&c - cases);
-        std::vector<int> expected;
-        for (const auto& [from, to] : c.runs)
-            for (int percent = from; percent <= to; ++percent)
-                expected.push_back(percent);
-        UpdateBench bench({.faults = c.faults});
-        bench.host.Run(100s);
-        std::vector<int> percents = bench.Percents();
-        if (c.faults.reboot_at_percent)
-            EXPECT_EQ(std::ranges::count(bench.Only(0x80, 0x10), Bytes{3}, &Sent::payload),
-                      static_cast<std::ptrdiff_t>(percents.size() / 5));
-        else
-            EXPECT_EQ(bench.dvr.GetState(), c.end);
-        if (c.for_ever) {
-            EXPECT_GE(percents.size(), 30U);
-            percents.resize(expected.size());
-        }
-        EXPECT_EQ(percents, expected);
-        bench.dvr.SetFaults({});
-        bench.dvr.RemoveCard();
-        bench.ResetToNormal();
-        EXPECT_EQ(bench.AskVersion(), c.end == kUpdateFinished ? kNewVersion : kOld);
-    }
 }
 
 TEST(DvrFaults, WrongVersionsAreToldWhileTheRightOnesAreAtWork) {
