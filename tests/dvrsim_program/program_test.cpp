@@ -35,6 +35,13 @@ class Dvrsim : public tests::Process {
     bool Reaches(const char* state) {
         return WaitUntil([&] { return State()["dvr"]["state"] == state; });
     }
+    bool Connects(bool connected) {
+        return WaitUntil([&] { return State()["line"]["connected"] == connected; });
+    }
+    int End(pid_t dvr, int signal) {
+        kill(dvr, signal);
+        return Wait(dvr);
+    }
 
     // What comes from the file within ten seconds of the host's time, that many bytes at most.
     static std::string ReadBytes(int file, std::size_t count) {
@@ -42,9 +49,8 @@ class Dvrsim : public tests::Process {
         pollfd watched{file, POLLIN, 0};
         while (bytes.size() < count && poll(&watched, 1, 10'000) > 0) {
             char byte = 0;
-            if (read(file, &byte, 1) != 1) {
+            if (read(file, &byte, 1) != 1)
                 break;
-            }
             bytes += byte;
         }
         return bytes;
@@ -68,7 +74,7 @@ TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
         EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U) << "raw before anybody set it so";
         // Left behind by a user that was killed, exclusive use must not keep the next one out.
         EXPECT_EQ(ioctl(line, TIOCEXCL), 0);
-        EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == true; }));
+        EXPECT_TRUE(Connects(true));
         Send("power on");
         EXPECT_EQ(ReadBytes(line, 10), kBooted);
         EXPECT_TRUE(Reaches("normal"));
@@ -83,10 +89,9 @@ TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
         EXPECT_EQ(ReadBytes(line, 10)[7], '\x02') << "what came while it was unplugged is lost";
         Send("power off");
         close(line);
-        EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == false; }));
+        EXPECT_TRUE(Connects(false));
     }
-    kill(dvr, SIGTERM);
-    EXPECT_EQ(Wait(dvr), 0);
+    EXPECT_EQ(End(dvr, SIGTERM), 0);
     EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
     EXPECT_EQ(Read("dvr-err"), "");
     EXPECT_EQ(Send("state", 3), "dvrsim: no dvrsim named dvrsim is running\n");
@@ -122,11 +127,11 @@ TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
 }
 
 TEST_F(Dvrsim, FollowsItsStandardInput) {
+    const auto follow = [this](const char* input) {
+        EXPECT_EQ(Run("/bin/sh", {"-c", std::string(input) + " | " DVRSIM_BINARY}), 0);
+    };
     // Also what lacks its line's end.
-    ASSERT_EQ(Run("/bin/sh",
-                  {"-c", "printf 'power off\\n\\nfault slow 0\\nreset\\nstate\\nhelp\\nquit' | " +
-                             std::string(DVRSIM_BINARY)}),
-              0);
+    follow("printf 'power off\\n\\nfault slow 0\\nreset\\nstate\\nhelp\\nquit'");
     EXPECT_EQ(Read("err"),
               "dvrsim: '0' is not allowed after 'fault slow'; allowed is FACTOR (a whole number "
               "from 1 to 100)\n"
@@ -134,9 +139,7 @@ TEST_F(Dvrsim, FollowsItsStandardInput) {
     EXPECT_NE(Read("out").find("\"state\": \"off\""), std::string::npos);
     EXPECT_NE(Read("out").find("\n[dvr] reset\n"), std::string::npos);
     // A line without an end is told once, and no part of it is followed.
-    ASSERT_EQ(Run("/bin/sh", {"-c", "(head -c 1000000 /dev/zero; printf 'state\nquit\n') | " +
-                                        std::string(DVRSIM_BINARY)}),
-              0);
+    follow("(head -c 1000000 /dev/zero; printf 'state\nquit\n')");
     EXPECT_EQ(Read("err"),
               "dvrsim: a line of input is too long; at most 65536 bytes are allowed\n");
     EXPECT_EQ(Read("out").find("{"), std::string::npos);
@@ -163,17 +166,16 @@ TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
     EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U);
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
     // The rest of the boot's reports must not come over the next cable.
-    EXPECT_TRUE(WaitUntil([&] { return State()["dvr"]["state"] == "normal"; }));
+    EXPECT_TRUE(Reaches("normal"));
     close(cable);
     close(device);
-    EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == false; }));
+    EXPECT_TRUE(Connects(false));
     plug_in();
-    EXPECT_TRUE(WaitUntil([&] { return State()["line"]["connected"] == true; }));
+    EXPECT_TRUE(Connects(true));
     EXPECT_EQ(State()["line"]["settings"], "460800 baud, 8N1, no flow control");
     Send("reset");
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
-    kill(dvr, SIGINT);
-    EXPECT_EQ(Wait(dvr), 0);
+    EXPECT_EQ(End(dvr, SIGINT), 0);
     EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device went away\n" +
                                    "dvrsim: " + Path("tty") + ": the serial device is back\n");
     close(cable);
