@@ -75,18 +75,6 @@ void WizardRun::TapAt(int x, int y) {
     RunFor(1ms);
 }
 
-void WizardRun::GoToInsertCard() {
-    ASSERT_TRUE(WaitForText(L"Power On", 20s));
-    ASSERT_TRUE(Tap(L"Power On"));
-    ASSERT_TRUE(WaitForText(L"OK", 20s));
-    ASSERT_TRUE(Tap(L"OK"));
-    ASSERT_TRUE(WaitForText(L"Next", 35s));
-    RunFor(3s);
-    ASSERT_TRUE(Tap(L"Next"));
-    ASSERT_TRUE(WaitForText(L"5. DVR用SDカード挿入口にSDカードを入れて下さい。", 5s));
-    RunFor(4s);
-}
-
 std::vector<std::string> WizardRun::lines() const {
     const std::scoped_lock lock(mutex_);
     return lines_;
@@ -95,13 +83,6 @@ std::vector<std::string> WizardRun::lines() const {
 bool WizardRun::Logged(const std::string& part) const {
     return std::ranges::any_of(
         lines(), [&](const std::string& line) { return line.find(part) != std::string::npos; });
-}
-
-std::string WizardRun::output() const {
-    std::string all;
-    for (const std::string& line : lines())
-        all += line + '\n';
-    return all;
 }
 
 }  // namespace tests

@@ -41,9 +41,6 @@ class WizardRun {
     bool Tap(const std::wstring& caption);
     void TapAt(int x, int y);
 
-    // The usual road up to the screen that asks for the card; fails the test when it does not come.
-    void GoToInsertCard();
-
     // Closes the window and waits for the end; the destructor does it otherwise. What was left
     // open is a failure.
     void Close();
@@ -54,7 +51,6 @@ class WizardRun {
     // The debug output so far, a line an entry.
     std::vector<std::string> lines() const;
     bool Logged(const std::string& part) const;
-    std::string output() const;
 
   private:
     mutable std::mutex mutex_;

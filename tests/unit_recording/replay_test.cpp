@@ -7,11 +7,8 @@
 #include <regex>
 #include <sstream>
 
-#include "platform/kernel/call_faults.h"
 #include "tests/rig/wizard_run.h"
 #include "tests/support/process.h"
-#include "unit/commands/unit_commands.h"
-#include "unit/recording/recorder.h"
 #include "unit/recording/recording_reader.h"
 
 namespace tests {
@@ -23,21 +20,6 @@ constexpr char kUpdate[] = RECORDINGS "/update.recording";
 
 class Replays : public Process {
   protected:
-    // Records what `walk` does to a unit with those options, in simulated time.
-    std::string Record(const unit::VirtualUnit::Options& options,
-                       const std::function<void(WizardRun&)>& walk) {
-        WizardRun run(options);
-        {
-            // Nothing of the program has run yet: in simulated time it waits for the hardware.
-            unit::Recorder recorder(run.unit(), options);
-            EXPECT_TRUE(recorder.Start(Path("recording"), report_)) << report_;
-            walk(run);
-            run.Close();
-        }
-        recorded_log_ = run.output();
-        return Path("recording");
-    }
-
     unit::ReplayResult Replay(const std::string& file) {
         const auto recording = unit::ReadRecording(file, report_);
         EXPECT_TRUE(recording) << report_;
@@ -70,7 +52,6 @@ class Replays : public Process {
         return {Path("changed"), static_cast<int>(line)};
     }
 
-    std::string recorded_log_;
     std::string replayed_log_;
     std::string report_;
 };
@@ -123,51 +104,51 @@ TEST_F(Replays, WhatWasChangedIsTheFirstDifference) {
 }
 
 TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
-    unit::VirtualUnit::Options options;
-    options.kernel.seed = 5;
-    options.kernel.preempt = true;
-    options.missing_bitmaps = {203};
-    options.external_power = false;
-    const std::string file = Record(options, [](WizardRun& run) {
-        // The third and the fifth opening of a driver fail.
-        platform::kernel::AddCallFault({"CreateFileW", 2, 1, {}});
-        platform::kernel::AddCallFault({"CreateFileW", 4, 1, 1450});
-        run.RunFor(2s);
-        run.unit().SetExternalPower(true);
-        run.unit().drivers().Refuse(L"SCA0:", 0x80012070, ERROR_BUSY, 1);
-        run.GoToInsertCard();
-        run.unit().SetBattery(8, 40);
-        run.unit().SetPlugged(false);
-        run.RunFor(1s);
-        run.unit().SetPlugged(true);
-        run.unit().SetBatteryDriverFails(true);
-        run.unit().SetExternalPower(false);
-        run.RunFor(1s);
-        run.unit().SetBatteryDriverFails(false);
-        // As an engineer does it.
-        unit::Operator hands(run.unit(), {});
-        EXPECT_TRUE(unit::UnitCommands().Follow(hands, "fault clock jump 60min").done);
-        for (const unit::PowerRequest& request : unit::PowerRequests())
-            run.unit().power_coordinator().Raise(request);
-        run.unit().SetExternalPower(false);
-        run.RunFor(1s);
-    });
-    const unit::ReplayResult result = Replay(file);
-    EXPECT_FALSE(result.difference) << report_;
-    EXPECT_GT(result.outputs[static_cast<int>(unit::OutputKind::kBroadcast)], 4U);
-    EXPECT_GT(recorded_log_.size(), 4000U);
-    EXPECT_EQ(recorded_log_, replayed_log_);
-    const std::string text = TextOf(file);
-    EXPECT_NE(text.find("-> 170\n"), std::string::npos);
-    EXPECT_NE(text.find(" clock forward 3600.000000\n"), std::string::npos);
-}
-
-TEST_F(Replays, RecordingARunDoesNotChangeIt) {
-    Record({}, [](WizardRun& run) { run.GoToInsertCard(); });
-    WizardRun run;
-    run.GoToInsertCard();
-    run.Close();
-    EXPECT_EQ(recorded_log_, run.output());
+    std::ofstream(Path("walk.scenario")) << R"(seed 5
+preempt
+start without picture 203
+start without external power
+fault call CreateFileW after 2
+fault call CreateFileW after 4 error 1450
+wait 2s
+power on
+fault driver SCA0: refuses code 0x80012070 error 170
+wait button 'Power On'
+tap 'Power On'
+wait button OK
+tap OK
+wait button Next
+wait 3s
+tap Next
+wait 4s
+battery 40 flag 8
+line unplug
+wait 1s
+line plug
+fault battery-driver fails
+power off
+wait 1s
+fault battery-driver works
+fault clock jump 60min
+request suspend
+request resume
+request off
+power off
+wait 1s
+)";
+    for (const char* log : {"recorded", "alone"}) {
+        std::vector<std::string> arguments = {"--scenario", Path("walk.scenario"), "--log",
+                                              Path(log)};
+        if (log == std::string("recorded"))
+            arguments.insert(arguments.end(), {"--record", Path("recording")});
+        EXPECT_EQ(Run(TOLVANE_BINARY, arguments), 0) << Read("err");
+    }
+    EXPECT_EQ(Read("recorded"), Read("alone")) << "the record changes nothing";
+    EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path("recording"), "--log", Path("replayed")}), 0);
+    EXPECT_EQ(Read("recorded"), Read("replayed"));
+    EXPECT_GT(Read("recorded").size(), 4000U);
+    for (const char* part : {"PowerOFF_Acknowledge_", " -> 170\n", " clock forward 3600.000000\n"})
+        EXPECT_NE(Read("recording").find(part), std::string::npos) << part;
 }
 
 TEST_F(Replays, ARecordingThatWasCutOffIsReplayedToItsEnd) {
