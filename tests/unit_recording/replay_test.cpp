@@ -68,7 +68,6 @@ TEST_F(Replays, TheKeptRecordingOfAnUpdateIsAlike) {
 
 TEST_F(Replays, WhatWasChangedIsTheFirstDifference) {
     const struct {
-        const char* what;
         const char* pattern;
         const char* by;
         const char* difference;
@@ -76,21 +75,20 @@ TEST_F(Replays, WhatWasChangedIsTheFirstDifference) {
         const char* recorded;
         const char* came;
     } cases[] = {
-        {"a byte that the program sent", "line to-dvr A5 5A 10 80 2E 00 01 00 01 BE",
-         "line to-dvr A5 5A 10 80 2E 00 01 01 01 BF", "frame", 0, "00 01 01 01 BF",
-         "FW_Upgrade_Version query"},
-        {"an input of a request", "control 0x0881 02", "control 0x0881 03", "request", 0,
-         "control 0x0881 03", "control 0x0881 02"},
-        {"a text of a screen", "Update Percent : 3%", "Update Percent : 8%", "screen", 0,
-         "Update Percent : 8%", "Update Percent : 3%"},
-        {"a pixel of a screen", "screen bce1", "screen ace1", "screen", 0, "ace1", "bce1"},
-        {"a percent that the DVR sent", "80 00 2E 00 12 03 ([^\n]*) 05 23",
-         "80 00 2E 00 12 07 $1 05 27", "screen", 1, "Update Percent : 3%", "Update Percent : 7%"},
-        {"a touch that is not there", "[0-9.]+ finger up [0-9]+ [0-9]+\n", "", "screen", 0,
-         "SDカードを抜いて下さい。", "Power On"},
+        {"line to-dvr A5 5A 10 80 2E 00 01 00 01 BE", "line to-dvr A5 5A 10 80 2E 00 01 01 01 BF",
+         "frame", 0, "00 01 01 01 BF", "FW_Upgrade_Version query"},
+        {"control 0x0881 02", "control 0x0881 03", "request", 0, "control 0x0881 03",
+         "control 0x0881 02"},
+        {"Update Percent : 3%", "Update Percent : 8%", "screen", 0, "Update Percent : 8%",
+         "Update Percent : 3%"},
+        {"screen bce1", "screen ace1", "screen", 0, "ace1", "bce1"},
+        {"80 00 2E 00 12 03 ([^\n]*) 05 23", "80 00 2E 00 12 07 $1 05 27", "screen", 1,
+         "Update Percent : 3%", "Update Percent : 7%"},
+        {"[0-9.]+ finger up [0-9]+ [0-9]+\n", "", "screen", 0, "SDカードを抜いて下さい。",
+         "Power On"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.pattern);
         const auto [file, line] = Changed(c.pattern, c.by);
         const unit::ReplayResult result = Replay(file);
         ASSERT_TRUE(result.difference);
