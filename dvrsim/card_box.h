@@ -21,8 +21,7 @@ class CardBox {
     static constexpr std::size_t kMostMade = 100;
     static constexpr char kNoSuchCard[] =
         "there can be no such card; allowed are versions of 17 to 63 characters without blanks, "
-        "such "
-        "as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room";
+        "such as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room";
 
     // A card whose update image has that version, or that holds none; made once. Empty when it
     // cannot be made (TemporaryCard) or the box is full.
