@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <map>
 #include <regex>
 #include <sstream>
 
@@ -160,12 +159,12 @@ TEST_F(Replays, ARecordingThatWasCutOffIsReplayedToItsEnd) {
 
 // Recordings against the host's clock, over both kinds of line, through the command itself.
 TEST_F(Replays, FreeRunningRecordingsAreAlike) {
-    std::map<std::string, pid_t> children;
-    for (const char* line : {"sim", "pty"})
-        children[line] = Start(TOLVANE_BINARY,
-                               {"--auto", "--speed", "8", "--com9", line, "--record", Path(line)});
-    for (const auto& [line, child] : children) {
-        EXPECT_EQ(Wait(child), 0);
+    // One after the other: what keeps the pace of a clock needs the host to itself.
+    for (const char* line : {"sim", "pty"}) {
+        EXPECT_EQ(
+            Run(TOLVANE_BINARY, {"--auto", "--speed", "8", "--com9", line, "--record", Path(line)}),
+            0)
+            << Read("err");
         EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path(line)}), 0) << Read("err");
         EXPECT_NE(Read("err").find(" alike, "), std::string::npos) << Read("err");
     }
