@@ -20,21 +20,6 @@ using LPMSGQUEUEOPTIONS = MSGQUEUEOPTIONS*;
 
 static_assert(sizeof(MSGQUEUEOPTIONS) == 20);
 
-struct MSGQUEUEINFO {
-    DWORD dwSize;
-    DWORD dwFlags;
-    DWORD dwMaxMessages;
-    DWORD cbMaxMessage;
-    DWORD dwCurrentMessages;
-    DWORD dwMaxQueueMessages;
-    WORD wNumReaders;
-    WORD wNumWriters;
-};
-using PMSGQUEUEINFO = MSGQUEUEINFO*;
-using LPMSGQUEUEINFO = MSGQUEUEINFO*;
-
-static_assert(sizeof(MSGQUEUEINFO) == 28);
-
 extern "C" {
 
 HANDLE WINAPI CreateMsgQueue(LPCWSTR lpszName, LPMSGQUEUEOPTIONS lpOptions);
@@ -43,7 +28,6 @@ BOOL WINAPI ReadMsgQueue(HANDLE hMsgQ, LPVOID lpBuffer, DWORD cbBufferSize,
                          LPDWORD lpNumberOfBytesRead, DWORD dwTimeout, DWORD* pdwFlags);
 BOOL WINAPI WriteMsgQueue(HANDLE hMsgQ, LPVOID lpBuffer, DWORD cbDataSize, DWORD dwTimeout,
                           DWORD dwFlags);
-BOOL WINAPI GetMsgQueueInfo(HANDLE hMsgQ, LPMSGQUEUEINFO lpInfo);
 BOOL WINAPI CloseMsgQueue(HANDLE hMsgQ);
 
 }  // extern "C"

@@ -77,14 +77,3 @@ BOOL GetCommMask(HANDLE handle, LPDWORD mask) {
         return ERROR_SUCCESS;
     });
 }
-
-BOOL PurgeComm(HANDLE handle, DWORD actions) {
-    const kernel::ApiCall call("PurgeComm");
-    if (call.Fails())
-        return FALSE;
-    return OnPort(handle, &actions, [&](SerialPort& port) {
-        if ((actions & PURGE_RXCLEAR) != 0)
-            port.DropInput();
-        return ERROR_SUCCESS;
-    });
-}

@@ -135,11 +135,6 @@ void SerialPort::SetEventMask(DWORD mask) {
     event_mask_ = mask;
 }
 
-void SerialPort::DropInput() {
-    KernelLock lock = kernel::LockKernel();
-    input_.clear();
-}
-
 bool SerialPort::IsClosed() const {
     KernelLock lock = kernel::LockKernel();
     return closed_;

@@ -32,8 +32,6 @@ class SerialPort final : public Stream {
     void SetTimeouts(const COMMTIMEOUTS& timeouts);
     DWORD event_mask() const;
     void SetEventMask(DWORD mask);
-    // PurgeComm's PURGE_RXCLEAR.
-    void DropInput();
 
     bool IsClosed() const;
 

@@ -51,16 +51,3 @@ HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) {
         width = height = 1;
     return AddBitmap(width, height, nullptr);
 }
-
-// Bitmaps here have the display's 32 bits a pixel only.
-HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bits_per_pixel, const VOID* bits) {
-    const platform::kernel::ApiCall call("CreateBitmap");
-    if (call.Fails())
-        return nullptr;
-    const auto lock = LockGdi();
-    if (planes != 1 || bits_per_pixel != 32) {
-        SetLastError(ERROR_NOT_SUPPORTED);
-        return nullptr;
-    }
-    return AddBitmap(width, height, static_cast<const std::uint32_t*>(bits));
-}

@@ -18,14 +18,12 @@ namespace {
 // Icons and cursors. The unit shows neither: it has no pointer and its windows have no captions.
 struct Icon {
     resource::DecodedImage image;
-    // The system's, or the one that all of a program's LoadIconW calls share.
-    bool shared = false;
+    bool system = false;
 };
 
 struct Icons {
     kernel::HandleTable<Icon> table{kernel::kIcons};
     std::map<std::uintptr_t, HICON> cursors;
-    std::map<std::uintptr_t, HICON> loaded;
 };
 
 Icons& TheIcons() {
@@ -84,7 +82,7 @@ std::size_t IconCount() {
     const auto lock = LockGdi();
     std::size_t count = 0;
     TheIcons().table.ForEach(
-        [&](std::uintptr_t, const std::shared_ptr<Icon>& icon) { count += icon->shared ? 0 : 1; });
+        [&](std::uintptr_t, const std::shared_ptr<Icon>& icon) { count += icon->system ? 0 : 1; });
     return count;
 }
 
@@ -116,34 +114,6 @@ HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int heig
     return nullptr;
 }
 
-// By number only; the same handle every time.
-HICON LoadIconW(HINSTANCE module, LPCWSTR name) {
-    const kernel::ApiCall call("LoadIconW");
-    if (call.Fails())
-        return nullptr;
-    if (!IsProgram(module))
-        return nullptr;
-    if (!IS_INTRESOURCE(name)) {
-        SetLastError(ERROR_NOT_SUPPORTED);
-        return nullptr;
-    }
-    const auto id = reinterpret_cast<std::uintptr_t>(name);
-    {
-        const auto lock = LockGdi();
-        const auto found = TheIcons().loaded.find(id);
-        if (found != TheIcons().loaded.end())
-            return found->second;
-    }
-    auto image = resource::DecodeIcon(name, kSystemIconSize, kSystemIconSize);
-    if (!image)
-        return nullptr;
-    const auto lock = LockGdi();
-    HICON& icon = TheIcons().loaded[id];
-    if (!icon)
-        icon = AddIcon({.image = std::move(*image), .shared = true});
-    return icon;
-}
-
 BOOL DestroyIcon(HICON handle) {
     const kernel::ApiCall call("DestroyIcon");
     if (call.Fails())
@@ -151,7 +121,7 @@ BOOL DestroyIcon(HICON handle) {
     const auto lock = LockGdi();
     const auto value = reinterpret_cast<std::uintptr_t>(handle);
     const auto icon = TheIcons().table.Find(value);
-    if (!icon || icon->shared) {
+    if (!icon || icon->system) {
         SetLastError(icon ? ERROR_ACCESS_DENIED : ERROR_INVALID_HANDLE);
         return FALSE;
     }
@@ -171,6 +141,6 @@ HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR name) {
     const auto lock = LockGdi();
     HCURSOR& cursor = TheIcons().cursors[reinterpret_cast<std::uintptr_t>(name)];
     if (!cursor)
-        cursor = AddIcon({.image = {}, .shared = true});
+        cursor = AddIcon({.image = {}, .system = true});
     return cursor;
 }

@@ -30,21 +30,6 @@ BOOL OffsetRect(LPRECT rectangle, int dx, int dy) {
     return rectangle ? Store(rectangle, gdi::Moved(*rectangle, dx, dy)) : Refuse();
 }
 
-BOOL IntersectRect(LPRECT target, const RECT* a, const RECT* b) {
-    if (!target || !a || !b)
-        return Refuse();
-    Store(target, gdi::Intersect(*a, *b));
-    return !gdi::IsEmpty(*target);
-}
-
-BOOL UnionRect(LPRECT target, const RECT* a, const RECT* b) {
-    if (!target || !a || !b)
-        return Refuse();
-    const RECT both = gdi::BoundingBox(*a, *b);
-    Store(target, gdi::IsEmpty(both) ? RECT{} : both);
-    return !gdi::IsEmpty(*target);
-}
-
 BOOL EqualRect(const RECT* a, const RECT* b) {
     if (!a || !b)
         return Refuse();

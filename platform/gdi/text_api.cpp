@@ -151,37 +151,3 @@ BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int count, LPSIZE size) {
     *size = {FindTextLine(font, std::wstring(TextOf(text, count)))->width(), font->height()};
     return TRUE;
 }
-
-BOOL GetTextMetricsW(HDC dc, LPTEXTMETRICW metrics) {
-    const platform::kernel::ApiCall call("GetTextMetricsW");
-    if (call.Fails())
-        return FALSE;
-    const ContextCall context(dc);
-    if (!context)
-        return FALSE;
-    if (!metrics)
-        return Refuse(ERROR_INVALID_PARAMETER);
-    const LOGFONTW& description = FindObjectOfKind<Font>(context->font)->description;
-    const auto font = SelectedFont(*context);
-    if (!font)
-        return FALSE;
-    *metrics = {};
-    metrics->tmHeight = font->height();
-    metrics->tmAscent = font->ascent();
-    metrics->tmDescent = font->height() - font->ascent();
-    metrics->tmInternalLeading = font->height() - font->em();
-    metrics->tmAveCharWidth = font->average_width();
-    metrics->tmMaxCharWidth = font->full_width();
-    metrics->tmWeight = font->key().bold ? FW_BOLD : FW_NORMAL;
-    metrics->tmDigitizedAspectX = 96;
-    metrics->tmDigitizedAspectY = 96;
-    metrics->tmFirstChar = L' ';
-    metrics->tmLastChar = L'\uFFFD';
-    metrics->tmDefaultChar = L'?';
-    metrics->tmBreakChar = L' ';
-    // The bit called fixed pitch says that the pitch varies.
-    metrics->tmPitchAndFamily = TMPF_VECTOR | TMPF_TRUETYPE |
-                                (font->key().monospaced ? FF_MODERN : FF_SWISS | TMPF_FIXED_PITCH);
-    metrics->tmCharSet = description.lfCharSet;
-    return TRUE;
-}

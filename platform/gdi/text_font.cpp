@@ -22,24 +22,11 @@ TextFont::TextFont(const FontKey& key, const FontLibrary& library)
         height_ = static_cast<int>(std::lround(em_height_ * design.cell()));
     }
     ascent_ = static_cast<int>(std::lround(height_ * design.ascent / design.cell()));
-    average_width_ = em_height_ * design.average_width;
     if (key.width != 0) {
-        latin_stretch_ = key.width / average_width_;
+        latin_stretch_ = key.width / (em_height_ * design.average_width);
         japanese_stretch_ = 2 * key.width / em_height_;
     }
     pango_font_description_set_absolute_size(description, em_height_ * PANGO_SCALE);
-}
-
-int TextFont::em() const {
-    return static_cast<int>(std::lround(em_height_));
-}
-
-int TextFont::average_width() const {
-    return static_cast<int>(std::lround(average_width_ * latin_stretch_));
-}
-
-int TextFont::full_width() const {
-    return static_cast<int>(std::lround(em_width(true))) + (key_.bold ? 1 : 0);
 }
 
 double TextFont::StretchedAdvance(double advance, bool japanese) const {

@@ -38,9 +38,6 @@ class TextFont {
     // Of the cell, which is also the distance of two lines.
     int height() const { return height_; }
     int ascent() const { return ascent_; }
-    int em() const;
-    int average_width() const;
-    int full_width() const;
 
     // What to shape text with, before it is stretched.
     const PangoFontDescription* description() const { return description_.get(); }
@@ -59,7 +56,6 @@ class TextFont {
     FontKey key_;
     const FontLibrary& library_;
     std::unique_ptr<PangoFontDescription, FreeDescription> description_;
-    double average_width_;  // before stretching
     int height_;
     int ascent_;
     double em_height_;

@@ -24,10 +24,8 @@ struct FailableCall {
     CALL(CloseHandle, ERROR_INVALID_HANDLE)                      \
     CALL(CloseMsgQueue, ERROR_INVALID_HANDLE)                    \
     CALL(CoInitializeEx, ERROR_OUTOFMEMORY)                      \
-    CALL(CreateBitmap, ERROR_NOT_ENOUGH_MEMORY)                  \
     CALL(CreateCompatibleBitmap, ERROR_NOT_ENOUGH_MEMORY)        \
     CALL(CreateCompatibleDC, ERROR_NOT_ENOUGH_MEMORY)            \
-    CALL(CreateDialogIndirectParamW, ERROR_NOT_ENOUGH_MEMORY)    \
     CALL(CreateEventW, ERROR_OUTOFMEMORY)                        \
     CALL(CreateFileW, ERROR_DEV_NOT_EXIST)                       \
     CALL(CreateFontIndirectW, ERROR_NOT_ENOUGH_MEMORY)           \
@@ -49,42 +47,32 @@ struct FailableCall {
     CALL(FillRect, ERROR_INVALID_HANDLE)                         \
     CALL(FindResourceW, ERROR_RESOURCE_NAME_NOT_FOUND)           \
     CALL(FindWindowW, ERROR_CANNOT_FIND_WND_CLASS)               \
-    CALL(GetBkColor, ERROR_INVALID_HANDLE)                       \
-    CALL(GetBkMode, ERROR_INVALID_HANDLE)                        \
     CALL(GetClassInfoW, ERROR_CLASS_DOES_NOT_EXIST)              \
-    CALL(GetClassNameW, ERROR_INVALID_WINDOW_HANDLE)             \
     CALL(GetClientRect, ERROR_INVALID_WINDOW_HANDLE)             \
     CALL(GetCommMask, ERROR_GEN_FAILURE)                         \
     CALL(GetCommState, ERROR_GEN_FAILURE)                        \
     CALL(GetCommTimeouts, ERROR_GEN_FAILURE)                     \
     CALL(GetCurrentObject, ERROR_INVALID_HANDLE)                 \
     CALL(GetDC, ERROR_INVALID_WINDOW_HANDLE)                     \
-    CALL(GetDeviceCaps, ERROR_INVALID_HANDLE)                    \
     CALL(GetExitCodeThread, ERROR_INVALID_HANDLE)                \
     CALL(GetFileVersionInfoSizeW, ERROR_RESOURCE_TYPE_NOT_FOUND) \
     CALL(GetFileVersionInfoW, ERROR_RESOURCE_TYPE_NOT_FOUND)     \
     CALL(GetMessageW, ERROR_INVALID_WINDOW_HANDLE)               \
     CALL(GetModuleFileNameW, ERROR_MOD_NOT_FOUND)                \
     CALL(GetModuleHandleW, ERROR_MOD_NOT_FOUND)                  \
-    CALL(GetMsgQueueInfo, ERROR_INVALID_HANDLE)                  \
     CALL(GetObjectType, ERROR_INVALID_HANDLE)                    \
     CALL(GetObjectW, ERROR_INVALID_HANDLE)                       \
-    CALL(GetParent, ERROR_INVALID_WINDOW_HANDLE)                 \
     CALL(GetPixel, ERROR_INVALID_HANDLE)                         \
     CALL(GetStockObject, ERROR_NOT_SUPPORTED)                    \
     CALL(GetSysColorBrush, ERROR_INVALID_PARAMETER)              \
     CALL(GetSystemMetrics, ERROR_INVALID_PARAMETER)              \
     CALL(GetSystemPowerStatusEx2, ERROR_GEN_FAILURE)             \
-    CALL(GetTextColor, ERROR_INVALID_HANDLE)                     \
     CALL(GetTextExtentPoint32W, ERROR_INVALID_HANDLE)            \
-    CALL(GetTextMetricsW, ERROR_INVALID_HANDLE)                  \
     CALL(GetThreadPriority, ERROR_INVALID_HANDLE)                \
     CALL(GetUpdateRect, ERROR_INVALID_WINDOW_HANDLE)             \
-    CALL(GetWindow, ERROR_INVALID_WINDOW_HANDLE)                 \
     CALL(GetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
     CALL(GetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(GetWindowRect, ERROR_INVALID_WINDOW_HANDLE)             \
-    CALL(GetWindowTextW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(GetWindowThreadProcessId, ERROR_INVALID_WINDOW_HANDLE)  \
     CALL(InitCommonControlsEx, ERROR_NOT_ENOUGH_MEMORY)          \
     CALL(InvalidateRect, ERROR_INVALID_WINDOW_HANDLE)            \
@@ -92,20 +80,16 @@ struct FailableCall {
     CALL(KillTimer, ERROR_INVALID_PARAMETER)                     \
     CALL(LoadAcceleratorsW, ERROR_RESOURCE_NAME_NOT_FOUND)       \
     CALL(LoadCursorW, ERROR_RESOURCE_NAME_NOT_FOUND)             \
-    CALL(LoadIconW, ERROR_RESOURCE_NAME_NOT_FOUND)               \
     CALL(LoadImageW, ERROR_RESOURCE_NAME_NOT_FOUND)              \
     CALL(LoadResource, ERROR_INVALID_HANDLE)                     \
     CALL(LoadStringW, ERROR_RESOURCE_NAME_NOT_FOUND)             \
     CALL(LockResource, ERROR_INVALID_HANDLE)                     \
-    CALL(MoveWindow, ERROR_INVALID_WINDOW_HANDLE)                \
     CALL(MsgWaitForMultipleObjects, ERROR_INVALID_HANDLE)        \
     CALL(MsgWaitForMultipleObjectsEx, ERROR_INVALID_HANDLE)      \
     CALL(OpenEventW, ERROR_FILE_NOT_FOUND)                       \
     CALL(OpenMsgQueue, ERROR_OUTOFMEMORY)                        \
     CALL(PostMessageW, ERROR_NOT_ENOUGH_QUOTA)                   \
     CALL(PostThreadMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
-    CALL(PulseEvent, ERROR_INVALID_HANDLE)                       \
-    CALL(PurgeComm, ERROR_GEN_FAILURE)                           \
     CALL(ReadFile, ERROR_GEN_FAILURE)                            \
     CALL(ReadMsgQueue, ERROR_PIPE_NOT_CONNECTED)                 \
     CALL(RegisterClassW, ERROR_NOT_ENOUGH_MEMORY)                \
@@ -114,18 +98,15 @@ struct FailableCall {
     CALL(ReleaseMutex, ERROR_NOT_OWNER)                          \
     CALL(RequestPowerNotifications, ERROR_OUTOFMEMORY)           \
     CALL(ResetEvent, ERROR_INVALID_HANDLE)                       \
-    CALL(ScreenToClient, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(SelectObject, ERROR_INVALID_HANDLE)                     \
     CALL(SendMessageW, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(SendNotifyMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
-    CALL(SetActiveWindow, ERROR_INVALID_WINDOW_HANDLE)           \
     CALL(SetBkColor, ERROR_INVALID_HANDLE)                       \
     CALL(SetBkMode, ERROR_INVALID_HANDLE)                        \
     CALL(SetCommMask, ERROR_GEN_FAILURE)                         \
     CALL(SetCommState, ERROR_GEN_FAILURE)                        \
     CALL(SetCommTimeouts, ERROR_GEN_FAILURE)                     \
     CALL(SetEvent, ERROR_INVALID_HANDLE)                         \
-    CALL(SetFocus, ERROR_INVALID_WINDOW_HANDLE)                  \
     CALL(SetForegroundWindow, ERROR_INVALID_WINDOW_HANDLE)       \
     CALL(SetSystemPowerState, ERROR_GEN_FAILURE)                 \
     CALL(SetTextColor, ERROR_INVALID_HANDLE)                     \
@@ -134,13 +115,11 @@ struct FailableCall {
     CALL(SetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
     CALL(SetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(SetWindowPos, ERROR_INVALID_WINDOW_HANDLE)              \
-    CALL(SetWindowTextW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(ShowWindow, ERROR_INVALID_WINDOW_HANDLE)                \
     CALL(SizeofResource, ERROR_INVALID_HANDLE)                   \
     CALL(StopPowerNotifications, ERROR_INVALID_HANDLE)           \
     CALL(TranslateAcceleratorW, ERROR_INVALID_ACCEL_HANDLE)      \
     CALL(TransparentImage, ERROR_INVALID_HANDLE)                 \
-    CALL(UnregisterClassW, ERROR_CLASS_DOES_NOT_EXIST)           \
     CALL(UpdateWindow, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(ValidateRect, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(VerQueryValueW, ERROR_RESOURCE_TYPE_NOT_FOUND)          \
@@ -159,7 +138,6 @@ inline constexpr FailableCall kFailableCalls[] = {
 // procedure returned; or, as critical sections and formatting, leave a program no way to go on. In
 // order of the names.
 inline constexpr std::string_view kCallsThatCannotFail[] = {
-    "CallWindowProcW",
     "CoUninitialize",
     "DefDlgProcW",
     "DefWindowProcW",
@@ -177,9 +155,7 @@ inline constexpr std::string_view kCallsThatCannotFail[] = {
     "GetLastError",
     "GetSysColor",
     "GetTickCount",
-    "InSendMessage",
     "InitializeCriticalSection",
-    "IntersectRect",
     "IsRectEmpty",
     "IsWindow",
     "IsWindowEnabled",
@@ -196,7 +172,6 @@ inline constexpr std::string_view kCallsThatCannotFail[] = {
     "Sleep",
     "TranslateMessage",
     "TryEnterCriticalSection",
-    "UnionRect",
     "lstrlenW",
     "wsprintfW",
     "wvsprintfW",

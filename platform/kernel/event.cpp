@@ -58,18 +58,14 @@ HANDLE OpenEventW(DWORD, BOOL, LPCWSTR name) {
 }
 
 BOOL EventModify(HANDLE handle, DWORD function) {
-    const ApiCall call(function == EVENT_SET     ? CallId("SetEvent")
-                       : function == EVENT_RESET ? CallId("ResetEvent")
-                                                 : CallId("PulseEvent"));
+    const ApiCall call(function == EVENT_SET ? CallId("SetEvent") : CallId("ResetEvent"));
     if (call.Fails())
         return FALSE;
     const std::shared_ptr<Event> event = FindObjectAs<Event>(handle);
     if (!event)
         return FALSE;
     if (function != EVENT_SET && function != EVENT_RESET) {
-        // Nothing here pulses events.
-        SetLastError(function == EVENT_PULSE ? ERROR_CALL_NOT_IMPLEMENTED
-                                             : ERROR_INVALID_PARAMETER);
+        SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
     KernelLock lock = LockKernel();

@@ -34,7 +34,6 @@ class MessageQueue final : public Object {
     const DWORD capacity;
     const DWORD message_size;
     std::deque<Message> messages;
-    DWORD most_messages = 0;
     WORD readers = 0;
     WORD writers = 0;
 };
@@ -183,31 +182,7 @@ BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWOR
         queue.messages.push_front(message);
     else
         queue.messages.push_back(message);
-    queue.most_messages = std::max(queue.most_messages, static_cast<DWORD>(queue.messages.size()));
     Wake(lock);
-    return TRUE;
-}
-
-BOOL GetMsgQueueInfo(HANDLE handle, LPMSGQUEUEINFO info) {
-    const ApiCall call("GetMsgQueueInfo");
-    if (call.Fails())
-        return FALSE;
-    const std::shared_ptr<QueueEnd> end = FindObjectAs<QueueEnd>(handle);
-    if (!end)
-        return FALSE;
-    if (!info || info->dwSize != sizeof(MSGQUEUEINFO)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    const MessageQueue& queue = *end->queue;
-    KernelLock lock = LockKernel();
-    info->dwFlags = queue.flags;
-    info->dwMaxMessages = queue.capacity;
-    info->cbMaxMessage = queue.message_size;
-    info->dwCurrentMessages = static_cast<DWORD>(queue.messages.size());
-    info->dwMaxQueueMessages = queue.most_messages;
-    info->wNumReaders = queue.readers;
-    info->wNumWriters = queue.writers;
     return TRUE;
 }
 

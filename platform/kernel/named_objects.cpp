@@ -40,10 +40,6 @@ std::shared_ptr<Object> FindNamedAnywhere(KernelLock& lock, const std::wstring& 
     return stand_in;
 }
 
-bool IsStandIn(const Object& object) {
-    return dynamic_cast<const StandIn*>(&object) != nullptr;
-}
-
 NamedKind FindNamedKind(const std::wstring& name) {
     KernelLock lock = LockKernel();
     const std::shared_ptr<Object> object = FindNamed(lock, name);

@@ -20,9 +20,6 @@ void PublishName(KernelLock& lock, const std::wstring& name, const std::shared_p
 // neighbour is asked.
 std::shared_ptr<Object> FindNamedAnywhere(KernelLock& lock, const std::wstring& name);
 
-// Whether it is only a stand-in.
-bool IsStandIn(const Object& object);
-
 // The common road of CreateEventW, CreateMutexW and CreateMsgQueue: the object of that name, a
 // stand-in for a neighbour's, or what `make` makes. Sets ERROR_ALREADY_EXISTS when it existed,
 // ERROR_INVALID_HANDLE (and returns null) when the name belongs to another kind, else

@@ -31,6 +31,23 @@ HWND Successor(kernel::KernelLock& lock, const Window& leaving) {
     return of_any_thread;
 }
 
+// Moves the calling thread's focus; NULL takes it away.
+void MoveFocus(const std::shared_ptr<MessageQueue>& queue, HWND window) {
+    HWND previous = NULL;
+    {
+        kernel::KernelLock lock = kernel::LockKernel();
+        previous = std::exchange(queue->focus, window);
+    }
+    if (previous == window)
+        return;
+    CallProcedure(previous, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
+    kernel::KernelLock lock = kernel::LockKernel();
+    const bool kept = queue->focus == window;
+    lock.unlock();
+    if (kept)
+        CallProcedure(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(previous), 0);
+}
+
 // On the thread of `window`, which lost the foreground to `taker`.
 void Deactivate(HWND window, HWND taker) {
     std::shared_ptr<MessageQueue> queue;
@@ -78,22 +95,6 @@ void Activate(HWND window, UINT how) {
 }
 
 }  // namespace
-
-void MoveFocus(const std::shared_ptr<MessageQueue>& queue, HWND window) {
-    HWND previous = NULL;
-    {
-        kernel::KernelLock lock = kernel::LockKernel();
-        previous = std::exchange(queue->focus, window);
-    }
-    if (previous == window)
-        return;
-    CallProcedure(previous, WM_KILLFOCUS, reinterpret_cast<WPARAM>(window), 0);
-    kernel::KernelLock lock = kernel::LockKernel();
-    const bool kept = queue->focus == window;
-    lock.unlock();
-    if (kept)
-        CallProcedure(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(previous), 0);
-}
 
 void BringForward(HWND window, UINT how) {
     std::shared_ptr<MessageQueue> queue;

@@ -26,7 +26,4 @@ void PassForegroundOn(HWND window);
 // The window, disabled, can have the focus no longer.
 void DropFocus(HWND window);
 
-// Moves the calling thread's focus; NULL takes it away.
-void MoveFocus(const std::shared_ptr<MessageQueue>& queue, HWND window);
-
 }  // namespace platform::window

@@ -26,16 +26,6 @@ HWND HighestOf(kernel::KernelLock& lock, HWND root) {
     return root;
 }
 
-// A window of the calling thread, or null with the last error set.
-std::shared_ptr<Window> RequireOwnWindow(kernel::KernelLock& lock, HWND handle) {
-    auto window = RequireWindow(lock, handle);
-    if (window && !IsOwn(lock, *window)) {
-        SetLastError(ERROR_WINDOW_OF_OTHER_THREAD);
-        return nullptr;
-    }
-    return window;
-}
-
 // Of this process. False with the last error set when there is no such window.
 bool BringOwn(HWND root, bool with_owned) {
     HWND chosen = root;
@@ -102,52 +92,8 @@ HWND GetActiveWindow() {
     return CurrentQueue(lock)->active;
 }
 
-// An active window is in the foreground here, whichever thread had that before.
-HWND SetActiveWindow(HWND handle) {
-    const kernel::ApiCall call("SetActiveWindow");
-    if (call.Fails())
-        return NULL;
-    HWND previous = NULL;
-    {
-        kernel::KernelLock lock = kernel::LockKernel();
-        if (!RequireOwnWindow(lock, handle))
-            return NULL;
-        previous = CurrentQueue(lock)->active;
-    }
-    BringForward(handle, WA_ACTIVE);
-    return previous;
-}
-
 HWND GetFocus() {
     const kernel::ApiCall call;
     kernel::KernelLock lock = kernel::LockKernel();
     return CurrentQueue(lock)->focus;
-}
-
-HWND SetFocus(HWND handle) {
-    const kernel::ApiCall call("SetFocus");
-    if (call.Fails())
-        return NULL;
-    std::shared_ptr<MessageQueue> queue;
-    HWND previous = NULL;
-    bool activate = false;
-    {
-        kernel::KernelLock lock = kernel::LockKernel();
-        queue = CurrentQueue(lock);
-        previous = queue->focus;
-        if (handle != NULL) {
-            const auto window = RequireOwnWindow(lock, handle);
-            if (!window)
-                return NULL;
-            if (!window->enabled()) {
-                SetLastError(ERROR_INVALID_PARAMETER);
-                return NULL;
-            }
-            activate = queue->active != handle;
-        }
-    }
-    if (activate)
-        BringForward(handle, WA_ACTIVE);
-    MoveFocus(queue, handle);
-    return previous;
 }

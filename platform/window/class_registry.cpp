@@ -79,24 +79,6 @@ ATOM RegisterClassW(const WNDCLASSW* settings) {
     return atom;
 }
 
-BOOL UnregisterClassW(LPCWSTR name, HINSTANCE) {
-    const kernel::ApiCall call("UnregisterClassW");
-    if (call.Fails())
-        return FALSE;
-    kernel::KernelLock lock = kernel::LockKernel();
-    const auto entry = name ? FindClass(lock, name) : nullptr;
-    if (!entry || entry->atom == kDialogClass) {
-        SetLastError(ERROR_CLASS_DOES_NOT_EXIST);
-        return FALSE;
-    }
-    if (entry->windows != 0) {
-        SetLastError(ERROR_CLASS_HAS_WINDOWS);
-        return FALSE;
-    }
-    std::erase(TheDesktop(lock).classes, entry);
-    return TRUE;
-}
-
 BOOL GetClassInfoW(HINSTANCE, LPCWSTR name, LPWNDCLASSW settings) {
     const kernel::ApiCall call("GetClassInfoW");
     if (call.Fails())

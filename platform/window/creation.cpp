@@ -66,7 +66,6 @@ HWND Build(const CREATESTRUCTW& wanted) {
 
     Desktop& desktop = TheDesktop(lock);
     window->handle = reinterpret_cast<HWND>(desktop.windows.Insert(window));
-    ++window_class->windows;
     desktop.z_order.push_back(window);
     MoveToTop(lock, *window, false);
     return window->handle;

@@ -32,33 +32,6 @@ LRESULT FillBackground(HWND window, HDC dc) {
     return FillRect(dc, &client, brush) != 0;
 }
 
-LRESULT SetTitle(HWND handle, const WCHAR* text) {
-    kernel::KernelLock lock = kernel::LockKernel();
-    const auto window = RequireWindow(lock, handle);
-    if (!window)
-        return FALSE;
-    window->title = text ? text : L"";
-    return TRUE;
-}
-
-LRESULT CopyTitle(HWND handle, WCHAR* buffer, WPARAM size) {
-    if (!buffer || size == 0)
-        return 0;
-    kernel::KernelLock lock = kernel::LockKernel();
-    const auto window = RequireWindow(lock, handle);
-    if (!window)
-        return 0;
-    const std::size_t copied = window->title.copy(buffer, size - 1);
-    buffer[copied] = L'\0';
-    return static_cast<LRESULT>(copied);
-}
-
-LRESULT TitleLength(HWND handle) {
-    kernel::KernelLock lock = kernel::LockKernel();
-    const auto window = RequireWindow(lock, handle);
-    return window ? static_cast<LRESULT>(window->title.size()) : 0;
-}
-
 LRESULT TellSizeAndPlace(HWND window, const WINDOWPOS& position) {
     if ((position.flags & SWP_NOMOVE) == 0)
         CallProcedure(window, WM_MOVE, 0, MAKELPARAM(position.x, position.y));
@@ -85,24 +58,9 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) 
         }
         case WM_ERASEBKGND:
             return FillBackground(window, reinterpret_cast<HDC>(wparam));
-        case WM_SETTEXT:
-            return SetTitle(window, reinterpret_cast<const WCHAR*>(lparam));
-        case WM_GETTEXT:
-            return CopyTitle(window, reinterpret_cast<WCHAR*>(lparam), wparam);
-        case WM_GETTEXTLENGTH:
-            return TitleLength(window);
         case WM_WINDOWPOSCHANGED:
             return lparam ? TellSizeAndPlace(window, *reinterpret_cast<WINDOWPOS*>(lparam)) : 0;
         default:
             return 0;
     }
-}
-
-LRESULT CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPARAM wparam,
-                        LPARAM lparam) {
-    const kernel::ApiCall call;
-    if (!procedure)
-        return 0;
-    const kernel::ProgramCode program_code;
-    return procedure(window, message, wparam, lparam);
 }

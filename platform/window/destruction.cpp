@@ -75,7 +75,6 @@ void Discard(HWND handle) {
         if (!window)
             return;
         std::erase(desktop.z_order, window);
-        --window->window_class->windows;
         for (const auto& owned : OwnedBy(lock, handle))
             owned->owner = NULL;
         MessageQueue& queue = *window->queue;

@@ -1,7 +1,5 @@
 #include "platform/window/dialog.h"
 
-#include <cstring>
-
 #include "platform/kernel/api_call.h"
 #include "platform/window/creation.h"
 #include "platform/window/desktop.h"
@@ -106,20 +104,4 @@ LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
         return DefWindowProcW(dialog, message, wparam, lparam);
     PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     return 0;
-}
-
-HWND CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW resource, HWND owner,
-                                DLGPROC procedure, LPARAM parameter) {
-    const kernel::ApiCall call("CreateDialogIndirectParamW");
-    if (call.Fails())
-        return NULL;
-    const HWND dialog = CreateDialogWindow(instance, resource, owner, procedure, nullptr);
-    if (!dialog)
-        return NULL;
-    DWORD style = 0;
-    std::memcpy(&style, resource, sizeof style);
-    CallProcedure(dialog, WM_INITDIALOG, 0, parameter);
-    if ((style & WS_VISIBLE) != 0 && IsWindow(dialog))
-        ShowWindow(dialog, SW_SHOW);
-    return IsWindow(dialog) ? dialog : NULL;
 }

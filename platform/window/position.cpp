@@ -143,11 +143,3 @@ BOOL SetWindowPos(HWND window, HWND insert_after, int x, int y, int width, int h
     }
     return ChangePosition({window, insert_after, x, y, width, height, flags});
 }
-
-BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) {
-    const kernel::ApiCall call("MoveWindow");
-    if (call.Fails())
-        return FALSE;
-    return SetWindowPos(window, NULL, x, y, width, height,
-                        SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? 0 : SWP_NOREDRAW));
-}

@@ -60,9 +60,3 @@ BOOL SendNotifyMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
         SetLastError(ERROR_NOT_ENOUGH_QUOTA);
     return taken;
 }
-
-BOOL InSendMessage() {
-    const kernel::ApiCall call;
-    kernel::KernelLock lock = kernel::LockKernel();
-    return !CurrentQueue(lock)->handled.empty();
-}

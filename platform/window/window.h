@@ -18,7 +18,6 @@ struct WindowClass {
     std::wstring name;
     ATOM atom = 0;
     WNDCLASSW settings{};  // lpszClassName points at `name`
-    std::size_t windows = 0;
 };
 
 // The part of a window that must be painted: a bounding rectangle, empty when nothing must.

@@ -48,10 +48,6 @@ void Canvas::Fill() {
     cairo_fill(cairo());
 }
 
-void Canvas::FillPreserving() {
-    cairo_fill_preserve(cairo());
-}
-
 void Canvas::Stroke(double line_width) {
     cairo_set_line_width(cairo(), line_width);
     cairo_stroke(cairo());

@@ -50,8 +50,6 @@ class Canvas {
     // Makes a path of it.
     void RoundedRectangle(const Rectangle& rectangle, double radius);
     void Fill();
-    // Fills but keeps the path.
-    void FillPreserving();
     void Stroke(double line_width);
 
     Raster Finish();

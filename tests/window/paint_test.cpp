@@ -29,7 +29,7 @@ class Painter : public TestWindow {
 TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
     const auto show = [](int how) { return [=](HWND h) { ShowWindow(h, how); }; };
     const auto move = [](int x, int cx, int cy) {
-        return [=](HWND h) { MoveWindow(h, x, 0, cx, cy, TRUE); };
+        return [=](HWND h) { SetWindowPos(h, NULL, x, 0, cx, cy, SWP_NOZORDER); };
     };
     const auto all = [](HWND h) { InvalidateRect(h, NULL, FALSE); };
     const auto add = [](const RECT& part) {

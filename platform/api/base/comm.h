@@ -45,11 +45,6 @@
 #define EV_EVENT2 0x1000U
 #define EV_POWER 0x2000U
 
-#define PURGE_TXABORT 0x0001U
-#define PURGE_RXABORT 0x0002U
-#define PURGE_TXCLEAR 0x0004U
-#define PURGE_RXCLEAR 0x0008U
-
 struct _DCB {
     DWORD DCBlength;
     DWORD BaudRate;
@@ -109,6 +104,5 @@ BOOL WINAPI GetCommTimeouts(HANDLE hFile, LPCOMMTIMEOUTS lpCommTimeouts);
 BOOL WINAPI SetCommTimeouts(HANDLE hFile, LPCOMMTIMEOUTS lpCommTimeouts);
 BOOL WINAPI GetCommMask(HANDLE hFile, LPDWORD lpEvtMask);
 BOOL WINAPI SetCommMask(HANDLE hFile, DWORD dwEvtMask);
-BOOL WINAPI PurgeComm(HANDLE hFile, DWORD dwFlags);
 
 }  // extern "C"

@@ -15,7 +15,6 @@
 #define WAIT_ABANDONED_0 (STATUS_ABANDONED_WAIT_0 + 0U)
 #define WAIT_IO_COMPLETION STATUS_USER_APC
 
-#define EVENT_PULSE 1U
 #define EVENT_RESET 2U
 #define EVENT_SET 3U
 
@@ -40,8 +39,7 @@ DWORD WINAPI WaitForMultipleObjects(DWORD nCount, CONST HANDLE* lpHandles, BOOL 
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES lpEventAttributes, BOOL bManualReset,
                            BOOL bInitialState, LPCWSTR lpName);
 HANDLE WINAPI OpenEventW(DWORD dwDesiredAccess, BOOL bInheritHandle, LPCWSTR lpName);
-// What SetEvent, ResetEvent and PulseEvent are made of: EVENT_SET, EVENT_RESET or EVENT_PULSE.
-// EVENT_PULSE is not supported here: ERROR_CALL_NOT_IMPLEMENTED.
+// What SetEvent and ResetEvent are made of: EVENT_SET or EVENT_RESET.
 BOOL WINAPI EventModify(HANDLE hEvent, DWORD func);
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES lpMutexAttributes, BOOL bInitialOwner,
@@ -62,8 +60,4 @@ inline BOOL SetEvent(HANDLE hEvent) {
 
 inline BOOL ResetEvent(HANDLE hEvent) {
     return EventModify(hEvent, EVENT_RESET);
-}
-
-inline BOOL PulseEvent(HANDLE hEvent) {
-    return EventModify(hEvent, EVENT_PULSE);
 }

@@ -80,7 +80,5 @@ extern "C" {
 
 // A new bitmap is black.
 HBITMAP WINAPI CreateCompatibleBitmap(HDC hdc, int cx, int cy);
-HBITMAP WINAPI CreateBitmap(int nWidth, int nHeight, UINT nPlanes, UINT nBitCount,
-                            CONST VOID* lpBits);
 
 }  // extern "C"

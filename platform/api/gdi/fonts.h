@@ -38,11 +38,6 @@
 #define FF_SWISS (2 << 4)
 #define FF_MODERN (3 << 4)
 
-#define TMPF_FIXED_PITCH 0x01
-#define TMPF_VECTOR 0x02
-#define TMPF_TRUETYPE 0x04
-#define TMPF_DEVICE 0x08
-
 // A positive lfHeight is the height of the cell, a negative one that of the characters. A non-zero
 // lfWidth is the average character width.
 struct tagLOGFONTW {
@@ -68,36 +63,9 @@ using LPLOGFONTW = LOGFONTW*;
 static_assert(offsetof(LOGFONTW, lfCharSet) == 23 && offsetof(LOGFONTW, lfFaceName) == 28);
 static_assert(sizeof(LOGFONTW) == 28 + LF_FACESIZE * sizeof(WCHAR));
 
-struct tagTEXTMETRICW {
-    LONG tmHeight;
-    LONG tmAscent;
-    LONG tmDescent;
-    LONG tmInternalLeading;
-    LONG tmExternalLeading;
-    LONG tmAveCharWidth;
-    LONG tmMaxCharWidth;
-    LONG tmWeight;
-    LONG tmOverhang;
-    LONG tmDigitizedAspectX;
-    LONG tmDigitizedAspectY;
-    WCHAR tmFirstChar;
-    WCHAR tmLastChar;
-    WCHAR tmDefaultChar;
-    WCHAR tmBreakChar;
-    BYTE tmItalic;
-    BYTE tmUnderlined;
-    BYTE tmStruckOut;
-    BYTE tmPitchAndFamily;
-    BYTE tmCharSet;
-};
-using TEXTMETRICW = tagTEXTMETRICW;
-using PTEXTMETRICW = TEXTMETRICW*;
-using LPTEXTMETRICW = TEXTMETRICW*;
-
 extern "C" {
 
 HFONT WINAPI CreateFontIndirectW(CONST LOGFONTW* lplf);
-BOOL WINAPI GetTextMetricsW(HDC hdc, LPTEXTMETRICW lptm);
 BOOL WINAPI GetTextExtentPoint32W(HDC hdc, LPCWSTR lpString, int cbString, LPSIZE lpSize);
 
 }  // extern "C"

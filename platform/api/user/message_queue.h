@@ -54,7 +54,6 @@ void WINAPI PostQuitMessage(int nExitCode);
 LRESULT WINAPI SendMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
 // To a window of another thread: returns at once.
 BOOL WINAPI SendNotifyMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
-BOOL WINAPI InSendMessage();
 
 // From 0xC000 to 0xFFFF, the same for the same text in every process; 0 on failure.
 UINT WINAPI RegisterWindowMessageW(LPCWSTR lpString);

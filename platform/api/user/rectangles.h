@@ -7,8 +7,6 @@ extern "C" {
 BOOL WINAPI SetRect(LPRECT lprc, int xLeft, int yTop, int xRight, int yBottom);
 BOOL WINAPI SetRectEmpty(LPRECT lprc);
 BOOL WINAPI OffsetRect(LPRECT lprc, int dx, int dy);
-BOOL WINAPI IntersectRect(LPRECT lprcDst, CONST RECT* lprcSrc1, CONST RECT* lprcSrc2);
-BOOL WINAPI UnionRect(LPRECT lprcDst, CONST RECT* lprcSrc1, CONST RECT* lprcSrc2);
 BOOL WINAPI EqualRect(CONST RECT* lprc1, CONST RECT* lprc2);
 BOOL WINAPI IsRectEmpty(CONST RECT* lprc);
 // The right and the bottom edge are outside.

@@ -37,13 +37,6 @@
 #define SWP_NOOWNERZORDER 0x0200U
 #define SWP_NOREPOSITION SWP_NOOWNERZORDER
 
-#define GW_HWNDFIRST 0U
-#define GW_HWNDLAST 1U
-#define GW_HWNDNEXT 2U
-#define GW_HWNDPREV 3U
-#define GW_OWNER 4U
-#define GW_CHILD 5U
-
 // The indices that name a pointer exist in their GWLP_ and DWLP_ forms alone: a pointer does not
 // fit the LONG of GetWindowLongW.
 #define GWL_ID (-12)
@@ -91,12 +84,10 @@ BOOL WINAPI DestroyWindow(HWND hWnd);
 
 BOOL WINAPI ShowWindow(HWND hWnd, int nCmdShow);
 BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable);
-BOOL WINAPI MoveWindow(HWND hWnd, int X, int Y, int nWidth, int nHeight, BOOL bRepaint);
 BOOL WINAPI SetWindowPos(HWND hWnd, HWND hWndInsertAfter, int X, int Y, int cx, int cy,
                          UINT uFlags);
 BOOL WINAPI GetWindowRect(HWND hWnd, LPRECT lpRect);
 BOOL WINAPI GetClientRect(HWND hWnd, LPRECT lpRect);
-BOOL WINAPI ScreenToClient(HWND hWnd, LPPOINT lpPoint);
 BOOL WINAPI ClientToScreen(HWND hWnd, LPPOINT lpPoint);
 
 BOOL WINAPI IsWindow(HWND hWnd);
@@ -104,24 +95,17 @@ BOOL WINAPI IsWindowVisible(HWND hWnd);
 BOOL WINAPI IsWindowEnabled(HWND hWnd);
 
 HWND WINAPI FindWindowW(LPCWSTR lpClassName, LPCWSTR lpWindowName);
-HWND WINAPI GetWindow(HWND hWnd, UINT uCmd);
-HWND WINAPI GetParent(HWND hWnd);
 
 HWND WINAPI GetForegroundWindow();
 BOOL WINAPI SetForegroundWindow(HWND hWnd);
 HWND WINAPI GetActiveWindow();
-HWND WINAPI SetActiveWindow(HWND hWnd);
 HWND WINAPI GetFocus();
-HWND WINAPI SetFocus(HWND hWnd);
 
 LONG WINAPI GetWindowLongW(HWND hWnd, int nIndex);
 LONG WINAPI SetWindowLongW(HWND hWnd, int nIndex, LONG dwNewLong);
 LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex);
 LONG_PTR WINAPI SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
 
-int WINAPI GetWindowTextW(HWND hWnd, LPWSTR lpString, int nMaxCount);
-BOOL WINAPI SetWindowTextW(HWND hWnd, LPCWSTR lpString);
-int WINAPI GetClassNameW(HWND hWnd, LPWSTR lpClassName, int nMaxCount);
 DWORD WINAPI GetWindowThreadProcessId(HWND hWnd, LPDWORD lpdwProcessId);
 
 }  // extern "C"
