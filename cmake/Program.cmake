@@ -26,5 +26,7 @@ if(TOLVANE_COVERAGE)
     foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
         target_compile_options(${folder} PRIVATE --coverage -fprofile-update=atomic -O0)
         target_link_options(${folder} INTERFACE --coverage)
+        # Headers that were precompiled optimised are not theirs to read.
+        set_target_properties(${folder} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
     endforeach()
 endif()

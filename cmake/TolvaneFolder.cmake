@@ -6,8 +6,6 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
-find_package(Threads REQUIRED)
-
 add_library(tolvane_flags INTERFACE)
 # Only the warnings of the compiler that builds what is used are errors.
 target_compile_options(tolvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
@@ -23,7 +21,9 @@ target_link_options(tolvane_flags INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecst
 set(CMAKE_SKIP_RPATH ON)
 # GCC 12, optimising, warns of overlaps in the library's own text + text where there are none.
 target_compile_options(tolvane_flags INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
-target_link_libraries(tolvane_flags INTERFACE Threads::Threads)
+# As the libraries want it too: what was precompiled without it they could not read.
+target_compile_options(tolvane_flags INTERFACE -pthread)
+target_link_options(tolvane_flags INTERFACE -pthread)
 if(TOLVANE_SANITIZE)
     target_compile_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE}
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -35,6 +35,15 @@ if(TOLVANE_SANITIZE)
 else()
     target_compile_options(tolvane_flags INTERFACE -U_FORTIFY_SOURCE
         $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=3>)
+endif()
+
+# What most folders include is read once for all where a folder's sources are compiled together.
+if(CMAKE_UNITY_BUILD)
+    file(WRITE "${CMAKE_BINARY_DIR}/standard_headers.cpp" "")
+    add_library(tolvane_standard_headers STATIC "${CMAKE_BINARY_DIR}/standard_headers.cpp")
+    target_link_libraries(tolvane_standard_headers PRIVATE tolvane_flags)
+    target_precompile_headers(tolvane_standard_headers PRIVATE <algorithm> <chrono> <filesystem>
+        <fstream> <functional> <map> <memory> <mutex> <optional> <sstream> <string> <thread> <vector>)
 endif()
 
 # A view of the tree with the one folder in it.
@@ -62,6 +71,9 @@ function(tolvane_folder folder)
         target_include_directories(${target} PUBLIC "${view}")
         target_link_libraries(${target} PUBLIC tolvane_flags ${ARG_DEPENDS} ${ARG_LIBRARIES}
             PRIVATE ${ARG_PRIVATE_LIBRARIES})
+        if(CMAKE_UNITY_BUILD AND NOT ${folder} STREQUAL tests/support)
+            target_precompile_headers(${target} REUSE_FROM tolvane_standard_headers)
+        endif()
     else()
         add_library(${target} INTERFACE)
         target_include_directories(${target} INTERFACE "${view}")
