@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <type_traits>
 #include <utility>
+
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/scheduler.h"
 #include "unit/recording/program_version.h"
