@@ -24,6 +24,7 @@ const FaultCase kFaultCases[] = {
     {{"corrupt bytes"}, "0: 00 5A", "0: FF A5", {2}},
     {{"corrupt bytes value 77 times 1"}, "0: 01 02", "0: 77 02", {1}},
     {{"delay 0.5ms bytes times 1"}, "0: 01 / 400: 02 / 2000: 03", "500: 01 02 / 2000: 03", {1}},
+    {{"delay 0.5ms bytes", "delay 0.2ms bytes"}, "0: 01 / 400: 02", "500: 01 / 900: 02", {2, 2}},
     {{"split 1ms bytes every 2"}, "0: 01 02 03", "0: 01 / 1000: 02 03", {1}},
     {{"inject CCDD before bytes times 1"}, "0: 01 02", "0: CC DD 01 02", {1}},
     {{"inject CC after bytes"}, "0: 01 02", "0: 01 CC 02 CC", {2}},

@@ -17,6 +17,7 @@ TEST(LineTap, NothingPassesWhileThePlugIsOut) {
     line.Send(kToUnit, "0: A5 5A / 600: 01 / 800: 03");
     line.Send(kToDvr, "0: 0A 0B / 600: 02 / 800: 04");
     After(500us, [&] { line.tap->SetPlugged(false); });
+    After(550us, [&] { line.tap->Inject(kToUnit, std::vector<std::uint8_t>{5}); });
     After(700us, [&] { line.tap->SetPlugged(true); });
     line.RunFor(1s);
     EXPECT_EQ(line.program.text(), "800: 03");

@@ -57,6 +57,9 @@ TEST_F(PanelTest, EveryButtonStandsForACommandThatExists) {
         EXPECT_TRUE(commands_.entries().back().done) << commands_.entries().back().reply;
         Draw();
     }
+    for (int i = 0; i < 600; ++i)
+        commands_.Follow("nonsense");
+    EXPECT_EQ(commands_.entries().size(), 500U);
     EXPECT_GT(commands_.asked().size(), 60U);
     for (const auto& [line, known] : commands_.asked())
         EXPECT_TRUE(known) << line;

@@ -43,6 +43,11 @@ TEST(History, FilesWhatHappensAtTheEdges) {
     EXPECT_EQ(history.card_folder(), "/somewhere");
     EXPECT_EQ(history.words().entries().at(0).text, "suspend request");
     EXPECT_EQ(history.words().entries().at(1).text, "suspend acknowledged");
+    // While nobody files them, so many notes and no more.
+    for (int i = 0; i < 60'000; ++i)
+        hub.Tell(unit::LineLogged{"more"});
+    history.Update();
+    EXPECT_EQ(history.log().count(), 50'001U);
 }
 
 TEST(History, KeepsTheLatestAndCountsAll) {
