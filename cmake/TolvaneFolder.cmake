@@ -39,7 +39,7 @@ endif()
 
 # What most folders include is read once for all where a folder's sources are compiled together.
 if(CMAKE_UNITY_BUILD)
-    file(WRITE "${CMAKE_BINARY_DIR}/standard_headers.cpp" "")
+    file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/standard_headers.cpp" CONTENT "")
     add_library(tolvane_standard_headers STATIC "${CMAKE_BINARY_DIR}/standard_headers.cpp")
     target_link_libraries(tolvane_standard_headers PRIVATE tolvane_flags)
     target_precompile_headers(tolvane_standard_headers PRIVATE <algorithm> <chrono> <filesystem>
