@@ -37,8 +37,9 @@ else()
         $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=3>)
 endif()
 
-# What most folders include is read once for all where a folder's sources are compiled together.
-if(CMAKE_UNITY_BUILD)
+# What most folders include is read once for all where a folder's sources are compiled together. Not
+# where they are optimised: GCC 12 then warns of the library's own code, once it is precompiled.
+if(CMAKE_UNITY_BUILD AND CMAKE_BUILD_TYPE STREQUAL "Debug")
     file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/standard_headers.cpp" CONTENT "")
     add_library(tolvane_standard_headers STATIC "${CMAKE_BINARY_DIR}/standard_headers.cpp")
     target_link_libraries(tolvane_standard_headers PRIVATE tolvane_flags)
@@ -71,7 +72,7 @@ function(tolvane_folder folder)
         target_include_directories(${target} PUBLIC "${view}")
         target_link_libraries(${target} PUBLIC tolvane_flags ${ARG_DEPENDS} ${ARG_LIBRARIES}
             PRIVATE ${ARG_PRIVATE_LIBRARIES})
-        if(CMAKE_UNITY_BUILD AND NOT ${folder} STREQUAL tests/support)
+        if(TARGET tolvane_standard_headers AND NOT ${folder} STREQUAL tests/support)
             target_precompile_headers(${target} REUSE_FROM tolvane_standard_headers)
         endif()
     else()

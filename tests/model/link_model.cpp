@@ -1,5 +1,7 @@
 #include "tests/model/link_model.h"
 
+#include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <utility>
 
@@ -114,7 +116,7 @@ bool HasCommandLine(unsigned number, bool ack) {
 Bytes Frame(std::uint8_t type, unsigned command, std::span<const std::uint8_t> payload) {
     const auto low = [](std::size_t number) { return static_cast<std::uint8_t>(number & 0xFF); };
     Bytes frame = {0xA5, 0x5A, type, low(command >> 8), low(command), 0, low(payload.size())};
-    frame.insert(frame.end(), payload.begin(), payload.end());
+    std::ranges::copy(payload, std::back_inserter(frame));
     const unsigned sum = SumOf(frame);
     frame.push_back(low(sum >> 8));
     frame.push_back(low(sum));
