@@ -70,6 +70,11 @@ TEST(DvrAnswers, OneAfterTheOtherAndAFloodOnlyInPart) {
     EXPECT_TRUE(bench.During(100ms).empty());
     EXPECT_EQ(bench.dvr.DamagedFrames(), 1U);
     EXPECT_EQ(bench.Ask(0x8010).size(), 1U);
+    // The beginning of a long request goes with a reset.
+    bench.dvr.Receive(Bytes{0xA5, 0x5A, 0x10, 0x80, 0x10, 0x00, 0x40});
+    bench.dvr.Reset();
+    bench.host.Run(5s);
+    EXPECT_EQ(bench.Ask(0x8010).size(), 1U);
 }
 
 using enum Dvr::State;
