@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include "platform/window/desktop.h"
-
 namespace platform::window {
 
 // One window of the unit is in the foreground; it is the active window of its thread and usually

@@ -39,7 +39,8 @@ DWORD WINAPI WaitForMultipleObjects(DWORD nCount, CONST HANDLE* lpHandles, BOOL 
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES lpEventAttributes, BOOL bManualReset,
                            BOOL bInitialState, LPCWSTR lpName);
 HANDLE WINAPI OpenEventW(DWORD dwDesiredAccess, BOOL bInheritHandle, LPCWSTR lpName);
-// What SetEvent and ResetEvent are made of: EVENT_SET or EVENT_RESET.
+// What SetEvent and ResetEvent are made of: EVENT_SET or EVENT_RESET, ERROR_INVALID_PARAMETER
+// otherwise.
 BOOL WINAPI EventModify(HANDLE hEvent, DWORD func);
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES lpMutexAttributes, BOOL bInitialOwner,
