@@ -14,10 +14,10 @@ using namespace tests::model;
 
 constexpr std::size_t kMostEvents = 100;
 
-// The bench says what it finds by way of assertions.
+// The harness says what it finds by way of assertions.
 class Finding final : public testing::EmptyTestEventListener {
     void OnTestPartResult(const testing::TestPartResult& result) override {
-        fuzz::Promise(!result.failed(), "the bench finds nothing wrong", result.message());
+        fuzz::Promise(!result.failed(), "the harness finds nothing wrong", result.message());
     }
 };
 

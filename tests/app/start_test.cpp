@@ -2,7 +2,7 @@
 
 #include "platform/kernel/call_faults.h"
 #include "platform/window/screen.h"
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 
 namespace tests {
 namespace {
@@ -27,67 +27,67 @@ TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
         {-1ms, 1050ms, 1100ms, true},   // the first copy ends
     };
     for (const auto& row : rows) {
-        WizardBench bench;
-        Neighbour& first = bench.platform.board.neighbour;
+        WizardHarness harness;
+        Neighbour& first = harness.platform.board.neighbour;
         first.objects[kName] = NamedKind::kMutex;
         first.window_class = kName;
         if (row.window_after >= 0ms)
-            bench.After(row.window_after, [&] { first.window = 0x51; });
+            harness.After(row.window_after, [&] { first.window = 0x51; });
         if (row.ends_after >= 0ms)
-            bench.After(row.ends_after, [&] { first = {}; });
-        bench.RunFor(1us);
+            harness.After(row.ends_after, [&] { first = {}; });
+        harness.RunFor(1us);
 
-        bench.Start();  // takes 20 ms itself
-        bench.RunFor(row.answer_after - 40ms);
+        harness.Start();  // takes 20 ms itself
+        harness.RunFor(row.answer_after - 40ms);
         EXPECT_EQ(TopLevelWindows().size(), 0U);
-        EXPECT_EQ(bench.Ended(), row.answer_after == 0ms);
-        bench.RunFor(60ms);
-        EXPECT_EQ(bench.Ended(), !row.runs);
+        EXPECT_EQ(harness.Ended(), row.answer_after == 0ms);
+        harness.RunFor(60ms);
+        EXPECT_EQ(harness.Ended(), !row.runs);
         EXPECT_EQ(first.brought_forward, row.runs ? 0 : 1);
         if (row.runs) {
-            EXPECT_TRUE(bench.Shows("Power On"));
-            bench.Close();
+            EXPECT_TRUE(harness.Shows("Power On"));
+            harness.Close();
         } else {
-            EXPECT_EQ(bench.TakeLog(), std::vector<std::string>());
-            bench.ExpectExit(S_FALSE);
+            EXPECT_EQ(harness.TakeLog(), std::vector<std::string>());
+            harness.ExpectExit(S_FALSE);
         }
         // Its own mutex only where the name was free.
-        bench.platform.AllowHandles(row.ends_after >= 0ms ? 1 : 0);
+        harness.platform.AllowHandles(row.ends_after >= 0ms ? 1 : 0);
     }
 }
 
 TEST(Start, EndsBeforeAnythingElseWhenItCannotBeTheOne) {
     const auto fails = [](const char* call) {
-        return [call](WizardBench&) { platform::kernel::AddCallFault({.call = call}); };
+        return [call](WizardHarness&) { platform::kernel::AddCallFault({.call = call}); };
     };
     const struct {
-        std::function<void(WizardBench&)> prepare;
+        std::function<void(WizardHarness&)> prepare;
         DWORD exit;
     } rows[] = {
-        {[](WizardBench& bench) {
-             bench.platform.board.neighbour.objects[kName] = NamedKind::kMessageQueue;
+        {[](WizardHarness& harness) {
+             harness.platform.board.neighbour.objects[kName] = NamedKind::kMessageQueue;
          },
          0x80070057},
-        {[](WizardBench& bench) { bench.Hide(RT_STRING, 128 / 16 + 1); }, 0x80004005},
+        {[](WizardHarness& harness) { harness.Hide(RT_STRING, 128 / 16 + 1); }, 0x80004005},
         {fails("CreateMutexW"), 0x80004005},
         {fails("CreateWindowExW"), 0},
     };
     for (const auto& row : rows) {
-        WizardBench bench;
-        row.prepare(bench);
-        bench.Start();
-        bench.ExpectExit(static_cast<int>(row.exit));
-        EXPECT_TRUE(bench.frames.empty());
-        bench.platform.AllowHandles(row.exit == 0 ? 1 : 0);
+        WizardHarness harness;
+        row.prepare(harness);
+        harness.Start();
+        harness.ExpectExit(static_cast<int>(row.exit));
+        EXPECT_TRUE(harness.frames.empty());
+        harness.platform.AllowHandles(row.exit == 0 ? 1 : 0);
         if (row.exit != 0) {
-            EXPECT_EQ(bench.TakeLog(), std::vector<std::string>());
+            EXPECT_EQ(harness.TakeLog(), std::vector<std::string>());
         }
     }
 }
 
 TEST(Start, MakesTheOneWindowAndEndsWithTheQuitCode) {
-    WizardBench bench;
-    bench.Start();
+    WizardHarness harness;
+    harness.Start();
     const auto windows = TopLevelWindows();
     ASSERT_EQ(windows.size(), 1U);
     EXPECT_EQ(windows[0].class_name, kName);
@@ -105,9 +105,9 @@ TEST(Start, MakesTheOneWindowAndEndsWithTheQuitCode) {
     EXPECT_EQ(info.hbrBackground, reinterpret_cast<HBRUSH>(INT_PTR{COLOR_WINDOW + 1}));
     EXPECT_NE(info.hIcon, nullptr);
 
-    bench.Post(WM_QUIT, 7);
-    bench.ExpectExit(7);
-    bench.platform.AllowHandles(1);
+    harness.Post(WM_QUIT, 7);
+    harness.ExpectExit(7);
+    harness.platform.AllowHandles(1);
     EXPECT_EQ(TopLevelWindows().size(), 0U);
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/kernel/call_faults.h"
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 
 namespace tests {
 namespace {
@@ -26,29 +26,29 @@ TEST(Notify, LogsWhatFailsAndIsUsableAllTheSame) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.call);
-        WizardBench bench;
-        bench.GoTo(3);
+        WizardHarness harness;
+        harness.GoTo(3);
         ASSERT_EQ(platform::kernel::AddCallFault({.call = row.call, .error = 1813}), "");
-        bench.RunFor(3100ms);
-        ASSERT_TRUE(bench.Shows("OK"));
-        EXPECT_TRUE(bench.Tap("OK"));
-        bench.RunFor(300ms);
+        harness.RunFor(3100ms);
+        ASSERT_TRUE(harness.Shows("OK"));
+        EXPECT_TRUE(harness.Tap("OK"));
+        harness.RunFor(300ms);
         EXPECT_EQ(platform::kernel::FailedCallCount(), 1U);
-        EXPECT_FALSE(bench.Shows("OK"));
-        EXPECT_EQ(bench.Step(), 4);
-        EXPECT_EQ(std::ranges::count(bench.platform.board.lines(),
+        EXPECT_FALSE(harness.Shows("OK"));
+        EXPECT_EQ(harness.Step(), 4);
+        EXPECT_EQ(std::ranges::count(harness.platform.board.lines(),
                                      L"[Tolvane.exe] \tCNotify::" + row.told),
                   row.told.empty() ? 0 : 1);
     }
 }
 
 TEST(Notify, ThatCannotStartIsPassedOver) {
-    WizardBench bench;
-    bench.Start();
-    bench.Hide(RT_DIALOG, 130);
-    bench.Tap("Power On");
-    EXPECT_EQ(bench.reset->requests, std::vector<std::string>{"0881 02"});
-    EXPECT_TRUE(bench.Shows("Power On"));
+    WizardHarness harness;
+    harness.Start();
+    harness.Hide(RT_DIALOG, 130);
+    harness.Tap("Power On");
+    EXPECT_EQ(harness.reset->requests, std::vector<std::string>{"0881 02"});
+    EXPECT_TRUE(harness.Shows("Power On"));
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/kernel/thread.h"
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 #include "tests/support/run_modes.h"
 #include "wizard/WizardModel.h"
 
@@ -14,12 +14,12 @@ namespace {
 TEST(Closing, EndsInOrderFromEveryStep) {
     for (int step = -1; step <= 6; ++step) {
         SCOPED_TRACE(step);
-        WizardBench bench;
-        bench.GoTo(step);
-        bench.Command(IDC_BTN_CLOSE);
-        bench.RunFor(500ms);
-        ASSERT_TRUE(bench.Ended());
-        const std::vector<std::string> log = bench.TakeLog();
+        WizardHarness harness;
+        harness.GoTo(step);
+        harness.Command(IDC_BTN_CLOSE);
+        harness.RunFor(500ms);
+        ASSERT_TRUE(harness.Ended());
+        const std::vector<std::string> log = harness.TakeLog();
         auto after = log.begin();
         for (const std::string_view line :
              {"---ThreadProc_COM_Rx", "+++Mstar_C4_Scaler_DeInit", "---Mstar_C4_Scaler_DeInit",
@@ -32,18 +32,18 @@ TEST(Closing, EndsInOrderFromEveryStep) {
 
 // What another application sends comes in while the window waits for the receive thread.
 TEST(Closing, ShowsNoNoticeForAPressThatIsSentMeanwhile) {
-    WizardBench bench;
-    bench.GoTo(-1);
-    bench.Post(WM_CLOSE);
+    WizardHarness harness;
+    harness.GoTo(-1);
+    harness.Post(WM_CLOSE);
     const HWND window = FindWindowW(L"Tolvane", nullptr);
     platform::kernel::StartThread([window] {
         Sleep(1);
         SendMessageW(window, 2024, IDC_BTN_NEXT, 0);
         return DWORD{0};
     });
-    bench.RunFor(500ms);
-    EXPECT_TRUE(bench.Ended());
-    EXPECT_EQ(bench.Step(), WizardBench::kNoFrame);
+    harness.RunFor(500ms);
+    EXPECT_TRUE(harness.Ended());
+    EXPECT_EQ(harness.Step(), WizardHarness::kNoFrame);
 }
 
 class ClosingInEveryMode : public InEveryMode {};
@@ -54,17 +54,17 @@ TEST_P(ClosingInEveryMode, UnderAFloodOfCardReportsComesToAnEnd) {
     for (const int step : {0, 1}) {
         platform::kernel::Options options = GetParam().options;
         options.speed = 20;
-        WizardBench bench(options);
-        bench.GoTo(step);
+        WizardHarness harness(options);
+        harness.GoTo(step);
         BYTE status = 0;
         std::function<void()> flood = [&] {
-            bench.Card(status ^= 1);
-            bench.After(400us, flood);
+            harness.Card(status ^= 1);
+            harness.After(400us, flood);
         };
         flood();
-        bench.RunFor(20ms);
-        bench.Post(WM_CLOSE);
-        EXPECT_TRUE(bench.Until([&] { return bench.Ended(); }, 5s));
+        harness.RunFor(20ms);
+        harness.Post(WM_CLOSE);
+        EXPECT_TRUE(harness.Until([&] { return harness.Ended(); }, 5s));
     }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/kernel/call_faults.h"
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 #include "wizard/WizardModel.h"
 
 // What the comparison with the model and the scenarios do not see of the wizard.
@@ -16,18 +16,20 @@ using Log = std::vector<std::string>;
 // Lines of screens of which no picture is kept. A full-width character is twice the font's width,
 // and another painting makes them no heavier.
 TEST(Screens, GiveLinesTheirSize) {
-    const auto goes = [](int step) { return [step](WizardBench& bench) { bench.GoTo(step); }; };
-    const auto offline = [](WizardBench& bench) {
-        bench.GoTo(0);
-        bench.SetAcLine(0);
+    const auto goes = [](int step) {
+        return [step](WizardHarness& harness) { harness.GoTo(step); };
     };
-    const auto no_image = [](WizardBench& bench) {
-        bench.GoTo(1);
-        bench.Command(IDC_BTN_UPDATE);
-        bench.RunFor(4100ms);
+    const auto offline = [](WizardHarness& harness) {
+        harness.GoTo(0);
+        harness.SetAcLine(0);
+    };
+    const auto no_image = [](WizardHarness& harness) {
+        harness.GoTo(1);
+        harness.Command(IDC_BTN_UPDATE);
+        harness.RunFor(4100ms);
     };
     const struct {
-        std::function<void(WizardBench&)> act;
+        std::function<void(WizardHarness&)> act;
         const char* text;
         int half_widths;  // to the end of the ink
         int width, middle;
@@ -39,15 +41,15 @@ TEST(Screens, GiveLinesTheirSize) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
-        WizardBench bench;
-        row.act(bench);
-        const RECT box = bench.Find(row.text).value().box;
+        WizardHarness harness;
+        row.act(harness);
+        const RECT box = harness.Find(row.text).value().box;
         EXPECT_NEAR(box.right - box.left, row.half_widths * row.width, row.width);
         EXPECT_NEAR((box.top + box.bottom) / 2.0, row.middle, 5);
-        const platform::gdi::Surface painted_once = bench.Screen();
-        bench.Post(WM_TIMER, 261);
-        bench.RunFor(5ms);
-        EXPECT_TRUE(std::ranges::equal(bench.Screen().pixels(), painted_once.pixels()));
+        const platform::gdi::Surface painted_once = harness.Screen();
+        harness.Post(WM_TIMER, 261);
+        harness.RunFor(5ms);
+        EXPECT_TRUE(std::ranges::equal(harness.Screen().pixels(), painted_once.pixels()));
     }
 }
 
@@ -75,42 +77,42 @@ TEST(Failures, AreToldAndPassedOver) {
         SCOPED_TRACE(row.call);
         const bool prints = row.told.ends_with('\n');
         testing::internal::CaptureStdout();
-        WizardBench bench;
+        WizardHarness harness;
         EXPECT_EQ(platform::kernel::AddCallFault({.call = row.call, .error = 1234}), "");
-        bench.Start();
-        bench.Post(WM_TIMER, 261);
-        bench.RunFor(5ms);
+        harness.Start();
+        harness.Post(WM_TIMER, 261);
+        harness.RunFor(5ms);
         EXPECT_EQ(platform::kernel::FailedCallCount(), 1U);
-        EXPECT_TRUE(bench.Shows("Power On"));
-        EXPECT_EQ(bench.Shows("Update Tool : V"), prints);
-        bench.Close();
+        EXPECT_TRUE(harness.Shows("Power On"));
+        EXPECT_EQ(harness.Shows("Update Tool : V"), prints);
+        harness.Close();
         EXPECT_EQ(testing::internal::GetCapturedStdout(),
                   prints ? row.told : "File Version: 0.7.0.0\nProduct Version: 0.7.0.0\n");
-        Log log = bench.TakeLog("\tCMainFrame::");
+        Log log = harness.TakeLog("\tCMainFrame::");
         std::erase_if(log, [](const std::string& line) { return line.find("!!!") == line.npos; });
         EXPECT_EQ(log, prints || row.told.empty() ? Log{} : Log{"\tCMainFrame::" + row.told});
     }
 }
 
 TEST(Closing, BeforeAnyPaintingMissesTheBackBuffer) {
-    WizardBench bench;
-    bench.Start(SW_HIDE);
-    bench.Close();
-    EXPECT_EQ(bench.TakeLog("CMainFrame::~"),
+    WizardHarness harness;
+    harness.Start(SW_HIDE);
+    harness.Close();
+    EXPECT_EQ(harness.TakeLog("CMainFrame::~"),
               Log(2, "\tCMainFrame::~CMainFrame, Invalid Arguments!!!, MainFrm.cpp(#)"));
 }
 
 TEST(Suspend, IsAskedOfTheHalAfterThePainting) {
-    WizardBench bench;
-    bench.GoTo(5);
-    bench.platform.board.on_hal_request = [&](std::span<const std::byte> input) {
-        EXPECT_TRUE(bench.Shows("Please make sure DVR Firmware is correct."));
+    WizardHarness harness;
+    harness.GoTo(5);
+    harness.platform.board.on_hal_request = [&](std::span<const std::byte> input) {
+        EXPECT_TRUE(harness.Shows("Please make sure DVR Firmware is correct."));
         EXPECT_EQ(std::vector(input.begin(), input.end()),
                   (std::vector{std::byte{0x5A}, std::byte{0x5A}, std::byte{0}, std::byte{0}}));
     };
-    bench.Command(IDC_BTN_SUSPEND);
-    bench.RunFor(100ms);
-    EXPECT_EQ(bench.platform.board.power_options, std::vector<DWORD>{0x1000}) << "by force";
+    harness.Command(IDC_BTN_SUSPEND);
+    harness.RunFor(100ms);
+    EXPECT_EQ(harness.platform.board.power_options, std::vector<DWORD>{0x1000}) << "by force";
 }
 
 }  // namespace

@@ -72,17 +72,17 @@ std::set<std::tuple<int, Situation, Kind>>& Lockstep::Covered() {
 }
 
 Lockstep::Lockstep(const World& world, int start_milliseconds)
-    : bench_(StartingAt(start_milliseconds), WizardBench::Pace::kAtOnce),
+    : harness_(StartingAt(start_milliseconds), WizardHarness::Pace::kAtOnce),
       model_(world, StartingAt(start_milliseconds).start) {
     platform::gdi::Surface::KeepRows(kRows);
-    bench_.platform.board.supply.ac_line_status = world.ac_line;
+    harness_.platform.board.supply.ac_line_status = world.ac_line;
     if (!world.has_link)
-        bench_.Remove(L"COM9:");
-    bench_.Start();
+        harness_.Remove(L"COM9:");
+    harness_.Start();
     model_.RunTo(kernel::Now());
     window_ = FindWindowW(L"Tolvane", nullptr);
     // What is said on the way is other tests' matter; what is asked is not.
-    bench_.platform.board.ClearOutput();
+    harness_.platform.board.ClearOutput();
     model_.output[kLog].clear();
 }
 
@@ -102,7 +102,7 @@ std::string Lockstep::Apply(const Event& event) {
     Deliver(event);
     model_.Settle();
     model_.RunTo(model_.now() + 1us);
-    bench_.RunFor(1us);
+    harness_.RunFor(1us);
     // What the threads say at their ends comes in its time.
     return model_.closed() ? std::string() : Compare();
 }
@@ -110,7 +110,7 @@ std::string Lockstep::Apply(const Event& event) {
 std::string Lockstep::End() {
     while (!model_.closed())
         model_.RunTo(model_.NextDeadline());
-    bench_.WaitForEnd();
+    harness_.WaitForEnd();
     Account program = TakeOutput();
     for (std::string* const log : {&program[kLog], &model_.output[kLog]})
         *log = Sorted(*log);
@@ -133,22 +133,22 @@ void Lockstep::MoveTo(const Event& event) {
             break;
     }
     model_.RunTo(target);
-    bench_.RunFor(target - kernel::Now());
+    harness_.RunFor(target - kernel::Now());
 }
 
 void Lockstep::SetDriver(std::uint64_t driver, unsigned error) {
     World& world = model_.world;
     const std::pair<DWORD&, unsigned&> answers[] = {
-        {bench_.reset->open_answer, world.reset_open},
-        {bench_.reset->request_answer, world.reset_request},
-        {bench_.scaler->open_answer, world.scaler_open},
-        {bench_.scaler->request_answer, world.scaler_request},
-        {bench_.platform.board.hal_answer, world.hal}};
+        {harness_.reset->open_answer, world.reset_open},
+        {harness_.reset->request_answer, world.reset_request},
+        {harness_.scaler->open_answer, world.scaler_open},
+        {harness_.scaler->request_answer, world.scaler_request},
+        {harness_.platform.board.hal_answer, world.hal}};
     answers[driver].first = answers[driver].second = error;
 }
 
 void Lockstep::DeliverSupply(std::uint64_t line, std::uint64_t battery) {
-    PlainBoard& board = bench_.platform.board;
+    PlainBoard& board = harness_.platform.board;
     board.supply_readable = line <= 255;
     board.supply.ac_line_status = static_cast<BYTE>(line);
     board.supply.battery_flag = static_cast<BYTE>(battery);
@@ -196,7 +196,7 @@ void Lockstep::Deliver(const Event& event) {
         case Kind::kPass:
             return;
         default:
-            bench_.SendBytes(event.bytes);
+            harness_.SendBytes(event.bytes);
             return model_.Receive(event.bytes);
     }
 }
@@ -204,7 +204,7 @@ void Lockstep::Deliver(const Event& event) {
 // The log as the model writes it: "#" for a source and its line, "?" for the error of a refused
 // argument, which is whatever failed last.
 Account Lockstep::TakeOutput() {
-    PlainBoard& board = bench_.platform.board;
+    PlainBoard& board = harness_.platform.board;
     Account output;
     std::string& log = output[kLog];
     for (const wchar_t character : board.debug_output())
@@ -220,18 +220,18 @@ Account Lockstep::TakeOutput() {
     };
     blank(".cpp(", 1, '#');
     blank("Invalid Arguments!!!, ErroCode(", 0, '?');
-    for (const unsigned command : std::exchange(bench_.frames, {}))
+    for (const unsigned command : std::exchange(harness_.frames, {}))
         output[kFrames] += Text("%04X; ", command);
-    for (const std::string& request : std::exchange(bench_.reset->requests, {}))
+    for (const std::string& request : std::exchange(harness_.reset->requests, {}))
         output[kResetRequests] += request + "; ";
-    for (const std::string& request : std::exchange(bench_.scaler->requests, {}))
+    for (const std::string& request : std::exchange(harness_.scaler->requests, {}))
         output[kScalerRequests] += request + "; ";
     for (const DWORD code : std::exchange(board.hal_codes, {}))
         output[kHalCodes] += Text("%08X; ", code);
     for (const DWORD state : std::exchange(board.power_states, {}))
         output[kPowerStates] += Text("%08X; ", state);
-    output[kResetOpens].assign(std::exchange(bench_.reset->opens, 0), 'o');
-    output[kScalerOpens].assign(std::exchange(bench_.scaler->opens, 0), 'o');
+    output[kResetOpens].assign(std::exchange(harness_.reset->opens, 0), 'o');
+    output[kScalerOpens].assign(std::exchange(harness_.scaler->opens, 0), 'o');
     return output;
 }
 
@@ -251,7 +251,7 @@ std::string Lockstep::Compare() {
 
 // Which texts in which colours, and that the middle of each lies in its place.
 std::string Lockstep::CompareScreen() const {
-    const platform::gdi::Surface screen = bench_.Screen();
+    const platform::gdi::Surface screen = harness_.Screen();
     std::vector<Shown> missing = model_.screen();
     std::string difference;
     const auto tell = [&](const char* who, const std::wstring& text, unsigned color) {

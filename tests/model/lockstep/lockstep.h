@@ -6,7 +6,7 @@
 #include <string>
 #include <tuple>
 
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 #include "tests/model/event.h"
 
 namespace tests::model {
@@ -41,7 +41,7 @@ class Lockstep {
     Account TakeOutput();
     std::string CompareScreen() const;
 
-    WizardBench bench_;
+    WizardHarness harness_;
     WizardModel model_;
     HWND window_ = nullptr;
 };

@@ -1,4 +1,4 @@
-#include "tests/bench/wizard_bench.h"
+#include "tests/harness/wizard_harness.h"
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ namespace kernel = platform::kernel;
 
 constexpr std::size_t kFrameOverhead = 9;
 
-WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(options) {
+WizardHarness::WizardHarness(const kernel::Options& options, Pace pace) : platform(options) {
     // A process starts with an empty parser; an earlier run here may have ended within a frame.
     const std::array<BYTE, 80> nothing{};
     UART_ParseData(nothing.data(), static_cast<DWORD>(nothing.size()));
@@ -42,7 +42,7 @@ WizardBench::WizardBench(const kernel::Options& options, Pace pace) : platform(o
         << problem;
 }
 
-WizardBench::~WizardBench() {
+WizardHarness::~WizardHarness() {
     if (program_ && !Ended())
         Close();
     EXPECT_EQ(exit_code_, expected_exit_);
@@ -52,7 +52,7 @@ WizardBench::~WizardBench() {
     EXPECT_EQ(platform::gdi::DrawingObjectCount(), 0U) << "drawing objects left";
 }
 
-void WizardBench::Start(int show) {
+void WizardHarness::Start(int show) {
     // The mutex stays to the end of the process.
     platform.AllowHandles(1);
     const auto entry = [this, show] {
@@ -64,7 +64,7 @@ void WizardBench::Start(int show) {
     RunFor(20ms);
 }
 
-void WizardBench::GoTo(int step) {
+void WizardHarness::GoTo(int step) {
     if (!program_)
         Start();
     const auto tap = [this](const char* caption) {
@@ -112,7 +112,7 @@ void WizardBench::GoTo(int step) {
     platform.board.ClearOutput();
 }
 
-bool WizardBench::Until(const std::function<bool()>& condition, std::chrono::seconds limit) {
+bool WizardHarness::Until(const std::function<bool()>& condition, std::chrono::seconds limit) {
     const kernel::Time deadline = kernel::Now() + limit;
     while (!condition()) {
         if (kernel::Now() >= deadline)
@@ -122,7 +122,7 @@ bool WizardBench::Until(const std::function<bool()>& condition, std::chrono::sec
     return true;
 }
 
-bool WizardBench::Tap(const std::string& caption) {
+bool WizardHarness::Tap(const std::string& caption) {
     const auto text = Find(caption);
     if (!text)
         return false;
@@ -135,7 +135,7 @@ bool WizardBench::Tap(const std::string& caption) {
     return true;
 }
 
-void WizardBench::Indicate(std::uint8_t command, const Bytes& payload) {
+void WizardHarness::Indicate(std::uint8_t command, const Bytes& payload) {
     Bytes frame = {0xA5, 0x5A, 0x80, 0, command, 0, static_cast<std::uint8_t>(payload.size())};
     frame.insert(frame.end(), payload.begin(), payload.end());
     const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
@@ -144,7 +144,7 @@ void WizardBench::Indicate(std::uint8_t command, const Bytes& payload) {
     line_->Send(frame);
 }
 
-void WizardBench::Receive(std::span<const std::uint8_t> bytes) {
+void WizardHarness::Receive(std::span<const std::uint8_t> bytes) {
     from_program_.insert(from_program_.end(), bytes.begin(), bytes.end());
     while (from_program_.size() >= kFrameOverhead) {
         const Bytes& frame = from_program_;
@@ -161,47 +161,47 @@ void WizardBench::Receive(std::span<const std::uint8_t> bytes) {
     }
 }
 
-void WizardBench::SetAcLine(BYTE status) {
+void WizardHarness::SetAcLine(BYTE status) {
     platform.board.supply.ac_line_status = status;
     platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
     RunFor(50ms);
 }
 
-void WizardBench::Post(UINT message, WPARAM wparam, LPARAM lparam, LPCWSTR window_class) {
+void WizardHarness::Post(UINT message, WPARAM wparam, LPARAM lparam, LPCWSTR window_class) {
     const HWND target = FindWindowW(window_class, nullptr);
     ASSERT_NE(target, nullptr);
     PostMessageW(target, message, wparam, lparam);
 }
 
-bool WizardBench::Ended() const {
+bool WizardHarness::Ended() const {
     const kernel::KernelLock lock = kernel::LockKernel();
     return program_->ended;
 }
 
-int WizardBench::Step() const {
+int WizardHarness::Step() const {
     const CMainFrame* const frame = g_pMainFrame;
     return frame == nullptr ? kNoFrame : frame->m_nStep.load();
 }
 
-std::optional<platform::gdi::PlacedText> WizardBench::Find(const std::string& text) const {
+std::optional<platform::gdi::PlacedText> WizardHarness::Find(const std::string& text) const {
     const platform::gdi::Surface screen = Screen();
     const auto found =
         std::ranges::find(screen.texts(), kernel::FromUtf8(text), &platform::gdi::PlacedText::text);
     return found == screen.texts().end() ? std::nullopt : std::optional(*found);
 }
 
-std::vector<std::string> WizardBench::TakeLog(std::string_view part) {
+std::vector<std::string> WizardHarness::TakeLog(std::string_view part) {
     std::vector<std::string> log = ProgramLog(platform.board);
     platform.board.ClearOutput();
     std::erase_if(log, [&](const std::string& line) { return line.find(part) == line.npos; });
     return log;
 }
 
-void WizardBench::WaitForEnd() {
+void WizardHarness::WaitForEnd() {
     EXPECT_TRUE(Until([this] { return Ended(); }, 60s)) << "the program did not end";
 }
 
-void WizardBench::ExpectExit(int code) {
+void WizardHarness::ExpectExit(int code) {
     expected_exit_ = code;
     platform.AllowHandles(0);
     WaitForEnd();

@@ -27,18 +27,18 @@ using namespace std::chrono_literals;
 // The whole program, its real entry point included, between a finger on the screen and a DVR whose
 // every word a test says itself. All of it runs on the test's thread, which is the hardware's.
 // Texts are UTF-8.
-class WizardBench {
+class WizardHarness {
   public:
     // The step while there is no frame.
     static constexpr int kNoFrame = -9;
 
     using Pace = platform::device::MemoryLine::Pace;
-    explicit WizardBench(const platform::kernel::Options& options = {},
-                         Pace pace = Pace::kBaudRate);
+    explicit WizardHarness(const platform::kernel::Options& options = {},
+                           Pace pace = Pace::kBaudRate);
     // Closes the window if that has not been done, and expects a clean end.
-    ~WizardBench();
-    WizardBench(const WizardBench&) = delete;
-    WizardBench& operator=(const WizardBench&) = delete;
+    ~WizardHarness();
+    WizardHarness(const WizardHarness&) = delete;
+    WizardHarness& operator=(const WizardHarness&) = delete;
 
     Platform platform;
     std::shared_ptr<RecordingDriver> reset = std::make_shared<RecordingDriver>();   // "DVR1:"
