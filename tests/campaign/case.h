@@ -8,21 +8,21 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/campaign/road.h"
+#include "tests/campaign/flow.h"
 
 namespace tests::campaign {
 
-// Where on a road something goes wrong, counted from 1: just before the program's call of that
+// Where on a flow something goes wrong, counted from 1: just before the program's call of that
 // number, with the last byte of the DVR's frame of that number, or with a byte from the DVR.
-enum Moment : std::size_t { kCall, kFrame, kByte, kMoments };
-// How many a road has of each.
-using Counts = std::array<std::uint64_t, kMoments>;
+enum Trigger : std::size_t { kCall, kFrame, kByte, kTriggers };
+// How many a flow has of each.
+using Counts = std::array<std::uint64_t, kTriggers>;
 
 // What can go wrong.
 struct FaultKind {
     std::string_view name;
-    // It can come at this moment and those before it.
-    Moment last;
+    // It can come at this trigger and those before it.
+    Trigger last;
     // What is done to the unit: one of its commands; empty when the window is closed.
     std::string_view command;
     // Whether the command is a fault that strikes once, and counts what it does not strike.
@@ -35,15 +35,15 @@ inline constexpr std::string_view kCloses = "closes";
 
 struct Fault {
     const FaultKind* kind;
-    Moment moment;
+    Trigger trigger;
     std::uint64_t number;
 };
 
-// One trial of the campaign, which one text tells: the road and what goes wrong on it, such as
+// One trial of the campaign, which one text tells: the flow and what goes wrong on it, such as
 // "normal fails@call:1341" or "no-version card-leaves@frame:12 closes@call:900". "#7" behind the
-// road is the seed of the unit and of the DVR, 1 without it.
+// flow is the seed of the unit and of the DVR, 1 without it.
 struct Case {
-    const Road* road;
+    const Flow* flow;
     std::uint32_t seed = 1;
     std::vector<Fault> faults;
 };

@@ -16,13 +16,13 @@
 
 namespace tests::campaign {
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Verdict, findings, struck, cycles, reopened, counts)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Result, findings, injected, cycles, reopened, counts)
 
 namespace {
 
 using nlohmann::json;
 
-constexpr std::string_view kMark = "\n== verdict ==\n";
+constexpr std::string_view kMark = "\n== result ==\n";
 constexpr unsigned kSecondsOfTheHost = 120;
 // How much of what a process that died has said is shown.
 constexpr std::size_t kLastWords = 3000;
@@ -31,14 +31,14 @@ constexpr std::size_t kLastWords = 3000;
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     alarm(kSecondsOfTheHost);
-    Verdict verdict = Try(trial);
+    Result result = RunCase(trial);
 #ifdef __SANITIZE_ADDRESS__
     if (__lsan_do_recoverable_leak_check() != 0)
-        verdict.findings.push_back("memory is left after the end");
+        result.findings.push_back("memory is left after the end");
 #endif
     // Whatever the bytes that were found.
     const std::string text =
-        std::string(kMark) + json(verdict).dump(-1, ' ', false, json::error_handler_t::replace);
+        std::string(kMark) + json(result).dump(-1, ' ', false, json::error_handler_t::replace);
     _exit(write(output, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
 }
 
@@ -64,23 +64,23 @@ std::string HowItEnded(int status) {
                                        : "it died of signal " + std::to_string(WTERMSIG(status));
 }
 
-Verdict VerdictOf(const Child& child, int status) {
+Result VerdictOf(const Child& child, int status) {
     std::string said(static_cast<std::size_t>(lseek(child.output, 0, SEEK_END)), '\0');
     said.resize(static_cast<std::size_t>(pread(child.output, said.data(), said.size(), 0)));
     close(child.output);
     const std::size_t mark = said.rfind(kMark);
     if (status == 0 && mark != std::string::npos)
-        return json::parse(said.substr(mark + kMark.size())).get<Verdict>();
+        return json::parse(said.substr(mark + kMark.size())).get<Result>();
     said.erase(0, said.size() - std::min(said.size(), kLastWords));
     return {.findings = {HowItEnded(status) + "; it said last:\n" + said}};
 }
 
 }  // namespace
 
-void TryApart(const std::vector<Case>& cases, std::size_t side_by_side,
-              const std::function<void(const Case&, const Verdict&)>& done) {
+void RunIsolated(const std::vector<Case>& cases, std::size_t side_by_side,
+                 const std::function<void(const Case&, const Result&)>& done) {
     // The fonts that the first run reads serve all the others.
-    static const Verdict warm = Try(ParseCase("quick"));
+    static const Result warm = RunCase(ParseCase("quick"));
     std::map<pid_t, Child> children;
     for (auto next = cases.begin(); next != cases.end() || !children.empty();) {
         if (next != cases.end() && children.size() < side_by_side) {

@@ -9,17 +9,17 @@ namespace {
 constexpr std::uint32_t kSeed = 1;
 constexpr int kParts = 4;
 #ifdef TOLVANE_SANITIZED
-constexpr std::size_t kOnEachRoad = 2;
+constexpr std::size_t kOnEachFlow = 2;
 constexpr std::size_t kPairs = 1;
 constexpr std::uint64_t kEveryCall = 60;
 #else
-constexpr std::size_t kOnEachRoad = 5;
+constexpr std::size_t kOnEachFlow = 5;
 constexpr std::size_t kPairs = 4;
 constexpr std::uint64_t kEveryCall = 12;
 #endif
 // What the program makes at its start it makes once, so that a failure there is another one each
 // time.
-constexpr Stretch kStart{1, 480};
+constexpr Range kStart{1, 480};
 
 std::vector<const FaultKind*> AllKinds() {
     std::vector<const FaultKind*> kinds;
@@ -30,31 +30,32 @@ std::vector<const FaultKind*> AllKinds() {
 
 // Tells of what went wrong; returns how many faults came.
 std::size_t Expect(const std::vector<Case>& cases) {
-    std::size_t struck = 0;
-    TryApart(cases, 1, [&](const Case& trial, const Verdict& verdict) {
-        struck += verdict.struck;
-        for (const std::string& finding : verdict.findings)
+    std::size_t injected = 0;
+    RunIsolated(cases, 1, [&](const Case& trial, const Result& result) {
+        injected += result.injected;
+        for (const std::string& finding : result.findings)
             ADD_FAILURE() << ToText(trial) << ": " << finding;
     });
-    return struck;
+    return injected;
 }
 
 class FaultCampaign : public testing::TestWithParam<int> {};
 
-// A part of what tools/fault-campaign does: each road, each kind of fault, moments at random.
+// A part of what tools/fault-campaign does: each flow, each kind of fault, triggers at random.
 TEST_P(FaultCampaign, FindsNothingInASample) {
-    std::vector<const Road*> roads;
-    for (std::size_t index = GetParam(); index < Roads().size(); index += kParts)
-        roads.push_back(&Roads()[index]);
-    const auto courses = Survey(roads, 1, [](const Case& trial, const std::string& finding) {
-        ADD_FAILURE() << ToText(trial) << ": " << finding;
-    });
-    const std::size_t singles = kOnEachRoad * roads.size();
-    EXPECT_GT(Expect(Sample(courses, AllKinds(), 1, singles, kSeed + GetParam())), singles / 2);
-    EXPECT_GT(Expect(Sample(courses, AllKinds(), 2, kPairs, kSeed + GetParam())), 0U);
+    std::vector<const Flow*> flows;
+    for (std::size_t index = GetParam(); index < Flows().size(); index += kParts)
+        flows.push_back(&Flows()[index]);
+    const auto baselines =
+        MeasureBaselines(flows, 1, [](const Case& trial, const std::string& finding) {
+            ADD_FAILURE() << ToText(trial) << ": " << finding;
+        });
+    const std::size_t singles = kOnEachFlow * flows.size();
+    EXPECT_GT(Expect(Sample(baselines, AllKinds(), 1, singles, kSeed + GetParam())), singles / 2);
+    EXPECT_GT(Expect(Sample(baselines, AllKinds(), 2, kPairs, kSeed + GetParam())), 0U);
     if (GetParam() == 0) {
         const auto start =
-            Sweep({courses.front()}, {&FaultKinds().front()}, kEveryCall, kStart, kSeed);
+            Sweep({baselines.front()}, {&FaultKinds().front()}, kEveryCall, kStart, kSeed);
         EXPECT_EQ(Expect(start), start.size());
     }
 }

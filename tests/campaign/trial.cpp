@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "platform/kernel/scheduler.h"
-#include "tests/campaign/answer_probe.h"
-#include "tests/campaign/striker.h"
+#include "tests/campaign/injector.h"
+#include "tests/campaign/response_probe.h"
 #include "unit/probe/wizard_probe.h"
 
 namespace tests::campaign {
@@ -30,19 +30,19 @@ constexpr std::string_view kPartsInSilence[] = {"RegisterWindowMessageW", "ShowW
 class Trial {
   public:
     explicit Trial(const Case& trial)
-        : case_(trial), run_(OptionsFor(trial)), striker_(trial, run_, hands_), driver_(run_) {
+        : case_(trial), run_(OptionsFor(trial)), injector_(trial, run_, operator_), driver_(run_) {
         driver_.OnLook([this] { Watch(); });
     }
 
-    Verdict Run() {
-        const auto end = case_.road->drive(run_, driver_);
-        if (case_.faults.empty() && end != case_.road->end)
-            Find(std::string("the road ends in ") + (end ? NameOf(*end) : "nothing"));
+    Result Run() {
+        const auto end = case_.flow->drive(run_, driver_);
+        if (case_.faults.empty() && end != case_.flow->end)
+            Find(std::string("the flow ends in ") + (end ? NameOf(*end) : "nothing"));
         LookAtTheWindow();
-        const Seen seen = striker_.seen();
+        const Injections seen = injector_.seen();
         verdict_.counts = {0, seen.frames, seen.bytes};
         // Calls that have yet to fail do so while the program ends.
-        if (Closed() || case_.faults.empty() || seen.struck.size() < case_.faults.size())
+        if (Closed() || case_.faults.empty() || seen.injected.size() < case_.faults.size())
             Close();
         else
             Recover();
@@ -56,16 +56,16 @@ class Trial {
         unit::VirtualUnit::Options options;
         options.kernel.seed = trial.seed;
         options.dvr.dvr.seed = trial.seed;
-        trial.road->prepare(options);
+        trial.flow->prepare(options);
         return options;
     }
 
     void Find(std::string finding) { verdict_.findings.push_back(std::move(finding)); }
 
-    bool Closed() { return !run_.unit().program().running() || striker_.seen().Struck(kCloses); }
+    bool Closed() { return !run_.unit().program().running() || injector_.seen().Injected(kCloses); }
 
     bool HasFailed(std::span<const std::string_view> calls) const {
-        return std::ranges::any_of(striker_.seen().failures, [&](const FailureSeen& failure) {
+        return std::ranges::any_of(injector_.seen().failures, [&](const FailureSeen& failure) {
             return std::ranges::find(calls, failure.call.call) != calls.end();
         });
     }
@@ -82,7 +82,7 @@ class Trial {
         const auto wizard = unit::ReadWizard();
         if (wizard && (wizard->step < -1 || wizard->step > 6))
             Find("the step is " + std::to_string(wizard->step));
-        if (const auto last = striker_.seen().last; last && last != asked_after_) {
+        if (const auto last = injector_.seen().last; last && last != asked_after_) {
             asked_after_ = last;
             probe_.Ask();
         }
@@ -92,20 +92,20 @@ class Trial {
 
     void LookAtTheWindow() {
         probe_.Ask();
-        run_.RunUntil([this] { return !probe_.Waiting(); }, AnswerProbe::kLongestWait + 1s);
+        run_.RunUntil([this] { return !probe_.Waiting(); }, ResponseProbe::kLongestWait + 1s);
         if (probe_.Waiting() || overdue_)
             Find("the window does not answer");
-        if (!run_.unit().program().running() && !striker_.seen().Struck(kCloses) &&
+        if (!run_.unit().program().running() && !injector_.seen().Injected(kCloses) &&
             !HasFailed(kCallsOfTheStart))
             Find("the program has ended by itself");
     }
 
     void Recover() {
-        striker_.Stop();
+        injector_.Stop();
         // The unit and the DVR as they should be, with a quick update.
         for (const char* const command : {"fault clear", "line plug", "dvr update-time 30s",
                                           "fault dvr jump-back 3 96", "dvr power on"})
-            if (const auto outcome = unit::UnitCommands().Follow(hands_, command); !outcome.done)
+            if (const auto outcome = unit::UnitCommands().Follow(operator_, command); !outcome.done)
                 Find(command + (": " + outcome.text));
         std::optional<End> end;
         while (end != End::kSuccess && verdict_.cycles < kMostCycles) {
@@ -134,8 +134,8 @@ class Trial {
             if (code != 0 && !(code == static_cast<int>(E_FAIL) && HasFailed(kCallsOfTheStart)))
                 Find("the program ended with " + std::to_string(code));
         }
-        const Seen seen = striker_.seen();
-        verdict_.struck = seen.struck.size();
+        const Injections seen = injector_.seen();
+        verdict_.injected = seen.injected.size();
         verdict_.counts[kCall] = platform::kernel::CallCount();
         if (const std::string left = TooMuchLeft(run_.unit().leftovers(), seen.failures);
             !left.empty())
@@ -149,29 +149,29 @@ class Trial {
 
     const Case& case_;
     WizardRun run_;
-    unit::Operator hands_{run_.unit(), ""};
-    Striker striker_;
+    unit::Operator operator_{run_.unit(), ""};
+    Injector injector_;
     CarDriver driver_;
-    AnswerProbe probe_;
+    ResponseProbe probe_;
     bool overdue_ = false;
     std::optional<platform::kernel::Time> asked_after_;
-    Verdict verdict_;
+    Result verdict_;
 };
 
 }  // namespace
 
-Verdict Try(const Case& trial, std::vector<std::string>* log) {
-    Verdict verdict;
+Result RunCase(const Case& trial, std::vector<std::string>* log) {
+    Result result;
     {
         Trial running(trial);
-        verdict = running.Run();
+        result = running.Run();
         if (log != nullptr)
             *log = running.lines();
     }
-    if (verdict.reopened &&
-        !Try({Named("road", "quick", Roads()), trial.seed, {}}).findings.empty())
-        verdict.findings.push_back("no update after the program was opened again");
-    return verdict;
+    if (result.reopened &&
+        !RunCase({Named("flow", "quick", Flows()), trial.seed, {}}).findings.empty())
+        result.findings.push_back("no update after the program was opened again");
+    return result;
 }
 
 }  // namespace tests::campaign

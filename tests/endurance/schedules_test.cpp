@@ -7,9 +7,9 @@
 
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
-#include "tests/campaign/road.h"
-#include "tests/rig/car_driver.h"
+#include "tests/campaign/flow.h"
 #include "tests/support/numbers.h"
+#include "tests/unit_harness/car_driver.h"
 #include "unit/control/watch.h"
 
 namespace tests {
@@ -35,7 +35,7 @@ using Account = std::vector<std::vector<std::string>>;
 
 Account WholeUpdate(std::uint32_t schedule, bool preempt) {
     unit::VirtualUnit::Options options;
-    campaign::Hurry(options.dvr.dvr.timings, options.dvr.dvr.faults);
+    campaign::ShortenUpdate(options.dvr.dvr.timings, options.dvr.dvr.faults);
     options.kernel.seed = schedule;
     options.kernel.preempt = preempt;
     // The tick count begins anew while the DVR updates itself.

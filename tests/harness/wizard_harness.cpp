@@ -76,7 +76,7 @@ void WizardHarness::GoTo(int step) {
             Card(0);
         return Step() == 1;
     };
-    const std::function<void()> roads[] = {
+    const std::function<void()> flows[] = {
         [] {},
         [&] {
             tap("Power On");
@@ -100,7 +100,7 @@ void WizardHarness::GoTo(int step) {
     };
     const DWORD answer = std::exchange(platform.board.hal_answer, ERROR_NOT_SUPPORTED);
     for (int at = -1; at <= step; ++at) {
-        roads[at + 1]();
+        flows[at + 1]();
         EXPECT_TRUE(Until([&] { return Step() == at; }, 300s)) << "never at " << at;
         RunFor(at == 1 || at == 5 ? 2500ms : 200ms);
         // The timer has hidden the buttons; the answer to the query shows the one again.

@@ -54,7 +54,7 @@ class WizardHarness {
 
     // Starts WinMain on a thread of its own.
     void Start(int show = SW_SHOWNORMAL);
-    // Starts, and walks the usual road to that step; what was seen on the way is forgotten. Buttons
+    // Starts, and runs the usual flow to that step; what was seen on the way is forgotten. Buttons
     // then: -1 Power On, 0 Next, 4 Next, 5 and 6 the close button.
     void GoTo(int step);
 

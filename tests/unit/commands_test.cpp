@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/rig/wizard_run.h"
+#include "tests/unit_harness/wizard_run.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/probe/wizard_probe.h"
 

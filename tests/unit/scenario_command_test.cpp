@@ -54,7 +54,7 @@ TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
     EXPECT_EQ(Run({passes, wrong}), 2);
     EXPECT_EQ(Read("err"), "tolvane: " + wrong +
                                ":2: '9' is not allowed after 'wait step'; allowed is power-on, "
-                               "check-card, insert-card, updating, please-wait, remove-card, "
+                               "check-card, insert-card, updating, wait, remove-card, "
                                "result, reopen or STEP (a whole number from -1 to 6)\n");
     EXPECT_EQ(Read("out"), "");
 }

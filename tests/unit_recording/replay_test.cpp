@@ -6,8 +6,8 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/rig/wizard_run.h"
 #include "tests/support/process.h"
+#include "tests/unit_harness/wizard_run.h"
 #include "unit/recording/recording_reader.h"
 
 namespace tests {

@@ -82,13 +82,13 @@ TEST(ReadScenario, RefusesAWrongLineWithPlaceAndWhatIsAllowed) {
 class ScenarioFiles : public Process {};
 
 TEST_F(ScenarioFiles, AreTakenInFromTheirOwnFoldersButNeverInACircle) {
-    std::filesystem::create_directory(Path("road"));
+    std::filesystem::create_directory(Path("flows"));
     for (const auto& [name, text] :
-         {std::pair("main.scenario", "seed 7\ninclude road/begin.scenario\nwait 3s\n"),
-          {"road/begin.scenario",
+         {std::pair("main.scenario", "seed 7\ninclude flows/begin.scenario\nwait 3s\n"),
+          {"flows/begin.scenario",
            "repeat 2\nwait 1s\ninclude end.scenario\nend\nexpect graphics x.png\n"},
-          {"road/end.scenario", "\nwait 2s"},
-          {"circle.scenario", "include road/../circle.scenario\n"},
+          {"flows/end.scenario", "\nwait 2s"},
+          {"circle.scenario", "include flows/../circle.scenario\n"},
           {"open.scenario", "repeat 2\n"},
           {"leaves-open.scenario", "include open.scenario\nwait 1s\n"}})
         std::ofstream(Path(name)) << text;
@@ -107,9 +107,9 @@ TEST_F(ScenarioFiles, AreTakenInFromTheirOwnFoldersButNeverInACircle) {
     for (const Step& step : scenario->steps)
         steps += step.Place().substr(Path("").size()) + " " + step.text + "\n";
     EXPECT_EQ(steps,
-              "road/begin.scenario:2 wait 1s\nroad/end.scenario:2 wait 2s\n"
-              "road/begin.scenario:2 wait 1s\nroad/end.scenario:2 wait 2s\n"
-              "road/begin.scenario:5 expect graphics x.png\nmain.scenario:3 wait 3s\n");
+              "flows/begin.scenario:2 wait 1s\nflows/end.scenario:2 wait 2s\n"
+              "flows/begin.scenario:2 wait 1s\nflows/end.scenario:2 wait 2s\n"
+              "flows/begin.scenario:5 expect graphics x.png\nmain.scenario:3 wait 3s\n");
 
     for (const auto& [name, end] : {std::pair("circle.scenario", "circle.scenario includes itself"),
                                     {"leaves-open.scenario", "open.scenario has no end there"},

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/rig/wizard_run.h"
 #include "tests/support/process.h"
+#include "tests/unit_harness/wizard_run.h"
 #include "unit/picture/picture_difference.h"
 
 // Scenarios on the whole program and unit, in simulated time.

@@ -16,8 +16,8 @@ struct StepWord {
     int step;
 };
 constexpr StepWord kSteps[] = {
-    {"power-on", -1},   {"check-card", 0},  {"insert-card", 1}, {"updating", 2},
-    {"please-wait", 3}, {"remove-card", 4}, {"result", 5},      {"reopen", 6},
+    {"power-on", -1}, {"check-card", 0},  {"insert-card", 1}, {"updating", 2},
+    {"wait", 3},      {"remove-card", 4}, {"result", 5},      {"reopen", 6},
 };
 
 bool IsNamedStep(Stage&, const Values& values) {
@@ -115,7 +115,7 @@ std::string TheFirmware(Stage& stage) {
 
 std::vector<Condition> StateConditions() {
     return {
-        {"step power-on|check-card|insert-card|updating|please-wait|remove-card|result|reopen",
+        {"step power-on|check-card|insert-card|updating|wait|remove-card|result|reopen",
          "The wizard is at that step.", IsNamedStep, TheStep},
         {"step STEP", "The same by number.", IsNumberedStep, TheStep},
         {"text TEXT", "That text stands on the screen, as the program drew it.", ShowsText},

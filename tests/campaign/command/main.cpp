@@ -18,9 +18,9 @@ constexpr std::chrono::seconds kProgress(30);
 
 struct Request {
     std::string case_text;
-    std::vector<std::string> roads, kinds;
+    std::vector<std::string> flows, kinds;
     std::uint64_t every = 0, pairs = 0;
-    Stretch stretch;
+    Range range;
     std::uint32_t seed = 1;
     std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
 };
@@ -35,17 +35,17 @@ void PrintRow(const std::string& name, std::span<const std::uint64_t> numbers) {
 
 class Campaign {
   public:
-    void Note(const std::string& sort, const Case& trial, const Verdict& verdict) {
-        // Struck: all of its faults came. Twice: it needed a second cycle of power.
+    void Record(const std::string& sort, const Case& trial, const Result& result) {
+        // Injected: all of its faults came. Twice: it needed a second cycle of power.
         const Row row = {1,
-                         verdict.struck >= trial.faults.size(),
-                         verdict.cycles > 0,
-                         verdict.cycles > 1,
-                         verdict.reopened,
-                         !verdict.findings.empty()};
+                         result.injected >= trial.faults.size(),
+                         result.cycles > 0,
+                         result.cycles > 1,
+                         result.reopened,
+                         !result.findings.empty()};
         for (Row* const sum : {&rows_[sort], &all_})
             std::ranges::transform(*sum, row, sum->begin(), std::plus());
-        for (const std::string& finding : verdict.findings)
+        for (const std::string& finding : result.findings)
             Tell(trial, finding);
         if (const auto now = Clock::now(); now - told_ > kProgress) {
             told_ = now;
@@ -60,7 +60,7 @@ class Campaign {
     }
 
     void TellCounts() const {
-        std::printf("%-20s %9s %9s %9s %9s %9s %9s\n", "fault", "cases", "struck", "recovered",
+        std::printf("%-20s %9s %9s %9s %9s %9s %9s\n", "fault", "cases", "injected", "recovered",
                     "twice", "reopened", "findings");
         for (const auto& [sort, row] : rows_)
             PrintRow(sort, row);
@@ -96,33 +96,34 @@ auto Chosen(const std::string& what, const std::vector<std::string>& names, cons
 bool FindsInOne(const std::string& text) {
     const Case trial = ParseCase(text);
     std::vector<std::string> log;
-    const Verdict verdict = Try(trial, &log);
+    const Result result = RunCase(trial, &log);
     for (const std::string& line : log)
         std::printf("%s\n", line.c_str());
     std::printf("%s: %zu of %zu faults came; power was cycled %zu times\n", ToText(trial).c_str(),
-                verdict.struck, trial.faults.size(), verdict.cycles);
-    for (const std::string& finding : verdict.findings)
+                result.injected, trial.faults.size(), result.cycles);
+    for (const std::string& finding : result.findings)
         std::printf("FINDING  %s\n", finding.c_str());
-    return !verdict.findings.empty();
+    return !result.findings.empty();
 }
 
 bool FindsInMany(const Request& request) {
     const auto kinds = Chosen("fault", request.kinds, FaultKinds());
     Campaign campaign;
-    const auto courses = Survey(
-        Chosen("road", request.roads, Roads()), request.jobs,
+    const auto baselines = MeasureBaselines(
+        Chosen("flow", request.flows, Flows()), request.jobs,
         [&](const Case& trial, const std::string& finding) { campaign.Tell(trial, finding); });
-    std::printf("%-20s %9s %9s %9s\n", "road", "calls", "frames", "bytes");
-    for (const Course& course : courses)
-        PrintRow(std::string(course.road->name), course.counts);
+    std::printf("%-20s %9s %9s %9s\n", "flow", "calls", "frames", "bytes");
+    for (const Baseline& baseline : baselines)
+        PrintRow(std::string(baseline.flow->name), baseline.counts);
     if (request.every > 0)
-        TryApart(Sweep(courses, kinds, request.every, request.stretch, request.seed), request.jobs,
-                 [&](const Case& trial, const Verdict& verdict) {
-                     campaign.Note(std::string(trial.faults.front().kind->name), trial, verdict);
-                 });
-    TryApart(
-        Sample(courses, kinds, 2, request.pairs, request.seed), request.jobs,
-        [&](const Case& trial, const Verdict& verdict) { campaign.Note("pairs", trial, verdict); });
+        RunIsolated(Sweep(baselines, kinds, request.every, request.range, request.seed),
+                    request.jobs, [&](const Case& trial, const Result& result) {
+                        campaign.Record(std::string(trial.faults.front().kind->name), trial,
+                                        result);
+                    });
+    RunIsolated(
+        Sample(baselines, kinds, 2, request.pairs, request.seed), request.jobs,
+        [&](const Case& trial, const Result& result) { campaign.Record("pairs", trial, result); });
     campaign.TellCounts();
     return campaign.found();
 }
@@ -136,12 +137,12 @@ int Run(int count, const char* const* arguments) {
             ->type_name("NUMBER");
     };
     app.add_option("--case", request.case_text)->type_name("TEXT");
-    app.add_option("--road", request.roads)->type_name("NAME");
+    app.add_option("--flow", request.flows)->type_name("NAME");
     app.add_option("--kind", request.kinds)->type_name("NAME");
     number("--every", request.every, 1);
     number("--pairs", request.pairs, 0);
-    number("--from", request.stretch.first, 1);
-    number("--to", request.stretch.last, 1);
+    number("--from", request.range.first, 1);
+    number("--to", request.range.last, 1);
     number("--seed", request.seed, 0);
     number("--jobs", request.jobs, 1);
     app.set_help_flag();
@@ -160,7 +161,7 @@ int RunOrRefuse(int count, const char* const* arguments) {
         return Run(count, arguments);
     } catch (const CLI::ExtrasError& error) {
         std::fprintf(stderr,
-                     "fault-campaign: %s; allowed are --case, --road, --kind, --every, --from, "
+                     "fault-campaign: %s; allowed are --case, --flow, --kind, --every, --from, "
                      "--to, --pairs, --seed and --jobs\n",
                      error.what());
     } catch (const std::exception& error) {

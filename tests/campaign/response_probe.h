@@ -13,7 +13,7 @@ namespace tests::campaign {
 
 // Another application of the unit that sends the program's window a message and waits for the
 // answer. Hardware's thread.
-class AnswerProbe {
+class ResponseProbe {
   public:
     // The longest that the window may take: it waits so long for a scaler's driver that is missing.
     static constexpr std::chrono::seconds kLongestWait{14};

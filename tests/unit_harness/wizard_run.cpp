@@ -1,4 +1,4 @@
-#include "tests/rig/wizard_run.h"
+#include "tests/unit_harness/wizard_run.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/campaign/road.h"
+#include "tests/campaign/flow.h"
 
 namespace tests::campaign {
 
@@ -16,7 +16,7 @@ std::optional<End> Drive(WizardRun&, CarDriver& driver) {
 void AsItIs(Options&) {}
 
 void Quick(Options& options) {
-    Hurry(options.dvr.dvr.timings, options.dvr.dvr.faults);
+    ShortenUpdate(options.dvr.dvr.timings, options.dvr.dvr.faults);
 }
 
 template <bool Faults::*kFault>
@@ -60,14 +60,14 @@ std::optional<End> DriveFromBlankCard(WizardRun& run, CarDriver& driver) {
 }
 
 // Something happens in the middle of the update, and the drive goes on.
-template <auto kHappening>
+template <auto kEvent>
 std::optional<End> DriveUntilUpdating(WizardRun& run, CarDriver& driver) {
     const auto end = driver.Drive(kLongestDrive, [&] {
         return !run.screen().TextStartingWith(L"Update Percent : ").empty();
     });
     if (end || !run.unit().program().running())
         return end;
-    kHappening(run, driver);
+    kEvent(run, driver);
     return driver.Drive(kLongestDrive);
 }
 
@@ -85,9 +85,9 @@ std::optional<End> DriveFromBattery(WizardRun& run, CarDriver& driver) {
     return driver.Drive(kLongestDrive);
 }
 
-// One road a line, whatever its length.
+// One flow a line, whatever its length.
 // clang-format off
-constexpr Road kRoads[] = {
+constexpr Flow kFlows[] = {
     {"normal", End::kSuccess, AsItIs, Drive},
     {"quick", End::kSuccess, Quick, Drive},
     {"image-missing", End::kSuccess, Quick, DriveWithoutImage},
@@ -96,7 +96,7 @@ constexpr Road kRoads[] = {
     {"no-version", End::kFailure, With<&Faults::silent_version>, Drive},
     {"silent", End::kError, With<&Faults::silent>, Drive},
     {"update-hangs", End::kStandstill, Hanging, Drive},
-    {"reports-flood", End::kSuccess, Flooding, Drive},
+    {"indication-flood", End::kSuccess, Flooding, Drive},
     {"power-lost", End::kSuccess, Quick, DriveUntilUpdating<LosePower>},
     {"dvr-reboots", End::kSuccess, Quick, DriveUntilUpdating<Reboot>},
     {"power-off-at-start", End::kSuccess, OnBattery, DriveFromBattery},
@@ -108,11 +108,11 @@ constexpr Road kRoads[] = {
 
 }  // namespace
 
-std::span<const Road> Roads() {
-    return kRoads;
+std::span<const Flow> Flows() {
+    return kFlows;
 }
 
-void Hurry(dvrsim::Timings& timings, dvrsim::Faults& faults) {
+void ShortenUpdate(dvrsim::Timings& timings, dvrsim::Faults& faults) {
     timings.update = dvrsim::Milliseconds(28000, 32000);
     faults.jump_back = dvrsim::PercentJump{3, 96};
 }

@@ -1,4 +1,4 @@
-#include "tests/endurance/census.h"
+#include "tests/endurance/resource_snapshot.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -27,7 +27,7 @@ std::size_t CountOf(const char* folder) {
 
 }  // namespace
 
-Census Census::Take() {
+ResourceSnapshot ResourceSnapshot::Take() {
     malloc_trim(0);
     std::size_t pages = 0;
     std::size_t resident_pages = 0;
@@ -36,7 +36,7 @@ Census Census::Take() {
             resident_pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE))};
 }
 
-std::string Census::Text() const {
+std::string ResourceSnapshot::Text() const {
     char text[128];
     std::snprintf(text, sizeof text,
                   "%zu threads, %zu descriptors, %.2f MiB allocated, %.1f MiB resident", threads,
@@ -45,7 +45,7 @@ std::string Census::Text() const {
     return text;
 }
 
-std::string Growth(const Census& before, const Census& after) {
+std::string Growth(const ResourceSnapshot& before, const ResourceSnapshot& after) {
     const bool grown = after.threads > before.threads || after.descriptors > before.descriptors ||
                        after.allocated > before.allocated + kMayGrowAllocated ||
                        after.resident > before.resident + kMayGrowResident;

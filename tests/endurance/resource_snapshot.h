@@ -6,17 +6,17 @@
 namespace tests {
 
 // What this process holds between two runs.
-struct Census {
+struct ResourceSnapshot {
     std::size_t threads = 0;
     std::size_t descriptors = 0;
     std::size_t allocated = 0;  // bytes
     std::size_t resident = 0;   // bytes
 
-    static Census Take();
+    static ResourceSnapshot Take();
     std::string Text() const;
 };
 
 // Empty, or what has grown beyond what caches that fill up and fragments explain.
-std::string Growth(const Census& before, const Census& after);
+std::string Growth(const ResourceSnapshot& before, const ResourceSnapshot& after);
 
 }  // namespace tests

@@ -1,4 +1,4 @@
-#include "tests/rig/car_driver.h"
+#include "tests/unit_harness/car_driver.h"
 
 #include "platform/kernel/clock.h"
 
@@ -9,7 +9,7 @@ using platform::kernel::Now;
 
 namespace {
 
-constexpr auto kGlance = 400ms;
+constexpr auto kPollInterval = 400ms;
 // The wizard is busy for a while after some taps, and shows the button still.
 constexpr auto kTapAgain = 1s;
 // A driver reads the screen before he believes it: some stand for a moment only.
@@ -89,7 +89,7 @@ void CarDriver::Act() {
 }
 
 void CarDriver::Look() {
-    run_.RunFor(kGlance);
+    run_.RunFor(kPollInterval);
     if (const std::uint64_t version = run_.unit().screen_version(); version != seen_version_) {
         seen_version_ = version;
         std::vector<std::wstring> texts = run_.screen().Texts();

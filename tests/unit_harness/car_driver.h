@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "dvrsim/temporary_card.h"
-#include "tests/rig/wizard_run.h"
+#include "tests/unit_harness/wizard_run.h"
 
 namespace tests {
 
