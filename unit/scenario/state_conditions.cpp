@@ -15,9 +15,10 @@ struct StepWord {
     std::string_view word;
     int step;
 };
+// "wait" is last: it is also the command word of "wait step result".
 constexpr StepWord kSteps[] = {
-    {"power-on", -1}, {"check-card", 0},  {"insert-card", 1}, {"updating", 2},
-    {"wait", 3},      {"remove-card", 4}, {"result", 5},      {"reopen", 6},
+    {"power-on", -1},   {"check-card", 0}, {"insert-card", 1}, {"updating", 2},
+    {"remove-card", 4}, {"result", 5},     {"reopen", 6},      {"wait", 3},
 };
 
 bool IsNamedStep(Stage&, const Values& values) {
