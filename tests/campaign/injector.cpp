@@ -26,7 +26,7 @@ Injector::Injector(const Case& trial, WizardRun& run, unit::Operator& unit_opera
     : run_(run), operator_(unit_operator) {
     kernel::ObserveCalls([this](const kernel::MadeCall& call) { OnCall(call); });
     kernel::ObserveFailedCalls([this](const kernel::FailedCall& call) { OnFailedCall(call); });
-    subscription_ = run.unit().events().Listen([this](const unit::TimedEvent& event) {
+    subscription_ = run.unit().events().Subscribe([this](const unit::TimedEvent& event) {
         if (std::holds_alternative<unit::FaultApplied>(event.event))
             Record(kOnTheLine);
         const auto* const line = std::get_if<unit::LineBytes>(&event.event);

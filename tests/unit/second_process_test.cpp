@@ -131,14 +131,14 @@ class PlayedFirst {
   private:
     void Answer(Id id, const std::string& line) {
         ++questions;
-        if (line == "neighbour object Tolvane")
+        if (line == "other-process object Tolvane")
             return Say(id, answers_.object);
-        if (line == "neighbour window class Tolvane") {
+        if (line == "other-process window class Tolvane") {
             if (answers_.hangs_up)
                 ending_ = true;
             return Say(id, window_questions++ < answers_.windowless_questions ? "0" : "305419896");
         }
-        if (line == "neighbour forward 305419896 owned") {
+        if (line == "other-process forward 305419896 owned") {
             ++forwards;
             return Say(id, answers_.forward);
         }

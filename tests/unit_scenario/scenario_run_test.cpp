@@ -152,7 +152,7 @@ TEST_F(Scenarios, StopTellsWhereTheyStood) {
 TEST_F(Scenarios, EndWhereTheyCannotRememberMore) {
     platform::kernel::After(1s, [this] {
         for (std::size_t count = 0; count < Happenings::kMost; ++count)
-            run_.unit().events().Tell(FaultApplied{});
+            run_.unit().events().Publish(FaultApplied{});
     });
     Fails("wait 5s", "more than 1000000 things have happened; a scenario looks back on no more");
 }

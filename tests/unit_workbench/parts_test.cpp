@@ -25,14 +25,14 @@ TEST(History, FilesWhatHappensAtTheEdges) {
     unit::EventHub hub;
     unit::History history(hub);
     EXPECT_FALSE(history.Update());
-    hub.Tell(unit::LineLogged{"first"});
+    hub.Publish(unit::LineLogged{"first"});
     // A report of 57 percent in two pieces, and one whose checksum is wrong.
-    hub.Tell(LineBytes{kToUnit, {0xA5, 0x5A, 0x80, 0x00, 0x2E, 0x00}});
-    hub.Tell(LineBytes{kToUnit, {0x01, 0x39, 0x01, 0xE7}});
-    hub.Tell(LineBytes{kToUnit, {0xA5, 0x5A, 0x80, 0x00, 0x2E, 0x00, 0x01, 0x3A, 0x00, 0x00}});
-    hub.Tell(unit::CardMoved{true, "/somewhere"});
-    hub.Tell(unit::PowerRequested{L"_All_APP_PowerSuspend_Request_"});
-    hub.Tell(unit::BroadcastPosted{L"_PowerSuspend_Acknowledge_", 0xC000, 0, 0});
+    hub.Publish(LineBytes{kToUnit, {0xA5, 0x5A, 0x80, 0x00, 0x2E, 0x00}});
+    hub.Publish(LineBytes{kToUnit, {0x01, 0x39, 0x01, 0xE7}});
+    hub.Publish(LineBytes{kToUnit, {0xA5, 0x5A, 0x80, 0x00, 0x2E, 0x00, 0x01, 0x3A, 0x00, 0x00}});
+    hub.Publish(unit::CardMoved{true, "/somewhere"});
+    hub.Publish(unit::PowerRequested{L"_All_APP_PowerSuspend_Request_"});
+    hub.Publish(unit::BroadcastPosted{L"_PowerSuspend_Acknowledge_", 0xC000, 0, 0});
     EXPECT_TRUE(history.log().entries().empty()) << "notes are filed by Update alone";
     EXPECT_TRUE(history.Update());
     EXPECT_EQ(history.log().entries().at(0).text, "first");
@@ -45,7 +45,7 @@ TEST(History, FilesWhatHappensAtTheEdges) {
     EXPECT_EQ(history.words().entries().at(1).text, "suspend acknowledged");
     // While nobody files them, so many notes and no more.
     for (int i = 0; i < 60'000; ++i)
-        hub.Tell(unit::LineLogged{"more"});
+        hub.Publish(unit::LineLogged{"more"});
     history.Update();
     EXPECT_EQ(history.log().count(), 50'001U);
 }

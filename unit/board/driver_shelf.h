@@ -48,7 +48,7 @@ class DriverShelf {
 
     // For the drivers' wrappers: ERROR_SUCCESS, or the error that this request is refused with.
     DWORD Refusal(const std::wstring& name, DWORD code);
-    void Tell(DriverCalled call) { events_.Tell(std::move(call)); }
+    void Tell(DriverCalled call) { events_.Publish(std::move(call)); }
 
   private:
     struct Refusing {

@@ -28,7 +28,7 @@ DWORD PowerCoordinator::Raise(const PowerRequest& request) {
     if (!exists)
         made_.push_back(event);
     // Told first: the acknowledgement may come before the call returns.
-    events_.Tell(PowerRequested{request.event});
+    events_.Publish(PowerRequested{request.event});
     const DWORD error = SetEvent(event) ? ERROR_SUCCESS : GetLastError();
     if (exists)
         CloseHandle(event);

@@ -42,7 +42,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
       log_(log),
       say_([this, say = std::move(say)](const std::string& line) {
           say(line);
-          events_.Tell(OperatorTold{line});
+          events_.Publish(OperatorMessage{line});
       }),
       time_scale_(std::max(1, static_cast<int>(options.kernel.speed))) {
     kernel::Boot(options.kernel, *this);
@@ -51,15 +51,16 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
     scaler_ = std::make_shared<Scaler>([this] { ScreenChanged(); });
     dvr_ = std::make_unique<DvrBay>(
         options.dvr, say_, [this](Direction direction, std::span<const std::uint8_t> bytes) {
-            events_.Tell(LineBytes{direction, {bytes.begin(), bytes.end()}});
+            events_.Publish(LineBytes{direction, {bytes.begin(), bytes.end()}});
         });
-    dvr_->faults().OnApplied([this](const std::string& text) { events_.Tell(FaultApplied{text}); });
+    dvr_->faults().OnApplied(
+        [this](const std::string& text) { events_.Publish(FaultApplied{text}); });
     LoadDrivers(options);
     log_.Listen([this](std::chrono::microseconds, const std::string& line) {
-        events_.Tell(LineLogged{line});
+        events_.Publish(LineLogged{line});
     });
     window::ObserveBroadcasts([this](UINT message, WPARAM wparam, LPARAM lparam) {
-        events_.Tell(
+        events_.Publish(
             BroadcastPosted{window::RegisteredMessageName(message), message, wparam, lparam});
     });
 
@@ -139,22 +140,22 @@ bool VirtualUnit::Close(std::chrono::seconds limit) {
 void VirtualUnit::Touch(window::Touch touch, int x, int y) {
     if (suspended_)
         return;
-    events_.Tell(FingerMoved{touch, x, y});
+    events_.Publish(FingerMoved{touch, x, y});
     window::TouchScreen(touch, x, y);
 }
 
 void VirtualUnit::InsertCard(const std::string& folder) {
     if (dvr_->dvr() && dvr_->dvr()->InsertCard(folder))
-        events_.Tell(CardMoved{true, folder});
+        events_.Publish(CardMoved{true, folder});
 }
 
 void VirtualUnit::RemoveCard() {
     if (dvr_->dvr() && dvr_->dvr()->RemoveCard())
-        events_.Tell(CardMoved{false, {}});
+        events_.Publish(CardMoved{false, {}});
 }
 
 void VirtualUnit::ResetDvr() {
-    events_.Tell(DvrReset{});
+    events_.Publish(DvrReset{});
     dvr_->Reset();
 }
 
@@ -165,7 +166,7 @@ void VirtualUnit::ChangeSupply(const std::function<void(platform::PowerSupply&)>
         change(supply_);
         now = supply_;
     }
-    events_.Tell(SupplyChanged{now});
+    events_.Publish(SupplyChanged{now});
     platform::powermgr::Notify(PBT_POWERSTATUSCHANGE);
 }
 
@@ -221,18 +222,18 @@ const platform::gdi::Surface& VirtualUnit::Screen() {
 
 void VirtualUnit::SetHalRefuses(bool refuses) {
     hal_refuses_ = refuses;
-    events_.Tell(BoardFaultSwitched{BoardFaultSwitched::Fault::kHalRefuses, refuses});
+    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kHalRefuses, refuses});
 }
 
 void VirtualUnit::SetBatteryDriverFails(bool fails) {
     battery_driver_fails_ = fails;
-    events_.Tell(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
+    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
 }
 
 bool VirtualUnit::JumpClock(kernel::Duration forward) {
     if (forward.count() < 0 || forward > kernel::kLongestJump)
         return false;
-    events_.Tell(ClockJumped{forward});
+    events_.Publish(ClockJumped{forward});
     return kernel::JumpClock(forward);
 }
 
@@ -245,7 +246,7 @@ void VirtualUnit::WakeUp() {
 
 void VirtualUnit::SetSuspended(bool suspended) {
     suspended_ = suspended;
-    events_.Tell(SuspendChanged{suspended});
+    events_.Publish(SuspendChanged{suspended});
     ScreenChanged();
 }
 
@@ -299,7 +300,7 @@ void VirtualUnit::DebugOutput(std::wstring_view text) {
 
 void VirtualUnit::ScreenChanged() {
     ++screen_version_;
-    events_.Tell(ScreenDrawn{});
+    events_.Publish(ScreenDrawn{});
     if (on_screen_change_)
         on_screen_change_();
 }

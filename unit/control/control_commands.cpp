@@ -38,14 +38,14 @@ const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
         {"help", "Lists the commands.", &ControlServer::StartHelp},
         {"complete [TEXT...]", "Lists the plain words that may follow those words.",
          &ControlServer::StartComplete},
-        {"neighbour object NAME", "Asked by a second copy of the program: what has that name here.",
+        {"other-process object NAME",
+         "For a second copy of the program: the kind of the object of that name.",
          &ControlServer::StartFindObject},
-        {"neighbour window [class NAME] [title TEXT]",
-         "Asked by a second copy: the number of such a window, or 0.",
-         &ControlServer::StartFindWindow},
-        {"neighbour has CODE", "Asked by a second copy: whether that window is there.",
+        {"other-process window [class NAME] [title TEXT]",
+         "For a second copy: the number of such a window, or 0.", &ControlServer::StartFindWindow},
+        {"other-process has CODE", "For a second copy: whether that window exists.",
          &ControlServer::StartHasWindow},
-        {"neighbour forward CODE [owned]",
+        {"other-process forward CODE [owned]",
          "Brings that window forward, with those that it owns, and the host's window.",
          &ControlServer::StartBringForward},
     };
@@ -128,12 +128,13 @@ void ControlServer::RaiseRequest(const Job& job) {
         PowerRequests(), [&](const PowerRequest& known) { return job.values.Chose(known.name); });
     // Listens before the request is raised: the answer may come at once.
     const auto heard = std::make_shared<std::atomic<std::int64_t>>(kNotHeard);
-    const auto listening = std::make_shared<EventHub::Subscription>(hands_.unit().events().Listen(
-        [heard, name = request->acknowledgement](const TimedEvent& timed) {
-            const auto* const posted = std::get_if<BroadcastPosted>(&timed.event);
-            if (posted && posted->name == name)
-                *heard = timed.time.count();
-        }));
+    const auto listening =
+        std::make_shared<EventHub::Subscription>(hands_.unit().events().Subscribe(
+            [heard, name = request->acknowledgement](const TimedEvent& timed) {
+                const auto* const posted = std::get_if<BroadcastPosted>(&timed.event);
+                if (posted && posted->name == name)
+                    *heard = timed.time.count();
+            }));
     const Outcome raised = UnitCommands().Follow(hands_, job.request.line);
     if (!raised.done)
         return job.answer->End(raised);

@@ -60,13 +60,13 @@ std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds li
 }
 
 NamedKind FirstUnit::FindObject(std::wstring_view name) {
-    const std::string answer = Ask("neighbour object " + QuoteWord(ToUtf8(name)), kAnswerLimit);
+    const std::string answer = Ask("other-process object " + QuoteWord(ToUtf8(name)), kAnswerLimit);
     return answer == "mutex" ? NamedKind::kMutex : NamedKind::kNone;
 }
 
 NeighbourWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_name,
                                       std::optional<std::wstring_view> title) {
-    std::string line = "neighbour window";
+    std::string line = "other-process window";
     if (class_name)
         line += " class " + QuoteWord(ToUtf8(*class_name));
     if (title)
@@ -75,13 +75,13 @@ NeighbourWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_nam
 }
 
 bool FirstUnit::WindowExists(NeighbourWindow window) {
-    return Ask("neighbour has " + std::to_string(window), kAnswerLimit) == "yes";
+    return Ask("other-process has " + std::to_string(window), kAnswerLimit) == "yes";
 }
 
 bool FirstUnit::BringForward(NeighbourWindow window, bool with_owned) {
     const std::string owned = with_owned ? " owned" : "";
     const bool came =
-        Ask("neighbour forward " + std::to_string(window) + owned, kForwardLimit) == "yes";
+        Ask("other-process forward " + std::to_string(window) + owned, kForwardLimit) == "yes";
     if (came)
         came_forward_();
     return came;

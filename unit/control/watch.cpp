@@ -7,7 +7,7 @@ namespace unit {
 Watch::Watch(EventHub& events, WatchedKinds kinds, std::function<void(const std::string&)> tell)
     : kinds_(kinds),
       tell_(std::move(tell)),
-      subscription_(events.Listen([this](const TimedEvent& timed) { Hear(timed); })) {}
+      subscription_(events.Subscribe([this](const TimedEvent& timed) { Hear(timed); })) {}
 
 void Watch::Hear(const TimedEvent& timed) {
     if (const auto* const piece = std::get_if<LineBytes>(&timed.event))

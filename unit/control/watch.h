@@ -19,7 +19,7 @@ struct WatchedKinds {
 // Tells the unit's events as lines of text: the unit's time in seconds, the kind, what happened.
 class Watch {
   public:
-    // `tell` is called where the event happened, see EventHub::Listener.
+    // `tell` is called where the event happened, see EventHub::Subscriber.
     Watch(EventHub& events, WatchedKinds kinds, std::function<void(const std::string&)> tell);
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;

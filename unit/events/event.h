@@ -70,8 +70,8 @@ struct LineLogged {
     std::string text;
 };
 
-// A line for the operator, who has something to do by hand perhaps.
-struct OperatorTold {
+// A line for the operator, who may have to do something by hand.
+struct OperatorMessage {
     std::string line;
 };
 
@@ -102,9 +102,10 @@ struct ClockJumped {
 // The DVR restarts because its reset wire was pulled.
 struct DvrReset {};
 
-using Event = std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested,
-                           DriverCalled, BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged,
-                           FaultApplied, BoardFaultSwitched, ClockJumped, DvrReset, OperatorTold>;
+using Event =
+    std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested, DriverCalled,
+                 BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged, FaultApplied,
+                 BoardFaultSwitched, ClockJumped, DvrReset, OperatorMessage>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit

@@ -17,25 +17,25 @@ EventHub::Subscription& EventHub::Subscription::operator=(Subscription&& other) 
 
 EventHub::Subscription::~Subscription() {
     if (hub_)
-        hub_->Forget(id_);
+        hub_->Cancel(id_);
 }
 
-EventHub::Subscription EventHub::Listen(Listener listener) {
+EventHub::Subscription EventHub::Subscribe(Subscriber subscriber) {
     const std::scoped_lock lock(mutex_);
-    entries_.push_back({++last_id_, std::move(listener)});
+    entries_.push_back({++last_id_, std::move(subscriber)});
     return {*this, last_id_};
 }
 
-void EventHub::Tell(Event event) {
+void EventHub::Publish(Event event) {
     const std::scoped_lock lock(mutex_);
     if (entries_.empty())
         return;
     const TimedEvent timed{platform::kernel::Now(), std::move(event)};
     for (const Entry& entry : entries_)
-        entry.listener(timed);
+        entry.subscriber(timed);
 }
 
-void EventHub::Forget(int id) {
+void EventHub::Cancel(int id) {
     const std::scoped_lock lock(mutex_);
     std::erase_if(entries_, [id](const Entry& entry) { return entry.id == id; });
 }

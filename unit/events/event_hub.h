@@ -9,15 +9,17 @@
 
 namespace unit {
 
-// Everything that happens at the unit's edges, told to whoever listens: the workbench, recordings,
-// scenarios, `unitctl watch`. Any thread.
+// Publishes everything that happens at the unit's external interfaces to its subscribers: the
+// workbench, recordings, scenarios, `unitctl watch`. Any thread.
 class EventHub {
   public:
-    // Called one event at a time, on the thread where it happened and with locks of the platform
-    // held perhaps: a listener takes note and returns; it calls neither the API nor the unit.
-    using Listener = std::function<void(const TimedEvent&)>;
+    // Called for one event at a time, on the thread where it happened, possibly with locks of the
+    // platform held: a subscriber stores the event and returns; it calls neither the API nor the
+    // unit.
+    using Subscriber = std::function<void(const TimedEvent&)>;
 
-    // Ends the listening when it goes. The listener is not called any more once that has returned.
+    // Cancels the subscription when destroyed. The subscriber is not called after the destructor
+    // has returned.
     class Subscription {
       public:
         Subscription() = default;
@@ -34,17 +36,17 @@ class EventHub {
     };
 
     // The hub must outlive the subscription.
-    [[nodiscard]] Subscription Listen(Listener listener);
+    [[nodiscard]] Subscription Subscribe(Subscriber subscriber);
 
-    void Tell(Event event);
+    void Publish(Event event);
 
   private:
     struct Entry {
         int id;
-        Listener listener;
+        Subscriber subscriber;
     };
 
-    void Forget(int id);
+    void Cancel(int id);
 
     std::mutex mutex_;
     std::vector<Entry> entries_;

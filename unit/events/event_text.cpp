@@ -70,7 +70,7 @@ struct Teller {
                          "forward by " + std::to_string(jump.forward.count() / 1000) + " ms"};
     }
     Told operator()(const DvrReset&) const { return EventText{"DVR", "reset"}; }
-    Told operator()(const OperatorTold& told) const { return EventText{"operator", told.line}; }
+    Told operator()(const OperatorMessage& told) const { return EventText{"operator", told.line}; }
     Told operator()(const ScreenDrawn&) const { return {}; }
 
     static std::string Hex(std::span<const std::byte> bytes) {

@@ -67,7 +67,7 @@ bool Recorder::Start(const std::string& path, std::string& problem) {
     header_.supply = unit_.supply();
     if (!file_.Open(path, header_, problem))
         return false;
-    subscription_ = unit_.events().Listen([this](const TimedEvent& event) { Note(event); });
+    subscription_ = unit_.events().Subscribe([this](const TimedEvent& event) { Note(event); });
     const auto screen = [this](const SettledScreen& settled) {
         file_.Put(kernel::Now(), Moment(settled));
     };

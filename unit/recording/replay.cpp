@@ -51,7 +51,7 @@ class Run {
                    [this](const SettledScreen& screen) { judge_.Take(kernel::Now(), screen); }) {
         unit_.SetSupply(recording.header.supply);
         FailCalls();
-        subscription_ = unit_.events().Listen([this](const TimedEvent& event) { Note(event); });
+        subscription_ = unit_.events().Subscribe([this](const TimedEvent& event) { Note(event); });
         Look();
     }
     ~Run() { kernel::Cancel(look_); }

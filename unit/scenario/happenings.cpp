@@ -20,7 +20,7 @@ std::string TimedHappening::Text() const {
 }
 
 Happenings::Happenings(EventHub& events) {
-    subscription_ = events.Listen([this](const TimedEvent& event) { Note(event); });
+    subscription_ = events.Subscribe([this](const TimedEvent& event) { Note(event); });
 }
 
 void Happenings::Note(const TimedEvent& event) {

@@ -19,7 +19,7 @@ constexpr std::uint8_t kIndication = 0x80;
 }  // namespace
 
 History::History(EventHub& events)
-    : subscription_(events.Listen([this](const TimedEvent& event) {
+    : subscription_(events.Subscribe([this](const TimedEvent& event) {
           if (std::holds_alternative<ScreenDrawn>(event.event))
               return;
           const std::scoped_lock lock(mutex_);
@@ -46,7 +46,7 @@ void History::File(const TimedEvent& event) {
             FileFrame(std::move(entry));
     } else if (const auto* fault = std::get_if<FaultApplied>(&event.event)) {
         log_.Add({event.time, "line fault: " + fault->text});
-    } else if (const auto* told = std::get_if<OperatorTold>(&event.event)) {
+    } else if (const auto* told = std::get_if<OperatorMessage>(&event.event)) {
         message_ = told->line;
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {
         card_folder_ = card->in ? card->folder : std::string();

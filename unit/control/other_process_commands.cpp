@@ -1,4 +1,4 @@
-// What the control server answers to another process of the unit.
+// The control commands for another process of the unit.
 
 #include <optional>
 
