@@ -87,7 +87,7 @@ std::optional<DWORD> Strike(std::vector<Rule>& rules, std::size_t row, std::uint
 // A program may try again at once, and again: the simulated clock must get on.
 void LetTheClockGetOn() {
     thread_local Time last_failure = kNever;
-    if (CurrentMode() == Mode::kSimulated && last_failure == Now()) {
+    if (CurrentOptions().mode == Mode::kSimulated && last_failure == Now()) {
         const Time deadline = Now() + std::chrono::milliseconds(1);
         KernelLock lock = LockKernel();
         Block(

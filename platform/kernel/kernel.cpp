@@ -64,8 +64,8 @@ Leftovers Shutdown() {
     return leftovers;
 }
 
-Mode CurrentMode() {
-    return g_state->options.mode;
+const Options& CurrentOptions() {
+    return g_state->options;
 }
 
 Board& CurrentBoard() {

@@ -19,6 +19,8 @@ struct Options {
     std::uint64_t seed = 1;
     // Simulated: let the seed also take the processor from a thread at any call of the platform.
     bool preempt = false;
+    // UpdateWindow on another thread's window waits until that thread has painted.
+    bool waiting_repaints = false;
     // Time on the unit's clock at Boot: the program starts some time after power-on.
     Time start = std::chrono::seconds(20);
 };
@@ -37,7 +39,7 @@ struct Leftovers {
 Leftovers Shutdown();
 
 bool Booted();
-Mode CurrentMode();
+const Options& CurrentOptions();
 Board& CurrentBoard();
 
 // What this process has under that name, which is what it answers a neighbour that asks. A stand-in

@@ -56,8 +56,9 @@ struct MessageQueue {
     std::optional<int> quit_code;
     std::vector<Timer> timers;  // in the order of their arming
 
-    // A paint that another thread asked for went ahead of the rest, which has the next turn.
-    bool rest_has_turn = false;
+    // A paint that another thread requested went ahead of all other messages; the next message is
+    // one of those, if there is any.
+    bool others_have_turn = false;
 
     HWND active = NULL;
     HWND focus = NULL;

@@ -10,11 +10,22 @@
 namespace platform::window {
 namespace {
 
-// A window that never validates is asked again and again; the unit's clock must get on meanwhile.
+// A window that never validates gets WM_PAINT again and again, but not more often than this: the
+// simulated clock must be able to advance.
 constexpr kernel::Duration kPaintAgainAfter = std::chrono::milliseconds(1);
 
 bool MustPaint(const Window& window) {
     return window.visible() && !IsEmpty(window.update.rectangle);
+}
+
+// On the window's thread. Painted or hidden meanwhile, the window needs no paint.
+void PaintNow(HWND window) {
+    kernel::KernelLock lock = kernel::LockKernel();
+    const auto target = FindWindowObject(lock, window);
+    const bool must_paint = target && MustPaint(*target);
+    lock.unlock();
+    if (must_paint)
+        CallProcedure(window, WM_PAINT, 0, 0);
 }
 
 }  // namespace
@@ -36,16 +47,17 @@ void Validate(Window& window) {
 }
 
 std::optional<MSG> NextPaintMessage(kernel::KernelLock& lock, MessageQueue& queue,
-                                    const MessageFilter& filter, bool remove, bool asked_for) {
+                                    const MessageFilter& filter, bool remove, PaintKind kind) {
     for (const auto& window : TheDesktop(lock).z_order) {
         Update& update = window->update;
         if (window->queue.get() != &queue || !MustPaint(*window) ||
             !filter.Accepts(QS_PAINT, window->handle, WM_PAINT))
             continue;
-        if (asked_for ? !update.next : update.again > kernel::Now())
+        const bool requested = kind == PaintKind::kRequested;
+        if (update.requested != requested || (!requested && update.again > kernel::Now()))
             continue;
         if (remove) {
-            update.next = false;
+            update.requested = false;
             update.again = kernel::Now() + kPaintAgainAfter;
         }
         MSG message{};
@@ -126,12 +138,14 @@ BOOL UpdateWindow(HWND window) {
         return FALSE;
     if (!MustPaint(*target))
         return TRUE;
-    if (!IsOwn(lock, *target)) {
-        target->update.next = true;
+    if (IsOwn(lock, *target)) {
+        lock.unlock();
+        CallProcedure(window, WM_PAINT, 0, 0);
+    } else if (kernel::CurrentOptions().waiting_repaints) {
+        RunOnAndWait(lock, *target->queue, [window] { PaintNow(window); });
+    } else {
+        target->update.requested = true;
         kernel::Wake(lock);
-        return TRUE;
     }
-    lock.unlock();
-    CallProcedure(window, WM_PAINT, 0, 0);
     return TRUE;
 }

@@ -19,6 +19,18 @@ bool HandOver(kernel::KernelLock& lock, MessageQueue& queue, std::shared_ptr<Sen
     return true;
 }
 
+// Handles messages sent to the calling thread meanwhile.
+void WaitForReply(kernel::KernelLock& lock, const SentMessage& sent) {
+    const std::shared_ptr<MessageQueue> own = CurrentQueue(lock);
+    while (sent.state == SentMessage::State::kPending) {
+        kernel::Block(
+            lock, [&] { return sent.state != SentMessage::State::kPending || !own->sent.empty(); },
+            kernel::kNever);
+        if (sent.state == SentMessage::State::kPending)
+            HandleSentMessage(lock, *own);
+    }
+}
+
 }  // namespace
 
 LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -82,6 +94,14 @@ void RunOn(const std::shared_ptr<MessageQueue>& queue, std::function<void()> act
     HandOver(lock, *queue, std::move(sent));
 }
 
+void RunOnAndWait(kernel::KernelLock& lock, MessageQueue& queue, std::function<void()> action) {
+    const auto sent = std::make_shared<SentMessage>();
+    sent->action = std::move(action);
+    sent->sender_waits = true;
+    HandOver(lock, queue, sent);
+    WaitForReply(lock, *sent);
+}
+
 bool HandleSentMessage(kernel::KernelLock& lock, MessageQueue& queue) {
     if (queue.sent.empty())
         return false;
@@ -110,8 +130,7 @@ bool SendAndWait(HWND window, UINT message, WPARAM wparam, LPARAM lparam, LRESUL
     const auto target = RequireWindow(lock, window);
     if (!target)
         return false;
-    const std::shared_ptr<MessageQueue> own = CurrentQueue(lock);
-    if (target->queue == own) {
+    if (IsOwn(lock, *target)) {
         lock.unlock();
         result = CallProcedure(window, message, wparam, lparam);
         return true;
@@ -124,13 +143,7 @@ bool SendAndWait(HWND window, UINT message, WPARAM wparam, LPARAM lparam, LRESUL
     sent->lparam = lparam;
     sent->sender_waits = true;
     HandOver(lock, *target->queue, sent);
-    while (sent->state == SentMessage::State::kPending) {
-        kernel::Block(
-            lock, [&] { return sent->state != SentMessage::State::kPending || !own->sent.empty(); },
-            kernel::kNever);
-        if (sent->state == SentMessage::State::kPending)
-            HandleSentMessage(lock, *own);
-    }
+    WaitForReply(lock, *sent);
     if (sent->state == SentMessage::State::kLost) {
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return false;

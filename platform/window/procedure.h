@@ -8,7 +8,7 @@
 
 namespace platform::window {
 
-// None of these may be called with the kernel lock held, except where they take it.
+// None of these may be called with the kernel lock held, except those that take it as a parameter.
 
 // Calls the procedure of a window of the calling thread; 0 when the window is gone.
 LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
@@ -20,9 +20,12 @@ bool Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // WM_WINDOWPOSCHANGED.
 void NotifyPosition(const WINDOWPOS& position);
 
-// Runs `action` on the queue's thread, at once if that is the calling one, otherwise as that thread
-// next looks for messages.
+// Runs `action` on the queue's thread: at once if that is the calling thread, otherwise when that
+// thread next handles sent messages.
 void RunOn(const std::shared_ptr<MessageQueue>& queue, std::function<void()> action);
+// The same, and waits until the action has run or the queue's thread has ended. Handles messages
+// sent to the calling thread meanwhile.
+void RunOnAndWait(kernel::KernelLock& lock, MessageQueue& queue, std::function<void()> action);
 
 // Handles the first of the messages sent to the calling thread. False when there is none.
 bool HandleSentMessage(kernel::KernelLock& lock, MessageQueue& queue);

@@ -60,28 +60,30 @@ bool MessageFilter::Accepts(DWORD kind, HWND of_window, UINT message) const {
 
 std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                const MessageFilter& filter, bool remove) {
-    if (!queue.rest_has_turn) {
-        if (const auto paint = NextPaintMessage(lock, queue, filter, remove, true)) {
-            queue.rest_has_turn = remove;
+    const auto requested_paint = [&] {
+        return NextPaintMessage(lock, queue, filter, remove, PaintKind::kRequested);
+    };
+    const bool requested_paint_is_last = queue.others_have_turn;
+    if (!requested_paint_is_last) {
+        if (const auto paint = requested_paint()) {
+            queue.others_have_turn = remove;
             return paint;
         }
     }
     auto message = NextPosted(queue, filter, remove);
     if (!message)
+        message = NextTouchMessage(lock, queue, filter, remove);
+    if (!message)
         message = NextQuit(lock, queue, filter, remove);
     if (!message)
-        message = NextTouchMessage(lock, queue, filter, remove);
+        message = NextPaintMessage(lock, queue, filter, remove, PaintKind::kOrdinary);
     if (!message)
         message = NextTimerMessage(lock, queue, filter, remove);
     if (message) {
-        queue.rest_has_turn = queue.rest_has_turn && !remove;
+        queue.others_have_turn = queue.others_have_turn && !remove;
         return message;
     }
-    if (queue.rest_has_turn)
-        message = NextPaintMessage(lock, queue, filter, remove, true);
-    if (!message)
-        message = NextPaintMessage(lock, queue, filter, remove, false);
-    return message;
+    return requested_paint_is_last ? requested_paint() : std::nullopt;
 }
 
 BOOL WaitForMessage(MSG& message, const MessageFilter& filter, const StopCondition& stop) {

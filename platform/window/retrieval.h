@@ -20,10 +20,10 @@ struct MessageFilter {
     bool Accepts(DWORD kind, HWND of_window, UINT message) const;
 };
 
-// The next message for the calling thread at this moment, in the order of precedence: a paint that
-// another thread's UpdateWindow asked for, posted messages, quit, touch, timers, other paints.
-// Whatever waits behind such a paint comes before the next one, or a thread that asks faster than
-// the window can paint would keep the rest from it for good.
+// The next message for the calling thread at this moment, in the API's order: posted messages,
+// input, quit, paint, timers. (Sent messages come before; the caller handles them.) A paint that
+// another thread's UpdateWindow requested without waiting comes first, in turn with the others:
+// otherwise a thread that requests paints faster than the window can paint would keep them out.
 std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                const MessageFilter& filter, bool remove);
 
@@ -41,8 +41,9 @@ std::optional<MSG> NextTimerMessage(kernel::KernelLock& lock, MessageQueue& queu
                                     const MessageFilter& filter, bool remove);
 std::optional<MSG> NextTouchMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                     const MessageFilter& filter, bool remove);
-// `asked_for`: only paints that another thread's UpdateWindow asked for.
+// kRequested: only paints that another thread's UpdateWindow requested; kOrdinary: all others.
+enum class PaintKind { kRequested, kOrdinary };
 std::optional<MSG> NextPaintMessage(kernel::KernelLock& lock, MessageQueue& queue,
-                                    const MessageFilter& filter, bool remove, bool asked_for);
+                                    const MessageFilter& filter, bool remove, PaintKind kind);
 
 }  // namespace platform::window

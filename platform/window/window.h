@@ -24,8 +24,8 @@ struct WindowClass {
 struct Update {
     RECT rectangle{};
     bool erase = false;
-    // UpdateWindow of another thread asked for this paint: it comes before all other messages.
-    bool next = false;
+    // Another thread's UpdateWindow requested this paint: it comes before all other messages.
+    bool requested = false;
     // A WM_PAINT that was fetched and validated nothing comes again, but not before this.
     kernel::Time again{};
 };

@@ -18,18 +18,18 @@ bool IsButton(int control) {
 
 }  // namespace
 
-// The message that comes next, as the window's thread takes them: paintings that another thread
-// asks for and the rest take turns; then posted ones, touches, timers and other paintings.
+// The next message, in the order of the API: posted messages, touches, paintings, timers. Paintings
+// that another thread requested come first, in turn with the others.
 bool WizardModel::DispatchNext() {
     if (!rest_has_turn_ && PaintNext(true)) {
         rest_has_turn_ = true;
         return true;
     }
-    if (DispatchInput()) {
+    if (DispatchInput() || PaintNext(false) || DispatchTimer()) {
         rest_has_turn_ = false;
         return true;
     }
-    return PaintNext(true) || PaintNext(false);
+    return PaintNext(true);
 }
 
 bool WizardModel::DispatchInput() {
@@ -39,12 +39,15 @@ bool WizardModel::DispatchInput() {
         Dispatch(posted);
         return true;
     }
-    if (!touches_.empty()) {
-        const TouchInput touch = touches_.front();
-        touches_.pop_front();
-        DispatchTouch(touch);
-        return true;
-    }
+    if (touches_.empty())
+        return false;
+    const TouchInput touch = touches_.front();
+    touches_.pop_front();
+    DispatchTouch(touch);
+    return true;
+}
+
+bool WizardModel::DispatchTimer() {
     const auto due = std::ranges::min_element(timers_, {}, &TimerState::due);
     if (due == timers_.end() || due->due > now_)
         return false;
@@ -56,7 +59,7 @@ bool WizardModel::DispatchInput() {
 
 bool WizardModel::PaintNext(bool asked) {
     for (Window* const window : {&notice_, &main_}) {
-        if (window->exists && window->invalid && (!asked || window->asked)) {
+        if (window->exists && window->invalid && window->asked == asked) {
             Paint(*window);
             return true;
         }

@@ -197,6 +197,7 @@ class WizardModel {
     void Take(Trigger trigger, unsigned id);
     bool DispatchNext();
     bool DispatchInput();
+    bool DispatchTimer();
     bool PaintNext(bool asked);
     void Dispatch(const Posted& posted);
     void DispatchToNotice(const Posted& posted);

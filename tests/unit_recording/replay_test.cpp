@@ -117,6 +117,7 @@ TEST_F(Replays, AFreeRunMayHaveSentInAnotherOrder) {
 TEST_F(Replays, EverythingThatHappensToAUnitIsPlayedAgain) {
     std::ofstream(Path("walk.scenario")) << R"(seed 5
 preempt
+start with waiting repaints
 start without picture 203
 start without external power
 fault call CreateFileW after 2

@@ -6,7 +6,7 @@ namespace {
 const TestWindow::Handler kValidate =
     On(WM_PAINT, [](HWND handle, WPARAM) { return ValidateRect(handle, NULL) - 1; });
 
-PLATFORM_TEST(Retrieval, SentBeforePostedBeforeQuitBeforeTouchBeforeTimerBeforePaint) {
+PLATFORM_TEST(Retrieval, SentBeforePostedBeforeTouchBeforeQuitBeforePaintBeforeTimer) {
     TestWindow target(kValidate);
     target.Show();
     HandleWaiting();
@@ -20,7 +20,7 @@ PLATFORM_TEST(Retrieval, SentBeforePostedBeforeQuitBeforeTouchBeforeTimerBeforeP
     const Crew peer([&] { SendMessageW(target, kSent, 0, 0); });
     Sleep(1);
     for (const UINT expected :
-         {kPosted, UINT{WM_QUIT}, UINT{WM_LBUTTONDOWN}, UINT{WM_TIMER}, UINT{WM_PAINT}}) {
+         {kPosted, UINT{WM_LBUTTONDOWN}, UINT{WM_QUIT}, UINT{WM_PAINT}, UINT{WM_TIMER}}) {
         MSG message{};
         EXPECT_EQ(GetMessageW(&message, NULL, 0, 0), expected != WM_QUIT);
         EXPECT_EQ(message.message, expected);

@@ -196,6 +196,7 @@ void ReadMode(WordReader& words, RecordingHeader& header) {
     if (words.OneOf(kModes) == 0) {
         header.kernel.mode = Mode::kSimulated;
         header.kernel.preempt = words.Has("preempt");
+        header.kernel.waiting_repaints = words.Has("waiting-repaints");
         return;
     }
     header.kernel.mode = Mode::kFreeRunning;
@@ -207,6 +208,7 @@ void ReadMode(WordReader& words, RecordingHeader& header) {
     if (error != std::errc() || rest != end || !(header.kernel.speed >= kSlowest) ||
         header.kernel.speed > kFastest)
         before.Refuse("a number from 0.1 to 1000");
+    header.kernel.waiting_repaints = words.Has("waiting-repaints");
 }
 
 struct HeaderWord {

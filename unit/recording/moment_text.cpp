@@ -129,9 +129,11 @@ std::string HeaderText(const RecordingHeader& header) {
     std::string text = "tolvane recording " + std::to_string(kRecordingVersion) + "\n";
     text += "program " + QuoteWord(header.program) + "\n";
     if (header.Simulated())
-        text += std::string("mode simulated") + (header.kernel.preempt ? " preempt" : "") + "\n";
+        text += std::string("mode simulated") + (header.kernel.preempt ? " preempt" : "") +
+                (header.kernel.waiting_repaints ? " waiting-repaints" : "") + "\n";
     else
-        text += Format("mode free speed %g\n", header.kernel.speed);
+        text += Format("mode free speed %g", header.kernel.speed) +
+                (header.kernel.waiting_repaints ? " waiting-repaints" : "") + "\n";
     text += "seed " + std::to_string(header.kernel.seed) + "\n";
     text += "start " + TimeText(header.start) + "\n";
     text += "supply " + SupplyText(header.supply) + "\n";

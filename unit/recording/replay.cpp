@@ -29,6 +29,7 @@ VirtualUnit::Options OptionsOf(const RecordingHeader& header, OutputBook& book,
     options.kernel.mode = kernel::Mode::kSimulated;
     options.kernel.seed = header.kernel.seed;
     options.kernel.preempt = header.Simulated() && header.kernel.preempt;
+    options.kernel.waiting_repaints = header.kernel.waiting_repaints;
     options.kernel.start = header.start;
     options.missing_bitmaps = header.missing_bitmaps;
     options.dvr.line = DvrBay::Line::kNone;

@@ -20,6 +20,7 @@ struct StartSettings {
     std::optional<platform::kernel::Mode> mode;
     std::optional<double> speed;  // free running
     bool preempt = false;
+    bool waiting_repaints = false;
     bool external_power = true;
     std::vector<std::wstring> missing_drivers;
     std::vector<WORD> missing_bitmaps;

@@ -27,6 +27,7 @@ void StartSettings::ApplyTo(VirtualUnit::Options& options) const {
     if (speed)
         options.kernel.speed = *speed;
     options.kernel.preempt = preempt;
+    options.kernel.waiting_repaints = waiting_repaints;
     options.external_power = external_power;
     options.missing_drivers = missing_drivers;
     options.missing_bitmaps = missing_bitmaps;
@@ -56,6 +57,9 @@ ScenarioRows SettingRows() {
                 "In simulated time, lets the seed take the processor from a thread at any call of "
                 "the platform.",
                 [](StartSettings& settings, const Values&) { settings.preempt = true; }),
+        Setting("start with waiting repaints",
+                "A repaint of another thread's window waits until that thread has painted.",
+                [](StartSettings& settings, const Values&) { settings.waiting_repaints = true; }),
         Setting("start without external power", "The unit starts on its battery.",
                 [](StartSettings& settings, const Values&) { settings.external_power = false; }),
         Setting("start without driver DRIVER", "The stream driver is missing from the start on.",
