@@ -22,41 +22,41 @@ void Append(Bytes& bytes, const Bytes& more) {
 }
 
 // Cuts the bytes; the frames among them.
-std::vector<Bytes> Cut(const Bytes& bytes) {
-    unit::FrameCutter cutter;
+std::vector<Bytes> Split(const Bytes& bytes) {
+    unit::FrameSplitter splitter;
     std::vector<Bytes> frames;
     Bytes told;
     for (const std::uint8_t byte : bytes) {
-        const auto cut = cutter.Take(byte);
-        if (!cut)
+        const auto segment = splitter.Take(byte);
+        if (!segment)
             continue;
-        Append(told, cut->bytes);
-        if (cut->kind == unit::Cut::Kind::kFrame)
-            frames.push_back(cut->bytes);
+        Append(told, segment->bytes);
+        if (segment->kind == unit::Segment::Kind::kFrame)
+            frames.push_back(segment->bytes);
     }
-    Append(told, cutter.held());
-    Promise(told == bytes, "the cutter hides nothing");
+    Append(told, splitter.held());
+    Promise(told == bytes, "the splitter hides nothing");
     return frames;
 }
 
-void Monitor(const Bytes& bytes, std::size_t piece, const std::vector<Bytes>& frames) {
+void Monitor(const Bytes& bytes, std::size_t chunk, const std::vector<Bytes>& frames) {
     unit::FrameMonitor monitor(unit::Direction::kToUnit);
     std::vector<unit::LineEntry> entries;
     const auto keep = [&](std::vector<unit::LineEntry> more) {
         std::ranges::move(more, std::back_inserter(entries));
     };
-    for (std::size_t at = 0; at < bytes.size(); at += piece)
-        keep(monitor.Take({}, std::span(bytes).subspan(at, std::min(piece, bytes.size() - at))));
+    for (std::size_t at = 0; at < bytes.size(); at += chunk)
+        keep(monitor.Take({}, std::span(bytes).subspan(at, std::min(chunk, bytes.size() - at))));
     Bytes told;
     std::vector<Bytes> found;
     for (const unit::LineEntry& entry : entries) {
         Promise(entry.bytes.size() <= kLongestEntry, "an entry has its limit");
         Promise(control::IsPlainText(entry.Text()), "an entry is one line of text", entry.Text());
         Append(told, entry.bytes);
-        if (entry.kind == unit::Cut::Kind::kFrame)
+        if (entry.kind == unit::Segment::Kind::kFrame)
             found.push_back(entry.bytes);
     }
-    Promise(found == frames, "the monitor finds the cutter's frames");
+    Promise(found == frames, "the monitor finds the splitter's frames");
     Promise(std::ranges::equal(told, std::span(bytes).first(told.size())),
             "the monitor hides nothing");
 }
@@ -80,9 +80,9 @@ void Decode(const Bytes& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
-    const std::size_t piece = std::max<std::size_t>(input.Byte(), 1);
+    const std::size_t chunk = std::max<std::size_t>(input.Byte(), 1);
     const Bytes bytes = input.Bytes(size);
-    Monitor(bytes, piece, Cut(bytes));
+    Monitor(bytes, chunk, Split(bytes));
     Decode(bytes);
     return 0;
 }

@@ -31,7 +31,7 @@ class MemoryLine final : public SerialLine, public std::enable_shared_from_this<
     DWORD ReadSettings(DCB& settings) override;
     DWORD ApplySettings(const DCB& settings) override;
     std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
-    void OnRoom(std::function<void()>) override {}
+    void OnWritable(std::function<void()>) override {}
 
   private:
     // One direction: when its bytes have passed, to the fraction of a bit over any length.

@@ -28,7 +28,7 @@ class SerialLine {
     // Hands bytes to the wire: takes as many as it can now and returns that count (0 when full).
     virtual std::size_t Transmit(std::span<const std::uint8_t> bytes) = 0;
     // Called (any thread, no locks) when a full line can take more.
-    virtual void OnRoom(std::function<void()> room) = 0;
+    virtual void OnWritable(std::function<void()> on_writable) = 0;
 };
 
 }  // namespace platform::device

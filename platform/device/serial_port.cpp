@@ -14,12 +14,12 @@ SerialPort::SerialPort(std::shared_ptr<SerialLine> line) : line_(std::move(line)
 
 DWORD SerialPort::Start(const std::shared_ptr<SerialPort>& self) {
     const std::weak_ptr<SerialPort> weak = self;
-    line_->OnRoom([weak] {
+    line_->OnWritable([weak] {
         const std::shared_ptr<SerialPort> port = weak.lock();
         if (!port)
             return;
         KernelLock lock = kernel::LockKernel();
-        ++port->rooms_;
+        ++port->writable_count_;
         kernel::Wake(lock);
     });
     return line_->Open([weak](std::span<const std::uint8_t> bytes) {
@@ -86,7 +86,7 @@ DWORD SerialPort::Write(std::span<const std::byte> bytes, DWORD& done) {
     const Time deadline = TotalDeadline(timeouts_.WriteTotalTimeoutMultiplier,
                                         timeouts_.WriteTotalTimeoutConstant, bytes.size());
     while (done < bytes.size() && !closed_) {
-        const std::uint64_t rooms = rooms_;
+        const std::uint64_t seen = writable_count_;
         const std::span<const std::byte> rest = bytes.subspan(done);
         lock.unlock();
         const std::size_t taken =
@@ -95,7 +95,7 @@ DWORD SerialPort::Write(std::span<const std::byte> bytes, DWORD& done) {
         done += static_cast<DWORD>(taken);
         if (done < bytes.size() && taken == 0 &&
             !kernel::Block(
-                lock, [&] { return rooms_ != rooms || closed_; }, deadline))
+                lock, [&] { return writable_count_ != seen || closed_; }, deadline))
             break;
     }
     return closed_ ? ERROR_INVALID_HANDLE : ERROR_SUCCESS;

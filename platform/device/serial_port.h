@@ -50,7 +50,7 @@ class SerialPort final : public Stream {
     DWORD event_mask_ = 0;
     bool closed_ = false;
     // How often the line had room again.
-    std::uint64_t rooms_ = 0;
+    std::uint64_t writable_count_ = 0;
 };
 
 // A serial driver over a line. One handle at a time, as the device's own driver has it.

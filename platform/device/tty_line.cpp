@@ -60,7 +60,7 @@ DWORD TtyLine::Open(Receiver receiver) {
         return LastErrorOf(error);
     tty_ = std::move(tty);
     reader_event_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    wants_room_ = false;
+    wants_writable_ = false;
     open_ = true;
     reader_ = std::thread([this, listener = std::move(receiver)] { ReadUntilClosed(listener); });
     return ERROR_SUCCESS;
@@ -73,7 +73,7 @@ void TtyLine::ReadUntilClosed(const Receiver& receiver) {
         if (!open_)
             return;
         const int tty = tty_.descriptor();
-        const short output = wants_room_ ? POLLOUT : 0;
+        const short output = wants_writable_ ? POLLOUT : 0;
         lock.unlock();
         // A negative number is passed over.
         pollfd watched[] = {{reader_event_, POLLIN, 0},
@@ -90,7 +90,7 @@ void TtyLine::ReadUntilClosed(const Receiver& receiver) {
             continue;
         }
         if ((watched[1].revents & POLLOUT) != 0)
-            TellRoom();
+            ReportWritable();
         if ((watched[1].revents & (POLLIN | POLLHUP | POLLERR | POLLNVAL)) == 0)
             continue;
         const ssize_t count = read(tty, buffer.data(), buffer.size());
@@ -123,16 +123,16 @@ void TtyLine::LookForDevice() {
     problem_(path_ + ": the serial device is back");
     if (!problem.empty())
         problem_(problem);
-    TellRoom();
+    ReportWritable();
 }
 
-void TtyLine::TellRoom() {
+void TtyLine::ReportWritable() {
     std::unique_lock lock(mutex_);
-    wants_room_ = false;
-    const std::function<void()> room = room_;
+    wants_writable_ = false;
+    const std::function<void()> on_writable = on_writable_;
     lock.unlock();
-    if (room)
-        room();
+    if (on_writable)
+        on_writable();
 }
 
 void TtyLine::Close() {
@@ -182,13 +182,13 @@ std::size_t TtyLine::Transmit(std::span<const std::uint8_t> bytes) {
         eventfd_write(reader_event_, 1);
     }
     // A device that is away takes nothing: the writer's time-out ends the write.
-    wants_room_ = true;
+    wants_writable_ = true;
     return 0;
 }
 
-void TtyLine::OnRoom(std::function<void()> room) {
+void TtyLine::OnWritable(std::function<void()> on_writable) {
     const std::scoped_lock lock(mutex_);
-    room_ = std::move(room);
+    on_writable_ = std::move(on_writable);
 }
 
 }  // namespace platform::device

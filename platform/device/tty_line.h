@@ -29,25 +29,25 @@ class TtyLine final : public SerialLine {
     DWORD ReadSettings(DCB& settings) override;
     DWORD ApplySettings(const DCB& settings) override;
     std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
-    void OnRoom(std::function<void()> room) override;
+    void OnWritable(std::function<void()> on_writable) override;
 
   private:
     void ReadUntilClosed(const Receiver& receiver);
     void LookForDevice();
     void LoseDevice();
-    void TellRoom();
+    void ReportWritable();
 
     const std::string path_;
     const std::function<void(const std::string&)> problem_;
     // Guards what follows, and the device against being closed in the middle of its use.
     std::mutex mutex_;
-    std::function<void()> room_;
+    std::function<void()> on_writable_;
     bool open_ = false;
     // Closed while the device is away. Only the reader opens and closes it while the line is open.
     serial::Tty tty_;
     serial::Settings settings_;
-    bool wants_room_ = false;
-    // Ends the reader's poll: to close, or to watch for room.
+    bool wants_writable_ = false;
+    // Ends the reader's poll: to close, or to watch for a writable line.
     int reader_event_ = -1;
     std::thread reader_;
 };

@@ -91,8 +91,8 @@ void Injector::OnFailedCall(const kernel::FailedCall& call) {
 void Injector::OnByte(std::uint8_t byte) {
     const std::scoped_lock lock(mutex_);
     ++seen_.bytes;
-    const auto cut = cutter_.Take(byte);
-    if (!cut || cut->kind != unit::Cut::Kind::kFrame)
+    const auto segment = splitter_.Take(byte);
+    if (!segment || segment->kind != unit::Segment::Kind::kFrame)
         return;
     for (const Fault& fault : TakeDue(kFrame, ++seen_.frames))
         kernel::At(kernel::Now(), [this, fault] { Inject(fault); });

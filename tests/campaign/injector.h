@@ -9,7 +9,7 @@
 #include "tests/campaign/failure_check.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/events/event_hub.h"
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 
 namespace tests::campaign {
 
@@ -54,7 +54,7 @@ class Injector {
     std::vector<Fault> waiting_;
     Injections seen_;
     std::map<DWORD, std::deque<std::string_view>> latest_;  // calls, by thread
-    unit::FrameCutter cutter_;
+    unit::FrameSplitter splitter_;
     unit::EventHub::Subscription subscription_;
 };
 

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 using unit::Direction;
 using enum unit::Direction;
 
-// What a direction carries, and the texts that tell of it, a line each.
+// What a direction carries, and the texts that show it, a line each.
 struct MonitorCase {
     const char* bytes;
     const char* texts;
@@ -96,9 +96,9 @@ TEST(LineMonitor, EndsStrayRunsAtAGap) {
     EXPECT_EQ(line.texts, "3 stray bytes  01 02 03");
     line.Take(20s, "A55A80 0010 0000 018F");
     EXPECT_TRUE(line.texts.ends_with("\n1 stray byte  04\nIND  DVR_RunningState  -  ok"));
-    // A line that never rests is told in pieces.
+    // A line that never rests is told in chunks.
     Monitored endless;
-    for (int piece = 0; piece < 100; ++piece)
+    for (int chunk = 0; chunk < 100; ++chunk)
         endless.Take(1ms, std::vector<std::uint8_t>(100, 7));
     EXPECT_EQ(std::ranges::count(endless.texts, '\n'), 8);
     EXPECT_TRUE(endless.texts.starts_with("1024 stray bytes"));

@@ -156,7 +156,7 @@ TEST(LineFaults, WhatRulesMultiplyHasAnEnd) {
         line.faults->OnApplied([&](const std::string&) { ++told; });
         line.Send(kToUnit, "0: PERCENT");
         line.RunFor(1ms);
-        EXPECT_LE(line.program.text().size(), 4 * unit::kMostCells);
+        EXPECT_LE(line.program.text().size(), 4 * unit::kMaxSlots);
         EXPECT_GE(told, 40U);
         EXPECT_LE(told, 10'000U);
     }

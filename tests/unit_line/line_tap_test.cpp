@@ -12,7 +12,7 @@ using enum unit::Direction;
 using platform::kernel::After;
 
 TEST(LineTap, NothingPassesWhileThePlugIsOut) {
-    // The first piece is held back for the frame rule, or delayed.
+    // The first chunk is held back for the frame rule, or delayed.
     TappedLine line({"delay 1ms frames", "delay 1ms bytes to-dvr after 1 times 1"});
     line.Send(kToUnit, "0: A5 5A / 600: 01 / 800: 03");
     line.Send(kToDvr, "0: 0A 0B / 600: 02 / 800: 04");
@@ -89,7 +89,7 @@ TEST(LineTap, AFullLineTakesTheRestWhenItHasRoom) {
     const std::vector<std::uint8_t> bytes{1, 2, 3};
     TappedLine line;
     int rooms = 0;
-    line.tap->OnRoom([&] { ++rooms; });
+    line.tap->OnWritable([&] { ++rooms; });
     line.far->room = 2;
     EXPECT_EQ(line.tap->Transmit(bytes), 2U) << "without faults the port keeps the rest";
     line.Add("duplicate bytes to-dvr");
@@ -98,7 +98,7 @@ TEST(LineTap, AFullLineTakesTheRestWhenItHasRoom) {
     EXPECT_EQ(line.tap->Transmit(bytes), 0U);
     for (const int expected : {0, 1}) {
         line.far->room = 3;
-        line.far->tell_room();
+        line.far->on_writable();
         EXPECT_EQ(rooms, expected) << "still full at first";
     }
     EXPECT_EQ(line.dvr.text(), "0: 01 02 01 01 02 02 03 03");

@@ -32,8 +32,8 @@ inline std::string Replaced(std::string text, std::string_view from, std::string
 }
 
 // What passed at which microsecond since the start: "0: A5 5A / 300: PERCENT". What passes at one
-// time is one piece here.
-class PieceNotes {
+// time is one chunk here.
+class ChunkNotes {
   public:
     void Note(std::chrono::microseconds time, std::span<const std::uint8_t> bytes) {
         if (bytes.empty())
@@ -59,7 +59,7 @@ class PieceNotes {
 class PlayedLine final : public platform::device::SerialLine {
   public:
     Receiver receiver;
-    std::function<void()> tell_room;
+    std::function<void()> on_writable;
     std::function<void(std::span<const std::uint8_t>)> sent;
     std::size_t room = std::numeric_limits<std::size_t>::max();
 
@@ -76,7 +76,7 @@ class PlayedLine final : public platform::device::SerialLine {
         sent(bytes.first(taken));
         return taken;
     }
-    void OnRoom(std::function<void()> tell) override { tell_room = std::move(tell); }
+    void OnWritable(std::function<void()> call) override { on_writable = std::move(call); }
 };
 
 // A tap between a port and a far end that a test plays, on a simulated unit.
@@ -102,14 +102,14 @@ class TappedLine {
         faults->Add(*rule);
     }
 
-    // The far end, or the program, sends pieces at their times, written as PieceNotes does.
-    void Send(unit::Direction direction, std::string pieces, bool byte_by_byte = false) {
+    // The far end, or the program, sends chunks at their times, written as ChunkNotes does.
+    void Send(unit::Direction direction, std::string chunks, bool byte_by_byte = false) {
         for (const auto& [name, bytes] : kNamedFrames)
-            pieces = Replaced(std::move(pieces), name, bytes);
-        std::istringstream list(pieces);
-        for (std::string piece; std::getline(list, piece, '/');)
-            platform::kernel::At(start_ + std::chrono::microseconds(std::stoi(piece)), [=, this] {
-                std::string hex = piece.substr(piece.find(':') + 1);
+            chunks = Replaced(std::move(chunks), name, bytes);
+        std::istringstream list(chunks);
+        for (std::string chunk; std::getline(list, chunk, '/');)
+            platform::kernel::At(start_ + std::chrono::microseconds(std::stoi(chunk)), [=, this] {
+                std::string hex = chunk.substr(chunk.find(':') + 1);
                 std::erase(hex, ' ');
                 const std::vector<std::uint8_t> bytes = control::ReadBytes(hex).value();
                 const std::size_t step = byte_by_byte ? 1 : bytes.size();
@@ -121,10 +121,10 @@ class TappedLine {
     void RunFor(std::chrono::milliseconds time) { platform.RunFor(time); }
 
     Platform platform;
-    PieceNotes program;  // was given
-    PieceNotes dvr;      // was given
-    PieceNotes heard_to_unit;
-    PieceNotes heard_to_dvr;
+    ChunkNotes program;  // was given
+    ChunkNotes dvr;      // was given
+    ChunkNotes heard_to_unit;
+    ChunkNotes heard_to_dvr;
     const std::shared_ptr<unit::LineFaults> faults = std::make_shared<unit::LineFaults>();
     const std::shared_ptr<PlayedLine> far = std::make_shared<PlayedLine>();
     const std::shared_ptr<unit::LineTap> tap = std::make_shared<unit::LineTap>(

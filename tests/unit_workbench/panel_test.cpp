@@ -38,10 +38,10 @@ class PanelTest : public testing::Test {
     unit::DebugLog log_{[](std::chrono::microseconds, const std::string&) {}};
     unit::VirtualUnit unit_{
         {}, {[] { return 0; }, res::ProgramResources()}, log_, [](const std::string&) {}};
-    unit::Operator hands_{unit_, "/"};
+    unit::Operator operator_{unit_, "/"};
     unit::PictureMeter meter_;
     unit::History history_{unit_.events()};
-    unit::CommandRunner commands_{unit::UnitCommands(), hands_};
+    unit::CommandRunner commands_{unit::UnitCommands(), operator_};
     unit::Desk desk_{unit_, commands_, history_, meter_};
     unit::Panel panel_;
 };

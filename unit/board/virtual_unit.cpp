@@ -49,7 +49,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
     window::Start();
     supply_.ac_line_status = options.external_power ? 1 : 0;
     scaler_ = std::make_shared<Scaler>([this] { ScreenChanged(); });
-    dvr_ = std::make_unique<DvrBay>(
+    dvr_ = std::make_unique<DvrPort>(
         options.dvr, say_, [this](Direction direction, std::span<const std::uint8_t> bytes) {
             events_.Publish(LineBytes{direction, {bytes.begin(), bytes.end()}});
         });

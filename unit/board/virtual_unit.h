@@ -14,11 +14,11 @@
 #include "platform/kernel/kernel.h"
 #include "platform/window/screen.h"
 #include "unit/board/debug_log.h"
-#include "unit/board/driver_shelf.h"
+#include "unit/board/driver_registry.h"
 #include "unit/board/neighbours.h"
 #include "unit/board/power_coordinator.h"
 #include "unit/board/program_host.h"
-#include "unit/devices/dvr_bay.h"
+#include "unit/devices/dvr_port.h"
 #include "unit/devices/scaler.h"
 #include "unit/events/event_hub.h"
 #include "unit/picture/picture.h"
@@ -32,14 +32,14 @@ struct Program {
     std::span<const std::byte> resources;
 };
 
-// The board with everything on it: the platform's drivers and power supply, the DVR in its bay, the
-// task bar, and the program. Made, driven and destroyed on the hardware's thread, which is the one
-// that constructs it; what the platform calls (the Board part) comes on any thread.
+// The board with everything on it: the platform's drivers and power supply, the DVR in its port,
+// the task bar, and the program. Made, driven and destroyed on the hardware's thread, which is the
+// one that constructs it; what the platform calls (the Board part) comes on any thread.
 class VirtualUnit final : public platform::Board {
   public:
     struct Options {
         platform::kernel::Options kernel;
-        DvrBay::Options dvr;
+        DvrPort::Options dvr;
         // Drivers that are missing ("COM9:", "DVR1:", "SCA0:") and pictures the program cannot
         // load.
         std::vector<std::wstring> missing_drivers;
@@ -67,10 +67,10 @@ class VirtualUnit final : public platform::Board {
 
     // Everything that happens at the unit's edges. Any thread.
     EventHub& events() { return events_; }
-    DriverShelf& drivers() { return drivers_; }
+    DriverRegistry& drivers() { return drivers_; }
     PowerCoordinator& power_coordinator() { return power_coordinator_; }
     ProgramHost& program() { return program_; }
-    DvrBay& dvr() { return *dvr_; }
+    DvrPort& dvr() { return *dvr_; }
     Scaler& scaler() { return *scaler_; }
 
     // What hands do in the car.
@@ -148,9 +148,9 @@ class VirtualUnit final : public platform::Board {
     ProgramHost program_;
     std::shared_ptr<Neighbours> neighbours_;
     std::shared_ptr<Scaler> scaler_;
-    std::unique_ptr<DvrBay> dvr_;
+    std::unique_ptr<DvrPort> dvr_;
 
-    DriverShelf drivers_{events_};
+    DriverRegistry drivers_{events_};
     PowerCoordinator power_coordinator_{events_};
 
     mutable std::mutex mutex_;

@@ -1,6 +1,6 @@
 #include "unit/board/watched_driver.h"
 
-#include "unit/board/driver_shelf.h"
+#include "unit/board/driver_registry.h"
 
 namespace unit {
 namespace {
@@ -10,8 +10,8 @@ using platform::device::StreamDriver;
 
 class WatchedStream final : public Stream {
   public:
-    WatchedStream(DriverShelf& shelf, std::wstring name, std::shared_ptr<Stream> stream)
-        : shelf_(shelf), name_(std::move(name)), stream_(std::move(stream)) {}
+    WatchedStream(DriverRegistry& registry, std::wstring name, std::shared_ptr<Stream> stream)
+        : registry_(registry), name_(std::move(name)), stream_(std::move(stream)) {}
 
     DWORD Read(std::span<std::byte> buffer, DWORD& done) override {
         return stream_->Read(buffer, done);
@@ -22,41 +22,44 @@ class WatchedStream final : public Stream {
 
     DWORD IoControl(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                     DWORD& returned) override {
-        DWORD error = shelf_.Refusal(name_, code);
+        DWORD error = registry_.Refusal(name_, code);
         if (error == ERROR_SUCCESS)
             error = stream_->IoControl(code, input, output, returned);
-        shelf_.Tell(
+        registry_.Tell(
             {name_, DriverCalled::Call::kControl, code, {input.begin(), input.end()}, error});
         return error;
     }
 
     void HandleClosed() override {
         stream_->HandleClosed();
-        shelf_.Tell({name_, DriverCalled::Call::kClose, 0, {}, ERROR_SUCCESS});
+        registry_.Tell({name_, DriverCalled::Call::kClose, 0, {}, ERROR_SUCCESS});
     }
 
   private:
-    DriverShelf& shelf_;
+    DriverRegistry& registry_;
     const std::wstring name_;
     const std::shared_ptr<Stream> stream_;
 };
 
 class WatchedDriver final : public StreamDriver {
   public:
-    WatchedDriver(DriverShelf& shelf, std::wstring name, std::shared_ptr<StreamDriver> driver,
+    WatchedDriver(DriverRegistry& registry, std::wstring name, std::shared_ptr<StreamDriver> driver,
                   bool requests)
-        : shelf_(shelf), name_(std::move(name)), driver_(std::move(driver)), requests_(requests) {}
+        : registry_(registry),
+          name_(std::move(name)),
+          driver_(std::move(driver)),
+          requests_(requests) {}
 
     DWORD Open(DWORD access, DWORD share_mode, std::shared_ptr<Stream>& stream) override {
         const DWORD error = driver_->Open(access, share_mode, stream);
         if (error == ERROR_SUCCESS && requests_)
-            stream = std::make_shared<WatchedStream>(shelf_, name_, std::move(stream));
-        shelf_.Tell({name_, DriverCalled::Call::kOpen, 0, {}, error});
+            stream = std::make_shared<WatchedStream>(registry_, name_, std::move(stream));
+        registry_.Tell({name_, DriverCalled::Call::kOpen, 0, {}, error});
         return error;
     }
 
   private:
-    DriverShelf& shelf_;
+    DriverRegistry& registry_;
     const std::wstring name_;
     const std::shared_ptr<StreamDriver> driver_;
     const bool requests_;
@@ -64,9 +67,9 @@ class WatchedDriver final : public StreamDriver {
 
 }  // namespace
 
-std::shared_ptr<StreamDriver> WatchDriver(DriverShelf& shelf, std::wstring name,
+std::shared_ptr<StreamDriver> WatchDriver(DriverRegistry& registry, std::wstring name,
                                           std::shared_ptr<StreamDriver> driver, bool requests) {
-    return std::make_shared<WatchedDriver>(shelf, std::move(name), std::move(driver), requests);
+    return std::make_shared<WatchedDriver>(registry, std::move(name), std::move(driver), requests);
 }
 
 }  // namespace unit

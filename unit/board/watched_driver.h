@@ -7,12 +7,12 @@
 
 namespace unit {
 
-class DriverShelf;
+class DriverRegistry;
 
-// A driver whose openings are told to the shelf, and whose requests are told and may be refused
-// when `requests`. The shelf must outlive it and its streams.
+// A driver whose openings are told to the registry, and whose requests are told and may be refused
+// when `requests`. The registry must outlive it and its streams.
 std::shared_ptr<platform::device::StreamDriver> WatchDriver(
-    DriverShelf& shelf, std::wstring name, std::shared_ptr<platform::device::StreamDriver> driver,
-    bool requests);
+    DriverRegistry& registry, std::wstring name,
+    std::shared_ptr<platform::device::StreamDriver> driver, bool requests);
 
 }  // namespace unit

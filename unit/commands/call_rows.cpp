@@ -50,19 +50,19 @@ Outcome ClearCalls(Operator&, const Values& values) {
     return Done();
 }
 
-Outcome JumpClock(Operator& hands, const Values& values) {
-    if (hands.unit().JumpClock(values.Duration("DURATION")))
+Outcome JumpClock(Operator& op, const Values& values) {
+    if (op.unit().JumpClock(values.Duration("DURATION")))
         return Done();
     return Refused("the clock does not jump that far; allowed are 24000 hours");
 }
 
-Outcome ClearAll(Operator& hands, const Values&) {
+Outcome ClearAll(Operator& op, const Values&) {
     kernel::ClearCallFaults();
-    hands.unit().drivers().Mend();
-    hands.unit().SetHalRefuses(false);
-    hands.unit().SetBatteryDriverFails(false);
-    hands.unit().dvr().faults().Clear();
-    if (dvrsim::Dvr* const dvr = hands.unit().dvr().dvr())
+    op.unit().drivers().Clear();
+    op.unit().SetHalRefuses(false);
+    op.unit().SetBatteryDriverFails(false);
+    op.unit().dvr().faults().Clear();
+    if (dvrsim::Dvr* const dvr = op.unit().dvr().dvr())
         dvr->SetFaults({});
     return Done();
 }

@@ -12,15 +12,15 @@ using control::Refused;
 using control::Values;
 
 // The card of a DVR that is not simulated is in the hands of a person, who is asked.
-Outcome Ask(Operator& hands, const std::string& what) {
-    hands.unit().Say(what);
+Outcome Ask(Operator& op, const std::string& what) {
+    op.unit().Say(what);
     return Done();
 }
 
-Outcome Insert(Operator& hands, const std::string& folder, const std::string& card) {
-    const dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
+Outcome Insert(Operator& op, const std::string& folder, const std::string& card) {
+    const dvrsim::Dvr* const dvr = op.unit().dvr().dvr();
     if (!dvr)
-        return Ask(hands, "Put " + card + " into the DVR.");
+        return Ask(op, "Put " + card + " into the DVR.");
     if (dvr->CardIn())
         return Refused("a card is in already; take it out first");
     if (folder.empty())
@@ -28,29 +28,29 @@ Outcome Insert(Operator& hands, const std::string& folder, const std::string& ca
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         return Refused(folder + " is not a folder");
-    hands.unit().InsertCard(folder);
+    op.unit().InsertCard(folder);
     return Done();
 }
 
-Outcome CardIn(Operator& hands, const Values& values) {
+Outcome CardIn(Operator& op, const Values& values) {
     if (values.Has("VERSION"))
-        return Insert(hands, hands.MakeCard(values.Text("VERSION")),
+        return Insert(op, op.MakeCard(values.Text("VERSION")),
                       "the SD card with the update image " + values.Text("VERSION"));
-    return Insert(hands, values.Has("FOLDER") ? values.Text("FOLDER") : hands.image_card(),
+    return Insert(op, values.Has("FOLDER") ? values.Text("FOLDER") : op.image_card(),
                   "the SD card with the update image");
 }
 
-Outcome CardWithoutImage(Operator& hands, const Values&) {
-    return Insert(hands, hands.MakeCard(std::nullopt), "an SD card without an update image");
+Outcome CardWithoutImage(Operator& op, const Values&) {
+    return Insert(op, op.MakeCard(std::nullopt), "an SD card without an update image");
 }
 
-Outcome CardOut(Operator& hands, const Values&) {
-    const dvrsim::Dvr* const dvr = hands.unit().dvr().dvr();
+Outcome CardOut(Operator& op, const Values&) {
+    const dvrsim::Dvr* const dvr = op.unit().dvr().dvr();
     if (!dvr)
-        return Ask(hands, "Take the SD card out of the DVR.");
+        return Ask(op, "Take the SD card out of the DVR.");
     if (!dvr->CardIn())
         return Refused("there is no card to take out");
-    hands.unit().RemoveCard();
+    op.unit().RemoveCard();
     return Done();
 }
 

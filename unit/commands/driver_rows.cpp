@@ -15,9 +15,9 @@ using control::Values;
 
 // Does `act` to the driver of the line.
 template <class Act>
-Outcome ToDriver(Operator& hands, const Values& values, Act act) {
+Outcome ToDriver(Operator& op, const Values& values, Act act) {
     const std::wstring name = kernel::FromUtf8(values.Text("DRIVER"));
-    const std::vector<std::wstring> names = hands.unit().drivers().Names();
+    const std::vector<std::wstring> names = op.unit().drivers().Names();
     if (std::ranges::find(names, name) == names.end()) {
         std::string list;
         for (const std::wstring& known : names)
@@ -25,37 +25,37 @@ Outcome ToDriver(Operator& hands, const Values& values, Act act) {
         return Refused("there is no driver " + values.Text("DRIVER") + "; allowed is one of " +
                        list);
     }
-    act(hands.unit().drivers(), name);
+    act(op.unit().drivers(), name);
     return Done();
 }
 
-Outcome Hide(Operator& hands, const Values& values) {
+Outcome Hide(Operator& op, const Values& values) {
     const kernel::Time until = values.Chose("late") ? kernel::Now() + values.Duration("DURATION")
                                : values.Chose("missing") ? kernel::kNever
                                                          : kernel::Time{};
-    return ToDriver(hands, values, [until](DriverShelf& shelf, const std::wstring& name) {
-        shelf.HideUntil(name, until);
+    return ToDriver(op, values, [until](DriverRegistry& registry, const std::wstring& name) {
+        registry.HideUntil(name, until);
     });
 }
 
-Outcome Refuse(Operator& hands, const Values& values) {
+Outcome Refuse(Operator& op, const Values& values) {
     std::optional<DWORD> code;
     if (values.Has("CODE"))
         code = static_cast<DWORD>(values.Number("CODE"));
     const auto error = static_cast<DWORD>(values.Number("ERROR", ERROR_GEN_FAILURE));
     const auto times = static_cast<unsigned>(values.Number("COUNT", 1));
-    return ToDriver(hands, values, [&](DriverShelf& shelf, const std::wstring& name) {
-        shelf.Refuse(name, code, error, times);
+    return ToDriver(op, values, [&](DriverRegistry& registry, const std::wstring& name) {
+        registry.Refuse(name, code, error, times);
     });
 }
 
-Outcome HalRefuses(Operator& hands, const Values& values) {
-    hands.unit().SetHalRefuses(values.Chose("refuses"));
+Outcome HalRefuses(Operator& op, const Values& values) {
+    op.unit().SetHalRefuses(values.Chose("refuses"));
     return Done();
 }
 
-Outcome BatteryDriverFails(Operator& hands, const Values& values) {
-    hands.unit().SetBatteryDriverFails(values.Chose("fails"));
+Outcome BatteryDriverFails(Operator& op, const Values& values) {
+    op.unit().SetBatteryDriverFails(values.Chose("fails"));
     return Done();
 }
 

@@ -16,15 +16,15 @@ constexpr char kNotOurs[] =
     "the DVR is not the simulated one of this unit; what is at the other end of the line takes its "
     "commands there";
 
-Outcome Reset(Operator& hands, const Values&) {
-    hands.unit().ResetDvr();
+Outcome Reset(Operator& op, const Values&) {
+    op.unit().ResetDvr();
     return Done();
 }
 
 }  // namespace
 
 UnitRows DvrRows() {
-    const auto dvr = [](Operator& hands) { return hands.unit().dvr().dvr(); };
+    const auto dvr = [](Operator& op) { return op.unit().dvr().dvr(); };
     UnitRows rows = {
         {"dvr reset", "Resets the DVR, as its reset wire does.", Reset},
     };

@@ -17,43 +17,43 @@ POINT PlaceIn(const Values& values) {
 
 // Does `act` where the line's button or place is.
 template <class Act>
-Outcome AtPlace(Operator& hands, const Values& values, Act act) {
-    if (hands.busy())
+Outcome AtPlace(Operator& op, const Values& values, Act act) {
+    if (op.busy())
         return Refused("the finger is in the middle of a tap");
     if (!values.Has("BUTTON")) {
         act(PlaceIn(values));
         return Done();
     }
     const std::string caption = values.Text("BUTTON");
-    const std::optional<POINT> place = hands.FindButton(caption);
+    const std::optional<POINT> place = op.FindButton(caption);
     if (!place)
         return Refused("there is no " + control::QuoteWord(caption) + " on the screen; there is " +
-                       hands.WhatStands());
+                       op.WhatStands());
     act(*place);
     return Done();
 }
 
-Outcome Tap(Operator& hands, const Values& values) {
-    if (hands.finger_down())
+Outcome Tap(Operator& op, const Values& values) {
+    if (op.finger_down())
         return Refused("the finger is on the screen; release it first");
-    return AtPlace(hands, values,
-                   [&](POINT place) { hands.Tap(place, values.Duration("DURATION", kUsualTap)); });
+    return AtPlace(op, values,
+                   [&](POINT place) { op.Tap(place, values.Duration("DURATION", kUsualTap)); });
 }
 
-Outcome Press(Operator& hands, const Values& values) {
-    return AtPlace(hands, values, [&](POINT place) { hands.Press(place); });
+Outcome Press(Operator& op, const Values& values) {
+    return AtPlace(op, values, [&](POINT place) { op.Press(place); });
 }
 
-Outcome Move(Operator& hands, const Values& values) {
-    if (!hands.finger_down())
+Outcome Move(Operator& op, const Values& values) {
+    if (!op.finger_down())
         return Refused("the finger is not on the screen; press first");
-    return AtPlace(hands, values, [&](POINT place) { hands.MoveFinger(place); });
+    return AtPlace(op, values, [&](POINT place) { op.MoveFinger(place); });
 }
 
-Outcome Release(Operator& hands, const Values&) {
-    if (!hands.finger_down() || hands.busy())
+Outcome Release(Operator& op, const Values&) {
+    if (!op.finger_down() || op.busy())
         return Refused("the finger is not on the screen; press first");
-    hands.Release();
+    op.Release();
     return Done();
 }
 

@@ -14,13 +14,13 @@ using control::Values;
 constexpr std::size_t kMostFaults = 1000;
 
 // Says the number by which the rule can be cleared.
-Outcome AddFault(Operator& hands, const Values& values) {
+Outcome AddFault(Operator& op, const Values& values) {
     std::string problem;
     auto rule = ReadFaultRule(values, problem);
     if (!rule)
         return Refused(problem);
     const std::string text = ToText(*rule);
-    LineFaults& faults = hands.unit().dvr().faults();
+    LineFaults& faults = op.unit().dvr().faults();
     if (faults.List().size() >= kMostFaults)
         return Refused("the line has " + std::to_string(kMostFaults) +
                        " faults already; no more are allowed");
@@ -34,17 +34,17 @@ std::string WrongFault(const Values& values) {
     return problem;
 }
 
-Outcome ListFaults(Operator& hands, const Values&) {
+Outcome ListFaults(Operator& op, const Values&) {
     std::string lines;
-    for (const LineFaults::Entry& entry : hands.unit().dvr().faults().List())
+    for (const LineFaults::Entry& entry : op.unit().dvr().faults().List())
         lines += (lines.empty() ? "fault " : "\nfault ") + std::to_string(entry.number) + ": " +
                  ToText(entry.rule) + ", applied to " + std::to_string(entry.applied) + " of " +
                  std::to_string(entry.matches);
     return Done(lines);
 }
 
-Outcome ClearFaults(Operator& hands, const Values& values) {
-    LineFaults& faults = hands.unit().dvr().faults();
+Outcome ClearFaults(Operator& op, const Values& values) {
+    LineFaults& faults = op.unit().dvr().faults();
     if (!values.Has("NUMBER")) {
         faults.Clear();
         return Done();
@@ -59,14 +59,14 @@ Outcome ClearFaults(Operator& hands, const Values& values) {
                    (list.empty() ? "none now" : "one of " + list));
 }
 
-Outcome Plug(Operator& hands, const Values& values) {
-    hands.unit().SetPlugged(values.Chose("plug"));
+Outcome Plug(Operator& op, const Values& values) {
+    op.unit().SetPlugged(values.Chose("plug"));
     return Done();
 }
 
-Outcome Inject(Operator& hands, const Values& values) {
-    hands.unit().dvr().Inject(values.Chose("to-unit") ? Direction::kToUnit : Direction::kToDvr,
-                              values.Bytes("BYTES"));
+Outcome Inject(Operator& op, const Values& values) {
+    op.unit().dvr().Inject(values.Chose("to-unit") ? Direction::kToUnit : Direction::kToDvr,
+                           values.Bytes("BYTES"));
     return Done();
 }
 

@@ -10,16 +10,16 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome Screenshot(Operator& hands, const Values& values) {
+Outcome Screenshot(Operator& op, const Values& values) {
     std::string problem;
-    if (!WritePng(hands.unit().TakePicture(), values.Text("FILE"), problem))
+    if (!WritePng(op.unit().TakePicture(), values.Text("FILE"), problem))
         return Refused(problem);
     return Done();
 }
 
-Outcome Texts(Operator& hands, const Values&) {
+Outcome Texts(Operator& op, const Values&) {
     std::string lines;
-    for (const std::wstring& text : ScreenReader(hands.unit().Screen()).Texts())
+    for (const std::wstring& text : ScreenReader(op.unit().Screen()).Texts())
         lines += (lines.empty() ? "" : "\n") + platform::kernel::ToUtf8(text);
     return Done(lines);
 }

@@ -8,21 +8,21 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome ExternalPower(Operator& hands, const Values& values) {
-    hands.unit().SetExternalPower(values.Chose("on"));
+Outcome ExternalPower(Operator& op, const Values& values) {
+    op.unit().SetExternalPower(values.Chose("on"));
     return Done();
 }
 
-Outcome Battery(Operator& hands, const Values& values) {
-    const auto flag = values.Number("BYTE", hands.unit().supply().battery_flag);
-    hands.unit().SetBattery(static_cast<BYTE>(flag), static_cast<BYTE>(values.Number("PERCENT")));
+Outcome Battery(Operator& op, const Values& values) {
+    const auto flag = values.Number("BYTE", op.unit().supply().battery_flag);
+    op.unit().SetBattery(static_cast<BYTE>(flag), static_cast<BYTE>(values.Number("PERCENT")));
     return Done();
 }
 
-Outcome Wake(Operator& hands, const Values&) {
-    if (!hands.unit().suspended())
+Outcome Wake(Operator& op, const Values&) {
+    if (!op.unit().suspended())
         return Refused("the unit is awake");
-    hands.unit().WakeUp();
+    op.unit().WakeUp();
     return Done();
 }
 

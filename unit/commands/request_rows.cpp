@@ -10,10 +10,10 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome Request(Operator& hands, const Values& values) {
+Outcome Request(Operator& op, const Values& values) {
     const auto request = std::ranges::find_if(
         PowerRequests(), [&](const PowerRequest& known) { return values.Chose(known.name); });
-    const DWORD error = hands.unit().power_coordinator().Raise(*request);
+    const DWORD error = op.unit().power_coordinator().Raise(*request);
     return error == ERROR_SUCCESS
                ? Done()
                : Refused("the request cannot be raised, error " + std::to_string(error));

@@ -65,13 +65,13 @@ const control::Grammar& ControlServer::AllCommands() {
 }
 
 void ControlServer::Follow(const UnitTable::Row& row, const Job& job) {
-    const Outcome outcome = row.follow(hands_, job.values);
-    if (!outcome.done || !hands_.busy())
+    const Outcome outcome = row.follow(operator_, job.values);
+    if (!outcome.done || !operator_.busy())
         return job.answer->End(outcome);
     // A tap has been done when the finger is up again.
     EndWhen(
         job.answer,
-        [this, outcome] { return hands_.busy() ? std::nullopt : std::optional(outcome); },
+        [this, outcome] { return operator_.busy() ? std::nullopt : std::optional(outcome); },
         kernel::kNever);
 }
 
@@ -101,7 +101,7 @@ void ControlServer::StartWatch(const Job& job) {
                              .log = all || job.values.Chose("log"),
                              .rest = all};
     watches_[job.client] = std::make_unique<Watch>(
-        hands_.unit().events(), kinds,
+        operator_.unit().events(), kinds,
         [answer = job.answer](const std::string& line) { answer->Line(line); });
 }
 
@@ -129,13 +129,13 @@ void ControlServer::RaiseRequest(const Job& job) {
     // Listens before the request is raised: the answer may come at once.
     const auto heard = std::make_shared<std::atomic<std::int64_t>>(kNotHeard);
     const auto listening =
-        std::make_shared<EventHub::Subscription>(hands_.unit().events().Subscribe(
+        std::make_shared<EventHub::Subscription>(operator_.unit().events().Subscribe(
             [heard, name = request->acknowledgement](const TimedEvent& timed) {
                 const auto* const posted = std::get_if<BroadcastPosted>(&timed.event);
                 if (posted && posted->name == name)
                     *heard = timed.time.count();
             }));
-    const Outcome raised = UnitCommands().Follow(hands_, job.request.line);
+    const Outcome raised = UnitCommands().Follow(operator_, job.request.line);
     if (!raised.done)
         return job.answer->End(raised);
     EndWhen(

@@ -21,9 +21,9 @@ constexpr int kClaimAgain = 50;
 
 }  // namespace
 
-ControlServer::ControlServer(Operator& hands, const std::string& name, Abilities abilities,
+ControlServer::ControlServer(Operator& op, const std::string& name, Abilities abilities,
                              std::function<void(const std::string&)> say)
-    : hands_(hands),
+    : operator_(op),
       name_(name),
       abilities_(std::move(abilities)),
       say_(std::move(say)),

@@ -38,7 +38,7 @@ class ControlServer {
 
     // Claims the socket of that name; while another unit has it, it is tried again and again until
     // that one ends. `say` takes one line when there can be no socket.
-    ControlServer(Operator& hands, const std::string& name, Abilities abilities,
+    ControlServer(Operator& op, const std::string& name, Abilities abilities,
                   std::function<void(const std::string&)> say);
     ~ControlServer();
     ControlServer(const ControlServer&) = delete;
@@ -92,7 +92,7 @@ class ControlServer {
     void Follow(const UnitTable::Row& row, const Job& job);
     void RaiseRequest(const Job& job);
 
-    Operator& hands_;
+    Operator& operator_;
     const std::string name_;
     const Abilities abilities_;
     const std::function<void(const std::string&)> say_;

@@ -50,7 +50,7 @@ void ControlServer::StartFindObject(const Job& job) {
     NamedKind kind = kernel::FindNamedKind(name);
     // Of two copies that start together the one with the socket is the first, even if its program
     // has yet to say so.
-    if (kind == NamedKind::kNone && hands_.unit().program().Starts(name))
+    if (kind == NamedKind::kNone && operator_.unit().program().Starts(name))
         kind = NamedKind::kMutex;
     job.answer->End(Done(KindName(kind)));
 }

@@ -48,7 +48,7 @@ std::span<const std::uint8_t> LineEntry::payload() const {
 
 std::string LineEntry::Text() const {
     const std::string start = DirectionName(direction) + "  ";
-    if (kind == Cut::Kind::kStray)
+    if (kind == Segment::Kind::kStray)
         return start + StrayText(bytes);
     const std::string head = start + FrameTypeName(type()) + "  " + CodeName(code()) + "  ";
     if (bytes.size() == kFrameHeaderBytes)
@@ -67,18 +67,18 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
     if (!bytes.empty())
         keep(Settle(time));
     for (const std::uint8_t byte : bytes) {
-        auto cut = cutter_.Take(byte);
-        if (!cut)
+        auto segment = splitter_.Take(byte);
+        if (!segment)
             continue;
-        if (cut->kind == Cut::Kind::kStray) {
-            if (stray_.size() + cut->bytes.size() > kMostStray)
+        if (segment->kind == Segment::Kind::kStray) {
+            if (stray_.size() + segment->bytes.size() > kMostStray)
                 keep(EndStray());
-            stray_.insert(stray_.end(), cut->bytes.begin(), cut->bytes.end());
+            stray_.insert(stray_.end(), segment->bytes.begin(), segment->bytes.end());
             stray_time_ = time;
             continue;
         }
         keep(EndStray());
-        keep(LineEntry{time, direction_, cut->kind, std::move(cut->bytes)});
+        keep(LineEntry{time, direction_, segment->kind, std::move(segment->bytes)});
     }
     return entries;
 }
@@ -90,7 +90,7 @@ std::optional<LineEntry> FrameMonitor::Settle(std::chrono::microseconds now) {
 std::optional<LineEntry> FrameMonitor::EndStray() {
     if (stray_.empty())
         return std::nullopt;
-    return LineEntry{stray_time_, direction_, Cut::Kind::kStray, std::exchange(stray_, {})};
+    return LineEntry{stray_time_, direction_, Segment::Kind::kStray, std::exchange(stray_, {})};
 }
 
 }  // namespace unit

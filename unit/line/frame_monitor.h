@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "unit/events/event.h"
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 
 namespace unit {
 
@@ -16,7 +16,7 @@ namespace unit {
 struct LineEntry {
     std::chrono::microseconds time;  // of the unit, when its last byte came
     Direction direction;
-    Cut::Kind kind;
+    Segment::Kind kind;
     std::vector<std::uint8_t> bytes;  // as they passed
 
     // Of a frame, whole or damaged.
@@ -26,14 +26,14 @@ struct LineEntry {
     bool query() const;
     // Empty when the length is impossible.
     std::span<const std::uint8_t> payload() const;
-    bool checksum_good() const { return kind == Cut::Kind::kFrame; }
+    bool checksum_good() const { return kind == Segment::Kind::kFrame; }
 
     // "to unit  IND  FW_Upgrade_Version  57 '14.09.01.V1.02.03'  ok", without the time.
     std::string Text() const;
 };
 
 // Turns the bytes of one direction into entries. It sees them as the program's parser does (see
-// FrameCutter), and hides nothing. Not locked.
+// FrameSplitter), and hides nothing. Not locked.
 class FrameMonitor {
   public:
     explicit FrameMonitor(Direction direction) : direction_(direction) {}
@@ -48,7 +48,7 @@ class FrameMonitor {
     std::optional<LineEntry> EndStray();
 
     const Direction direction_;
-    FrameCutter cutter_;
+    FrameSplitter splitter_;
     std::vector<std::uint8_t> stray_;
     std::chrono::microseconds stray_time_{};
 };
@@ -56,9 +56,9 @@ class FrameMonitor {
 // The same for both directions.
 class LineMonitor {
   public:
-    std::vector<LineEntry> Take(std::chrono::microseconds time, const LineBytes& piece) {
-        FrameMonitor& monitor = piece.direction == Direction::kToUnit ? to_unit_ : to_dvr_;
-        return monitor.Take(time, piece.bytes);
+    std::vector<LineEntry> Take(std::chrono::microseconds time, const LineBytes& chunk) {
+        FrameMonitor& monitor = chunk.direction == Direction::kToUnit ? to_unit_ : to_dvr_;
+        return monitor.Take(time, chunk.bytes);
     }
 
   private:

@@ -10,7 +10,7 @@
 #include "dvrsim/protocol.h"
 #include "dvrsim/value_names.h"
 #include "unit/events/hex_text.h"
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 
 namespace unit {
 namespace {

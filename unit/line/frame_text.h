@@ -17,7 +17,7 @@ std::string DirectionName(Direction direction);
 std::string FrameTypeName(std::uint8_t type);
 // "FW_Upgrade_Version", "FW_Upgrade_Version query", or the number for a command that is none.
 std::string CodeName(std::uint16_t code);
-// The other way: of a name in any letters, or of a number such as 0x2E. Empty for another word,
+// The reverse: of a name in any letters, or of a number such as 0x2E. Empty for another word,
 // with one line in `problem`.
 std::optional<std::uint16_t> ReadCommand(const std::string& word, std::string& problem);
 // "IND FW_Upgrade_Version", of a frame's bytes in wire order.

@@ -81,25 +81,26 @@ void LineFaults::Tell(const Entry& entry, const std::string& what,
                         "): " + what + ", " + std::to_string(entry.applied) + " so far");
 }
 
-void LineFaults::ApplyToBytes(Active& active, Cells& cells, std::vector<std::string>& lines) const {
-    Cells result;
-    for (const Cell& cell : cells) {
-        if (result.size() >= kMostCells)
+void LineFaults::ApplyToBytes(Active& active, ByteSlots& slots,
+                              std::vector<std::string>& lines) const {
+    ByteSlots result;
+    for (const ByteSlot& slot : slots) {
+        if (result.size() >= kMaxSlots)
             break;
         if (!active.Fires()) {
-            result.push_back(cell);
+            result.push_back(slot);
             continue;
         }
-        const std::uint8_t value[] = {cell.value};
+        const std::uint8_t value[] = {slot.value};
         Tell(active.entry, "byte " + HexText(value), lines);
-        const Cells faulted = FaultByte(active.entry.rule, cell);
+        const ByteSlots faulted = FaultByte(active.entry.rule, slot);
         result.insert(result.end(), faulted.begin(), faulted.end());
     }
-    cells = std::move(result);
+    slots = std::move(result);
 }
 
-Cells LineFaults::Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame) {
-    Cells cells = CellsOf(bytes, frame);
+ByteSlots LineFaults::Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame) {
+    ByteSlots slots = SlotsOf(bytes, frame);
     std::vector<std::string> lines;
     {
         const std::scoped_lock lock(mutex_);
@@ -108,19 +109,19 @@ Cells LineFaults::Apply(Direction direction, std::span<const std::uint8_t> bytes
             if (!rule.Concerns(direction))
                 continue;
             if (!rule.frames) {
-                ApplyToBytes(active, cells, lines);
+                ApplyToBytes(active, slots, lines);
                 continue;
             }
-            if (!frame || !rule.frames->Matches(bytes) || !HasPart(rule, cells, bytes.size()) ||
+            if (!frame || !rule.frames->Matches(bytes) || !HasPart(rule, slots, bytes.size()) ||
                 !active.Fires())
                 continue;
             Tell(active.entry, FrameName(bytes), lines);
-            FaultFrame(rule, cells, bytes.size());
+            FaultFrame(rule, slots, bytes.size());
         }
     }
     for (const std::string& line : lines)
         hear_(line);
-    return cells;
+    return slots;
 }
 
 }  // namespace unit

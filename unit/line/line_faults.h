@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "unit/line/fault_cells.h"
+#include "unit/line/byte_slots.h"
 #include "unit/line/fault_rule.h"
 
 namespace unit {
@@ -40,7 +40,7 @@ class LineFaults {
     // Whether a rule needs to know where frames begin and end.
     bool WantFrames(Direction direction) const;
     // What the bytes become: a whole undamaged frame, or bytes of none.
-    Cells Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame);
+    ByteSlots Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame);
 
   private:
     struct Active {
@@ -50,7 +50,7 @@ class LineFaults {
         bool Fires();
     };
 
-    void ApplyToBytes(Active& active, Cells& cells, std::vector<std::string>& lines) const;
+    void ApplyToBytes(Active& active, ByteSlots& slots, std::vector<std::string>& lines) const;
     void Tell(const Entry& entry, const std::string& what, std::vector<std::string>& lines) const;
 
     mutable std::mutex mutex_;

@@ -19,7 +19,7 @@ constexpr std::size_t kMostWaiting = std::size_t{256} * 1024;
 LineTap::LineTap(std::shared_ptr<SerialLine> line, std::shared_ptr<LineFaults> faults,
                  Listener listener)
     : line_(std::move(line)), faults_(std::move(faults)), listener_(std::move(listener)) {
-    line_->OnRoom([this] { Room(); });
+    line_->OnWritable([this] { Writable(); });
 }
 
 LineTap::~LineTap() {
@@ -38,8 +38,8 @@ void LineTap::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
     const std::scoped_lock lock(mutex_);
     if (!port_ || !plugged_)
         return;
-    Queue(WayOf(direction), CellsOf(bytes, false));
-    Release(WayOf(direction));
+    Queue(ChannelOf(direction), SlotsOf(bytes, false));
+    Release(ChannelOf(direction));
 }
 
 DWORD LineTap::Open(Receiver receiver) {
@@ -68,11 +68,11 @@ void LineTap::Close() {
 // Everything that is on its way.
 void LineTap::Forget() {
     full_ = false;
-    for (Way* way : {&to_unit_, &to_dvr_}) {
-        way->cutter.GiveUp();
-        way->waiting.clear();
-        way->waiting_bytes = 0;
-        way->last_due = {};
+    for (Channel* channel : {&to_unit_, &to_dvr_}) {
+        channel->splitter.GiveUp();
+        channel->waiting.clear();
+        channel->waiting_bytes = 0;
+        channel->last_due = {};
     }
 }
 
@@ -98,8 +98,9 @@ void LineTap::Arrive(std::span<const std::uint8_t> bytes) {
 }
 
 // Nothing delays or changes what comes now.
-bool LineTap::IsFree(const Way& way) const {
-    return way.waiting.empty() && way.cutter.held().empty() && !faults_->Concern(way.direction);
+bool LineTap::IsFree(const Channel& channel) const {
+    return channel.waiting.empty() && channel.splitter.held().empty() &&
+           !faults_->Concern(channel.direction);
 }
 
 std::size_t LineTap::Transmit(std::span<const std::uint8_t> bytes) {
@@ -108,7 +109,7 @@ std::size_t LineTap::Transmit(std::span<const std::uint8_t> bytes) {
     if (full_)
         return 0;
     const bool free = IsFree(to_dvr_);
-    // The port itself waits for room when nothing is in between.
+    // The port itself waits until the line is writable when nothing is in between.
     if (plugged_ && free)
         taken = line_->Transmit(bytes);
     if (listener_ && taken > 0)
@@ -118,101 +119,102 @@ std::size_t LineTap::Transmit(std::span<const std::uint8_t> bytes) {
     return taken;
 }
 
-void LineTap::OnRoom(std::function<void()> room) {
+void LineTap::OnWritable(std::function<void()> on_writable) {
     const std::scoped_lock lock(mutex_);
-    room_ = std::move(room);
+    on_writable_ = std::move(on_writable);
 }
 
-void LineTap::Room() {
-    std::function<void()> room;
+void LineTap::Writable() {
+    std::function<void()> on_writable;
     {
         const std::scoped_lock lock(mutex_);
         full_ = false;
         Release(to_dvr_);
         if (!full_)
-            room = room_;
+            on_writable = on_writable_;
     }
-    if (room)
-        room();
+    if (on_writable)
+        on_writable();
 }
 
-void LineTap::Pass(Way& way, std::span<const std::uint8_t> bytes) {
-    way.last_arrival = kernel::Now();
-    if (faults_->WantFrames(way.direction)) {
+void LineTap::Pass(Channel& channel, std::span<const std::uint8_t> bytes) {
+    channel.last_arrival = kernel::Now();
+    if (faults_->WantFrames(channel.direction)) {
         for (const std::uint8_t byte : bytes)
-            if (const auto cut = way.cutter.Take(byte))
-                PassCut(way, cut->bytes, cut->kind == Cut::Kind::kFrame);
+            if (const auto segment = channel.splitter.Take(byte))
+                PassSegment(channel, segment->bytes, segment->kind == Segment::Kind::kFrame);
     } else {
-        PassCut(way, way.cutter.GiveUp(), false);
-        PassCut(way, bytes, false);
+        PassSegment(channel, channel.splitter.GiveUp(), false);
+        PassSegment(channel, bytes, false);
     }
-    Release(way);
+    Release(channel);
 }
 
-void LineTap::PassCut(Way& way, std::span<const std::uint8_t> bytes, bool frame) {
+void LineTap::PassSegment(Channel& channel, std::span<const std::uint8_t> bytes, bool frame) {
     if (!bytes.empty())
-        Queue(way, faults_->Apply(way.direction, bytes, frame));
+        Queue(channel, faults_->Apply(channel.direction, bytes, frame));
 }
 
-void LineTap::Queue(Way& way, const Cells& cells) {
-    for (const Cell& cell : cells) {
-        if (way.waiting_bytes == kMostWaiting)
+void LineTap::Queue(Channel& channel, const ByteSlots& slots) {
+    for (const ByteSlot& slot : slots) {
+        if (channel.waiting_bytes == kMostWaiting)
             return;
-        ++way.waiting_bytes;
-        const kernel::Time due = std::max(way.last_due, kernel::Now() + cell.delay) + cell.pause;
-        if (way.waiting.empty() || way.waiting.back().due != due)
-            way.waiting.push_back({due, {}});
-        way.waiting.back().bytes.push_back(cell.value);
-        way.last_due = due;
+        ++channel.waiting_bytes;
+        const kernel::Time due =
+            std::max(channel.last_due, kernel::Now() + slot.delay) + slot.pause;
+        if (channel.waiting.empty() || channel.waiting.back().due != due)
+            channel.waiting.push_back({due, {}});
+        channel.waiting.back().bytes.push_back(slot.value);
+        channel.last_due = due;
     }
 }
 
-void LineTap::Release(Way& way) {
-    while (!way.waiting.empty() && way.waiting.front().due <= kernel::Now()) {
-        if (!Deliver(way, way.waiting.front()))
+void LineTap::Release(Channel& channel) {
+    while (!channel.waiting.empty() && channel.waiting.front().due <= kernel::Now()) {
+        if (!Deliver(channel, channel.waiting.front()))
             return;
-        way.waiting.pop_front();
+        channel.waiting.pop_front();
     }
-    LookAgain(way);
+    LookAgain(channel);
 }
 
-// False when the line is full before the end of the piece.
-bool LineTap::Deliver(Way& way, Piece& piece) {
-    if (way.direction == Direction::kToUnit) {
+// False when the line is full before the end of the chunk.
+bool LineTap::Deliver(Channel& channel, Chunk& chunk) {
+    if (channel.direction == Direction::kToUnit) {
         if (listener_)
-            listener_(Direction::kToUnit, piece.bytes);
-        way.waiting_bytes -= piece.bytes.size();
-        port_(piece.bytes);
+            listener_(Direction::kToUnit, chunk.bytes);
+        channel.waiting_bytes -= chunk.bytes.size();
+        port_(chunk.bytes);
         return true;
     }
-    while (!full_ && !piece.bytes.empty()) {
-        const std::size_t taken = line_->Transmit(piece.bytes);
-        way.waiting_bytes -= taken;
-        piece.bytes.erase(piece.bytes.begin(),
-                          piece.bytes.begin() + static_cast<std::ptrdiff_t>(taken));
+    while (!full_ && !chunk.bytes.empty()) {
+        const std::size_t taken = line_->Transmit(chunk.bytes);
+        channel.waiting_bytes -= taken;
+        chunk.bytes.erase(chunk.bytes.begin(),
+                          chunk.bytes.begin() + static_cast<std::ptrdiff_t>(taken));
         full_ = taken == 0;
     }
     return !full_;
 }
 
 // Sees to it that the hardware comes by when something is due.
-void LineTap::LookAgain(Way& way) {
-    kernel::Time due = way.waiting.empty() ? kernel::kNever : way.waiting.front().due;
-    if (!way.cutter.held().empty())
-        due = std::min(due, way.last_arrival + kLongestGap);
-    if (due >= way.alarm)
+void LineTap::LookAgain(Channel& channel) {
+    kernel::Time due = channel.waiting.empty() ? kernel::kNever : channel.waiting.front().due;
+    if (!channel.splitter.held().empty())
+        due = std::min(due, channel.last_arrival + kLongestGap);
+    if (due >= channel.alarm)
         return;
-    way.alarm = due;
-    kernel::At(due, [weak = weak_from_this(), direction = way.direction, due] {
+    channel.alarm = due;
+    kernel::At(due, [weak = weak_from_this(), direction = channel.direction, due] {
         const auto self = weak.lock();
         if (!self)
             return;
         const std::scoped_lock lock(self->mutex_);
-        Way& woken = self->WayOf(direction);
+        Channel& woken = self->ChannelOf(direction);
         if (woken.alarm == due)
             woken.alarm = kernel::kNever;
-        if (!woken.cutter.held().empty() && kernel::Now() - woken.last_arrival >= kLongestGap)
-            self->PassCut(woken, woken.cutter.GiveUp(), false);
+        if (!woken.splitter.held().empty() && kernel::Now() - woken.last_arrival >= kLongestGap)
+            self->PassSegment(woken, woken.splitter.GiveUp(), false);
         self->Release(woken);
     });
 }

@@ -11,7 +11,7 @@
 #include "platform/device/serial_line.h"
 #include "platform/kernel/clock.h"
 #include "unit/events/event.h"
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 #include "unit/line/line_faults.h"
 
 namespace unit {
@@ -20,7 +20,7 @@ namespace unit {
 // line passes through here, in both directions, and can be listened to, faulted and cut off. Any
 // thread.
 //
-// Without faults a piece passes at once, on the thread that brings it. A rule about frames holds
+// Without faults a chunk passes at once, on the thread that brings it. A rule about frames holds
 // the beginning of a frame back until its rest has come, or 50 ms have passed without another byte.
 // What a fault delays is delivered by the hardware's thread, and is lost when the port closes or
 // the plug is pulled meanwhile. The faults add no wire time of their own.
@@ -48,56 +48,58 @@ class LineTap final : public platform::device::SerialLine,
     DWORD ReadSettings(DCB& settings) override;
     DWORD ApplySettings(const DCB& settings) override;
     std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
-    void OnRoom(std::function<void()> room) override;
+    void OnWritable(std::function<void()> on_writable) override;
 
   private:
-    struct Piece {
+    struct Chunk {
         platform::kernel::Time due;
         std::vector<std::uint8_t> bytes;
     };
 
     // One direction of the line.
-    struct Way {
-        explicit Way(Direction of) : direction(of) {}
+    struct Channel {
+        explicit Channel(Direction of) : direction(of) {}
 
         const Direction direction;
-        FrameCutter cutter;
+        FrameSplitter splitter;
         platform::kernel::Time last_arrival{};
-        std::deque<Piece> waiting;  // in order of time
+        std::deque<Chunk> waiting;  // in order of time
         std::size_t waiting_bytes = 0;
         platform::kernel::Time last_due{};
         // When the hardware looks next, for `waiting` or for bytes held back too long.
         platform::kernel::Time alarm = platform::kernel::kNever;
     };
 
-    Way& WayOf(Direction direction) { return direction == Direction::kToUnit ? to_unit_ : to_dvr_; }
+    Channel& ChannelOf(Direction direction) {
+        return direction == Direction::kToUnit ? to_unit_ : to_dvr_;
+    }
 
     void Arrive(std::span<const std::uint8_t> bytes);
-    void Room();
+    void Writable();
 
     // With the lock held.
-    bool IsFree(const Way& way) const;
-    void Pass(Way& way, std::span<const std::uint8_t> bytes);
-    void PassCut(Way& way, std::span<const std::uint8_t> bytes, bool frame);
-    void Queue(Way& way, const Cells& cells);
-    void Release(Way& way);
-    bool Deliver(Way& way, Piece& piece);
-    void LookAgain(Way& way);
+    bool IsFree(const Channel& channel) const;
+    void Pass(Channel& channel, std::span<const std::uint8_t> bytes);
+    void PassSegment(Channel& channel, std::span<const std::uint8_t> bytes, bool frame);
+    void Queue(Channel& channel, const ByteSlots& slots);
+    void Release(Channel& channel);
+    bool Deliver(Channel& channel, Chunk& chunk);
+    void LookAgain(Channel& channel);
     void Forget();
 
     const std::shared_ptr<SerialLine> line_;
     const std::shared_ptr<LineFaults> faults_;
     const Listener listener_;
-    // Guards what follows, and keeps the pieces of a direction in order; the kernel lock may be
+    // Guards what follows, and keeps the chunks of a direction in order; the kernel lock may be
     // taken under it, never the other way round.
     std::mutex mutex_;
     Receiver port_;
-    std::function<void()> room_;
+    std::function<void()> on_writable_;
     bool plugged_ = true;
-    // The line took less than it was given and has not told of room since.
+    // The line took less than it was given and has not become writable since.
     bool full_ = false;
-    Way to_unit_{Direction::kToUnit};
-    Way to_dvr_{Direction::kToDvr};
+    Channel to_unit_{Direction::kToUnit};
+    Channel to_dvr_{Direction::kToDvr};
 };
 
 }  // namespace unit

@@ -4,8 +4,8 @@
 
 #include "control/values.h"
 #include "unit/events/hex_text.h"
-#include "unit/line/frame_cutter.h"
 #include "unit/line/frame_monitor.h"
+#include "unit/line/frame_splitter.h"
 #include "unit/recording/moment_text.h"
 
 namespace unit {
@@ -53,12 +53,12 @@ class OutputFinder {
         std::vector<Found> found;
         for (const LinePiece& piece : burst.pieces)
             for (const std::uint8_t byte : piece.bytes)
-                if (const auto cut = cutter_.Take(byte))
-                    found.push_back({OutputKind::kFrame, HexText(cut->bytes), ERROR_SUCCESS});
+                if (const auto segment = splitter_.Take(byte))
+                    found.push_back({OutputKind::kFrame, HexText(segment->bytes), ERROR_SUCCESS});
         return found;
     }
 
-    FrameCutter cutter_;
+    FrameSplitter splitter_;
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ VirtualUnit::Options OptionsOf(const RecordingHeader& header, OutputBook& book,
     options.kernel.waiting_repaints = header.kernel.waiting_repaints;
     options.kernel.start = header.start;
     options.missing_bitmaps = header.missing_bitmaps;
-    options.dvr.line = DvrBay::Line::kNone;
+    options.dvr.line = DvrPort::Line::kNone;
     options.drivers[L"COM9:"] = std::make_shared<ReplaySerialDriver>(book, L"COM9:", line);
     for (const wchar_t* name : {L"DVR1:", L"SCA0:"})
         options.drivers[name] = std::make_shared<ReplayDriver>(book, name);

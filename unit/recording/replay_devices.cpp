@@ -76,8 +76,8 @@ DWORD ReplayLine::ApplySettings(const DCB& settings) {
 std::size_t ReplayLine::Transmit(std::span<const std::uint8_t> bytes) {
     const std::scoped_lock lock(mutex_);
     for (const std::uint8_t byte : bytes)
-        if (const auto cut = cutter_.Take(byte))
-            book_.Take(OutputKind::kFrame, platform::kernel::Now(), HexText(cut->bytes));
+        if (const auto segment = splitter_.Take(byte))
+            book_.Take(OutputKind::kFrame, platform::kernel::Now(), HexText(segment->bytes));
     return bytes.size();
 }
 

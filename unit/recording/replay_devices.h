@@ -9,7 +9,7 @@
 #include "platform/device/serial_line.h"
 #include "platform/device/serial_port.h"
 #include "platform/device/stream_driver.h"
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 #include "unit/recording/output_book.h"
 
 namespace unit {
@@ -28,14 +28,14 @@ class ReplayLine final : public platform::device::SerialLine {
     DWORD ReadSettings(DCB& settings) override;
     DWORD ApplySettings(const DCB& settings) override;
     std::size_t Transmit(std::span<const std::uint8_t> bytes) override;
-    void OnRoom(std::function<void()>) override {}
+    void OnWritable(std::function<void()>) override {}
 
   private:
     OutputBook& book_;
     std::mutex mutex_;
     Receiver port_;
     DCB settings_{};
-    FrameCutter cutter_;
+    FrameSplitter splitter_;
 };
 
 // The driver of "COM9:" over such a line: opens as it did in the recording.

@@ -45,7 +45,7 @@ std::string SaveFailure(Stage& stage, const std::string& problem) {
     const auto is_any = [](const Happening&) { return true; };
     const std::pair<const char*, std::string> files[] = {
         {"failure.txt", problem + "\nseed " + std::to_string(stage.options.seed) + "\n"},
-        {"state.json", StateJson(stage.hands.unit()) + "\n"},
+        {"state.json", StateJson(stage.op.unit()) + "\n"},
         {"debug.log", Lines(stage.happenings.Latest(kAll, is_log))},
         {"events.log", Lines(stage.happenings.Latest(kAll, is_any))},
     };
@@ -53,7 +53,7 @@ std::string SaveFailure(Stage& stage, const std::string& problem) {
     for (const auto& [name, text] : files)
         if (!Write(stage.out + "/" + name, text, wrong))
             return wrong;
-    if (!WritePng(stage.hands.unit().TakePicture(), stage.out + "/screen.png", wrong))
+    if (!WritePng(stage.op.unit().TakePicture(), stage.out + "/screen.png", wrong))
         return wrong;
     return "seed " + std::to_string(stage.options.seed) + "; saved in " + stage.out +
            ": failure.txt, state.json, screen.png, debug.log, events.log";

@@ -34,7 +34,8 @@ FrameFilter FilterOf(const Values& values) {
 }
 
 bool IsFrame(const LineEntry& entry, const Values& values) {
-    const Cut::Kind kind = values.Chose("damaged") ? Cut::Kind::kDamaged : Cut::Kind::kFrame;
+    const Segment::Kind kind =
+        values.Chose("damaged") ? Segment::Kind::kDamaged : Segment::Kind::kFrame;
     const Direction direction = values.Chose("to-unit") ? Direction::kToUnit : Direction::kToDvr;
     if (entry.kind != kind || entry.direction != direction ||
         !FilterOf(values).Matches(entry.bytes))

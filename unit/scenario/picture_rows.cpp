@@ -27,7 +27,7 @@ Outcome KeepNumbered(Stage& stage, const std::string& name) {
         return Done();
     char number[24];
     std::snprintf(number, sizeof number, "%02zu-", ++stage.pictures);
-    return Keep(stage.hands.unit().TakePicture(),
+    return Keep(stage.op.unit().TakePicture(),
                 stage.options.pictures + "/" + number + name + ".png");
 }
 
@@ -69,15 +69,14 @@ Outcome TakePicture(ScenarioReader& reader, const Values& values) {
 
 Outcome ExpectScreen(ScenarioReader& reader, const Values& values) {
     return reader.Add(Act{[file = values.Text("FILE")](Stage& stage) {
-        return Compare(stage, stage.hands.unit().TakePicture(), file);
+        return Compare(stage, stage.op.unit().TakePicture(), file);
     }});
 }
 
 Outcome ExpectGraphics(ScenarioReader& reader, const Values& values) {
     return reader.Add(Act{[file = values.Text("FILE")](Stage& stage) {
         // A scaler that shows no video.
-        return Compare(stage, MixPlanes(stage.hands.unit().Screen(), NoSignal(), ScalerState{}),
-                       file);
+        return Compare(stage, MixPlanes(stage.op.unit().Screen(), NoSignal(), ScalerState{}), file);
     }});
 }
 

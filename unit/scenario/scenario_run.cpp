@@ -23,13 +23,13 @@ std::string Seconds(kernel::Duration time) {
 
 }  // namespace
 
-ScenarioRun::ScenarioRun(Operator& hands, Scenario scenario, RunOptions options)
+ScenarioRun::ScenarioRun(Operator& op, Scenario scenario, RunOptions options)
     : options_(std::move(options)),
       scenario_(std::move(scenario)),
-      stage_{hands, options_, options_.out.empty() ? "" : options_.out + "/" + scenario_.name,
-             Happenings(hands.unit().events())},
+      stage_{op, options_, options_.out.empty() ? "" : options_.out + "/" + scenario_.name,
+             Happenings(op.unit().events())},
       // A unit that runs faster than the host leaves no more time for looking.
-      glance_(kGlance * hands.unit().time_scale()) {}
+      glance_(kGlance * op.unit().time_scale()) {}
 
 ScenarioRun::~ScenarioRun() {
     kernel::Cancel(next_look_);
@@ -58,7 +58,7 @@ void ScenarioRun::Look() {
         return Fail("more than " + std::to_string(Happenings::kMost) +
                     " things have happened; a scenario looks back on no more");
     // A tap ends by itself; the next command begins after it.
-    while (!finished_ && !stage_.hands.busy()) {
+    while (!finished_ && !stage_.op.busy()) {
         if (position_ == scenario_.steps.size()) {
             Finish();
             return;
@@ -173,7 +173,7 @@ void ScenarioRun::Fail(const std::string& why) {
     const bool behind = position_ == scenario_.steps.size();
     const Step& step = scenario_.steps[behind ? position_ - 1 : position_];
     problem_ = step.Place() + ": " + step.text + ": " + why + "\n    on the screen stand " +
-               stage_.hands.WhatStands();
+               stage_.op.WhatStands();
     Finish();
     if (!stage_.out.empty())
         problem_ += "\n    " + SaveFailure(stage_, problem_);

@@ -13,9 +13,9 @@ namespace unit {
 // runs the scenario. Hardware's thread.
 class ScenarioRun {
   public:
-    // Takes note of what happens from now on; Start begins with the first command. `hands` must
+    // Takes note of what happens from now on; Start begins with the first command. `op` must
     // outlive the run, and the run must be gone before the unit is.
-    ScenarioRun(Operator& hands, Scenario scenario, RunOptions options);
+    ScenarioRun(Operator& op, Scenario scenario, RunOptions options);
     ~ScenarioRun();
     ScenarioRun(const ScenarioRun&) = delete;
     ScenarioRun& operator=(const ScenarioRun&) = delete;

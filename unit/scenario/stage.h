@@ -27,7 +27,7 @@ struct RunOptions {
 
 // What a scenario's commands act on and look at. Hardware's thread.
 struct Stage {
-    Operator& hands;
+    Operator& op;
     const RunOptions& options;
     // The folder that takes what this run leaves when it fails; empty when nothing is to be left.
     std::string out;

@@ -58,7 +58,7 @@ std::string ThePercent(Stage&) {
 template <class Is>
 bool AnyText(Stage& stage, const Values& values, Is is) {
     const std::wstring wanted = platform::kernel::FromUtf8(values.Text("TEXT"));
-    const auto texts = ScreenReader(stage.hands.unit().Screen()).Texts();
+    const auto texts = ScreenReader(stage.op.unit().Screen()).Texts();
     return std::ranges::any_of(texts, [&](const std::wstring& text) { return is(text, wanted); });
 }
 
@@ -77,38 +77,38 @@ bool ShowsPart(Stage& stage, const Values& values) {
 }
 
 bool ShowsButton(Stage& stage, const Values& values) {
-    return stage.hands.FindButton(values.Text("BUTTON")).has_value();
+    return stage.op.FindButton(values.Text("BUTTON")).has_value();
 }
 
 bool ShowsVideo(Stage& stage, const Values&) {
-    return stage.hands.unit().scaler().state().VideoShows();
+    return stage.op.unit().scaler().state().VideoShows();
 }
 
 bool IsSuspended(Stage& stage, const Values&) {
-    return stage.hands.unit().suspended();
+    return stage.op.unit().suspended();
 }
 
 bool Runs(Stage& stage, const Values&) {
-    return stage.hands.unit().program().running();
+    return stage.op.unit().program().running();
 }
 bool HasEnded(Stage& stage, const Values& values) {
-    const ProgramHost& program = stage.hands.unit().program();
+    const ProgramHost& program = stage.op.unit().program();
     const bool ended = program.started() && !program.running();
     return ended && (!values.Has("STATUS") || program.exit_code() == values.Number("STATUS"));
 }
 std::string TheProgram(Stage& stage) {
-    const ProgramHost& program = stage.hands.unit().program();
+    const ProgramHost& program = stage.op.unit().program();
     return program.running()
                ? "the program runs"
                : "the program has ended with status " + std::to_string(program.exit_code());
 }
 
 bool RunsFirmware(Stage& stage, const Values& values) {
-    const dvrsim::Dvr* const dvr = stage.hands.unit().dvr().dvr();
+    const dvrsim::Dvr* const dvr = stage.op.unit().dvr().dvr();
     return dvr && dvr->FirmwareVersion() == values.Text("VERSION");
 }
 std::string TheFirmware(Stage& stage) {
-    const dvrsim::Dvr* const dvr = stage.hands.unit().dvr().dvr();
+    const dvrsim::Dvr* const dvr = stage.op.unit().dvr().dvr();
     return dvr ? "the DVR runs " + dvr->FirmwareVersion() : "the DVR is not the simulated one";
 }
 

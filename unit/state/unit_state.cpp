@@ -65,11 +65,11 @@ Json ScreenState(VirtualUnit& unit) {
             {"close_button", close ? Json{{"x", close->x}, {"y", close->y}} : Json(nullptr)}};
 }
 
-Json DvrState(DvrBay& bay) {
-    const dvrsim::Dvr* const dvr = bay.dvr();
+Json DvrState(DvrPort& port) {
+    const dvrsim::Dvr* const dvr = port.dvr();
     if (!dvr)
         return {{"simulated", false}};
-    Json state = {{"simulated", true}, {"plugged", bay.plugged()}};
+    Json state = {{"simulated", true}, {"plugged", port.plugged()}};
     state.update(dvrsim::StateOf(*dvr));
     return state;
 }
@@ -99,9 +99,9 @@ Json PowerState(VirtualUnit& unit) {
             {"suspended", unit.suspended()}};
 }
 
-Json LineFaultsNow(DvrBay& bay) {
+Json LineFaultsNow(DvrPort& port) {
     Json list = Json::array();
-    for (const LineFaults::Entry& entry : bay.faults().List())
+    for (const LineFaults::Entry& entry : port.faults().List())
         list.push_back({{"number", entry.number},
                         {"rule", ToText(entry.rule)},
                         {"applied", entry.applied},

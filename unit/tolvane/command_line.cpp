@@ -16,11 +16,11 @@ constexpr double kFastest = 1000;
 
 void SetLine(CommandLine& command_line, const std::string& com9) {
     if (com9 == "sim") {
-        command_line.line = DvrBay::Line::kMemory;
+        command_line.line = DvrPort::Line::kMemory;
     } else if (com9 == "pty") {
-        command_line.line = DvrBay::Line::kPseudoTerminal;
+        command_line.line = DvrPort::Line::kPseudoTerminal;
     } else {
-        command_line.line = DvrBay::Line::kTty;
+        command_line.line = DvrPort::Line::kTty;
         command_line.tty = com9;
     }
 }
@@ -170,7 +170,7 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         return std::nullopt;
     }
     SetLine(command_line, com9);
-    if (!command_line.reset_command.empty() && command_line.line != DvrBay::Line::kTty) {
+    if (!command_line.reset_command.empty() && command_line.line != DvrPort::Line::kTty) {
         std::fputs(
             "tolvane: --reset-command is for a DVR at --com9 PATH; the simulated one needs none\n",
             stderr);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "unit/devices/dvr_bay.h"
+#include "unit/devices/dvr_port.h"
 
 namespace unit {
 
@@ -15,7 +15,7 @@ struct CommandLine {
     bool automatic = false;
     bool kiosk = false;
     bool stats = false;
-    DvrBay::Line line = DvrBay::Line::kMemory;
+    DvrPort::Line line = DvrPort::Line::kMemory;
     std::string tty;
     std::string reset_command;
     std::string card;

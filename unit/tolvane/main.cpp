@@ -39,7 +39,7 @@ int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
-int RunInWindow(VirtualUnit& unit, Operator& hands, ProcessLinks& links,
+int RunInWindow(VirtualUnit& unit, Operator& op, ProcessLinks& links,
                 const CommandLine& command_line, const CloseSignals& signals) {
     // A second copy of the program that lets the first one go before it shows nothing at all.
     const bool waits = links.second();
@@ -50,7 +50,7 @@ int RunInWindow(VirtualUnit& unit, Operator& hands, ProcessLinks& links,
         });
     }
     if (!waits || (unit.program().running() && !signals.raised())) {
-        Workbench workbench(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
+        Workbench workbench(unit, op, {command_line.kiosk, command_line.speed.value_or(1.0)});
         links.OnRaise([&workbench] { workbench.BringForward(); });
         if (!waits)
             unit.Start();
@@ -72,10 +72,10 @@ int RunByHand(const CommandLine& command_line, const Program& program,
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
         return kExitFailed;
-    Operator hands(unit, command_line.card);
-    ProcessLinks links(hands, command_line.unit, RunOptionsFor(command_line, options));
+    Operator op(unit, command_line.card);
+    ProcessLinks links(op, command_line.unit, RunOptionsFor(command_line, options));
     return command_line.headless ? RunWithoutWindow(unit, signals)
-                                 : RunInWindow(unit, hands, links, command_line, signals);
+                                 : RunInWindow(unit, op, links, command_line, signals);
 }
 
 int Run(CommandLine command_line) {

@@ -6,21 +6,21 @@
 
 namespace unit {
 
-ProcessLinks::ProcessLinks(Operator& hands, const std::string& name, RunOptions sent)
-    : scenarios_(hands, std::move(sent)),
-      control_(hands, name,
-               {.state = [&unit = hands.unit()] { return StateJson(unit); },
+ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sent)
+    : scenarios_(op, std::move(sent)),
+      control_(op, name,
+               {.state = [&unit = op.unit()] { return StateJson(unit); },
                 .run = [this](const SentScenario& scenario) { scenarios_.Run(scenario); },
                 .raise =
                     [this] {
                         if (raise_)
                             raise_();
                     }},
-               [&unit = hands.unit()](const std::string& line) { unit.Say(line); }),
+               [&unit = op.unit()](const std::string& line) { unit.Say(line); }),
       first_(std::make_shared<FirstUnit>(
           name, [this] { return !control_.taken(); },
-          [&unit = hands.unit()] { unit.Say("the unit that runs already has come forward"); })) {
-    hands.unit().SetNeighbours(first_);
+          [&unit = op.unit()] { unit.Say("the unit that runs already has come forward"); })) {
+    op.unit().SetNeighbours(first_);
 }
 
 }  // namespace unit

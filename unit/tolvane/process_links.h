@@ -16,7 +16,7 @@ namespace unit {
 class ProcessLinks {
   public:
     // `sent` is how the scenarios run that other processes send.
-    ProcessLinks(Operator& hands, const std::string& name, RunOptions sent);
+    ProcessLinks(Operator& op, const std::string& name, RunOptions sent);
     ProcessLinks(const ProcessLinks&) = delete;
     ProcessLinks& operator=(const ProcessLinks&) = delete;
 

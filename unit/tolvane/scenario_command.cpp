@@ -27,7 +27,7 @@ VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& com
     if (command_line.speed)
         options.kernel.speed = *command_line.speed;
     const bool real_time =
-        command_line.speed || command_line.window || command_line.line != DvrBay::Line::kMemory;
+        command_line.speed || command_line.window || command_line.line != DvrPort::Line::kMemory;
     if (real_time)
         options.kernel.mode = kernel::Mode::kFreeRunning;
     if (options.kernel.mode == kernel::Mode::kSimulated)
@@ -35,11 +35,11 @@ VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& com
     return options;
 }
 
-bool RunOn(VirtualUnit& unit, Operator& hands, ScenarioRun& run, const CommandLine& command_line,
+bool RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run, const CommandLine& command_line,
            const CloseSignals& signals) {
     const auto done = [&] { return run.finished() || signals.raised(); };
     if (command_line.window) {
-        Workbench window(unit, hands, {command_line.kiosk, command_line.speed.value_or(1.0)});
+        Workbench window(unit, op, {command_line.kiosk, command_line.speed.value_or(1.0)});
         unit.Start();
         run.Start();
         window.Run(done);
@@ -67,10 +67,10 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
         return false;
-    Operator hands(unit, command_line.card);
-    ScenarioRun run(hands, scenario, RunOptionsFor(command_line, options));
+    Operator op(unit, command_line.card);
+    ScenarioRun run(op, scenario, RunOptionsFor(command_line, options));
     const auto began = HostClock::now();
-    const bool passed = RunOn(unit, hands, run, command_line, signals);
+    const bool passed = RunOn(unit, op, run, command_line, signals);
     const std::chrono::duration<double> host_time = HostClock::now() - began;
     if (!run.passed())
         Say(run.problem());

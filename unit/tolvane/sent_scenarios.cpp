@@ -41,7 +41,7 @@ void SentScenarios::Run(const SentScenario& sent) {
     const auto tell = [answer = answer_](const std::string& line) { answer->Line(line); };
     options.say = tell;
     options.trace = [tell](const std::string& command) { tell("> " + command); };
-    run_.emplace(hands_, std::move(*scenario), std::move(options));
+    run_.emplace(operator_, std::move(*scenario), std::move(options));
     run_->Start();
     Look();
 }
@@ -51,7 +51,7 @@ void SentScenarios::Look() {
         run_->Stop("nobody waits for it any more");
     if (run_->finished())
         return End();
-    next_look_ = kernel::After(kLookAgain * hands_.unit().time_scale(), [this] { Look(); });
+    next_look_ = kernel::After(kLookAgain * operator_.unit().time_scale(), [this] { Look(); });
 }
 
 void SentScenarios::End() {

@@ -14,9 +14,8 @@ namespace unit {
 // Hardware's thread.
 class SentScenarios {
   public:
-    // `hands` must outlive it. What the options would say and trace, the sender is told.
-    SentScenarios(Operator& hands, RunOptions options)
-        : hands_(hands), options_(std::move(options)) {}
+    // `op` must outlive it. What the options would say and trace, the sender is told.
+    SentScenarios(Operator& op, RunOptions options) : operator_(op), options_(std::move(options)) {}
     ~SentScenarios();
     SentScenarios(const SentScenarios&) = delete;
     SentScenarios& operator=(const SentScenarios&) = delete;
@@ -27,7 +26,7 @@ class SentScenarios {
     void Look();
     void End();
 
-    Operator& hands_;
+    Operator& operator_;
     const RunOptions options_;
     std::optional<ScenarioRun> run_;
     std::shared_ptr<Answer> answer_;

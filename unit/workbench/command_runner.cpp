@@ -11,7 +11,7 @@ constexpr std::size_t kMost = 500;
 }  // namespace
 
 void CommandRunner::Follow(const std::string& line) {
-    control::Outcome outcome = table_.Follow(hands_, line);
+    control::Outcome outcome = table_.Follow(operator_, line);
     entries_.push_back({platform::kernel::Now(), line, outcome.done, std::move(outcome.text)});
     if (entries_.size() > kMost)
         entries_.pop_front();

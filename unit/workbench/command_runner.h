@@ -21,7 +21,7 @@ class CommandRunner {
         std::string reply;
     };
 
-    CommandRunner(const UnitTable& table, Operator& hands) : table_(table), hands_(hands) {}
+    CommandRunner(const UnitTable& table, Operator& op) : table_(table), operator_(op) {}
 
     void Follow(const std::string& line);
 
@@ -42,7 +42,7 @@ class CommandRunner {
 
   private:
     const UnitTable& table_;
-    Operator& hands_;
+    Operator& operator_;
     std::deque<Entry> entries_;
     std::map<std::string, bool> asked_;
 };

@@ -20,11 +20,11 @@ POINT OnScreen(const Area& screen, Sint32 x, Sint32 y) {
 }  // namespace
 
 void Finger::Follow(const SDL_Event& event, const Area& screen) {
-    if (hands_.busy())
+    if (operator_.busy())
         return;
     if (event.type == SDL_MOUSEMOTION) {
         if (down_)
-            hands_.MoveFinger(OnScreen(screen, event.motion.x, event.motion.y));
+            operator_.MoveFinger(OnScreen(screen, event.motion.x, event.motion.y));
         return;
     }
     if (event.button.button != SDL_BUTTON_LEFT)
@@ -33,11 +33,11 @@ void Finger::Follow(const SDL_Event& event, const Area& screen) {
     const float y = static_cast<float>(event.button.y);
     if (event.type == SDL_MOUSEBUTTONDOWN && screen.Contains(x, y)) {
         down_ = true;
-        hands_.Press(OnScreen(screen, event.button.x, event.button.y));
+        operator_.Press(OnScreen(screen, event.button.x, event.button.y));
     } else if (event.type == SDL_MOUSEBUTTONUP && down_) {
         down_ = false;
-        hands_.MoveFinger(OnScreen(screen, event.button.x, event.button.y));
-        hands_.Release();
+        operator_.MoveFinger(OnScreen(screen, event.button.x, event.button.y));
+        operator_.Release();
     }
 }
 

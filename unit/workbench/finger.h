@@ -11,13 +11,13 @@ namespace unit {
 // at the edge. Hardware's thread.
 class Finger {
   public:
-    explicit Finger(Operator& hands) : hands_(hands) {}
+    explicit Finger(Operator& op) : operator_(op) {}
 
     // A mouse event, with the screen's place in the units of the event.
     void Follow(const SDL_Event& event, const Area& screen);
 
   private:
-    Operator& hands_;
+    Operator& operator_;
     bool down_ = false;
 };
 

@@ -20,7 +20,7 @@ void DrawFrame(const LineEntry& entry) {
     };
     cell(ReadableTime(entry.time), color::kDim);
     cell(DirectionName(entry.direction), to_unit ? color::kGood : color::kAccent);
-    if (entry.kind == Cut::Kind::kStray) {
+    if (entry.kind == Segment::Kind::kStray) {
         cell("stray", color::kWarning);
         cell("");
         cell("");

@@ -46,14 +46,14 @@ void WakeEventLoop() {
 
 }  // namespace
 
-Workbench::Workbench(VirtualUnit& unit, Operator& hands, const Options& options)
+Workbench::Workbench(VirtualUnit& unit, Operator& op, const Options& options)
     : unit_(unit),
       options_(options),
       window_(options.kiosk),
       history_(unit.events()),
-      commands_(UnitCommands(), hands),
+      commands_(UnitCommands(), op),
       desk_{unit, commands_, history_, meter_},
-      finger_(hands),
+      finger_(op),
       screen_(window_.renderer(), unit) {
     desk_.scale = window_.scale();
     desk_.dock_height *= desk_.scale;

@@ -33,7 +33,7 @@ class Workbench {
         return DesktopWindow::DisplayAvailable(problem);
     }
 
-    Workbench(VirtualUnit& unit, Operator& hands, const Options& options);
+    Workbench(VirtualUnit& unit, Operator& op, const Options& options);
     ~Workbench();
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;

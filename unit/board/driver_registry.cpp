@@ -1,4 +1,4 @@
-#include "unit/board/driver_shelf.h"
+#include "unit/board/driver_registry.h"
 
 #include <cstdio>
 
@@ -10,22 +10,22 @@ namespace unit {
 namespace kernel = platform::kernel;
 using platform::device::StreamDriver;
 
-void DriverShelf::Put(std::wstring name, std::shared_ptr<StreamDriver> driver) {
+void DriverRegistry::Put(std::wstring name, std::shared_ptr<StreamDriver> driver) {
     const std::scoped_lock lock(mutex_);
     slots_[std::move(name)].driver = std::move(driver);
 }
 
-void DriverShelf::Load(std::wstring name, std::shared_ptr<StreamDriver> driver) {
+void DriverRegistry::Load(std::wstring name, std::shared_ptr<StreamDriver> driver) {
     auto watched = WatchDriver(*this, name, std::move(driver), true);
     Put(std::move(name), std::move(watched));
 }
 
-void DriverShelf::LoadSerial(std::wstring name, std::shared_ptr<StreamDriver> driver) {
+void DriverRegistry::LoadSerial(std::wstring name, std::shared_ptr<StreamDriver> driver) {
     auto watched = WatchDriver(*this, name, std::move(driver), false);
     Put(std::move(name), std::move(watched));
 }
 
-std::shared_ptr<StreamDriver> DriverShelf::Find(std::wstring_view name) {
+std::shared_ptr<StreamDriver> DriverRegistry::Find(std::wstring_view name) {
     {
         const std::scoped_lock lock(mutex_);
         const auto slot = slots_.find(name);
@@ -37,7 +37,7 @@ std::shared_ptr<StreamDriver> DriverShelf::Find(std::wstring_view name) {
     return nullptr;
 }
 
-std::vector<std::wstring> DriverShelf::Names() const {
+std::vector<std::wstring> DriverRegistry::Names() const {
     const std::scoped_lock lock(mutex_);
     std::vector<std::wstring> names;
     names.reserve(slots_.size());
@@ -46,20 +46,20 @@ std::vector<std::wstring> DriverShelf::Names() const {
     return names;
 }
 
-void DriverShelf::HideUntil(std::wstring_view name, kernel::Time time) {
+void DriverRegistry::HideUntil(std::wstring_view name, kernel::Time time) {
     const std::scoped_lock lock(mutex_);
     if (const auto slot = slots_.find(name); slot != slots_.end())
         slot->second.hidden_until = time;
 }
 
-void DriverShelf::Refuse(std::wstring_view name, std::optional<DWORD> code, DWORD error,
-                         unsigned times) {
+void DriverRegistry::Refuse(std::wstring_view name, std::optional<DWORD> code, DWORD error,
+                            unsigned times) {
     const std::scoped_lock lock(mutex_);
     if (const auto slot = slots_.find(name); slot != slots_.end())
         slot->second.refusing = Refusing{code, error, times};
 }
 
-void DriverShelf::Mend() {
+void DriverRegistry::Clear() {
     const std::scoped_lock lock(mutex_);
     for (auto& [name, slot] : slots_) {
         slot.hidden_until = {};
@@ -67,7 +67,7 @@ void DriverShelf::Mend() {
     }
 }
 
-std::vector<std::string> DriverShelf::Faults() const {
+std::vector<std::string> DriverRegistry::Faults() const {
     const std::scoped_lock lock(mutex_);
     std::vector<std::string> faults;
     for (const auto& [name, slot] : slots_) {
@@ -87,7 +87,7 @@ std::vector<std::string> DriverShelf::Faults() const {
     return faults;
 }
 
-DWORD DriverShelf::Refusal(const std::wstring& name, DWORD code) {
+DWORD DriverRegistry::Refusal(const std::wstring& name, DWORD code) {
     const std::scoped_lock lock(mutex_);
     const auto slot = slots_.find(name);
     if (slot == slots_.end() || !slot->second.refusing)

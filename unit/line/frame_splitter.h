@@ -12,11 +12,11 @@ namespace unit {
 inline constexpr std::size_t kFrameHeaderBytes = 7;
 inline constexpr std::size_t kFrameChecksumBytes = 2;
 
-// Bytes of one piece follow each other more closely than this.
+// Bytes of one chunk follow each other more closely than this.
 inline constexpr std::chrono::milliseconds kLongestGap{50};
 
-// A piece of the line's byte stream.
-struct Cut {
+// A chunk of the line's byte stream.
+struct Segment {
     enum class Kind {
         kFrame,    // whole, its checksum matches
         kDamaged,  // the checksum does not match, or (header only) the length is impossible
@@ -29,10 +29,10 @@ struct Cut {
 // Cuts a byte stream into frames and what lies between them, just as the program's parser sees it:
 // after a damaged frame the search goes on behind its last byte, and a frame that has begun waits
 // for its rest however long. Not locked.
-class FrameCutter {
+class FrameSplitter {
   public:
-    // The piece that this byte finishes, if it does.
-    std::optional<Cut> Take(std::uint8_t byte);
+    // The chunk that this byte finishes, if it does.
+    std::optional<Segment> Take(std::uint8_t byte);
 
     // The bytes of a frame that has begun.
     const std::vector<std::uint8_t>& held() const { return held_; }
@@ -40,7 +40,7 @@ class FrameCutter {
     std::vector<std::uint8_t> GiveUp();
 
   private:
-    Cut Finish(Cut::Kind kind);
+    Segment Finish(Segment::Kind kind);
 
     std::vector<std::uint8_t> held_;
 };

@@ -1,9 +1,9 @@
-#include "unit/line/fault_cells.h"
+#include "unit/line/byte_slots.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 
 namespace unit {
 namespace {
@@ -12,8 +12,8 @@ struct Range {
     std::size_t first;
     std::size_t end;
 
-    bool Holds(const Cell& cell) const {
-        return cell.place && *cell.place >= first && *cell.place < end;
+    bool Holds(const ByteSlot& slot) const {
+        return slot.place && *slot.place >= first && *slot.place < end;
     }
 };
 
@@ -33,41 +33,41 @@ Range PartOf(const FaultRule& rule, std::size_t frame_size) {
     return {first, std::min(first + 1, part.end)};
 }
 
-// What comes in the place of the cells, of which there is at least one.
-Cells Fault(const FaultRule& rule, Cells cells) {
+// What comes in the place of the slots, of which there is at least one.
+ByteSlots Fault(const FaultRule& rule, ByteSlots slots) {
     switch (rule.action) {
         case FaultRule::Action::kDrop:
             return {};
         case FaultRule::Action::kCorrupt:
-            for (std::size_t at = 0; at < cells.size(); ++at) {
+            for (std::size_t at = 0; at < slots.size(); ++at) {
                 const std::uint8_t byte = rule.bytes[at % rule.bytes.size()];
-                cells[at].value =
-                    rule.replaces ? byte : static_cast<std::uint8_t>(cells[at].value ^ byte);
+                slots[at].value =
+                    rule.replaces ? byte : static_cast<std::uint8_t>(slots[at].value ^ byte);
             }
-            return cells;
+            return slots;
         case FaultRule::Action::kDuplicate: {
-            Cells twice = cells;
+            ByteSlots twice = slots;
             // It waits once only.
-            cells.front().pause = {};
-            twice.insert(twice.end(), cells.begin(), cells.end());
+            slots.front().pause = {};
+            twice.insert(twice.end(), slots.begin(), slots.end());
             return twice;
         }
         case FaultRule::Action::kDelay:
-            cells.front().delay = std::max(cells.front().delay, rule.duration);
-            return cells;
+            slots.front().delay = std::max(slots.front().delay, rule.duration);
+            return slots;
         case FaultRule::Action::kSplit: {
             const bool in_the_middle = rule.frames && rule.part == FramePart::kWhole && !rule.index;
-            cells[in_the_middle ? cells.size() / 2 : 0].pause += rule.duration;
-            return cells;
+            slots[in_the_middle ? slots.size() / 2 : 0].pause += rule.duration;
+            return slots;
         }
         case FaultRule::Action::kInject: {
-            const Cells injected = CellsOf(rule.bytes, false);
-            cells.insert(rule.after ? cells.end() : cells.begin(), injected.begin(),
+            const ByteSlots injected = SlotsOf(rule.bytes, false);
+            slots.insert(rule.after ? slots.end() : slots.begin(), injected.begin(),
                          injected.end());
-            return cells;
+            return slots;
         }
     }
-    return cells;
+    return slots;
 }
 
 }  // namespace
@@ -80,44 +80,44 @@ bool FrameFilter::Matches(std::span<const std::uint8_t> frame) const {
            (!query || *query == ((code & kQueryBit) != 0));
 }
 
-Cells CellsOf(std::span<const std::uint8_t> bytes, bool frame) {
-    Cells cells;
-    cells.reserve(bytes.size());
+ByteSlots SlotsOf(std::span<const std::uint8_t> bytes, bool frame) {
+    ByteSlots slots;
+    slots.reserve(bytes.size());
     for (const std::uint8_t byte : bytes)
-        cells.push_back({byte, frame ? std::optional(cells.size()) : std::nullopt});
-    return cells;
+        slots.push_back({byte, frame ? std::optional(slots.size()) : std::nullopt});
+    return slots;
 }
 
-bool HasPart(const FaultRule& rule, const Cells& cells, std::size_t frame_size) {
+bool HasPart(const FaultRule& rule, const ByteSlots& slots, std::size_t frame_size) {
     const Range part = PartOf(rule, frame_size);
-    return std::ranges::any_of(cells, [&](const Cell& cell) { return part.Holds(cell); });
+    return std::ranges::any_of(slots, [&](const ByteSlot& slot) { return part.Holds(slot); });
 }
 
-void FaultFrame(const FaultRule& rule, Cells& cells, std::size_t frame_size) {
+void FaultFrame(const FaultRule& rule, ByteSlots& slots, std::size_t frame_size) {
     const Range part = PartOf(rule, frame_size);
-    Cells result;
-    Cells run;
+    ByteSlots result;
+    ByteSlots run;
     const auto finish_run = [&] {
         if (run.empty())
             return;
-        const Cells faulted = Fault(rule, std::exchange(run, {}));
+        const ByteSlots faulted = Fault(rule, std::exchange(run, {}));
         result.insert(result.end(), faulted.begin(), faulted.end());
     };
-    for (const Cell& cell : cells) {
-        if (part.Holds(cell)) {
-            run.push_back(cell);
+    for (const ByteSlot& slot : slots) {
+        if (part.Holds(slot)) {
+            run.push_back(slot);
             continue;
         }
         finish_run();
-        result.push_back(cell);
+        result.push_back(slot);
     }
     finish_run();
-    result.resize(std::min(result.size(), kMostCells), Cell{});
-    cells = std::move(result);
+    result.resize(std::min(result.size(), kMaxSlots), ByteSlot{});
+    slots = std::move(result);
 }
 
-Cells FaultByte(const FaultRule& rule, const Cell& cell) {
-    return Fault(rule, {cell});
+ByteSlots FaultByte(const FaultRule& rule, const ByteSlot& slot) {
+    return Fault(rule, {slot});
 }
 
 }  // namespace unit

@@ -1,4 +1,4 @@
-#include "unit/line/frame_cutter.h"
+#include "unit/line/frame_splitter.h"
 
 #include <numeric>
 #include <utility>
@@ -22,17 +22,17 @@ std::uint16_t ChecksumOf(std::span<const std::uint8_t> bytes) {
     return static_cast<std::uint16_t>(std::accumulate(bytes.begin(), bytes.end(), 0U));
 }
 
-std::optional<Cut> FrameCutter::Take(std::uint8_t byte) {
+std::optional<Segment> FrameSplitter::Take(std::uint8_t byte) {
     held_.push_back(byte);
     if (held_.size() == 1)
-        return byte == kSync1 ? std::nullopt : std::optional(Finish(Cut::Kind::kStray));
+        return byte == kSync1 ? std::nullopt : std::optional(Finish(Segment::Kind::kStray));
     if (held_.size() == 2) {
         if (byte == kSync2)
             return std::nullopt;
         if (byte != kSync1)
-            return Finish(Cut::Kind::kStray);
+            return Finish(Segment::Kind::kStray);
         held_.pop_back();
-        Cut stray = Finish(Cut::Kind::kStray);
+        Segment stray = Finish(Segment::Kind::kStray);
         held_ = {kSync1};
         return stray;
     }
@@ -40,19 +40,19 @@ std::optional<Cut> FrameCutter::Take(std::uint8_t byte) {
         return std::nullopt;
     const std::size_t length = BigEndianAt(held_, kLengthOffset);
     if (length > dvrsim::kMostPayloadBytes)
-        return Finish(Cut::Kind::kDamaged);
+        return Finish(Segment::Kind::kDamaged);
     const std::size_t summed = kFrameHeaderBytes + length;
     if (held_.size() < summed + kFrameChecksumBytes)
         return std::nullopt;
     const bool matches = ChecksumOf(std::span(held_).first(summed)) == BigEndianAt(held_, summed);
-    return Finish(matches ? Cut::Kind::kFrame : Cut::Kind::kDamaged);
+    return Finish(matches ? Segment::Kind::kFrame : Segment::Kind::kDamaged);
 }
 
-std::vector<std::uint8_t> FrameCutter::GiveUp() {
+std::vector<std::uint8_t> FrameSplitter::GiveUp() {
     return std::exchange(held_, {});
 }
 
-Cut FrameCutter::Finish(Cut::Kind kind) {
+Segment FrameSplitter::Finish(Segment::Kind kind) {
     return {kind, GiveUp()};
 }
 

@@ -15,7 +15,7 @@ namespace unit {
 
 // Where the DVR is attached: the simulated one on a memory line or behind a pseudo-terminal, a real
 // one on a tty of the host, or none. All on the hardware's thread, while the platform is booted.
-class DvrBay final : private dvrsim::Host {
+class DvrPort final : private dvrsim::Host {
   public:
     enum class Line { kMemory, kPseudoTerminal, kTty, kNone };
 
@@ -29,9 +29,9 @@ class DvrBay final : private dvrsim::Host {
     };
 
     // `bytes` hears the line as the program does; see LineTap.
-    DvrBay(const Options& options, std::function<void(const std::string&)> say,
-           LineTap::Listener bytes = {});
-    ~DvrBay() override;
+    DvrPort(const Options& options, std::function<void(const std::string&)> say,
+            LineTap::Listener bytes = {});
+    ~DvrPort() override;
 
     // What the serial driver of "COM9:" drives; null when there is no DVR, or the host gave
     // no pseudo-terminal.

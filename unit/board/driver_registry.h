@@ -18,9 +18,9 @@ namespace unit {
 
 // The stream drivers that the device manager has loaded, and what is wrong with them. Tells every
 // call of the program to a driver. Any thread.
-class DriverShelf {
+class DriverRegistry {
   public:
-    explicit DriverShelf(EventHub& events) : events_(events) {}
+    explicit DriverRegistry(EventHub& events) : events_(events) {}
 
     // The driver takes requests through DeviceIoControl, which are told and can be refused. Before
     // the program starts.
@@ -41,7 +41,7 @@ class DriverShelf {
     void Refuse(std::wstring_view name, std::optional<DWORD> code, DWORD error, unsigned times);
 
     // All drivers are loaded and refuse nothing.
-    void Mend();
+    void Clear();
 
     // What is wrong, a line a driver: "SCA0: missing".
     std::vector<std::string> Faults() const;

@@ -1,4 +1,4 @@
-#include "unit/devices/dvr_bay.h"
+#include "unit/devices/dvr_port.h"
 
 #include "platform/device/tty_line.h"
 #include "platform/kernel/scheduler.h"
@@ -15,8 +15,8 @@ constexpr DWORD kBaudRate = 460800;
 
 }  // namespace
 
-DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> say,
-               LineTap::Listener bytes)
+DvrPort::DvrPort(const Options& options, std::function<void(const std::string&)> say,
+                 LineTap::Listener bytes)
     : say_(std::move(say)) {
     if (options.line == Line::kMemory || options.line == Line::kPseudoTerminal) {
         dvrsim::Host& host = *this;
@@ -29,9 +29,9 @@ DvrBay::DvrBay(const Options& options, std::function<void(const std::string&)> s
         tap_ = std::make_shared<LineTap>(std::move(line), faults_, std::move(bytes));
 }
 
-DvrBay::~DvrBay() = default;
+DvrPort::~DvrPort() = default;
 
-std::shared_ptr<platform::device::SerialLine> DvrBay::MakeLine(const Options& options) {
+std::shared_ptr<platform::device::SerialLine> DvrPort::MakeLine(const Options& options) {
     if (options.line == Line::kNone)
         return nullptr;
     if (options.line == Line::kTty)
@@ -48,7 +48,7 @@ std::shared_ptr<platform::device::SerialLine> DvrBay::MakeLine(const Options& op
     return nullptr;
 }
 
-void DvrBay::Reset() {
+void DvrPort::Reset() {
     if (dvr_)
         dvr_->Reset();
     else if (reset_command_)
@@ -57,39 +57,39 @@ void DvrBay::Reset() {
         say_("The program resets the DVR: switch the DVR's power off and on.");
 }
 
-void DvrBay::SetPlugged(bool plugged) {
+void DvrPort::SetPlugged(bool plugged) {
     plugged_ = plugged;
     if (tap_)
         tap_->SetPlugged(plugged);
 }
 
-void DvrBay::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
+void DvrPort::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
     if (tap_)
         tap_->Inject(direction, bytes);
 }
 
-void DvrBay::Receive(std::span<const std::uint8_t> bytes) {
+void DvrPort::Receive(std::span<const std::uint8_t> bytes) {
     // Those that were still on the wire when the plug was pulled are lost.
     if (plugged_)
         dvr_->Receive(bytes);
 }
 
-void DvrBay::Transmit(std::span<const std::uint8_t> bytes) {
+void DvrPort::Transmit(std::span<const std::uint8_t> bytes) {
     if (memory_line_)
         memory_line_->Send(bytes);
     else if (pty_ && plugged_)
         pty_->Send(bytes);
 }
 
-std::chrono::microseconds DvrBay::Now() const {
+std::chrono::microseconds DvrPort::Now() const {
     return kernel::Now();
 }
 
-std::uint64_t DvrBay::After(std::chrono::microseconds delay, std::function<void()> action) {
+std::uint64_t DvrPort::After(std::chrono::microseconds delay, std::function<void()> action) {
     return kernel::After(delay, std::move(action));
 }
 
-void DvrBay::Cancel(std::uint64_t id) {
+void DvrPort::Cancel(std::uint64_t id) {
     kernel::Cancel(id);
 }
 

@@ -11,28 +11,28 @@
 namespace unit {
 
 // A byte on its way through the rules.
-struct Cell {
+struct ByteSlot {
     std::uint8_t value;
     // Where it stood in the frame that it came with; empty for bytes of no frame.
     std::optional<std::size_t> place;
     std::chrono::microseconds delay{};  // at least so long after its arrival
     std::chrono::microseconds pause{};  // after the byte before it
 };
-using Cells = std::vector<Cell>;
+using ByteSlots = std::vector<ByteSlot>;
 
 // What bytes that come together become at most; the rest is lost. Rules that double, one after the
 // other, would not end otherwise.
-inline constexpr std::size_t kMostCells = std::size_t{16} * 1024;
+inline constexpr std::size_t kMaxSlots = std::size_t{16} * 1024;
 
-Cells CellsOf(std::span<const std::uint8_t> bytes, bool frame);
+ByteSlots SlotsOf(std::span<const std::uint8_t> bytes, bool frame);
 
 // Whether the rule's part is there in a frame of `frame_size` bytes, of which some have been
 // faulted already.
-bool HasPart(const FaultRule& rule, const Cells& cells, std::size_t frame_size);
+bool HasPart(const FaultRule& rule, const ByteSlots& slots, std::size_t frame_size);
 
 // Does to the rule's part of a frame what the rule says.
-void FaultFrame(const FaultRule& rule, Cells& cells, std::size_t frame_size);
+void FaultFrame(const FaultRule& rule, ByteSlots& slots, std::size_t frame_size);
 // The same for one byte: what comes in its place.
-Cells FaultByte(const FaultRule& rule, const Cell& cell);
+ByteSlots FaultByte(const FaultRule& rule, const ByteSlot& slot);
 
 }  // namespace unit
