@@ -33,7 +33,7 @@ class CommandTable {
     struct Row {
         std::string_view pattern;  // see grammar.h; must outlive the table
         std::string_view help;     // what it does, a sentence
-        std::function<Outcome(Target&, const Values&)> follow;
+        std::function<Outcome(Target&, const Values&)> execute;
         // One line that tells what is wrong with values that fit the pattern; empty when nothing
         // is. For what the placeholders cannot know.
         std::string (*check)(const Values&) = nullptr;
@@ -44,7 +44,7 @@ class CommandTable {
         const Row* row;
         Values values;
 
-        Outcome Follow(Target& target) const { return row->follow(target, values); }
+        Outcome Execute(Target& target) const { return row->execute(target, values); }
     };
 
     explicit CommandTable(std::vector<Row> rows)
@@ -67,7 +67,7 @@ class CommandTable {
 
     // Reads and follows one line; an empty line or a comment does nothing. Relative paths start
     // from the folder, where one is told.
-    Outcome Follow(Target& target, std::string_view line, const std::string& folder = {}) const {
+    Outcome Execute(Target& target, std::string_view line, const std::string& folder = {}) const {
         std::string problem;
         const auto words = SplitWords(line, problem);
         if (!words)
@@ -76,8 +76,8 @@ class CommandTable {
             return Done();
         auto command = Read(*words, problem);
         if (command && !folder.empty())
-            command->values.StartPathsFrom(folder);
-        return command ? command->Follow(target) : Refused(problem);
+            command->values.ResolvePaths(folder);
+        return command ? command->Execute(target) : Refused(problem);
     }
 
     const std::vector<Row>& rows() const { return rows_; }

@@ -103,20 +103,21 @@ Grammar::Tokens Grammar::Compile(std::string_view pattern) {
     return tokens;
 }
 
-bool Grammar::Follow(const Tokens& tokens, std::size_t token, std::size_t word, Reading& reading) {
+bool Grammar::MatchTokens(const Tokens& tokens, std::size_t token, std::size_t word,
+                          Reading& reading) {
     if (token == tokens.size()) {
         reading.Reach(word);
         return word == reading.words.size();
     }
     const Token& wanted = tokens[token];
     if (wanted.kind == Token::Kind::kClose)
-        return Follow(tokens, token + 1, word, reading);
+        return MatchTokens(tokens, token + 1, word, reading);
     if (wanted.kind == Token::Kind::kOpen) {
         const Values before = reading.values;
-        if (Follow(tokens, token + 1, word, reading))
+        if (MatchTokens(tokens, token + 1, word, reading))
             return true;
         reading.values = before;
-        return Follow(tokens, wanted.close + 1, word, reading);
+        return MatchTokens(tokens, wanted.close + 1, word, reading);
     }
     reading.Expect(word, wanted);
     if (word == reading.words.size())
@@ -126,7 +127,7 @@ bool Grammar::Follow(const Tokens& tokens, std::size_t token, std::size_t word, 
         if (std::ranges::find(wanted.words, given) == wanted.words.end())
             return false;
         reading.values.words_.insert(given);
-        return Follow(tokens, token + 1, word + 1, reading);
+        return MatchTokens(tokens, token + 1, word + 1, reading);
     }
     if (wanted.kind == Token::Kind::kRest) {
         const auto rest = reading.words.subspan(word);
@@ -137,7 +138,7 @@ bool Grammar::Follow(const Tokens& tokens, std::size_t token, std::size_t word, 
     if (!wanted.placeholder->accepts(given))
         return false;
     reading.values.values_[std::string(wanted.placeholder->name)] = given;
-    return Follow(tokens, token + 1, word + 1, reading);
+    return MatchTokens(tokens, token + 1, word + 1, reading);
 }
 
 std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
@@ -145,7 +146,7 @@ std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
     Reading reading{words, {}, 0, {}};
     for (std::size_t pattern = 0; pattern < patterns_.size(); ++pattern) {
         reading.values = {};
-        if (Follow(patterns_[pattern], 0, 0, reading))
+        if (MatchTokens(patterns_[pattern], 0, 0, reading))
             return Match{pattern, std::move(reading.values)};
     }
     const std::vector<std::string> read(
@@ -171,11 +172,11 @@ std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
     return std::nullopt;
 }
 
-std::vector<std::string> Grammar::Next(std::span<const std::string> words) const {
+std::vector<std::string> Grammar::NextWords(std::span<const std::string> words) const {
     std::vector<std::string> next;
     for (const Tokens& tokens : patterns_) {
         Reading reading{words, {}, 0, {}};
-        Follow(tokens, 0, 0, reading);
+        MatchTokens(tokens, 0, 0, reading);
         if (reading.furthest != words.size())
             continue;
         for (const Token* token : reading.expected)

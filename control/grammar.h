@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "control/values.h"
+#include "control/words.h"
 
 namespace control {
 
@@ -29,12 +29,12 @@ class Grammar {
         Values values;
     };
 
-    // Which pattern the words follow; the first one that fits. Empty with one line in `problem`
+    // Which pattern the words execute; the first one that fits. Empty with one line in `problem`
     // that says which word is wrong and what is allowed in its place.
     std::optional<Match> Read(std::span<const std::string> words, std::string& problem) const;
 
     // What may follow these words, as far as it is plain words: for completion.
-    std::vector<std::string> Next(std::span<const std::string> words) const;
+    std::vector<std::string> NextWords(std::span<const std::string> words) const;
 
   private:
     struct Token {
@@ -49,7 +49,8 @@ class Grammar {
 
     static Tokens Compile(std::string_view pattern);
     static Token CompileWord(std::string_view word, std::string_view pattern);
-    static bool Follow(const Tokens& tokens, std::size_t token, std::size_t word, Reading& reading);
+    static bool MatchTokens(const Tokens& tokens, std::size_t token, std::size_t word,
+                            Reading& reading);
 
     std::vector<Tokens> patterns_;
 };

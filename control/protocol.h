@@ -31,8 +31,8 @@ inline constexpr char kLostMark = '!';
 inline constexpr char kDoneMark = '+';
 inline constexpr char kRefusedMark = '-';
 
-inline constexpr std::size_t kLongestLine = std::size_t{64} * 1024;
-inline constexpr std::size_t kLongestText = std::size_t{1024} * 1024;
+inline constexpr std::size_t kMaxLine = std::size_t{64} * 1024;
+inline constexpr std::size_t kMaxText = std::size_t{1024} * 1024;
 
 // True for well-formed UTF-8 without control characters other than the tab.
 bool IsPlainText(std::string_view line);

@@ -10,15 +10,13 @@
 #include <cstring>
 #include <thread>
 
-#include "control/runtime_folder.h"
-#include "control/socket_address.h"
-#include "control/socket_claim.h"
+#include "control/local_socket.h"
 
 namespace control {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Reply = SocketClient::Reply;
+using ReplyPart = SocketClient::ReplyPart;
 
 // Longer than any line that a server of ours sends.
 constexpr std::size_t kLongestReply = std::size_t{4} * 1024 * 1024;
@@ -49,18 +47,18 @@ bool WaitFor(int socket, short events, const std::optional<Clock::time_point>& d
 }  // namespace
 
 std::optional<SocketClient> SocketClient::Connect(const std::string& name, Limit limit,
-                                                  bool& nobody, std::string& problem) {
-    nobody = false;
+                                                  bool& not_running, std::string& problem) {
+    not_running = false;
     const std::optional<RuntimeFolder> folder = RuntimeFolder::Open(problem);
     if (!folder)
         return std::nullopt;
     const auto deadline = Deadline(limit);
-    const SocketAddress address(folder->Inside(SocketEntry(name)));
+    const SocketAddress address(folder->PathOf(SocketEntry(name)));
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     while (connect(socket.get(), address.get(), SocketAddress::size()) != 0) {
         const bool waiting_room_full = errno == EAGAIN || errno == EINTR;
         if (!waiting_room_full || (deadline && Clock::now() >= *deadline)) {
-            nobody = errno == ENOENT || errno == ECONNREFUSED;
+            not_running = errno == ENOENT || errno == ECONNREFUSED;
             problem = folder->path() + "/" + SocketEntry(name) + ": " +
                       (waiting_room_full ? "no answer" : std::strerror(errno));
             return std::nullopt;
@@ -101,60 +99,60 @@ std::optional<std::string> SocketClient::TakeLine() {
     return line;
 }
 
-SocketClient::Reply SocketClient::Receive(Limit limit) {
+SocketClient::ReplyPart SocketClient::Receive(Limit limit) {
     const auto deadline = Deadline(limit);
     for (;;) {
         if (const auto line = TakeLine()) {
             const std::string text = line->empty() ? "" : line->substr(1);
             switch (line->empty() ? '\0' : line->front()) {
                 case kTextMark:
-                    return {Reply::Kind::kLine, text};
+                    return {ReplyPart::Kind::kLine, text};
                 case kLostMark:
-                    return {Reply::Kind::kLost, text};
+                    return {ReplyPart::Kind::kLost, text};
                 case kDoneMark:
-                    return {Reply::Kind::kDone, text};
+                    return {ReplyPart::Kind::kDone, text};
                 case kRefusedMark:
-                    return {Reply::Kind::kRefused, text};
+                    return {ReplyPart::Kind::kRefused, text};
                 default:
-                    return {Reply::Kind::kGone, "the answer makes no sense"};
+                    return {ReplyPart::Kind::kGone, "the answer makes no sense"};
             }
         }
         if (!WaitFor(socket_.get(), POLLIN, deadline))
-            return {Reply::Kind::kLate, "no answer"};
+            return {ReplyPart::Kind::kLate, "no answer"};
         std::array<char, 16384> buffer;
         const ssize_t count = recv(socket_.get(), buffer.data(), buffer.size(), 0);
         if (count < 0 && (errno == EAGAIN || errno == EINTR))
             continue;
         if (count <= 0 || input_.size() > kLongestReply)
-            return {Reply::Kind::kGone, "the other end has hung up"};
+            return {ReplyPart::Kind::kGone, "the other end has hung up"};
         input_.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }
 
-ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char* teller,
-                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
+ExitStatus PrintReply(SocketClient& client, const Request& request, const char* teller,
+                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
     client.Send(request, limit);
     for (;;) {
-        Reply reply = client.Receive(limit);
+        ReplyPart reply = client.Receive(limit);
         // What a DVR says comes as far as here; the terminal is not to follow it.
         reply.text = PlainText(reply.text);
         switch (reply.kind) {
-            case Reply::Kind::kLine:
+            case ReplyPart::Kind::kLine:
                 std::fprintf(out, "%s\n", reply.text.c_str());
                 std::fflush(out);
                 break;
-            case Reply::Kind::kLost:
+            case ReplyPart::Kind::kLost:
                 std::fprintf(errors, "%s: %s lines lost\n", teller, reply.text.c_str());
                 break;
-            case Reply::Kind::kDone:
+            case ReplyPart::Kind::kDone:
                 return kExitDone;
-            case Reply::Kind::kRefused:
+            case ReplyPart::Kind::kRefused:
                 std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
                 return kExitRefused;
-            case Reply::Kind::kGone:
-            case Reply::Kind::kLate:
+            case ReplyPart::Kind::kGone:
+            case ReplyPart::Kind::kLate:
                 std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
-                return kExitNobodyThere;
+                return kExitNotRunning;
         }
     }
 }

@@ -11,14 +11,14 @@
 namespace control {
 
 // How the commands that speak to a unit or a DVR end.
-enum ExitStatus { kExitDone = 0, kExitRefused = 1, kExitWrongUsage = 2, kExitNobodyThere = 3 };
+enum ExitStatus { kExitDone = 0, kExitRefused = 1, kExitWrongUsage = 2, kExitNotRunning = 3 };
 
 // The asking end of a control socket (protocol.h). One thread.
 class SocketClient {
   public:
     using Limit = std::optional<std::chrono::milliseconds>;  // of host time; none waits for ever
 
-    struct Reply {
+    struct ReplyPart {
         enum class Kind {
             kLine,
             kLost,  // `text` is how many lines
@@ -31,15 +31,15 @@ class SocketClient {
         std::string text;
     };
 
-    // Empty with one line in `problem`; `nobody` tells that no living process has the name, rather
-    // than that something is wrong.
-    static std::optional<SocketClient> Connect(const std::string& name, Limit limit, bool& nobody,
-                                               std::string& problem);
+    // Empty with one line in `problem`; `not_running` tells that no living process has the name,
+    // rather than that something is wrong.
+    static std::optional<SocketClient> Connect(const std::string& name, Limit limit,
+                                               bool& not_running, std::string& problem);
 
     // False when the other end has hung up or does not read; what it said before can still be
     // received. The request's line must be one line.
     bool Send(const Request& request, Limit limit);
-    Reply Receive(Limit limit);
+    ReplyPart Receive(Limit limit);
 
     int descriptor() const { return socket_.get(); }
 
@@ -54,7 +54,7 @@ class SocketClient {
 // Sends the request and prints the answer: its lines on `out`, problems on `errors` in lines that
 // begin with `teller` (the command's name). `limit` is how long it waits for each line. Returns how
 // the command is to end.
-ExitStatus PrintAnswer(SocketClient& client, const Request& request, const char* teller,
-                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors);
+ExitStatus PrintReply(SocketClient& client, const Request& request, const char* teller,
+                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors);
 
 }  // namespace control

@@ -15,7 +15,7 @@ namespace {
 constexpr SocketServer::ClientId kListener = 0;
 constexpr std::uint32_t kHungUp = EPOLLHUP | EPOLLERR;
 // Sent without waiting for the next turn, so that a burst finds room.
-constexpr std::size_t kMuchOutput = SocketServer::kMostOutput / 16;
+constexpr std::size_t kSendThreshold = SocketServer::kMaxOutput / 16;
 
 Descriptor MakeSpare() {
     return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -38,7 +38,7 @@ SocketServer::~SocketServer() {
 }
 
 void SocketServer::HandleReady() {
-    std::array<epoll_event, kMostClients + 1> ready;
+    std::array<epoll_event, kMaxClients + 1> ready;
     const int count = epoll_wait(poll_.get(), ready.data(), static_cast<int>(ready.size()), 0);
     std::vector<Call> calls;
     {
@@ -58,7 +58,7 @@ void SocketServer::Accept() {
     Descriptor socket(accept4(claim_.listener(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!socket) {
         if (errno == EMFILE || errno == ENFILE)
-            TurnAway();
+            RejectClient();
         return;
     }
     const ClientId id = ++last_id_;
@@ -66,15 +66,15 @@ void SocketServer::Accept() {
     client.socket = std::move(socket);
     epoll_event none{0, {.u64 = id}};
     epoll_ctl(poll_.get(), EPOLL_CTL_ADD, client.socket.get(), &none);
-    if (clients_.size() <= kMostClients)
+    if (clients_.size() <= kMaxClients)
         return Watch(id, client);
-    Refuse(client, "too many clients at a time; at most " + std::to_string(kMostClients));
+    Refuse(client, "too many clients at a time; at most " + std::to_string(kMaxClients));
     Send(client);
     clients_.erase(id);
 }
 
 // A client that could not be taken would be reported again and again.
-void SocketServer::TurnAway() {
+void SocketServer::RejectClient() {
     spare_ = {};
     static_cast<void>(Descriptor(accept4(claim_.listener(), nullptr, nullptr, SOCK_CLOEXEC)));
     spare_ = MakeSpare();
@@ -91,11 +91,11 @@ void SocketServer::Handle(ClientId id, std::uint32_t ready, std::vector<Call>& c
         calls.push_back(
             [this, id, request = *std::move(request)] { handlers_.request(id, request); });
     Send(client);
-    const bool over = client.closing || (client.input_ended && !client.answering);
+    const bool over = client.closing || (client.input_ended && !client.replying);
     const bool hung_up = (ready & kHungUp) != 0 && (ready & EPOLLIN) == 0;
     if (!hung_up && !(over && client.output.empty()))
         return Watch(id, client);
-    calls.push_back([this, id] { handlers_.left(id); });
+    calls.push_back([this, id] { handlers_.disconnected(id); });
     clients_.erase(found);
 }
 
@@ -112,8 +112,8 @@ std::optional<Request> SocketServer::NextRequest(Client& client) {
     std::optional<Request> request;
     while (!request && TakesRequests(client)) {
         const std::size_t end = client.input.find('\n');
-        if (std::min(end, client.input.size()) > kLongestLine) {
-            Refuse(client, "a line is too long; at most " + std::to_string(kLongestLine) +
+        if (std::min(end, client.input.size()) > kMaxLine) {
+            Refuse(client, "a line is too long; at most " + std::to_string(kMaxLine) +
                                " bytes are allowed");
             break;
         }
@@ -134,12 +134,12 @@ std::optional<Request> SocketServer::TakeLine(Client& client, std::string line) 
     } else if (line.starts_with(kFolderMark)) {
         client.next.folder = line.substr(1);
     } else if (!line.starts_with(kTextMark)) {
-        client.answering = true;
+        client.replying = true;
         client.next.line = std::move(line);
         return std::exchange(client.next, {});
-    } else if (client.next.text.size() + line.size() > kLongestText) {
-        Refuse(client, "the text is too long; at most " + std::to_string(kLongestText) +
-                           " bytes are allowed");
+    } else if (client.next.text.size() + line.size() > kMaxText) {
+        Refuse(client,
+               "the text is too long; at most " + std::to_string(kMaxText) + " bytes are allowed");
     } else {
         client.next.text += line.substr(1) + '\n';
     }
@@ -152,46 +152,46 @@ void SocketServer::Refuse(Client& client, std::string_view problem) {
     client.input.clear();
 }
 
-void SocketServer::Line(ClientId id, std::string_view text) {
+void SocketServer::SendLine(ClientId id, std::string_view text) {
     const std::scoped_lock lock(mutex_);
-    Client* const client = FindAsker(id);
+    Client* const client = FindRequester(id);
     if (!client)
         return;
     ForEachLine(text, [&](std::string_view line) { Append(*client, line); });
     Watch(id, *client);
 }
 
-void SocketServer::End(ClientId id, const Outcome& outcome) {
+void SocketServer::SendOutcome(ClientId id, const Outcome& outcome) {
     const std::scoped_lock lock(mutex_);
-    Client* const client = FindAsker(id);
+    Client* const client = FindRequester(id);
     if (!client)
         return;
     if (outcome.done)
         ForEachLine(outcome.text, [&](std::string_view line) { Append(*client, line); });
-    TellLost(*client);
+    ReportLost(*client);
     std::string last = outcome.done ? std::string(1, kDoneMark) : kRefusedMark + outcome.text;
     std::ranges::replace(last, '\n', ' ');
     client->output += last + '\n';
-    client->answering = false;
+    client->replying = false;
     Watch(id, *client);
 }
 
 void SocketServer::Append(Client& client, std::string_view line) {
     // Once lines are lost, more are until there is room again for many.
-    const std::size_t room = client.lost != 0 ? kMostOutput / 2 : kMostOutput;
+    const std::size_t room = client.lost != 0 ? kMaxOutput / 2 : kMaxOutput;
     if (client.output.size() + line.size() > room) {
         ++client.lost;
         return;
     }
-    TellLost(client);
+    ReportLost(client);
     client.output += kTextMark;
     client.output += line;
     client.output += '\n';
-    if (client.output.size() > kMuchOutput)
+    if (client.output.size() > kSendThreshold)
         Send(client);
 }
 
-void SocketServer::TellLost(Client& client) {
+void SocketServer::ReportLost(Client& client) {
     if (client.lost != 0)
         client.output += kLostMark + std::to_string(std::exchange(client.lost, 0)) + '\n';
 }
@@ -212,12 +212,12 @@ void SocketServer::Send(Client& client) {
         }
         client.output.erase(0, static_cast<std::size_t>(sent));
     }
-    TellLost(client);
+    ReportLost(client);
 }
 
 // A client can pile up neither work nor answers that it does not read.
 bool SocketServer::TakesRequests(const Client& client) {
-    return !client.answering && !client.closing && client.output.size() < kMuchOutput;
+    return !client.replying && !client.closing && client.output.size() < kSendThreshold;
 }
 
 void SocketServer::Watch(ClientId id, Client& client) {
@@ -225,7 +225,7 @@ void SocketServer::Watch(ClientId id, Client& client) {
     const bool reads = TakesRequests(client) && !client.input_ended && !line_left;
     // Being writable is the sign to go on where no more input is asked for: with requests that were
     // received already, and to the end.
-    const bool goes_on = !client.answering && (client.closing || client.input_ended || line_left);
+    const bool goes_on = !client.replying && (client.closing || client.input_ended || line_left);
     const std::uint32_t watched =
         (reads ? EPOLLIN : 0U) | (goes_on || !client.output.empty() ? EPOLLOUT : 0U);
     if (watched == client.watched)
@@ -235,9 +235,9 @@ void SocketServer::Watch(ClientId id, Client& client) {
     epoll_ctl(poll_.get(), EPOLL_CTL_MOD, client.socket.get(), &event);
 }
 
-SocketServer::Client* SocketServer::FindAsker(ClientId id) {
+SocketServer::Client* SocketServer::FindRequester(ClientId id) {
     const auto found = clients_.find(id);
-    return found == clients_.end() || !found->second.answering ? nullptr : &found->second;
+    return found == clients_.end() || !found->second.replying ? nullptr : &found->second;
 }
 
 }  // namespace control

@@ -12,8 +12,8 @@
 
 #include "control/command_table.h"
 #include "control/descriptor.h"
+#include "control/local_socket.h"
 #include "control/protocol.h"
-#include "control/socket_claim.h"
 
 namespace control {
 
@@ -32,12 +32,12 @@ class SocketServer {
         // To be answered by any number of Line and then End, during the call or later.
         std::function<void(ClientId, const Request&)> request;
         // A client has gone: what is still being done for it may stop.
-        std::function<void(ClientId)> left;
+        std::function<void(ClientId)> disconnected;
     };
 
-    static constexpr std::size_t kMostClients = 32;
+    static constexpr std::size_t kMaxClients = 32;
     // The bytes that wait for a client to read them; what comes on top is left out.
-    static constexpr std::size_t kMostOutput = std::size_t{1024} * 1024;
+    static constexpr std::size_t kMaxOutput = std::size_t{1024} * 1024;
 
     SocketServer(SocketClaim claim, Handlers handlers);
     ~SocketServer();
@@ -50,9 +50,9 @@ class SocketServer {
     void HandleReady();
 
     // A line of the answer, or several divided by \n. A client that has gone is ignored.
-    void Line(ClientId id, std::string_view text);
+    void SendLine(ClientId id, std::string_view text);
     // The outcome, its text as the last lines of the answer when it is done.
-    void End(ClientId id, const Outcome& outcome);
+    void SendOutcome(ClientId id, const Outcome& outcome);
 
     const SocketClaim& claim() const { return claim_; }
 
@@ -63,7 +63,7 @@ class SocketServer {
         Request next;        // what was told ahead of the request
         std::string output;  // to be sent
         std::size_t lost = 0;
-        bool answering = false;
+        bool replying = false;
         bool input_ended = false;
         bool closing = false;  // as soon as the output is sent
         std::uint32_t watched = 0;
@@ -73,7 +73,7 @@ class SocketServer {
     using Call = std::function<void()>;
 
     void Accept();
-    void TurnAway();
+    void RejectClient();
     // Appends the handlers' calls that are due.
     void Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls);
     void Receive(Client& client);
@@ -81,10 +81,10 @@ class SocketServer {
     std::optional<Request> TakeLine(Client& client, std::string line);
     void Refuse(Client& client, std::string_view problem);
     void Append(Client& client, std::string_view line);
-    void TellLost(Client& client);
+    void ReportLost(Client& client);
     void Send(Client& client);
     void Watch(ClientId id, Client& client);
-    Client* FindAsker(ClientId id);
+    Client* FindRequester(ClientId id);
 
     SocketClaim claim_;
     const Handlers handlers_;

@@ -1,11 +1,14 @@
 #include "control/words.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iterator>
 
 namespace control {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kSpaces = " \t\r";
 
 // Takes a quoted part from `line` at `at`, which stands on the opening quote; leaves `at` behind
 // the closing one. False when there is none.
@@ -25,17 +28,107 @@ bool TakeQuoted(std::string_view line, std::size_t& at, std::string& word) {
     return false;
 }
 
+bool IsAnything(std::string_view) {
+    return true;
+}
+bool IsNotEmpty(std::string_view word) {
+    return !word.empty();
+}
+bool IsDuration(std::string_view word) {
+    return ReadDuration(word).has_value();
+}
+bool IsNumber(std::string_view word) {
+    return ReadNumber(word).has_value();
+}
+template <std::int64_t kLeast, std::int64_t kMost>
+bool IsWithin(std::string_view word) {
+    const auto number = ReadNumber(word);
+    return number && *number >= kLeast && *number <= kMost;
+}
+bool IsOdds(std::string_view word) {
+    const auto percent = ReadDecimal(word);
+    return percent && *percent > 0 && *percent <= 100;
+}
+bool IsBytes(std::string_view word) {
+    const auto bytes = ReadBytes(word);
+    return bytes && !bytes->empty();
+}
+bool IsDeviceName(std::string_view word) {
+    return word.size() >= 2 && word.back() == ':';
+}
+
+bool IsSpeed(std::string_view word) {
+    const auto speed = ReadDecimal(word);
+    return speed && *speed >= 0.1 && *speed <= 1000;
+}
+
+constexpr std::int64_t kMostCount = 1'000'000'000;
+constexpr char kCountAllowed[] = "a whole number from 1 to 1000000000";
+constexpr char kDurationAllowed[] = "a number with ms, s or min, such as 500ms";
+constexpr char kPercentAllowed[] = "a whole number from 0 to 100";
+constexpr char kByteAllowed[] = "a number from 0 to 255, such as 17 or 0x11";
+
+constexpr Placeholder kPlaceholders[] = {
+    {"TEXT", "a text, in quotes when it has blanks", IsAnything},
+    {"NAME", "a name", IsNotEmpty},
+    {"FILE", "the path of a file", IsNotEmpty},
+    {"FOLDER", "the path of a folder", IsNotEmpty},
+    {"COMMAND", "a command line of the host", IsNotEmpty},
+    {"BUTTON", "the caption of a button, or close", IsNotEmpty},
+    {"DRIVER", "the name of a stream driver, such as SCA0:", IsDeviceName},
+    {"VERSION", "a version text, such as 14.09.01.V1.02.03", IsNotEmpty},
+    {"CALL", "the name of a platform call, such as CreateFileW", IsNotEmpty},
+    {"CODE", "a number, such as 0x2E", IsNumber},
+    {"ERROR", "a number, such as 55", IsWithin<1, 0xFFFFFFFF>},
+    {"X", "a whole number from 0 to 799", IsWithin<0, 799>},
+    {"Y", "a whole number from 0 to 479", IsWithin<0, 479>},
+    {"STEP", "a whole number from -1 to 6", IsWithin<-1, 6>},
+    {"SEED", "a whole number from 0 to 4294967295", IsWithin<0, 0xFFFFFFFF>},
+    {"SPEED", "a number from 0.1 to 1000", IsSpeed},
+    {"STATUS", "a number, such as 1", IsNumber},
+    {"WPARAM", "a number, such as 0", IsNumber},
+    {"LPARAM", "a number, such as 2", IsNumber},
+    {"PERCENT", kPercentAllowed, IsWithin<0, 100>},
+    {"TO-PERCENT", kPercentAllowed, IsWithin<0, 100>},
+    {"CHANCE", "a whole number from 1 to 100, in percent", IsWithin<1, 100>},
+    {"ODDS", "a number of percent above 0 and up to 100, such as 0.5", IsOdds},
+    {"BYTE", kByteAllowed, IsWithin<0, 255>},
+    {"INDEX", "a whole number from 0 to 63", IsWithin<0, 63>},
+    {"BYTES", "pairs of hexadecimal digits, such as A55A", IsBytes},
+    {"DURATION", kDurationAllowed, IsDuration},
+    {"LIMIT", kDurationAllowed, IsDuration},
+    {"COUNT", kCountAllowed, IsWithin<1, kMostCount>},
+    {"NUMBER", kCountAllowed, IsWithin<1, kMostCount>},
+    {"SKIP", "a whole number from 0 to 1000000000", IsWithin<0, kMostCount>},
+    {"FACTOR", "a whole number from 1 to 100", IsWithin<1, 100>},
+};
+
+struct Unit {
+    std::string_view name;
+    double microseconds;
+};
+constexpr Unit kUnits[] = {{"ms", 1e3}, {"s", 1e6}, {"min", 60e6}};
+constexpr double kLongest = 1e15;
+
+int HexDigit(char character) {
+    constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+    const std::size_t at = kDigits.find(character);
+    if (at == std::string_view::npos)
+        return -1;
+    return static_cast<int>(at < 16 ? at : at - 6);
+}
+
 }  // namespace
 
 std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::string& problem) {
     std::vector<std::string> words;
     std::size_t at = 0;
     for (;;) {
-        at = line.find_first_not_of(kBlanks, at);
+        at = line.find_first_not_of(kSpaces, at);
         if (at == std::string_view::npos || line[at] == '#')
             return words;
         std::string word;
-        while (at < line.size() && kBlanks.find(line[at]) == std::string_view::npos) {
+        while (at < line.size() && kSpaces.find(line[at]) == std::string_view::npos) {
             if (line[at] != '"' && line[at] != '\'') {
                 word += line[at++];
             } else if (const char quote = line[at]; !TakeQuoted(line, at, word)) {
@@ -70,6 +163,85 @@ std::string OneLine(std::string text) {
     std::ranges::replace(text, '\n', ' ');
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
+}
+
+const Placeholder* FindPlaceholder(std::string_view name) {
+    const auto found = std::ranges::find(kPlaceholders, name, &Placeholder::name);
+    return found == std::end(kPlaceholders) ? nullptr : found;
+}
+
+std::optional<std::chrono::microseconds> ReadDuration(std::string_view word) {
+    double number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || !(number >= 0))
+        return std::nullopt;
+    const std::string_view unit_name(end, word.data() + word.size() - end);
+    const auto unit = std::ranges::find(kUnits, unit_name, &Unit::name);
+    if (unit == std::end(kUnits) || number * unit->microseconds > kLongest)
+        return std::nullopt;
+    return std::chrono::microseconds(std::llround(number * unit->microseconds));
+}
+
+std::optional<std::int64_t> ReadNumber(std::string_view word) {
+    const bool hexadecimal = word.starts_with("0x") || word.starts_with("0X");
+    if (hexadecimal)
+        word.remove_prefix(2);
+    std::int64_t number = 0;
+    const char* const end = word.data() + word.size();
+    const auto result = std::from_chars(word.data(), end, number, hexadecimal ? 16 : 10);
+    if (result.ec != std::errc() || result.ptr != end || (hexadecimal && number < 0))
+        return std::nullopt;
+    return number;
+}
+
+std::optional<double> ReadDecimal(std::string_view word) {
+    double number = 0;
+    const char* const end = word.data() + word.size();
+    const auto result = std::from_chars(word.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end)
+        return std::nullopt;
+    return number;
+}
+
+std::optional<std::vector<std::uint8_t>> ReadBytes(std::string_view word) {
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t at = 0; at < word.size();) {
+        if (word[at] == ' ') {
+            ++at;
+            continue;
+        }
+        const int high = HexDigit(word[at]);
+        const int low = at + 1 < word.size() ? HexDigit(word[at + 1]) : -1;
+        if (high < 0 || low < 0)
+            return std::nullopt;
+        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
+        at += 2;
+    }
+    return bytes;
+}
+
+void Values::ResolvePaths(const std::string& folder) {
+    for (auto& [name, value] : values_)
+        if ((name == "FILE" || name == "FOLDER") && !value.starts_with('/'))
+            value.insert(0, folder + "/");
+}
+
+std::string Values::Text(std::string_view name) const {
+    const auto found = values_.find(name);
+    return found == values_.end() ? std::string() : found->second;
+}
+
+std::int64_t Values::Number(std::string_view name, std::int64_t otherwise) const {
+    return ReadNumber(Text(name)).value_or(otherwise);
+}
+
+std::chrono::microseconds Values::Duration(std::string_view name,
+                                           std::chrono::microseconds otherwise) const {
+    return ReadDuration(Text(name)).value_or(otherwise);
+}
+
+std::vector<std::uint8_t> Values::Bytes(std::string_view name) const {
+    return ReadBytes(Text(name)).value_or(std::vector<std::uint8_t>());
 }
 
 }  // namespace control

@@ -45,7 +45,7 @@ void Dvr::SetFaults(const Faults& faults) {
     const bool other_interval = faults.card_report_interval != faults_.card_report_interval;
     faults_ = faults;
     if (other_interval && settled_card_)
-        PlanCardRepeat();
+        ScheduleCardRepeat();
 }
 
 void Dvr::Halt() {
@@ -59,7 +59,7 @@ void Dvr::Halt() {
     record_wanted_ = true;
     recorded_seconds_ = 0;
     decoder_ = {};
-    waiting_answers_ = 0;
+    pending_requests_ = 0;
     busy_until_ = microseconds::zero();
 }
 
@@ -99,14 +99,14 @@ void Dvr::EnterInitOk() {
 void Dvr::EnterNormal() {
     state_ = State::kNormal;
     SetRunningState(RunningState::kNormal);
-    After(Pick(timings_.record_tick), &Dvr::TickRecording);
+    After(PickDelay(timings_.record_tick), &Dvr::TickRecording);
 }
 
 bool Dvr::InsertCard(std::filesystem::path folder) {
     if (card_.In())
         return false;
     card_.Insert(std::move(folder));
-    NoteCardMoved();
+    RestartCardSettling();
     return true;
 }
 
@@ -116,11 +116,11 @@ bool Dvr::RemoveCard() {
     card_.Remove();
     if (state_ == State::kUpdating)
         state_ = State::kUpdateFailed;
-    NoteCardMoved();
+    RestartCardSettling();
     return true;
 }
 
-void Dvr::NoteCardMoved() {
+void Dvr::RestartCardSettling() {
     actions_.Cancel(card_settle_key_);
     card_settle_key_ = Later(timings_.card_settle, &Dvr::SettleCard);
 }
@@ -134,10 +134,10 @@ void Dvr::SettleCard() {
 
 void Dvr::RepeatCardReport() {
     SendCardIndication(*settled_card_);
-    PlanCardRepeat();
+    ScheduleCardRepeat();
 }
 
-void Dvr::PlanCardRepeat() {
+void Dvr::ScheduleCardRepeat() {
     actions_.Cancel(card_repeat_key_);
     if (const auto interval = faults_.card_report_interval)
         card_repeat_key_ = After(std::max(*interval, microseconds(1)), &Dvr::RepeatCardReport);
@@ -158,7 +158,7 @@ bool Dvr::Recording() const {
 }
 
 void Dvr::TickRecording() {
-    After(Pick(timings_.record_tick), &Dvr::TickRecording);
+    After(PickDelay(timings_.record_tick), &Dvr::TickRecording);
     const bool stopped = recorded_seconds_ > 0 && !Recording();
     if (!Recording() && !stopped)
         return;
@@ -194,7 +194,7 @@ void Dvr::Transmit(FrameType type, std::uint16_t code, std::span<const std::uint
         host_.Transmit(bytes);
 }
 
-microseconds Dvr::Pick(const DelayRange& range) {
+microseconds Dvr::PickDelay(const DelayRange& range) {
     // Not a distribution of the library: those may give other numbers elsewhere.
     const auto width = std::max<microseconds::rep>(0, (range.most - range.least).count());
     const auto offset = static_cast<microseconds::rep>(random_() % (width + 1));

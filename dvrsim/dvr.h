@@ -14,7 +14,6 @@
 #include "dvrsim/host.h"
 #include "dvrsim/options.h"
 #include "dvrsim/protocol.h"
-#include "dvrsim/scheduled_actions.h"
 #include "dvrsim/storage_card.h"
 
 namespace dvrsim {
@@ -95,21 +94,21 @@ class Dvr {
     void StartUpdate(std::string image_version);
     void BeginReports();
     void ReportNextPercent();
-    bool MeetsFaultAtPercent();
+    bool TriggersFaultAtPercent();
     bool PercentReached(const std::optional<std::uint8_t>& percent) const;
     std::uint8_t NextPercent();
     void SendPercent();
 
     void Accept(const Frame& frame);
-    void Answer(const Frame& frame);
-    std::optional<std::vector<std::uint8_t>> AnswerToQuery(Command command) const;
-    void FollowOrder(Command command, std::span<const std::uint8_t> payload);
+    void Acknowledge(const Frame& frame);
+    std::optional<std::vector<std::uint8_t>> QueriedValue(Command command) const;
+    void ExecuteOrder(Command command, std::span<const std::uint8_t> payload);
     void Reboot();
 
-    void NoteCardMoved();
+    void RestartCardSettling();
     void SettleCard();
     void RepeatCardReport();
-    void PlanCardRepeat();
+    void ScheduleCardRepeat();
     void TickRecording();
     std::vector<std::uint8_t> RecordPayload() const;
     std::uint8_t CardPercent(CardStatus status) const;
@@ -119,9 +118,9 @@ class Dvr {
     void SendCardIndication(CardStatus status);
     void Transmit(FrameType type, std::uint16_t code, std::span<const std::uint8_t> payload);
 
-    std::chrono::microseconds Pick(const DelayRange& range);
-    std::chrono::microseconds PickSlowed(const DelayRange& range) {
-        return Pick(range) * faults_.slowness;
+    std::chrono::microseconds PickDelay(const DelayRange& range);
+    std::chrono::microseconds PickSlowedDelay(const DelayRange& range) {
+        return PickDelay(range) * faults_.slow_factor;
     }
     template <typename Method>
     std::uint64_t After(std::chrono::microseconds delay, Method method) {
@@ -129,7 +128,7 @@ class Dvr {
     }
     template <typename Method>
     std::uint64_t Later(const DelayRange& range, Method method) {
-        return After(PickSlowed(range), method);
+        return After(PickSlowedDelay(range), method);
     }
 
     Host& host_;
@@ -157,10 +156,18 @@ class Dvr {
     bool record_wanted_ = true;
     std::uint32_t recorded_seconds_ = 0;
     FrameDecoder decoder_;
-    std::size_t waiting_answers_ = 0;
+    std::size_t pending_requests_ = 0;
     std::chrono::microseconds busy_until_{};
 
     ScheduledActions actions_;
 };
+
+// The words for a state, as NameOf() in protocol.h gives them.
+inline constexpr std::string_view kStateNames[] = {"off",      "booting",         "normal",
+                                                   "updating", "update-finished", "update-failed"};
+static_assert(std::size(kStateNames) == static_cast<int>(Dvr::State::kUpdateFailed) + 1);
+constexpr std::span<const std::string_view> NamesOf(Dvr::State) {
+    return kStateNames;
+}
 
 }  // namespace dvrsim

@@ -20,11 +20,11 @@ void Dvr::BeginReports() {
 }
 
 void Dvr::ReportNextPercent() {
-    if (state_ != State::kUpdating || MeetsFaultAtPercent())
+    if (state_ != State::kUpdating || TriggersFaultAtPercent())
         return;
     percent_ = NextPercent();
     SendPercent();
-    if (MeetsFaultAtPercent())
+    if (TriggersFaultAtPercent())
         return;
     if (percent_ == 100 && !faults_.stuck_at_percent) {
         // The last percent, ever: a second 100 would start the unit's notice anew.
@@ -32,12 +32,12 @@ void Dvr::ReportNextPercent() {
         installed_version_ = image_version_;
         return;
     }
-    const std::chrono::microseconds interval = Pick(timings_.update) / 99;
+    const std::chrono::microseconds interval = PickDelay(timings_.update) / 99;
     const std::chrono::microseconds wobble = interval / 4;
-    After(Pick({interval - wobble, interval + wobble}), &Dvr::ReportNextPercent);
+    After(PickDelay({interval - wobble, interval + wobble}), &Dvr::ReportNextPercent);
 }
 
-bool Dvr::MeetsFaultAtPercent() {
+bool Dvr::TriggersFaultAtPercent() {
     if (PercentReached(faults_.stop_at_percent))
         return true;
     if (PercentReached(faults_.fail_at_percent)) {
@@ -66,7 +66,7 @@ std::uint8_t Dvr::NextPercent() {
 }
 
 void Dvr::SendPercent() {
-    const std::string& version = faults_.image_version_report.value_or(image_version_);
+    const std::string& version = faults_.reported_image_version.value_or(image_version_);
     std::vector<std::uint8_t> payload{percent_};
     payload.insert(payload.end(), version.begin(), version.end());
     SendIndication(Command::kFirmwareUpgradeVersion, payload);

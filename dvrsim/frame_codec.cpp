@@ -30,7 +30,7 @@ std::uint16_t BigEndianAt(std::span<const std::uint8_t> bytes, std::size_t offse
 
 std::vector<std::uint8_t> EncodeFrame(FrameType type, std::uint16_t code,
                                       std::span<const std::uint8_t> payload) {
-    if (payload.size() > kMostPayloadBytes)
+    if (payload.size() > kMaxPayloadBytes)
         throw std::length_error("payload too long for a frame");
     std::vector<std::uint8_t> bytes;
     bytes.reserve(kHeaderBytes + payload.size() + kChecksumBytes);
@@ -88,7 +88,7 @@ void FrameDecoder::DropToNextSync(std::size_t at_least) {
 FrameDecoder::Verdict FrameDecoder::Judge() const {
     if (pending_.size() < kHeaderBytes)
         return Verdict::kNeedMore;
-    if (BigEndianAt(pending_, 5) > kMostPayloadBytes)
+    if (BigEndianAt(pending_, 5) > kMaxPayloadBytes)
         return Verdict::kDamaged;
     const std::size_t length = FrameLength();
     if (pending_.size() < length)

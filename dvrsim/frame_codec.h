@@ -9,7 +9,7 @@
 
 namespace dvrsim {
 
-inline constexpr std::size_t kMostPayloadBytes = 64;
+inline constexpr std::size_t kMaxPayloadBytes = 64;
 
 enum class FrameType : std::uint8_t {
     kRequest = 0x10,          // from the unit
@@ -25,7 +25,7 @@ struct Frame {
     bool operator==(const Frame&) const = default;
 };
 
-// The frame's bytes in wire order. Throws std::length_error above kMostPayloadBytes.
+// The frame's bytes in wire order. Throws std::length_error above kMaxPayloadBytes.
 std::vector<std::uint8_t> EncodeFrame(FrameType type, std::uint16_t code,
                                       std::span<const std::uint8_t> payload);
 

@@ -49,16 +49,16 @@ struct Faults {
     bool silent = false;          // never sends a byte, otherwise works
     bool silent_card = false;     // neither reports its card nor answers for it
     bool silent_version = false;  // does not answer for its firmware version
-    unsigned slowness = 1;        // boots, answers and notices its card so many times slower
+    unsigned slow_factor = 1;     // boots, answers and notices its card so many times slower
 
     unsigned indication_copies = 1;  // sends every indication so often
     // From the boot on reports its card again and again, changed or not.
     std::optional<std::chrono::microseconds> card_report_interval{};
 
     // The answer for the firmware version, 0 to 64 bytes of any kind, whatever runs.
-    std::optional<std::string> version_answer{};
+    std::optional<std::string> reported_version{};
     // The image's version in the percent reports, 0 to 63 bytes, whatever is on the card.
-    std::optional<std::string> image_version_report{};
+    std::optional<std::string> reported_image_version{};
 
     // Every update hangs after this percent.
     std::optional<std::uint8_t> stop_at_percent{};

@@ -22,7 +22,7 @@ namespace {
 using control::SocketClient;
 using control::SocketServer;
 using fuzz::Promise;
-using Reply = SocketClient::Reply;
+using ReplyPart = SocketClient::ReplyPart;
 
 constexpr char kServed[] = "served";
 constexpr char kHostile[] = "hostile";
@@ -37,9 +37,9 @@ control::SocketClaim Claim(const char* name) {
 }
 
 SocketClient Connect(const char* name) {
-    bool nobody = false;
+    bool not_running = false;
     std::string problem;
-    auto client = SocketClient::Connect(name, kNoWait, nobody, problem);
+    auto client = SocketClient::Connect(name, kNoWait, not_running, problem);
     Promise(client.has_value(), "a client can connect", problem);
     return *std::move(client);
 }
@@ -53,7 +53,7 @@ control::Outcome ReadCommand(const std::string& line) {
         return control::Refused(problem);
     const auto again = control::SplitWords(control::JoinWords(*words), problem);
     Promise(again == words, "words are read as they are written", line);
-    unit::UnitCommands().grammar().Next(*words);
+    unit::UnitCommands().grammar().NextWords(*words);
     const auto command = unit::UnitCommands().Read(*words, problem);
     Promise(command.has_value() == problem.empty(), "what is refused is told why", line);
     return command ? control::Done(std::string(command->row->help)) : control::Refused(problem);
@@ -70,12 +70,12 @@ class Server {
         ++requests;
         Promise(control::IsPlainText(request.line) && control::IsPlainText(request.folder),
                 "a request is plain text");
-        Promise(request.line.size() <= control::kLongestLine &&
-                    request.text.size() <= control::kLongestText,
-                "a request has its limits");
+        Promise(
+            request.line.size() <= control::kMaxLine && request.text.size() <= control::kMaxText,
+            "a request has its limits");
         const control::Outcome outcome = ReadCommand(request.line);
-        server_.Line(client, request.text);
-        server_.End(client, outcome);
+        server_.SendLine(client, request.text);
+        server_.SendOutcome(client, outcome);
     }
 
     SocketServer server_{Claim(kServed),
@@ -149,10 +149,10 @@ void AnswerTheClient(std::string_view bytes) {
     }
     for (std::size_t replies = 0;; ++replies) {
         Promise(replies <= bytes.size(), "a reply takes a byte at least");
-        const Reply reply = client.Receive(kNoWait);
+        const ReplyPart reply = client.Receive(kNoWait);
         Promise(reply.text.find('\n') == std::string::npos, "a reply is one line");
-        Promise(reply.kind != Reply::Kind::kLate, "an end that has hung up is seen at once");
-        if (reply.kind == Reply::Kind::kGone)
+        Promise(reply.kind != ReplyPart::Kind::kLate, "an end that has hung up is seen at once");
+        if (reply.kind == ReplyPart::Kind::kGone)
             break;
     }
 }

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "control/runtime_folder.h"
+#include "control/local_socket.h"
 #include "control/socket_client.h"
 
 namespace unitctl {

@@ -4,7 +4,7 @@
 #include <exception>
 #include <filesystem>
 
-#include "control/runtime_folder.h"
+#include "control/local_socket.h"
 #include "control/socket_client.h"
 #include "control/words.h"
 #include "unitctl/command_line.h"
@@ -30,7 +30,7 @@ bool ReadText(const std::string& file, std::string& text, std::string& problem) 
     std::size_t count = 0;
     char buffer[4096];
     while (input && (count = std::fread(buffer, 1, sizeof buffer, input)) > 0 &&
-           text.size() <= control::kLongestText)
+           text.size() <= control::kMaxText)
         text.append(buffer, count);
     const int error = errno;
     const bool failed = !input || std::ferror(input) != 0;
@@ -38,8 +38,8 @@ bool ReadText(const std::string& file, std::string& text, std::string& problem) 
         std::fclose(input);
     if (failed)
         problem = file + ": " + std::strerror(error);
-    else if (text.size() > control::kLongestText)
-        problem = file + ": too long; at most " + std::to_string(control::kLongestText) +
+    else if (text.size() > control::kMaxText)
+        problem = file + ": too long; at most " + std::to_string(control::kMaxText) +
                   " bytes are allowed";
     return problem.empty();
 }
@@ -59,24 +59,26 @@ int Run(const unitctl::CommandLine& command_line) {
             words.pop_back();
     }
     request.line = control::JoinWords(words);
-    if (!control::IsPlainText(request.line) || request.line.size() > control::kLongestLine) {
+    if (!control::IsPlainText(request.line) || request.line.size() > control::kMaxLine) {
         Say("the command is not plain UTF-8 text, or too long");
         return control::kExitWrongUsage;
     }
 
-    bool nobody = false;
-    auto client = control::SocketClient::Connect(command_line.unit, kConnectLimit, nobody, problem);
+    bool not_running = false;
+    auto client =
+        control::SocketClient::Connect(command_line.unit, kConnectLimit, not_running, problem);
     if (!client) {
-        Say(nobody ? "no unit is running" +
-                         (command_line.unit == "unit" ? "" : " as '" + command_line.unit + "'") +
-                         "; start one with: tolvane"
-                   : problem);
-        return control::kExitNobodyThere;
+        Say(not_running
+                ? "no unit is running" +
+                      (command_line.unit == "unit" ? "" : " as '" + command_line.unit + "'") +
+                      "; start one with: tolvane"
+                : problem);
+        return control::kExitNotRunning;
     }
     const bool lasts = words.front() == "watch" || words.front() == "run";
-    return control::PrintAnswer(*client, request, "unitctl",
-                                lasts ? control::SocketClient::Limit() : kAnswerLimit, stdout,
-                                stderr);
+    return control::PrintReply(*client, request, "unitctl",
+                               lasts ? control::SocketClient::Limit() : kAnswerLimit, stdout,
+                               stderr);
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "dvrsim/value_names.h"
+#include "dvrsim/protocol.h"
 
 namespace dvrsim {
 namespace {
@@ -30,11 +30,11 @@ ordered_json FaultsOf(const Faults& faults) {
         {"silent", faults.silent},
         {"silent_card", faults.silent_card},
         {"silent_version", faults.silent_version},
-        {"slow", faults.slowness},
+        {"slow", faults.slow_factor},
         {"copies", faults.indication_copies},
         {"repeat_card_ms", Interval(faults.card_report_interval)},
-        {"version", OrNull(faults.version_answer)},
-        {"image_version", OrNull(faults.image_version_report)},
+        {"version", OrNull(faults.reported_version)},
+        {"image_version", OrNull(faults.reported_image_version)},
         {"stop_at", OrNull(faults.stop_at_percent)},
         {"stuck_at", OrNull(faults.stuck_at_percent)},
         {"fail_at", OrNull(faults.fail_at_percent)},

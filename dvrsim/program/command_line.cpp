@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
-#include "control/runtime_folder.h"
+#include "control/local_socket.h"
 #include "control/socket_client.h"
 #include "control/words.h"
 #include "dvrsim/frame_codec.h"
@@ -32,7 +32,7 @@ std::string CheckName(const std::string& name) {
 }
 
 std::string CheckVersion(const std::string& version) {
-    return !version.empty() && version.size() <= kMostPayloadBytes
+    return !version.empty() && version.size() <= kMaxPayloadBytes
                ? std::string()
                : "'" + version + "' is not allowed; allowed are 1 to 64 bytes";
 }

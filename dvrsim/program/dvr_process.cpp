@@ -11,8 +11,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "dvrsim/program/frame_text.h"
-#include "dvrsim/value_names.h"
+#include "dvrsim/protocol.h"
 
 namespace dvrsim {
 namespace {
@@ -20,7 +19,7 @@ namespace {
 using std::chrono::nanoseconds;
 
 // A line of standard input that is longer is no command of ours.
-constexpr std::size_t kLongestInput = control::kLongestLine;
+constexpr std::size_t kLongestInput = control::kMaxLine;
 
 // Taken from the signals' usual way, to be read in the loop.
 control::Descriptor TakeEndSignals() {
@@ -40,6 +39,36 @@ timespec ToTimespec(nanoseconds time) {
     return {seconds.count(), (time - seconds).count()};
 }
 
+template <class Number>
+std::string Hexadecimal(const char* format, Number number) {
+    char text[16];
+    std::snprintf(text, sizeof text, format, static_cast<unsigned>(number));
+    return text;
+}
+
+std::string TypeText(std::uint8_t type) {
+    switch (static_cast<FrameType>(type)) {
+        case FrameType::kRequest:
+            return "request";
+        case FrameType::kAcknowledgement:
+            return "acknowledgement";
+        case FrameType::kIndication:
+            return "indication";
+    }
+    return Hexadecimal("type 0x%02X", type);
+}
+
+// "indication StorageCardStatus 01 00 2A", "request FW_Upgrade_Version query 00"
+std::string TextOf(const Frame& frame) {
+    const std::string name(CommandName(frame.code));
+    std::string text = TypeText(frame.type) + ' ' +
+                       (name.empty() ? Hexadecimal("0x%04X", frame.code) : name) +
+                       ((frame.code & kQueryBit) != 0 ? " query" : "");
+    for (const std::uint8_t byte : frame.payload)
+        text += Hexadecimal(" %02X", byte);
+    return text;
+}
+
 }  // namespace
 
 DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
@@ -49,10 +78,11 @@ DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
       line_(std::move(line)),
       dvr_(*this, options.dvr),
       cards_(options.image_card),
-      desk_{dvr_, timers_, *line_, cards_},
+      context_{dvr_, timers_, *line_, cards_},
       server_(std::move(claim),
               {[this](control::SocketServer::ClientId id, const control::Request& request) {
-                   server_.End(id, DeskCommands().Follow(desk_, request.line, request.folder));
+                   server_.SendOutcome(
+                       id, ProgramCommands().Execute(context_, request.line, request.folder));
                },
                [](control::SocketServer::ClientId) {}}),
       signals_(TakeEndSignals()) {
@@ -61,8 +91,8 @@ DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
 }
 
 void DvrProcess::Run() {
-    while (!desk_.quit) {
-        TellState();
+    while (!context_.quit) {
+        PrintState();
         WaitAndHandle();
         timers_.RunDue();
     }
@@ -70,9 +100,9 @@ void DvrProcess::Run() {
 
 void DvrProcess::WaitAndHandle() {
     std::optional<nanoseconds> limit = timers_.UntilNext();
-    const auto look_again = line_->LookAgain();
-    if (look_again)
-        limit = std::min(limit.value_or(*look_again), nanoseconds(*look_again));
+    const auto poll_interval = line_->PollInterval();
+    if (poll_interval)
+        limit = std::min(limit.value_or(*poll_interval), nanoseconds(*poll_interval));
     enum { kSignals, kInput, kServer, kLine, kCount };
     std::array<pollfd, kCount> watched{{{signals_.get(), POLLIN, 0},
                                         {input_open_ ? STDIN_FILENO : -1, POLLIN, 0},
@@ -82,8 +112,8 @@ void DvrProcess::WaitAndHandle() {
     if (ppoll(watched.data(), watched.size(), limit ? &wait : nullptr, nullptr) < 0)
         return;
     if (watched[kSignals].revents != 0)
-        desk_.quit = true;
-    if (watched[kLine].revents != 0 || look_again)
+        context_.quit = true;
+    if (watched[kLine].revents != 0 || poll_interval)
         line_->HandleReady([this](std::span<const std::uint8_t> bytes) { Receive(bytes); });
     if (watched[kInput].revents != 0)
         ReadInput();
@@ -92,16 +122,16 @@ void DvrProcess::WaitAndHandle() {
 }
 
 void DvrProcess::Receive(std::span<const std::uint8_t> bytes) {
-    if (!desk_.plugged)
+    if (!context_.plugged)
         return;
-    TellFrames(heard_, '<', bytes);
+    PrintFrames(received_, '<', bytes);
     dvr_.Receive(bytes);
 }
 
 void DvrProcess::Transmit(std::span<const std::uint8_t> bytes) {
-    if (!desk_.plugged)
+    if (!context_.plugged)
         return;
-    TellFrames(said_, '>', bytes);
+    PrintFrames(sent_, '>', bytes);
     line_->Send(bytes);
 }
 
@@ -117,22 +147,22 @@ void DvrProcess::ReadInput() {
     } else {
         input_.append(buffer.data(), static_cast<std::size_t>(count));
     }
-    for (std::size_t end = 0; (end = input_.find('\n')) != std::string::npos && !desk_.quit;) {
+    for (std::size_t end = 0; (end = input_.find('\n')) != std::string::npos && !context_.quit;) {
         const std::string line = input_.substr(0, end);
         input_.erase(0, end + 1);
-        if (!std::exchange(passing_over_, false))
-            FollowInput(line);
+        if (!std::exchange(skipping_, false))
+            ExecuteInput(line);
     }
-    if (input_.size() > kLongestInput && !std::exchange(passing_over_, true)) {
+    if (input_.size() > kLongestInput && !std::exchange(skipping_, true)) {
         std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
                      kLongestInput);
     }
-    if (passing_over_)
+    if (skipping_)
         input_.clear();
 }
 
-void DvrProcess::FollowInput(std::string_view line) {
-    const control::Outcome outcome = DeskCommands().Follow(desk_, line);
+void DvrProcess::ExecuteInput(std::string_view line) {
+    const control::Outcome outcome = ProgramCommands().Execute(context_, line);
     if (!outcome.done) {
         std::fprintf(stderr, "dvrsim: %s\n", outcome.text.c_str());
     } else if (!outcome.text.empty()) {
@@ -141,7 +171,8 @@ void DvrProcess::FollowInput(std::string_view line) {
     }
 }
 
-void DvrProcess::TellFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes) {
+void DvrProcess::PrintFrames(FrameDecoder& decoder, char mark,
+                             std::span<const std::uint8_t> bytes) {
     if (!verbose_)
         return;
     for (const std::uint8_t byte : bytes) {
@@ -154,12 +185,12 @@ void DvrProcess::TellFrames(FrameDecoder& decoder, char mark, std::span<const st
     std::fflush(stdout);
 }
 
-void DvrProcess::TellState() {
-    if (!verbose_ || dvr_.GetState() == told_state_)
+void DvrProcess::PrintState() {
+    if (!verbose_ || dvr_.GetState() == printed_state_)
         return;
-    told_state_ = dvr_.GetState();
+    printed_state_ = dvr_.GetState();
     std::printf("%10.3f  the DVR is %s\n", std::chrono::duration<double>(Now()).count(),
-                std::string(NameOf(told_state_)).c_str());
+                std::string(NameOf(printed_state_)).c_str());
     std::fflush(stdout);
 }
 

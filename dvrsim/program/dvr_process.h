@@ -8,7 +8,7 @@
 #include "dvrsim/dvr.h"
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/host.h"
-#include "dvrsim/program/desk.h"
+#include "dvrsim/program/commands.h"
 
 namespace dvrsim {
 
@@ -43,24 +43,24 @@ class DvrProcess final : private Host {
     void WaitAndHandle();
     void Receive(std::span<const std::uint8_t> bytes);
     void ReadInput();
-    void FollowInput(std::string_view line);
-    void TellFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes);
-    void TellState();
+    void ExecuteInput(std::string_view line);
+    void PrintFrames(FrameDecoder& decoder, char mark, std::span<const std::uint8_t> bytes);
+    void PrintState();
 
     const bool verbose_;
     HostTimers timers_;
     std::unique_ptr<LineEnd> line_;
     Dvr dvr_;
-    CardBox cards_;
-    Desk desk_;
+    CardFolders cards_;
+    Context context_;
     control::SocketServer server_;
     const control::Descriptor signals_;
     bool input_open_ = true;
     std::string input_;
-    bool passing_over_ = false;  // the rest of a line that is too long
-    FrameDecoder heard_;
-    FrameDecoder said_;
-    Dvr::State told_state_ = Dvr::State::kOff;
+    bool skipping_ = false;  // the rest of a line that is too long
+    FrameDecoder received_;
+    FrameDecoder sent_;
+    Dvr::State printed_state_ = Dvr::State::kOff;
 };
 
 }  // namespace dvrsim

@@ -19,7 +19,7 @@ class LineEnd {
     // Hears what came in on the line.
     using Receiver = std::function<void(std::span<const std::uint8_t>)>;
     // Hears in one line what happened to the line itself.
-    using Teller = std::function<void(const std::string&)>;
+    using StatusHandler = std::function<void(const std::string&)>;
 
     virtual ~LineEnd() = default;
 
@@ -28,7 +28,7 @@ class LineEnd {
     // -1 while there is nothing to wait for but time.
     virtual int descriptor() const = 0;
     // Of the host's time, until HandleReady is to be called all the same.
-    virtual std::optional<std::chrono::milliseconds> LookAgain() const = 0;
+    virtual std::optional<std::chrono::milliseconds> PollInterval() const = 0;
     virtual void HandleReady(const Receiver& receive) = 0;
     // What the line cannot take is lost, as on one that nobody reads.
     virtual void Send(std::span<const std::uint8_t> bytes) = 0;
@@ -42,8 +42,8 @@ class LineEnd {
 std::unique_ptr<LineEnd> MakePseudoTerminal(std::string& problem);
 
 // A serial device at 460800 baud, 8N1, raw; null with one line in `problem`. One that goes away is
-// looked for until it is back; `tell` hears of both.
-std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::Teller tell,
+// looked for until it is back; `report` hears of both.
+std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::StatusHandler report,
                                     std::string& problem);
 
 }  // namespace dvrsim

@@ -1,14 +1,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <string>
+#include <system_error>
 
 #include "control/socket_client.h"
 #include "dvrsim/program/command_line.h"
-#include "dvrsim/program/path_link.h"
 
 namespace {
 
 using namespace dvrsim;
+namespace fs = std::filesystem;
 
 constexpr auto kAnswerLimit = std::chrono::seconds(5);
 
@@ -16,18 +18,60 @@ void Say(const std::string& line) {
     std::fprintf(stderr, "dvrsim: %s\n", line.c_str());
 }
 
+// A symlink at a path that stays the same from run to run; gone with the object, if it still is
+// this one.
+class PathLink {
+  public:
+    PathLink() = default;
+    PathLink(const PathLink&) = delete;
+    PathLink& operator=(const PathLink&) = delete;
+    ~PathLink();
+
+    // Replaces a symlink that is there. False with one line in `problem` when anything else is, or
+    // the link cannot be made. Once.
+    bool Make(const std::string& path, const std::string& target, std::string& problem);
+
+  private:
+    std::string path_;
+    std::string target_;
+};
+
+bool PathLink::Make(const std::string& path, const std::string& target, std::string& problem) {
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (fs::exists(status) && !fs::is_symlink(status)) {
+        problem = path + ": something other than a symlink is there; give --link another path";
+        return false;
+    }
+    if (fs::is_symlink(status))
+        fs::remove(path, error);
+    fs::create_symlink(target, path, error);
+    if (error) {
+        problem = path + ": cannot make the symlink: " + error.message();
+        return false;
+    }
+    path_ = path;
+    target_ = target;
+    return true;
+}
+
+PathLink::~PathLink() {
+    std::error_code error;
+    if (!path_.empty() && fs::read_symlink(path_, error) == target_)
+        fs::remove(path_, error);
+}
+
 int Send(const std::string& name, const std::string& command) {
-    bool nobody = false;
+    bool not_running = false;
     std::string problem;
-    auto client = control::SocketClient::Connect(name, kAnswerLimit, nobody, problem);
+    auto client = control::SocketClient::Connect(name, kAnswerLimit, not_running, problem);
     if (!client) {
-        Say(nobody ? "no dvrsim named " + name + " is running" : problem);
-        return control::kExitNobodyThere;
+        Say(not_running ? "no dvrsim named " + name + " is running" : problem);
+        return control::kExitNotRunning;
     }
     std::error_code ignored;
-    const control::Request request{.line = command,
-                                   .folder = std::filesystem::current_path(ignored).string()};
-    return control::PrintAnswer(*client, request, "dvrsim", kAnswerLimit, stdout, stderr);
+    const control::Request request{.line = command, .folder = fs::current_path(ignored).string()};
+    return control::PrintReply(*client, request, "dvrsim", kAnswerLimit, stdout, stderr);
 }
 
 int Run(const CommandLine& command_line) {

@@ -43,7 +43,7 @@ Injector::Injector(const Case& trial, WizardRun& run, unit::Operator& unit_opera
 }
 
 void Injector::AddFault(const FaultKind& kind, std::uint64_t skip) {
-    const auto outcome = unit::UnitCommands().Follow(
+    const auto outcome = unit::UnitCommands().Execute(
         operator_, std::string(kind.command) + " after " + std::to_string(skip) + " times 1");
     if (!outcome.done)
         throw std::logic_error(outcome.text);
@@ -105,7 +105,7 @@ void Injector::Inject(const Fault& fault) {
     if (fault.kind->command.empty())
         unit::ProgramHost::CloseWindow();
     else
-        unit::UnitCommands().Follow(operator_, fault.kind->command);
+        unit::UnitCommands().Execute(operator_, fault.kind->command);
 }
 
 void Injector::InjectNow(const Fault& fault) {

@@ -105,7 +105,8 @@ class Trial {
         // The unit and the DVR as they should be, with a quick update.
         for (const char* const command : {"fault clear", "line plug", "dvr update-time 30s",
                                           "fault dvr jump-back 3 96", "dvr power on"})
-            if (const auto outcome = unit::UnitCommands().Follow(operator_, command); !outcome.done)
+            if (const auto outcome = unit::UnitCommands().Execute(operator_, command);
+                !outcome.done)
                 Find(command + (": " + outcome.text));
         std::optional<End> end;
         while (end != End::kSuccess && verdict_.cycles < kMostCycles) {

@@ -84,7 +84,7 @@ TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
     };
     const auto check = [&table](const char* line, const std::string& text, bool is_done) {
         std::string target;
-        const Outcome outcome = table.Follow(target, line);
+        const Outcome outcome = table.Execute(target, line);
         EXPECT_EQ(outcome.done, is_done) << line;
         EXPECT_EQ(outcome.text, text) << line;
     };

@@ -1,4 +1,4 @@
-#include "control/runtime_folder.h"
+#include "control/local_socket.h"
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "control/socket_claim.h"
 #include "tests/support/process.h"
 
 namespace control {

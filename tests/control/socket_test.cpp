@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "control/socket_address.h"
+#include "control/local_socket.h"
 #include "control/socket_client.h"
 #include "control/socket_server.h"
 #include "tests/support/process.h"
@@ -13,14 +13,14 @@ namespace control {
 namespace {
 
 using namespace std::chrono_literals;
-using Kind = SocketClient::Reply::Kind;
+using Kind = SocketClient::ReplyPart::Kind;
 using Id = SocketServer::ClientId;
 
 // A server on "unit" that is run by hand between the clients' steps.
 class Sockets : public tests::Process {
   protected:
     Sockets() {
-        auto claim = SocketClaim::Make("unit", nobody_, problem_);
+        auto claim = SocketClaim::Make("unit", not_running_, problem_);
         EXPECT_TRUE(claim) << problem_;
         SocketServer::Handlers handlers{
             [this](Id id, const Request& request) { Answer(id, request); }, [](Id) {}};
@@ -29,13 +29,13 @@ class Sockets : public tests::Process {
 
     void Answer(Id id, const Request& request) {
         if (request.line == "no")
-            return server_->End(id, Refused("not that\nreally"));
+            return server_->SendOutcome(id, Refused("not that\nreally"));
         if (request.line == "later") {
             watcher_ = id;
             return;
         }
-        server_->Line(id, "got " + request.line + request.folder);
-        server_->End(id, Done(request.text));
+        server_->SendLine(id, "got " + request.line + request.folder);
+        server_->SendOutcome(id, Done(request.text));
     }
 
     // Until nothing is left to do.
@@ -46,7 +46,7 @@ class Sockets : public tests::Process {
     }
 
     std::optional<SocketClient> Connect(const char* name, SocketClient::Limit limit) {
-        return SocketClient::Connect(name, limit, nobody_, problem_);
+        return SocketClient::Connect(name, limit, not_running_, problem_);
     }
     SocketClient Client() {
         auto client = Connect("unit", 1s);
@@ -81,15 +81,15 @@ class Sockets : public tests::Process {
 
     std::unique_ptr<SocketServer> server_;
     Id watcher_ = 0;
-    bool nobody_ = false;
+    bool not_running_ = false;
     std::string problem_;
 };
 
 TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
-    const std::string longest(kLongestLine, 'x');
+    const std::string longest(kMaxLine, 'x');
     std::string long_text;
     for (int i = 0; i < 17; ++i)
-        long_text += "|" + std::string(kLongestLine - 1, 'x') + "\n";
+        long_text += "|" + std::string(kMaxLine - 1, 'x') + "\n";
     const std::string not_text = "-a line is not plain UTF-8 text\n*";
     const std::string too_long = "-a line is too long; at most 65536 bytes are allowed\n*";
     const std::pair<std::string, std::string> cases[] = {
@@ -132,13 +132,13 @@ TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
     constexpr int kLines = 40'000;
     const std::string padding(200, '.');
     for (int i = 0; i < kLines; ++i)
-        server_->Line(watcher_, std::to_string(i) + padding);
-    server_->End(watcher_, Done());
+        server_->SendLine(watcher_, std::to_string(i) + padding);
+    server_->SendOutcome(watcher_, Done());
     int next = 0;
     int lost = 0;
     for (;;) {
         Serve();
-        const SocketClient::Reply reply = watcher.Receive(1s);
+        const SocketClient::ReplyPart reply = watcher.Receive(1s);
         if (reply.kind == Kind::kDone)
             break;
         if (reply.kind == Kind::kLost) {
@@ -170,11 +170,11 @@ TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
 
 TEST_F(Sockets, WhatIsPrintedIsPlainText) {
     SocketClient client = Waiting();
-    server_->Line(watcher_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
-    server_->End(watcher_, Done());
+    server_->SendLine(watcher_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
+    server_->SendOutcome(watcher_, Done());
     Serve();
     std::FILE* const out = std::tmpfile();
-    ASSERT_EQ(PrintAnswer(client, {"next"}, "teller", 1s, out, out), kExitDone);
+    ASSERT_EQ(PrintReply(client, {"next"}, "teller", 1s, out, out), kExitDone);
     std::rewind(out);
     char printed[64] = {};
     EXPECT_TRUE(std::fgets(printed, sizeof printed, out));
@@ -184,7 +184,7 @@ TEST_F(Sockets, WhatIsPrintedIsPlainText) {
 
 TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
     std::vector<SocketClient> clients;
-    for (std::size_t i = 0; i < SocketServer::kMostClients; ++i)
+    for (std::size_t i = 0; i < SocketServer::kMaxClients; ++i)
         clients.push_back(Client());
     Serve();
     EXPECT_EQ(Exchange(Client(), "one\n"), "-too many clients at a time; at most 32\n*");
@@ -198,24 +198,24 @@ TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
     client.Send({"later"}, 1s);
     EXPECT_EQ(client.Receive(20ms).kind, Kind::kLate);
     EXPECT_FALSE(Connect("other", 1s));
-    EXPECT_TRUE(nobody_);
+    EXPECT_TRUE(not_running_);
     // A server that no longer takes callers: the waiting room fills up.
     std::vector<SocketClient> waiting;
     while (auto caller = Connect("unit", 20ms)) {
         waiting.push_back(*std::move(caller));
         ASSERT_LT(waiting.size(), 1000U);
     }
-    EXPECT_FALSE(nobody_);
+    EXPECT_FALSE(not_running_);
     EXPECT_TRUE(problem_.ends_with("no answer")) << problem_;
     server_.reset();
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
     EXPECT_FALSE(Connect("unit", 1s));
-    EXPECT_TRUE(nobody_);
+    EXPECT_TRUE(not_running_);
 }
 
 TEST_F(Sockets, AnAnswerGivenAtTheEndIsSent) {
     SocketClient client = Waiting();
-    server_->End(watcher_, Done());
+    server_->SendOutcome(watcher_, Done());
     server_.reset();
     EXPECT_EQ(client.Receive(1s).kind, Kind::kDone);
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);

@@ -5,8 +5,8 @@
 #include <map>
 #include <numeric>
 
+#include "dvrsim/card_folders.h"
 #include "dvrsim/dvr.h"
-#include "dvrsim/temporary_card.h"
 
 namespace dvrsim {
 

@@ -1,4 +1,4 @@
-#include "dvrsim/commands/dvr_rows.h"
+#include "dvrsim/commands/dvr_commands.h"
 #include "dvrsim/commands/dvr_state.h"
 #include "tests/dvrsim/bench.h"
 
@@ -16,7 +16,7 @@ class DvrCommands : public testing::Test, protected Bench {
             rows.push_back(row);
         return rows;
     }
-    bool Follow(const std::string& line) { return commands_.Follow(dvr, line).done; }
+    bool Execute(const std::string& line) { return commands_.Execute(dvr, line).done; }
 
     const DvrTable commands_;
 };
@@ -30,11 +30,11 @@ TEST_F(DvrCommands, EachFaultIsSetAndEndedAlone) {
         {"silent on", "silent off", {.silent = true}},
         {"silent-card on", "silent-card off", {.silent_card = true}},
         {"silent-version on", "silent-version off", {.silent_version = true}},
-        {"slow 9", "slow 1", {.slowness = 9}},
+        {"slow 9", "slow 1", {.slow_factor = 9}},
         {"copies 4", "copies 1", {.indication_copies = 4}},
         {"repeat-card 250ms", "repeat-card off", {.card_report_interval = 250ms}},
-        {"version \"\"", "no-version", {.version_answer = ""}},
-        {"image-version x", "no-image-version", {.image_version_report = "x"}},
+        {"version \"\"", "no-version", {.reported_version = ""}},
+        {"image-version x", "no-image-version", {.reported_image_version = "x"}},
         {"stop-at 0", "stop-at off", {.stop_at_percent = 0}},
         {"stuck-at 57", "stuck-at off", {.stuck_at_percent = 57}},
         {"fail-at 100", "fail-at off", {.fail_at_percent = 100}},
@@ -44,23 +44,23 @@ TEST_F(DvrCommands, EachFaultIsSetAndEndedAlone) {
     for (const bool alone : {true, false})
         for (const auto& c : cases) {
             SCOPED_TRACE(c.set);
-            EXPECT_TRUE(Follow(std::string("fault dvr ") + c.set));
+            EXPECT_TRUE(Execute(std::string("fault dvr ") + c.set));
             if (alone) {
                 EXPECT_EQ(dvr.GetFaults(), c.faults);
-                EXPECT_TRUE(Follow(std::string("fault dvr ") + c.end));
+                EXPECT_TRUE(Execute(std::string("fault dvr ") + c.end));
                 EXPECT_EQ(dvr.GetFaults(), Faults());
             }
         }
-    EXPECT_EQ(dvr.GetFaults().slowness, 9U) << "one takes no other away";
+    EXPECT_EQ(dvr.GetFaults().slow_factor, 9U) << "one takes no other away";
     EXPECT_EQ(StateOf(dvr)["faults"]["jump_back"]["to"], 10);
-    EXPECT_TRUE(Follow("fault dvr none"));
+    EXPECT_TRUE(Execute("fault dvr none"));
     EXPECT_EQ(dvr.GetFaults(), Faults());
     EXPECT_EQ(StateOf(dvr)["faults"]["stop_at"], nullptr);
 }
 
 TEST_F(DvrCommands, ActOnTheDvr) {
-    EXPECT_FALSE(Follow("dvr reboot")) << "off";
-    EXPECT_TRUE(Follow("dvr power on"));
+    EXPECT_FALSE(Execute("dvr reboot")) << "off";
+    EXPECT_TRUE(Execute("dvr power on"));
     EXPECT_EQ(StateOf(dvr)["state"], "booting");
     EXPECT_EQ(StateOf(dvr)["card"]["status"], "plug-out");
     EXPECT_EQ(StateOf(dvr)["card"]["image"], nullptr);
@@ -75,7 +75,7 @@ TEST_F(DvrCommands, ActOnTheDvr) {
     };
     for (const auto& [line, sent] : cases) {
         host.sent.clear();
-        EXPECT_TRUE(Follow(line)) << line;
+        EXPECT_TRUE(Execute(line)) << line;
         EXPECT_EQ(host.sent, sent) << line;
     }
     EXPECT_EQ(dvr.FirmwareVersion(), "V0");

@@ -152,11 +152,11 @@ TEST(DvrUpdate, InterruptedItFailsAndTheOldVersionRuns) {
 }
 
 TEST(DvrFaults, WrongVersionsAreToldWhileTheRightOnesAreAtWork) {
-    UpdateBench bench({.faults = {.version_answer = "", .image_version_report = "x"}});
+    UpdateBench bench({.faults = {.reported_version = "", .reported_image_version = "x"}});
     bench.host.Run(60s);
     EXPECT_EQ(bench.Only(0x80, 0x2E).at(41).payload, (Bytes{42, 'x'}));
     EXPECT_EQ(bench.Ask(0x802E).at(0).payload, Bytes{});
-    bench.dvr.SetFaults({.version_answer = std::string(100, 'v')});
+    bench.dvr.SetFaults({.reported_version = std::string(100, 'v')});
     EXPECT_EQ(bench.AskVersion(), std::string(64, 'v'));
     bench.dvr.SetFaults({});
     EXPECT_EQ(bench.AskVersion(), kOld);
@@ -170,11 +170,11 @@ TEST(DvrFaults, WrongVersionsAreToldWhileTheRightOnesAreAtWork) {
 
 TEST(DvrFaults, SlowStretchesBootAnswersAndCardButNotTheUpdate) {
     std::vector<Sent> boots[2];
-    for (const unsigned slowness : {1U, 7U}) {
-        Bench bench({.faults = {.slowness = slowness}});
+    for (const unsigned slow_factor : {1U, 7U}) {
+        Bench bench({.faults = {.slow_factor = slow_factor}});
         bench.dvr.PowerOn();
-        boots[slowness / 7] = bench.During(4s * slowness);
-        bench.dvr.SetFaults({.slowness = 7});
+        boots[slow_factor / 7] = bench.During(4s * slow_factor);
+        bench.dvr.SetFaults({.slow_factor = 7});
         EXPECT_TRUE(bench.Ask(0x8010).empty());
         EXPECT_EQ(bench.During(84ms).size(), 1U);
     }
@@ -182,7 +182,7 @@ TEST(DvrFaults, SlowStretchesBootAnswersAndCardButNotTheUpdate) {
     for (Sent& sent : boots[0])
         sent.time *= 7;
     EXPECT_EQ(boots[1], boots[0]);
-    UpdateBench bench({.faults = {.slowness = 2}});
+    UpdateBench bench({.faults = {.slow_factor = 2}});
     bench.host.Run(45s);
     EXPECT_EQ(bench.dvr.GetState(), kUpdateFinished);
 }

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "control/values.h"
+#include "control/words.h"
 
 namespace dvrsim {
 namespace {

@@ -1,11 +1,11 @@
-#include "dvrsim/update_image.h"
+#include "dvrsim/storage_card.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <fstream>
 
-#include "dvrsim/card_box.h"
+#include "dvrsim/card_folders.h"
 
 namespace dvrsim {
 namespace {
@@ -43,10 +43,10 @@ TEST(UpdateImage, PassesOverWhatIsNoFile) {
     EXPECT_EQ(ReadImageVersion(card.path()), kNewVersion);
 }
 
-TEST(CardBox, IsFullSometimeAndKeepsOnlyCardsThatCanBe) {
-    CardBox box;
+TEST(CardFolders, IsFullSometimeAndKeepsOnlyCardsThatCanBe) {
+    CardFolders box;
     EXPECT_EQ(box.Make("1.2"), "");
-    for (std::size_t made = 0; made < CardBox::kMostMade; ++made)
+    for (std::size_t made = 0; made < CardFolders::kMaxMade; ++made)
         EXPECT_NE(box.Make("14.09.01.V1.02.03." + std::to_string(made)), "");
     EXPECT_EQ(box.Make(kNewVersion), "");
     EXPECT_EQ(ReadImageVersion(box.Make("14.09.01.V1.02.03.7")), "14.09.01.V1.02.03.7");

@@ -19,7 +19,7 @@ class Commands : public testing::Test {
   protected:
     Commands() { EXPECT_TRUE(run_.WaitForText(L"Power On", 5s)); }
 
-    control::Outcome Follow(const char* line) { return UnitCommands().Follow(operator_, line); }
+    control::Outcome Follow(const char* line) { return UnitCommands().Execute(operator_, line); }
 
     WizardRun run_;
     Operator operator_{run_.unit(), ""};

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "dvrsim/temporary_card.h"
+#include "dvrsim/card_folders.h"
 #include "tests/unit_harness/wizard_run.h"
 
 namespace tests {

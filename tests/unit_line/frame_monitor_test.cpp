@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "control/values.h"
+#include "control/words.h"
 
 namespace tests {
 namespace {

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "control/values.h"
+#include "control/words.h"
 #include "platform/kernel/scheduler.h"
 #include "tests/support/platform_fixture.h"
 #include "unit/events/hex_text.h"

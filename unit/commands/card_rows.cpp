@@ -1,6 +1,6 @@
 #include <filesystem>
 
-#include "dvrsim/card_box.h"
+#include "dvrsim/card_folders.h"
 #include "unit/commands/command_rows.h"
 
 namespace unit {
@@ -24,7 +24,7 @@ Outcome Insert(Operator& op, const std::string& folder, const std::string& card)
     if (dvr->CardIn())
         return Refused("a card is in already; take it out first");
     if (folder.empty())
-        return Refused(dvrsim::CardBox::kNoSuchCard);
+        return Refused(dvrsim::CardFolders::kNoSuchCard);
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         return Refused(folder + " is not a folder");

@@ -1,4 +1,4 @@
-#include "dvrsim/commands/dvr_rows.h"
+#include "dvrsim/commands/dvr_commands.h"
 
 #include <algorithm>
 #include <iterator>

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "control/command_table.h"
-#include "dvrsim/card_box.h"
+#include "dvrsim/card_folders.h"
 #include "unit/board/virtual_unit.h"
 
 namespace unit {
@@ -43,7 +43,7 @@ class Operator {
 
   private:
     VirtualUnit& unit_;
-    dvrsim::CardBox cards_;
+    dvrsim::CardFolders cards_;
     std::optional<POINT> finger_;
     bool tapping_ = false;
 };

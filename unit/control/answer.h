@@ -17,13 +17,13 @@ class Answer {
     void Line(std::string_view text) {
         const std::scoped_lock lock(mutex_);
         if (server_)
-            server_->Line(client_, text);
+            server_->SendLine(client_, text);
     }
     // The last word; what follows is lost.
     void End(const control::Outcome& outcome) {
         const std::scoped_lock lock(mutex_);
         if (server_)
-            server_->End(client_, outcome);
+            server_->SendOutcome(client_, outcome);
         server_ = nullptr;
     }
     // Nobody waits for it any more.

@@ -65,7 +65,7 @@ const control::Grammar& ControlServer::AllCommands() {
 }
 
 void ControlServer::Follow(const UnitTable::Row& row, const Job& job) {
-    const Outcome outcome = row.follow(operator_, job.values);
+    const Outcome outcome = row.execute(operator_, job.values);
     if (!outcome.done || !operator_.busy())
         return job.answer->End(outcome);
     // A tap has been done when the finger is up again.
@@ -135,7 +135,7 @@ void ControlServer::RaiseRequest(const Job& job) {
                 if (posted && posted->name == name)
                     *heard = timed.time.count();
             }));
-    const Outcome raised = UnitCommands().Follow(operator_, job.request.line);
+    const Outcome raised = UnitCommands().Execute(operator_, job.request.line);
     if (!raised.done)
         return job.answer->End(raised);
     EndWhen(
@@ -165,7 +165,8 @@ void ControlServer::StartHelp(const Job& job) {
 void ControlServer::StartComplete(const Job& job) {
     std::string ignored;
     const auto words = control::SplitWords(job.values.Text("TEXT"), ignored);
-    for (const std::string& word : AllCommands().Next(words.value_or(std::vector<std::string>())))
+    for (const std::string& word :
+         AllCommands().NextWords(words.value_or(std::vector<std::string>())))
         job.answer->Line(word);
     job.answer->End(Done());
 }

@@ -90,7 +90,7 @@ void ControlServer::Take(ClientId client, const control::Request& request) {
     if (!match)
         return answer->End(Refused(problem));
     if (!request.folder.empty())
-        match->values.StartPathsFrom(request.folder);
+        match->values.ResolvePaths(request.folder);
     answers_[client] = answer;
     const Job job{client, request, std::move(match->values), std::move(answer)};
     const std::size_t own = OwnCommands().size();

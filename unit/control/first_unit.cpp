@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "control/socket_client.h"
-#include "control/values.h"
 #include "control/words.h"
 #include "platform/kernel/text.h"
 
@@ -41,22 +40,22 @@ std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds li
     std::optional<SocketClient> client;
     // Without its socket it is about to have one, or it has died and this process is about to.
     while (there()) {
-        bool nobody = false;
+        bool not_running = false;
         std::string problem;
-        client = SocketClient::Connect(name_, left(), nobody, problem);
+        client = SocketClient::Connect(name_, left(), not_running, problem);
         if (client)
             break;
-        if (!nobody || HostClock::now() >= deadline)
+        if (!not_running || HostClock::now() >= deadline)
             gone_ = true;
         std::this_thread::sleep_for(kConnectAgain);
     }
     if (!client)
         return {};
     client->Send({line}, left());
-    const SocketClient::Reply reply = client->Receive(left());
-    if (reply.kind == SocketClient::Reply::Kind::kLate)
+    const SocketClient::ReplyPart reply = client->Receive(left());
+    if (reply.kind == SocketClient::ReplyPart::Kind::kLate)
         gone_ = true;
-    return reply.kind == SocketClient::Reply::Kind::kLine ? reply.text : std::string();
+    return reply.kind == SocketClient::ReplyPart::Kind::kLine ? reply.text : std::string();
 }
 
 NamedKind FirstUnit::FindObject(std::wstring_view name) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "control/values.h"
+#include "control/words.h"
 #include "unit/line/fault_rule.h"
 
 namespace unit {

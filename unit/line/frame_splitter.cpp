@@ -39,7 +39,7 @@ std::optional<Segment> FrameSplitter::Take(std::uint8_t byte) {
     if (held_.size() < kFrameHeaderBytes)
         return std::nullopt;
     const std::size_t length = BigEndianAt(held_, kLengthOffset);
-    if (length > dvrsim::kMostPayloadBytes)
+    if (length > dvrsim::kMaxPayloadBytes)
         return Finish(Segment::Kind::kDamaged);
     const std::size_t summed = kFrameHeaderBytes + length;
     if (held_.size() < summed + kFrameChecksumBytes)

@@ -4,11 +4,9 @@
 #include <cstdio>
 #include <string_view>
 
-#include "control/values.h"
-#include "dvrsim/command_names.h"
+#include "control/words.h"
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
-#include "dvrsim/value_names.h"
 #include "unit/events/hex_text.h"
 #include "unit/line/frame_splitter.h"
 

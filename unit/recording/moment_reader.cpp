@@ -5,7 +5,7 @@
 #include <charconv>
 #include <limits>
 
-#include "control/values.h"
+#include "control/words.h"
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/text.h"
 

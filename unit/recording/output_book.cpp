@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "control/values.h"
+#include "control/words.h"
 #include "unit/events/hex_text.h"
 #include "unit/line/frame_monitor.h"
 #include "unit/line/frame_splitter.h"

@@ -6,7 +6,6 @@
 #include <set>
 
 #include "control/protocol.h"
-#include "control/values.h"
 #include "control/words.h"
 #include "unit/recording/moment_reader.h"
 

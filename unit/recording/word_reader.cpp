@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 
-#include "control/values.h"
 #include "control/words.h"
 
 namespace unit {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "control/values.h"
+#include "control/words.h"
 #include "unit/scenario/stage.h"
 
 namespace unit {

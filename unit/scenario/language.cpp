@@ -14,7 +14,7 @@ ScenarioRows UnitRowsOfScenarios() {
         rows.push_back({row.pattern, row.help,
                         [&row](ScenarioReader& reader, const control::Values& values) {
                             return reader.Add(Act{[&row, values](Stage& stage) {
-                                return row.follow(stage.op, values);
+                                return row.execute(stage.op, values);
                             }});
                         },
                         row.check});

@@ -107,9 +107,9 @@ void ScenarioReader::ReadLine(std::string_view line) {
     }
     const std::string folder = fs::path(places_.back().file).parent_path().string();
     if (!folder.empty())
-        command->values.StartPathsFrom(folder);
+        command->values.ResolvePaths(folder);
     text_ = control::JoinWords(*words);
-    const Outcome outcome = command->Follow(*this);
+    const Outcome outcome = command->Execute(*this);
     if (!outcome.done)
         Complain(outcome.text);
 }

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "control/runtime_folder.h"
+#include "control/local_socket.h"
 #include "control/words.h"
 #include "unit/tolvane/exit_status.h"
 

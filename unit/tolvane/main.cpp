@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <optional>
 
-#include "dvrsim/temporary_card.h"
+#include "dvrsim/card_folders.h"
 #include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"

@@ -1,5 +1,5 @@
 #include "control/words.h"
-#include "dvrsim/update_image.h"
+#include "dvrsim/storage_card.h"
 #include "unit/workbench/sections.h"
 #include "unit/workbench/widgets.h"
 

@@ -11,7 +11,7 @@ constexpr std::size_t kMost = 500;
 }  // namespace
 
 void CommandRunner::Follow(const std::string& line) {
-    control::Outcome outcome = table_.Follow(operator_, line);
+    control::Outcome outcome = table_.Execute(operator_, line);
     entries_.push_back({platform::kernel::Now(), line, outcome.done, std::move(outcome.text)});
     if (entries_.size() > kMost)
         entries_.pop_front();
@@ -41,7 +41,7 @@ std::vector<std::string> CommandRunner::Complete(const std::string& line) const 
     std::vector<std::string> fitting;
     if (!words)
         return fitting;
-    for (std::string& word : table_.grammar().Next(*words))
+    for (std::string& word : table_.grammar().NextWords(*words))
         if (word.starts_with(begun))
             fitting.push_back(std::move(word));
     return fitting;

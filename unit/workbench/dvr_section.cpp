@@ -1,5 +1,5 @@
 #include "control/words.h"
-#include "dvrsim/update_image.h"
+#include "dvrsim/storage_card.h"
 #include "unit/workbench/sections.h"
 #include "unit/workbench/widgets.h"
 
@@ -62,11 +62,11 @@ void DvrSection::Draw(Desk& desk) {
                           {"Off", "dvr power off", off},
                           {"Reset", "dvr reset"},
                           {"Reboot", "dvr reboot"}});
-    const unsigned slowness = dvr->GetFaults().slowness;
+    const unsigned slow_factor = dvr->GetFaults().slow_factor;
     RowLabel(desk, "Boots");
-    CommandButtons(desk, {{"As usual", "fault dvr slow 1", slowness == 1},
-                          {"3 x slower", "fault dvr slow 3", slowness == 3},
-                          {"10 x slower", "fault dvr slow 10", slowness == 10}});
+    CommandButtons(desk, {{"As usual", "fault dvr slow 1", slow_factor == 1},
+                          {"3 x slower", "fault dvr slow 3", slow_factor == 3},
+                          {"10 x slower", "fault dvr slow 10", slow_factor == 10}});
     RowLabel(desk, "Update takes");
     CommandButtons(desk, {{"5 s", "dvr update-time 5s"},
                           {"30 s", "dvr update-time 30s"},

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 
 #include "dvrsim/dvr.h"
-#include "dvrsim/plain_answers.h"
 
 namespace dvrsim {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using std::chrono::microseconds;
 
 // What a small controller has memory for; requests beyond it are lost.
-constexpr std::size_t kMostWaitingAnswers = 32;
+constexpr std::size_t kMaxPendingRequests = 32;
 
 std::vector<std::uint8_t> Bytes(std::string_view text) {
     return {text.begin(), text.end()};
@@ -38,6 +38,53 @@ std::string ClockText(microseconds since_start) {
            TwoDigits(static_cast<unsigned>(time.seconds().count()));
 }
 
+using namespace std::string_view_literals;
+
+struct PlainRow {
+    Command command;
+    std::string_view payload;
+};
+
+constexpr PlainRow kRows[] = {
+    {Command::kVideoResolution, "\x02"sv},
+    {Command::kVideoTimeStamp, "\x01"sv},
+    {Command::kVideoCycleTime, "\x03"sv},
+    {Command::kVideoSoundRecording, "\x01"sv},
+    {Command::kPhotoResolution, "\x01"sv},
+    {Command::kPlayDeleteFile, "\x00"sv},
+    {Command::kPlayThumbnail, "\x00"sv},
+    {Command::kPlayVolume, "\x05"sv},
+    {Command::kLanguage, "\x01"sv},
+    {Command::kAutomaticShutDown, "\x00"sv},
+    {Command::kSystemReboot, "\x00"sv},
+    {Command::kFactoryDefaultSetting, "\x00"sv},
+    {Command::kFrequency, "\x3C"sv},
+    {Command::kKey, "\x00"sv},
+    {Command::kPlayFile, "\x00"sv},
+    {Command::kPhotoCapture, "\x00"sv},
+    {Command::kAcLineStatus, "\x01"sv},
+    {Command::kBatteryStatus, "\x64"sv},
+    {Command::kQueryInformation, "\x01\x00"sv},
+    {Command::kQueryFileName, "20140901_090000.MOV"sv},
+    {Command::kGSensor, "\x02"sv},
+    {Command::kNormalRecordOverwrite, "\x01"sv},
+    {Command::kEventRecordOverwrite, "\x00"sv},
+    {Command::kLockUnlockFile, "\x00"sv},
+    {Command::kEventTrigger, "\x00"sv},
+};
+
+static_assert(std::adjacent_find(std::begin(kRows), std::end(kRows),
+                                 [](const PlainRow& a, const PlainRow& b) {
+                                     return a.command >= b.command;
+                                 }) == std::end(kRows));
+
+// The value of an item that does not change in this simulation.
+std::string_view PlainAcknowledgement(Command command) {
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
+                                   [command](const PlainRow& r) { return r.command == command; });
+    return row == std::end(kRows) ? "\x00"sv : row->payload;
+}
+
 }  // namespace
 
 void Dvr::Receive(std::span<const std::uint8_t> bytes) {
@@ -55,31 +102,31 @@ void Dvr::Receive(std::span<const std::uint8_t> bytes) {
 void Dvr::Accept(const Frame& frame) {
     const unsigned number = frame.code & ~unsigned{kQueryBit};
     if (frame.type != static_cast<std::uint8_t>(FrameType::kRequest) || number < kFirstCommand ||
-        number > kLastCommand || waiting_answers_ == kMostWaitingAnswers) {
+        number > kLastCommand || pending_requests_ == kMaxPendingRequests) {
         return;
     }
-    ++waiting_answers_;
+    ++pending_requests_;
     // One request after the other, as one processor works them off.
-    busy_until_ = std::max(busy_until_, host_.Now()) + PickSlowed(timings_.latency);
+    busy_until_ = std::max(busy_until_, host_.Now()) + PickSlowedDelay(timings_.latency);
     actions_.After(busy_until_ - host_.Now(), [this, frame] {
-        --waiting_answers_;
-        Answer(frame);
+        --pending_requests_;
+        Acknowledge(frame);
     });
 }
 
-void Dvr::Answer(const Frame& frame) {
+void Dvr::Acknowledge(const Frame& frame) {
     const auto command = static_cast<Command>(frame.code & ~unsigned{kQueryBit});
     if ((frame.code & kQueryBit) != 0) {
-        if (const auto payload = AnswerToQuery(command))
+        if (const auto payload = QueriedValue(command))
             Transmit(FrameType::kAcknowledgement, frame.code, *payload);
         return;
     }
     const std::uint8_t accepted[] = {0};
     Transmit(FrameType::kAcknowledgement, frame.code, accepted);
-    FollowOrder(command, frame.payload);
+    ExecuteOrder(command, frame.payload);
 }
 
-std::optional<std::vector<std::uint8_t>> Dvr::AnswerToQuery(Command command) const {
+std::optional<std::vector<std::uint8_t>> Dvr::QueriedValue(Command command) const {
     switch (command) {
         case Command::kRunningState:
             return {{static_cast<std::uint8_t>(running_state_)}};
@@ -96,14 +143,14 @@ std::optional<std::vector<std::uint8_t>> Dvr::AnswerToQuery(Command command) con
         case Command::kFirmwareUpgradeVersion:
             if (faults_.silent_version)
                 return std::nullopt;
-            return Bytes(std::string_view(faults_.version_answer.value_or(running_version_))
-                             .substr(0, kMostPayloadBytes));
+            return Bytes(std::string_view(faults_.reported_version.value_or(running_version_))
+                             .substr(0, kMaxPayloadBytes));
         default:
-            return Bytes(PlainAnswer(command));
+            return Bytes(PlainAcknowledgement(command));
     }
 }
 
-void Dvr::FollowOrder(Command command, std::span<const std::uint8_t> payload) {
+void Dvr::ExecuteOrder(Command command, std::span<const std::uint8_t> payload) {
     if (command == Command::kSystemReboot) {
         Later(timings_.reboot_report, &Dvr::Reboot);
         return;
@@ -121,7 +168,7 @@ void Dvr::FollowOrder(Command command, std::span<const std::uint8_t> payload) {
 void Dvr::Reboot() {
     // Whatever else was under way stops here, a boot or an update included.
     actions_.CancelAll();
-    waiting_answers_ = 0;
+    pending_requests_ = 0;
     SetRunningState(RunningState::kRebooting);
     Later(timings_.reboot, &Dvr::Reset);
 }

@@ -1,9 +1,9 @@
-#include "dvrsim/temporary_card.h"
+#include "dvrsim/card_folders.h"
 
 #include <cstdlib>
 #include <filesystem>
 
-#include "dvrsim/update_image.h"
+#include "dvrsim/storage_card.h"
 
 namespace dvrsim {
 

@@ -1,3 +1,5 @@
+#include "dvrsim/program/line_end.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
@@ -9,7 +11,6 @@
 #include <cstring>
 
 #include "control/descriptor.h"
-#include "dvrsim/program/line_end.h"
 
 namespace dvrsim {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 using control::Descriptor;
 
 // How often to look whether somebody has opened the other end: the host does not tell.
-constexpr auto kLookForOther = std::chrono::milliseconds(20);
+constexpr auto kOpenPollInterval = std::chrono::milliseconds(20);
 
 class PseudoTerminal final : public LineEnd {
   public:
@@ -26,8 +27,8 @@ class PseudoTerminal final : public LineEnd {
 
     const std::string& path() const override { return path_; }
     int descriptor() const override { return connected_ ? far_end_.get() : -1; }
-    std::optional<std::chrono::milliseconds> LookAgain() const override {
-        return connected_ ? std::nullopt : std::optional(kLookForOther);
+    std::optional<std::chrono::milliseconds> PollInterval() const override {
+        return connected_ ? std::nullopt : std::optional(kOpenPollInterval);
     }
 
     void HandleReady(const Receiver& receive) override {
@@ -59,6 +60,69 @@ class PseudoTerminal final : public LineEnd {
     bool connected_ = false;
 };
 
+constexpr auto kReopenInterval = std::chrono::milliseconds(500);
+constexpr serial::Settings kSettings{.baud = 460800};
+
+// 0 or the error's number, with one line in `problem`.
+int OpenTty(serial::Tty& tty, const std::string& path, std::string& problem) {
+    int error = tty.Open(path, problem);
+    if (error == 0)
+        error = tty.Apply(kSettings, problem);
+    return error;
+}
+
+class SerialDevice final : public LineEnd {
+  public:
+    SerialDevice(serial::Tty tty, std::string path, StatusHandler report)
+        : tty_(std::move(tty)), path_(std::move(path)), report_(std::move(report)) {}
+
+    const std::string& path() const override { return path_; }
+    int descriptor() const override { return tty_.descriptor(); }
+    std::optional<std::chrono::milliseconds> PollInterval() const override {
+        return tty_.IsOpen() ? std::nullopt : std::optional(kReopenInterval);
+    }
+
+    void HandleReady(const Receiver& receive) override {
+        if (!tty_.IsOpen()) {
+            TryReopen();
+            return;
+        }
+        std::array<std::uint8_t, 4096> buffer;
+        const ssize_t count = read(tty_.descriptor(), buffer.data(), buffer.size());
+        if (count > 0) {
+            receive({buffer.data(), static_cast<std::size_t>(count)});
+        } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
+            tty_.Close();
+            report_(path_ + ": the serial device went away");
+        }
+    }
+
+    void Send(std::span<const std::uint8_t> bytes) override {
+        if (tty_.IsOpen())
+            static_cast<void>(!write(tty_.descriptor(), bytes.data(), bytes.size()));
+    }
+
+    bool Connected() const override { return tty_.IsOpen(); }
+
+    bool ReadSettings(serial::Settings& settings) const override {
+        return tty_.IsOpen() && tty_.Read(settings) == 0;
+    }
+
+  private:
+    void TryReopen() {
+        serial::Tty found;
+        std::string ignored;
+        if (OpenTty(found, path_, ignored) == 0) {
+            tty_ = std::move(found);
+            report_(path_ + ": the serial device is back");
+        }
+    }
+
+    serial::Tty tty_;
+    const std::string path_;
+    const StatusHandler report_;
+};
+
 }  // namespace
 
 std::unique_ptr<LineEnd> MakePseudoTerminal(std::string& problem) {
@@ -81,6 +145,14 @@ std::unique_ptr<LineEnd> MakePseudoTerminal(std::string& problem) {
     cfmakeraw(&raw);
     tcsetattr(near_end.get(), TCSANOW, &raw);
     return std::make_unique<PseudoTerminal>(std::move(far_end), name.data());
+}
+
+std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::StatusHandler report,
+                                    std::string& problem) {
+    serial::Tty tty;
+    if (OpenTty(tty, path, problem) != 0)
+        return nullptr;
+    return std::make_unique<SerialDevice>(std::move(tty), path, std::move(report));
 }
 
 }  // namespace dvrsim

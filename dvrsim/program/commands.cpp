@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "dvrsim/commands/dvr_rows.h"
+#include "dvrsim/commands/dvr_commands.h"
 #include "dvrsim/commands/dvr_state.h"
-#include "dvrsim/program/desk.h"
+#include "dvrsim/program/commands.h"
 
 namespace dvrsim {
 namespace {
@@ -17,56 +17,57 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome Insert(Desk& desk, const std::string& folder) {
+Outcome Insert(Context& context, const std::string& folder) {
     if (folder.empty())
-        return Refused(CardBox::kNoSuchCard);
+        return Refused(CardFolders::kNoSuchCard);
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         return Refused("'" + folder + "' is not a folder");
-    return desk.dvr.InsertCard(std::filesystem::absolute(folder, error))
+    return context.dvr.InsertCard(std::filesystem::absolute(folder, error))
                ? Done()
                : Refused("a card is in already; take it out first");
 }
 
-Outcome CardIn(Desk& desk, const Values& values) {
-    return Insert(desk, values.Has("FOLDER") ? values.Text("FOLDER") : desk.cards.ImageCard());
+Outcome CardIn(Context& context, const Values& values) {
+    return Insert(context,
+                  values.Has("FOLDER") ? values.Text("FOLDER") : context.cards.ImageCard());
 }
 
-Outcome CardWithImage(Desk& desk, const Values& values) {
-    return Insert(desk, desk.cards.Make(values.Text("VERSION")));
+Outcome CardWithImage(Context& context, const Values& values) {
+    return Insert(context, context.cards.Make(values.Text("VERSION")));
 }
 
-Outcome CardWithoutImage(Desk& desk, const Values&) {
-    return Insert(desk, desk.cards.Make(std::nullopt));
+Outcome CardWithoutImage(Context& context, const Values&) {
+    return Insert(context, context.cards.Make(std::nullopt));
 }
 
-Outcome CardOut(Desk& desk, const Values&) {
-    return desk.dvr.RemoveCard() ? Done() : Refused("there is no card to take out");
+Outcome CardOut(Context& context, const Values&) {
+    return context.dvr.RemoveCard() ? Done() : Refused("there is no card to take out");
 }
 
-Outcome Reset(Desk& desk, const Values&) {
-    if (desk.dvr.GetState() == Dvr::State::kOff)
+Outcome Reset(Context& context, const Values&) {
+    if (context.dvr.GetState() == Dvr::State::kOff)
         return Refused("the DVR is off; power it on");
-    desk.dvr.Reset();
+    context.dvr.Reset();
     return Done();
 }
 
-Outcome Plug(Desk& desk, const Values& values) {
-    desk.plugged = values.Chose("plug");
+Outcome Plug(Context& context, const Values& values) {
+    context.plugged = values.Chose("plug");
     return Done();
 }
 
-Outcome State(Desk& desk, const Values&) {
+Outcome State(Context& context, const Values&) {
     serial::Settings settings;
-    const bool known = desk.line.ReadSettings(settings);
+    const bool known = context.line.ReadSettings(settings);
     nlohmann::ordered_json state = {
-        {"time_s", std::chrono::duration<double>(desk.timers.Now()).count()},
-        {"dvr", StateOf(desk.dvr)},
+        {"time_s", std::chrono::duration<double>(context.timers.Now()).count()},
+        {"dvr", StateOf(context.dvr)},
         {"line",
          {
-             {"path", desk.line.path()},
-             {"connected", desk.line.Connected()},
-             {"plugged", desk.plugged},
+             {"path", context.line.path()},
+             {"connected", context.line.Connected()},
+             {"plugged", context.plugged},
              {"settings", known ? nlohmann::ordered_json(serial::Describe(settings))
                                 : nlohmann::ordered_json()},
          }},
@@ -75,26 +76,26 @@ Outcome State(Desk& desk, const Values&) {
     return Done(state.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
-Outcome Help(Desk&, const Values&) {
+Outcome Help(Context&, const Values&) {
     std::string text;
-    for (const DeskTable::Row& row : DeskCommands().rows()) {
+    for (const ProgramTable::Row& row : ProgramCommands().rows()) {
         text += (text.empty() ? "" : "\n") + std::string(row.pattern) + "\n    " +
                 std::string(row.help);
     }
     return Done(text);
 }
 
-Outcome Quit(Desk& desk, const Values&) {
-    desk.quit = true;
+Outcome Quit(Context& context, const Values&) {
+    context.quit = true;
     return Done();
 }
 
 // The commands of the DVR's folder are told from others by the word "dvr", which goes without
 // saying here.
-std::vector<DeskTable::Row> OwnWords(std::vector<DeskTable::Row> rows) {
+std::vector<ProgramTable::Row> OwnWords(std::vector<ProgramTable::Row> rows) {
     static std::deque<std::string> patterns;
     constexpr std::string_view kWord = "dvr ";
-    for (DeskTable::Row& row : rows) {
+    for (ProgramTable::Row& row : rows) {
         std::string& pattern = patterns.emplace_back(row.pattern);
         if (const std::size_t at = pattern.find(kWord); at != std::string::npos)
             pattern.replace(at, kWord.size(), "[dvr] ");
@@ -103,9 +104,9 @@ std::vector<DeskTable::Row> OwnWords(std::vector<DeskTable::Row> rows) {
     return rows;
 }
 
-std::vector<DeskTable::Row> Rows() {
-    const auto dvr = [](Desk& desk) { return &desk.dvr; };
-    std::vector<DeskTable::Row> rows = {
+std::vector<ProgramTable::Row> Rows() {
+    const auto dvr = [](Context& context) { return &context.dvr; };
+    std::vector<ProgramTable::Row> rows = {
         {"dvr reset", "Resets the DVR, as its reset wire does.", Reset},
         {"card in [FOLDER]", "Puts the SD card in: that folder, or the card with the update image.",
          CardIn},
@@ -115,9 +116,9 @@ std::vector<DeskTable::Row> Rows() {
         {"card out", "Takes the SD card out.", CardOut},
         {"line unplug|plug", "Pulls the DVR's serial plug, or puts it back.", Plug},
     };
-    std::ranges::move(RowsFor<Desk>(DvrRows(), dvr, ""), std::back_inserter(rows));
-    std::ranges::move(RowsFor<Desk>(DvrFaultRows(), dvr, ""), std::back_inserter(rows));
-    const std::vector<DeskTable::Row> last = {
+    std::ranges::move(RowsFor<Context>(DvrRows(), dvr, ""), std::back_inserter(rows));
+    std::ranges::move(RowsFor<Context>(DvrFaultRows(), dvr, ""), std::back_inserter(rows));
+    const std::vector<ProgramTable::Row> last = {
         {"state", "Prints everything about the DVR and its line as JSON.", State},
         {"help", "Lists the commands.", Help},
         {"quit", "Ends the program.", Quit},
@@ -128,8 +129,8 @@ std::vector<DeskTable::Row> Rows() {
 
 }  // namespace
 
-const DeskTable& DeskCommands() {
-    static const DeskTable table(Rows());
+const ProgramTable& ProgramCommands() {
+    static const ProgramTable table(Rows());
     return table;
 }
 

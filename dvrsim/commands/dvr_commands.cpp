@@ -1,12 +1,81 @@
-#include "dvrsim/commands/dvr_rows.h"
+#include "dvrsim/commands/dvr_commands.h"
 
 #include "dvrsim/frame_codec.h"
+#include "dvrsim/protocol.h"
 
 namespace dvrsim {
 namespace {
 
 using control::Done;
+using control::Outcome;
+using control::Refused;
 using control::Values;
+
+constexpr std::int64_t kMostCode = 0xFFFF;
+
+Outcome Power(Dvr& dvr, const Values& values) {
+    values.Chose("on") ? dvr.PowerOn() : dvr.PowerOff();
+    return Done();
+}
+
+Outcome Reboot(Dvr& dvr, const Values&) {
+    if (dvr.GetState() == Dvr::State::kOff)
+        return Refused("the DVR is off; power it on");
+    dvr.RebootItself();
+    return Done();
+}
+
+Outcome Firmware(Dvr& dvr, const Values& values) {
+    dvr.SetFirmwareVersion(values.Text("VERSION"));
+    return Done();
+}
+
+std::string CheckFirmware(const Values& values) {
+    return values.Text("VERSION").size() <= kMaxPayloadBytes
+               ? ""
+               : "the version is too long for a frame; at most 64 bytes are allowed";
+}
+
+Outcome UpdateTime(Dvr& dvr, const Values& values) {
+    // As much chance as the usual time has, 1/15 to each side.
+    const auto time = values.Duration("DURATION");
+    Timings timings = dvr.GetTimings();
+    timings.update = {time - time / 15, time + time / 15};
+    dvr.SetTimings(timings);
+    return Done();
+}
+
+Outcome ReportCard(Dvr& dvr, const Values& values) {
+    for (const std::string_view name : kCardStatusNames)
+        if (values.Chose(name))
+            dvr.ReportCard(*ValueNamed<CardStatus>(name));
+    return Done();
+}
+
+Outcome IndicateCode(Dvr& dvr, const Values& values) {
+    dvr.Indicate(static_cast<std::uint16_t>(values.Number("CODE")), values.Bytes("BYTES"));
+    return Done();
+}
+
+Outcome IndicateName(Dvr& dvr, const Values& values) {
+    dvr.Indicate(static_cast<std::uint16_t>(*CommandNamed(values.Text("NAME"))),
+                 values.Bytes("BYTES"));
+    return Done();
+}
+
+std::string CheckIndication(const Values& values) {
+    if (values.Bytes("BYTES").size() > kMaxPayloadBytes)
+        return "the payload is too long for a frame; at most 64 bytes are allowed";
+    if (values.Has("CODE") && (values.Number("CODE") < 0 || values.Number("CODE") > kMostCode))
+        return "'" + values.Text("CODE") + "' is no code; allowed is 0 to 0xFFFF";
+    if (!values.Has("NAME") || CommandNamed(values.Text("NAME")))
+        return {};
+    std::string names;
+    for (std::uint16_t code = kFirstCommand; code <= kLastCommand; ++code)
+        names += (names.empty() ? "" : ", ") + std::string(CommandName(code));
+    return "'" + values.Text("NAME") + "' is no code and no command's name; allowed is one of " +
+           names;
+}
 
 // A row that changes one thing of the faults.
 template <class Change>
@@ -66,6 +135,25 @@ constexpr char kAsOthers[] = "Ends that fault.";
 
 }  // namespace
 
+std::vector<DvrTable::Row> DvrRows() {
+    return {
+        {"dvr power on|off", "Switches the DVR's own power.", Power},
+        {"dvr reboot", "The DVR reports that it reboots and does so.", Reboot},
+        {"dvr firmware VERSION", "The version of the firmware that is installed and runs.",
+         Firmware, CheckFirmware},
+        {"dvr update-time DURATION", "How long an update takes, give or take 1/15 of it.",
+         UpdateTime},
+        {"dvr indicate CODE [BYTES]", "The DVR reports an item by itself, with that payload.",
+         IndicateCode, CheckIndication},
+        {"dvr indicate NAME [BYTES]", "The same by the command's name, such as FW_Upgrade_Version.",
+         IndicateName, CheckIndication},
+        {"card report plug-out|plug-in|broken|formatting|full-normal|full-event|full-both",
+         "The DVR reports that state of its card, true or not; from broken on it is also what the "
+         "card that is in has.",
+         ReportCard},
+    };
+}
+
 std::vector<DvrTable::Row> DvrFaultRows() {
     return {
         Switch("fault dvr silent on|off", "The DVR sends nothing at all.", &Faults::silent),
@@ -75,7 +163,7 @@ std::vector<DvrTable::Row> DvrFaultRows() {
                "The DVR does not answer for its firmware version.", &Faults::silent_version),
         Factor("fault dvr slow FACTOR",
                "The DVR boots, answers and notices its card so many times slower; 1 is as usual.",
-               &Faults::slowness),
+               &Faults::slow_factor),
         Factor("fault dvr copies FACTOR", "The DVR sends each of its reports so often.",
                &Faults::indication_copies),
         Row("fault dvr repeat-card DURATION", "The DVR reports its card again and again.",
@@ -83,18 +171,18 @@ std::vector<DvrTable::Row> DvrFaultRows() {
                 faults.card_report_interval = values.Duration("DURATION");
             }),
         Off("fault dvr repeat-card off", kAsOthers, &Faults::card_report_interval),
-        Version<kMostPayloadBytes>(
+        Version<kMaxPayloadBytes>(
             "fault dvr version TEXT",
             "The DVR answers with that text for its firmware version; \"\" is an empty answer.",
-            &Faults::version_answer),
+            &Faults::reported_version),
         Off("fault dvr no-version", "The DVR answers with its true version again.",
-            &Faults::version_answer),
-        Version<kMostPayloadBytes - 1>(
+            &Faults::reported_version),
+        Version<kMaxPayloadBytes - 1>(
             "fault dvr image-version TEXT",
             "The DVR's percent reports carry that text for the image's version.",
-            &Faults::image_version_report),
+            &Faults::reported_image_version),
         Off("fault dvr no-image-version", "The reports carry the image's true version again.",
-            &Faults::image_version_report),
+            &Faults::reported_image_version),
         AtPercent("fault dvr stop-at PERCENT", "Every update hangs after that percent.",
                   &Faults::stop_at_percent),
         Off("fault dvr stop-at off", kAsOthers, &Faults::stop_at_percent),

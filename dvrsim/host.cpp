@@ -1,4 +1,4 @@
-#include "dvrsim/scheduled_actions.h"
+#include "dvrsim/host.h"
 
 #include <utility>
 

@@ -23,12 +23,12 @@ std::vector<typename control::CommandTable<Target>::Row> RowsFor(std::vector<Dvr
                                                                  std::string_view none) {
     std::vector<typename control::CommandTable<Target>::Row> adapted;
     for (DvrTable::Row& row : rows) {
-        auto follow = [reach, none, act = std::move(row.follow)](Target& target,
-                                                                 const control::Values& values) {
+        auto execute = [reach, none, act = std::move(row.execute)](Target& target,
+                                                                   const control::Values& values) {
             Dvr* const dvr = reach(target);
             return dvr ? act(*dvr, values) : control::Refused(std::string(none));
         };
-        adapted.push_back({row.pattern, row.help, std::move(follow), row.check});
+        adapted.push_back({row.pattern, row.help, std::move(execute), row.check});
     }
     return adapted;
 }

@@ -1,4 +1,4 @@
-#include "dvrsim/command_names.h"
+#include "dvrsim/protocol.h"
 
 #include <algorithm>
 #include <cctype>

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "control/command_table.h"
-#include "dvrsim/card_box.h"
+#include "dvrsim/card_folders.h"
 #include "dvrsim/dvr.h"
 #include "dvrsim/program/host_timers.h"
 #include "dvrsim/program/line_end.h"
@@ -11,19 +11,19 @@
 namespace dvrsim {
 
 // What the commands of the program act on.
-struct Desk {
+struct Context {
     Dvr& dvr;
     const HostTimers& timers;
     LineEnd& line;
-    CardBox& cards;
+    CardFolders& cards;
     // The plug between the DVR and the line.
     bool plugged = true;
     bool quit = false;
 };
 
-using DeskTable = control::CommandTable<Desk>;
+using ProgramTable = control::CommandTable<Context>;
 
 // Everything that the program follows, on its standard input and its control socket.
-const DeskTable& DeskCommands();
+const ProgramTable& ProgramCommands();
 
 }  // namespace dvrsim

@@ -1,4 +1,4 @@
-#include "dvrsim/update_image.h"
+#include "dvrsim/storage_card.h"
 
 #include <algorithm>
 #include <fstream>
