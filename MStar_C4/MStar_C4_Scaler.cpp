@@ -2,10 +2,17 @@
 
 #include <winioctl.h>
 
-#include "MStar_C4/ScalerDevice.h"
 #include "app/log/DebugLog.h"
 
 namespace {
+
+// The open driver, and the event that is held while it is open.
+HANDLE g_hScalerDevice = nullptr;
+HANDLE g_hAtscNotifyEvent = nullptr;
+
+bool IsUsable(HANDLE device) {
+    return device != nullptr && device != INVALID_HANDLE_VALUE;
+}
 
 struct Request {
     DWORD code;
@@ -44,8 +51,64 @@ struct ColorKeyRecord {
 #pragma pack(pop)
 static_assert(sizeof(ColorKeyRecord) == 8 && offsetof(ColorKeyRecord, enable) == 4);
 
-constexpr DWORD kOpaque = 63;
-constexpr DWORD kKeyColor = 0x00001000;
+constexpr DWORD kPollMilliseconds = 100;
+// No further attempt is made before the system has been up so long.
+constexpr DWORD kSystemStartMilliseconds = 12000;
+constexpr int kMoreAttempts = 121;
+
+void CloseDevice() {
+    if (IsUsable(g_hScalerDevice))
+        CloseHandle(g_hScalerDevice);
+    g_hScalerDevice = nullptr;
+}
+
+// Returns the attempt's last error: 0, or whatever the driver left there, on success.
+DWORD OpenDevice() {
+    CloseDevice();
+    SetLastError(ERROR_SUCCESS);
+    g_hScalerDevice =
+        CreateFileW(L"SCA0:", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return GetLastError();
+}
+
+bool IsMissing(DWORD error) {
+    return !IsUsable(g_hScalerDevice) || error == ERROR_DEV_NOT_EXIST;
+}
+
+// Returns the last attempt's last error.
+DWORD WaitForDevice(DWORD error) {
+    for (int attempt = 0; IsMissing(error) && attempt < kMoreAttempts;) {
+        Sleep(kPollMilliseconds);
+        if (GetTickCount() <= kSystemStartMilliseconds)
+            continue;
+        error = OpenDevice();
+        ++attempt;
+    }
+    return error;
+}
+
+bool FindDevice(const char* function) {
+    DWORD error = OpenDevice();
+    if (IsUsable(g_hScalerDevice))
+        return true;
+    error = WaitForDevice(error);
+    if (IsMissing(error)) {
+        LogFailure(L"%s\t%S, CreateFile() fail!!!, ErroCode(%d), %S(%d)\r\n", function, error);
+        return false;
+    }
+    Sleep(kPollMilliseconds);
+    return true;
+}
+
+bool HoldEvent(const char* function) {
+    g_hAtscNotifyEvent = CreateEventW(nullptr, FALSE, FALSE, L"AtscNotify");
+    if (g_hAtscNotifyEvent != nullptr)
+        return true;
+    LogFailure(L"%s\t%S, CreateEvent() fail!!!, ErroCode(%d), %S(%d)\r\n", function,
+               GetLastError());
+    return false;
+}
 
 bool HasDevice(const char* function, LogSource source = std::source_location::current()) {
     if (IsUsable(g_hScalerDevice))
@@ -69,6 +132,32 @@ BOOL Send(const Request& request, const char* function, Record record,
 }
 
 }  // namespace
+
+BOOL Mstar_C4_Scaler_Init() {
+    LogEntry(__func__);
+    Mstar_C4_Scaler_DeInit();
+    const BOOL opened = FindDevice(__func__) && HoldEvent(__func__);
+    if (!opened)
+        Mstar_C4_Scaler_DeInit();
+    LogExit(__func__);
+    return opened;
+}
+
+void Mstar_C4_Scaler_DeInit() {
+    LogEntry(__func__);
+    if (g_hAtscNotifyEvent != nullptr) {
+        CloseHandle(g_hAtscNotifyEvent);
+        g_hAtscNotifyEvent = nullptr;
+    }
+    CloseDevice();
+    Mstar_C4_Scaler_FreeMemory();
+    LogExit(__func__);
+}
+
+void Mstar_C4_Scaler_FreeMemory() {
+    LogEntry(__func__);
+    LogExit(__func__);
+}
 
 BOOL Mstar_C4_Scaler_Sw2Scaler() {
     return HasDevice(__func__) && Send(kSwitchToScaler, __func__, DWORD{1});
@@ -131,7 +220,7 @@ BOOL Mstar_C4_Scaler_ShowCompositeVideo() {
         return FALSE;
     Mstar_C4_Scaler_SW2GOP();
     Mstar_C4_Scaler_Sw2Scaler();
-    Mstar_C4_Scaler_SetAlpha(kOpaque);
-    Mstar_C4_Scaler_ColorKey(1, kKeyColor);
+    Mstar_C4_Scaler_SetAlpha(kScalerAlpha);
+    Mstar_C4_Scaler_ColorKey(1, kColorKey);
     return TRUE;
 }

@@ -7,8 +7,14 @@
 // The client of the display scaler's driver. One device per program, used by the window's thread
 // alone. A failed request is logged; without an open device a request is refused with a log line.
 
+// The scaler shows the DVR's composite video wherever the graphics plane has this colour.
+inline constexpr COLORREF kColorKey = RGB(0, 16, 0);
+static_assert(kColorKey == 0x00001000);
+// The only alpha value that the program sends.
+inline constexpr DWORD kScalerAlpha = 63;
+
 #pragma pack(push, 1)
-// Which part of the scaler's input is shown where on the screen. Sent as it stands.
+// The part of the scaler's input that is shown, and its place on the screen.
 struct MstarScalerWindow {
     DWORD reserved;
     WORD source_window[4];  // in the order of the display window
@@ -36,23 +42,22 @@ BOOL Mstar_C4_Scaler_Init();
 // Closes the driver, if it is open.
 void Mstar_C4_Scaler_DeInit();
 
-// Would release driver buffers mapped by the client; none are.
+// Releases the client's driver buffers. The client maps none, so this only logs.
 void Mstar_C4_Scaler_FreeMemory();
 
 // Requests. FALSE when the device is not open or the driver refused.
 BOOL Mstar_C4_Scaler_Sw2Scaler();
 BOOL Mstar_C4_Scaler_SW2GOP();
-// On the driver's scale, on which 63 is opaque.
 BOOL Mstar_C4_Scaler_SetAlpha(DWORD alpha);
 // Only the low byte of enable is sent.
 BOOL Mstar_C4_Scaler_ColorKey(DWORD enable, DWORD color);
-// 0 before the composite video begins, 1 when it ends; what they select is the driver's matter.
+// 0 before the composite video begins, 1 when it ends.
 BOOL Mstar_C4_Scaler_ChangeDisplayWinddow(DWORD selector);
 // Sends everything up to the flags from the caller's record.
 BOOL Mstar_C4_Scaler_SetWindow(const MstarScalerWindow* window);
-// The composite input at this place of the screen; each value is truncated to 16 bits.
+// Shows the composite input at this place of the screen; each value is truncated to 16 bits.
 BOOL Mstar_C4_Scaler_SetWindow2(DWORD x, DWORD y, DWORD width, DWORD height);
 
 // Switches the screen to the composite video behind the key colour. TRUE whenever the device is
-// open, whatever the driver answers.
+// open, even when the driver refuses a request.
 BOOL Mstar_C4_Scaler_ShowCompositeVideo();

@@ -1,17 +1,16 @@
 # The program's folders: the Windows CE API, the windowing framework and each other, nothing else.
-# Reports run from the link to the wizard and commands from the wizard to the link, so the folders
-# name each other; static libraries allow that.
+# The link reports to the wizard (wizard/DvrReports.h) and the notice reads the wizard's step, so
+# some folders name each other; static libraries allow that.
 tolvane_folder(app/log DEPENDS platform_api)
 tolvane_folder(app/thread DEPENDS platform_api)
 tolvane_folder(MStar_C4 DEPENDS app_log platform_api)
 tolvane_folder(power DEPENDS app_log app_thread platform_api)
-tolvane_folder(dvrlink DEPENDS app_log app_thread platform_api platform_framework wizard ui power)
-tolvane_folder(ui DEPENDS res app_log platform_api platform_framework wizard power)
+tolvane_folder(dvrlink DEPENDS app_log app_thread platform_api wizard)
+tolvane_folder(ui DEPENDS res app_log platform_api platform_framework wizard)
 tolvane_folder(wizard DEPENDS res app_log platform_api platform_framework dvrlink ui power MStar_C4)
-tolvane_folder(app DEPENDS res app_log platform_api platform_framework wizard ui power)
+tolvane_folder(app DEPENDS res platform_api platform_framework wizard dvrlink)
 
-# The program as a whole, on this platform: the folders see the API's headers alone, and only the
-# linker sees what stands behind them.
+# The folders see the API's headers; only the linker sees the platform that implements them.
 foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
     foreach(part kernel window gdi device resource powermgr)
         target_link_libraries(${folder} INTERFACE $<LINK_ONLY:platform_${part}>)
@@ -21,12 +20,12 @@ endforeach()
 # The module that the windows belong to is defined with the program's entry.
 target_link_libraries(wizard INTERFACE $<LINK_ONLY:app>)
 
-# Not optimised, or a line's count would tell of its neighbours; threads count together.
+# Without optimisation, so that each line has a count of its own; atomic, as threads count together.
 if(TOLVANE_COVERAGE)
     foreach(folder app app_thread wizard dvrlink power ui MStar_C4)
         target_compile_options(${folder} PRIVATE --coverage -fprofile-update=atomic -O0)
         target_link_options(${folder} INTERFACE --coverage)
-        # Headers that were precompiled optimised are not theirs to read.
+        # They cannot read headers that were precompiled with optimisation.
         set_target_properties(${folder} PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
     endforeach()
 endif()

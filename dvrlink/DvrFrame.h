@@ -16,11 +16,11 @@ inline constexpr DWORD kMaxFrameBytes = kHeaderBytes + kMaxPayloadBytes + kCheck
 
 enum FrameType : BYTE {
     kFrameCommand = 0x10,          // from the program
-    kFrameAcknowledgement = 0x20,  // the DVR's answer to a frame of the program
-    kFrameIndication = 0x80,       // the DVR's own report
+    kFrameAcknowledgement = 0x20,  // the DVR acknowledges a frame of the program
+    kFrameIndication = 0x80,       // the DVR reports by itself
 };
 
-// Set in a command code that asks for, or answers with, the current value.
+// Set in the command code of a request for the current value, and of its acknowledgement.
 inline constexpr WORD kQueryBit = 0x8000;
 
 #pragma pack(push, 1)

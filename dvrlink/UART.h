@@ -4,18 +4,20 @@
 
 #include "dvrlink/DvrFrame.h"
 
-// The serial link to the DVR. There is one link in the program. Failures are logged and passed
-// over.
+// The serial link to the DVR. The program has one link. Failures are logged and passed over.
 
-// Brings the link up: locks, port, receive thread. Whatever is up already is kept. FALSE without
-// the locks or the port; without the receive thread the link can still send. The window's thread
-// only.
+// Starts the link: locks, port, receive thread. What exists already is kept. FALSE without the
+// locks or the port; without the receive thread the link can still send. The window's thread only.
 BOOL UART_Init();
 
-// Takes the link down; the receive thread has ended when it returns. Messages sent to the caller's
-// windows are let in meanwhile. Always TRUE; a link that is down stays so. The window's thread
-// only.
+// Stops the link and waits for the receive thread; a thread that does not end is left behind, with
+// the port and the locks that it uses. Dispatches messages that are sent to the caller's windows.
+// Always TRUE, also for a link that is stopped. The window's thread only.
 BOOL UART_DeInit();
+
+// TRUE while there is a receive thread. After UART_DeInit: one was left behind, and may still run a
+// handler. The window's thread only.
+BOOL UART_HasThread();
 
 // Sends one frame; the payload is not read when the length is 0. A payload of more than
 // kMaxPayloadBytes, or a link without locks, sends nothing. The receive thread and the window's.
@@ -29,6 +31,6 @@ void UART_BuildFrame(WORD command, const BYTE* payload, WORD length);
 // capacity below a whole record, for a length beyond the payload and before Memory_Init.
 BOOL UART_CheckSum(const DvrFrame* frame, DWORD capacity, DWORD* sum);
 
-// Takes bytes as they come from the line and runs the handler of every frame whose checksum matches
-// before it returns. The bytes of a frame may come in any grouping. One thread at a time.
+// Takes the bytes in the order of the line, in chunks of any size, and runs the handler of every
+// frame whose checksum matches before it returns. One thread at a time.
 void UART_ParseData(const BYTE* bytes, DWORD count);

@@ -5,56 +5,87 @@
 #include <msgqueue.h>
 #include <pm.h>
 
+#include <iterator>
+
 #include "app/log/DebugLog.h"
 #include "app/thread/ThreadEnd.h"
-#include "power/PowerQueue.h"
-
-const CPowerDetector::RequestRow CPowerDetector::kRequests[] = {
-    {L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
-     L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_",
-     &CPowerDetector::m_hPowerSuspendRequest, &CPowerDetector::m_uMsgSuspendAck},
-    {L"_KESTA_Technology,Inc._All_APP_PowerResume_Request_",
-     L"_KESTA_Technology,Inc._Sodrey_PowerResume_Acknowledge_",
-     &CPowerDetector::m_hPowerResumeRequest, &CPowerDetector::m_uMsgResumeAck},
-    {L"_KESTA_Technology,Inc._All_APP_PowerOFF_Request_",
-     L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_", &CPowerDetector::m_hPowerOffRequest,
-     &CPowerDetector::m_uMsgOffAck},
-};
 
 namespace {
 
 constexpr char kInit[] = "CPowerDetector::Init";
 constexpr char kDeInit[] = "CPowerDetector::DeInit";
-constexpr int kWakeAttempts = 100;
-constexpr DWORD kWakeAgain = 10;
+constexpr char kDetector[] = "CPowerDetector::ThreadProc_PowerDetector";
+constexpr char kCommonCtrl[] = "CPowerDetector::ThreadProc_PowerCommonCtrl";
 
-HANDLE CreateAutoResetEvent(const wchar_t* name) {
+// Room for one broadcast record and its power-state name.
+constexpr DWORD kNotificationBytes = 216;
+constexpr DWORD kQueuedNotifications = 3;
+constexpr DWORD kReadBytes = kQueuedNotifications * kNotificationBytes;
+constexpr DWORD kReadMilliseconds = 1000;
+
+// Between a wait or a read that failed and the next one, which may fail as well.
+constexpr DWORD kRetryMilliseconds = 100;
+
+constexpr int kWakeAttempts = 100;
+constexpr DWORD kWakeInterval = 10;
+// For a thread that could not be woken but may have ended of itself.
+constexpr DWORD kUnwokenThreadLimit = 1000;
+
+UINT RegisterMessage(const wchar_t* name, LogSource source = std::source_location::current()) {
+    const UINT message = RegisterWindowMessageW(name);
+    if (message == 0)
+        LogFailure(L"%s\t%S, RegisterWindowMessage() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
+                   GetLastError(), source);
+    return message;
+}
+
+// A message that could not be registered is 0, which is WM_NULL: it must not go out.
+void Broadcast(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != 0)
+        PostMessageW(HWND_BROADCAST, message, wParam, lParam);
+}
+
+HANDLE CreateAutoResetEvent(const wchar_t* name,
+                            LogSource source = std::source_location::current()) {
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, name);
     if (event == nullptr)
         LogFailure(L"%s\t%S, CreateEvent() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
-                   GetLastError());
+                   GetLastError(), source);
     return event;
 }
 
+HANDLE OpenRequest(const wchar_t* name, LogSource source = std::source_location::current()) {
+    const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, name);
+    return event != nullptr ? event : CreateAutoResetEvent(name, source);
+}
+
 HANDLE StartThread(LPTHREAD_START_ROUTINE entry, CPowerDetector* detector,
-                   std::atomic<BOOL>& running) {
+                   std::atomic<BOOL>& running, LogSource source = std::source_location::current()) {
     running = TRUE;
     const HANDLE thread = CreateThread(nullptr, 0, entry, detector, 0, nullptr);
     if (thread == nullptr) {
         LogFailure(L"%s\t%S, CreateThread() fail!!!, ErrorCode(%d), %S(%d)\r\n", kInit,
-                   GetLastError());
+                   GetLastError(), source);
         running = FALSE;
     }
     return thread;
 }
 
-void RequestStop(std::atomic<BOOL>& running, HANDLE stop_event) {
+// FALSE when the thread could not be woken.
+bool RequestStop(std::atomic<BOOL>& running, HANDLE stop_event,
+                 LogSource source = std::source_location::current()) {
     running = FALSE;
     if (stop_event == nullptr)
-        return;
-    // A thread that is not woken would be waited for for ever.
-    for (int attempt = 0; attempt < kWakeAttempts && !SetEvent(stop_event); ++attempt)
-        Sleep(kWakeAgain);
+        return true;
+    for (int attempt = 0; attempt < kWakeAttempts; ++attempt) {
+        if (SetEvent(stop_event))
+            return true;
+        if (attempt == 0)
+            LogFailure(L"%s\t%S, SetEvent() fail!!!, ErrorCode(%d), %S(%d)\r\n", kDeInit,
+                       GetLastError(), source);
+        Sleep(kWakeInterval);
+    }
+    return false;
 }
 
 void Close(HANDLE& handle) {
@@ -63,10 +94,20 @@ void Close(HANDLE& handle) {
     handle = nullptr;
 }
 
-void JoinThread(HANDLE& thread) {
-    if (thread != nullptr)
-        WaitForThreadEnd(thread);
-    Close(thread);
+// Keeps the handle of a thread that does not end.
+void JoinThread(HANDLE& thread, bool woken) {
+    if (thread != nullptr &&
+        WaitForThreadEnd(thread, woken ? kThreadEndLimit : kUnwokenThreadLimit))
+        Close(thread);
+}
+
+CPowerDetector* DetectorFrom(LPVOID pThis, const char* function,
+                             LogSource source = std::source_location::current()) {
+    if (pThis == nullptr)
+        LogFailure(
+            L"%s\t%S, (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(%d), %S(%d)\r\n",
+            function, GetLastError(), source);
+    return static_cast<CPowerDetector*>(pThis);
 }
 
 }  // namespace
@@ -77,6 +118,7 @@ CPowerDetector::~CPowerDetector() {
 
 BOOL CPowerDetector::Init() {
     LogEntry(kInit);
+    RegisterMessages();
     OpenRequests();
     const BOOL ready = StartCommonCtrl() && RequestNotifications() && StartDetector();
     if (!ready)
@@ -85,15 +127,16 @@ BOOL CPowerDetector::Init() {
     return ready;
 }
 
+void CPowerDetector::RegisterMessages() {
+    m_uMsgSuspendAck = RegisterMessage(L"_KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_");
+    m_uMsgResumeAck = RegisterMessage(L"_KESTA_Technology,Inc._Sodrey_PowerResume_Acknowledge_");
+    m_uMsgOffAck = RegisterMessage(L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_");
+}
+
 void CPowerDetector::OpenRequests() {
-    for (const RequestRow& row : kRequests)
-        this->*row.acknowledge = RegisterWindowMessageW(row.acknowledge_name);
-    for (const RequestRow& row : kRequests) {
-        HANDLE& event = this->*row.event;
-        event = OpenEventW(EVENT_ALL_ACCESS, FALSE, row.event_name);
-        if (event == nullptr)
-            event = CreateAutoResetEvent(row.event_name);
-    }
+    m_hPowerSuspendRequest = OpenRequest(L"_KESTA_Technology,Inc._All_APP_PowerSuspend_Request_");
+    m_hPowerResumeRequest = OpenRequest(L"_KESTA_Technology,Inc._All_APP_PowerResume_Request_");
+    m_hPowerOffRequest = OpenRequest(L"_KESTA_Technology,Inc._All_APP_PowerOFF_Request_");
 }
 
 bool CPowerDetector::StartCommonCtrl() {
@@ -129,8 +172,7 @@ bool CPowerDetector::RequestNotifications() {
 }
 
 bool CPowerDetector::StartDetector() {
-    m_uMsgPowerStatus =
-        RegisterWindowMessageW(L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_");
+    m_uMsgPowerStatus = RegisterMessage(kPowerStatusMessage);
     m_hDetectorStopEvent = CreateAutoResetEvent(nullptr);
     if (m_hDetectorStopEvent == nullptr)
         return false;
@@ -140,26 +182,125 @@ bool CPowerDetector::StartDetector() {
 
 void CPowerDetector::DeInit() {
     LogEntry(kDeInit);
-    RequestStop(m_bDetectorRunning, m_hDetectorStopEvent);
-    RequestStop(m_bCommonCtrlRunning, m_hCommonCtrlStopEvent);
-    // What the threads wait on must outlive them.
-    JoinThread(m_hDetectorThread);
-    JoinThread(m_hCommonCtrlThread);
-    if (m_hPowerNotifications != nullptr) {
-        if (StopPowerNotifications(m_hPowerNotifications) != ERROR_SUCCESS)
-            LogFailure(L"%s\t%S, StopPowerNotifications() fail!!!, ErrorCode(%d), %S(%d)\r\n",
-                       kDeInit, GetLastError());
-        m_hPowerNotifications = nullptr;
-    }
-    if (m_hPowerMsgQueue != nullptr) {
-        if (!CloseMsgQueue(m_hPowerMsgQueue))
+    const bool detector_woken = RequestStop(m_bDetectorRunning, m_hDetectorStopEvent);
+    const bool common_ctrl_woken = RequestStop(m_bCommonCtrlRunning, m_hCommonCtrlStopEvent);
+    JoinThread(m_hDetectorThread, detector_woken);
+    JoinThread(m_hCommonCtrlThread, common_ctrl_woken);
+    StopNotifications();
+    // What a thread waits on must outlive it.
+    if (m_hDetectorThread == nullptr) {
+        if (m_hPowerMsgQueue != nullptr && !CloseMsgQueue(m_hPowerMsgQueue))
             LogFailure(L"%s\t%S, CloseMsgQueue() fail!!!, ErrorCode(%d), %S(%d)\r\n", kDeInit,
                        GetLastError());
         m_hPowerMsgQueue = nullptr;
+        Close(m_hDetectorStopEvent);
     }
-    Close(m_hDetectorStopEvent);
-    Close(m_hCommonCtrlStopEvent);
-    for (const RequestRow& row : kRequests)
-        Close(this->*row.event);
+    if (m_hCommonCtrlThread == nullptr) {
+        Close(m_hCommonCtrlStopEvent);
+        Close(m_hPowerSuspendRequest);
+        Close(m_hPowerResumeRequest);
+        Close(m_hPowerOffRequest);
+    }
     LogExit(kDeInit);
+}
+
+void CPowerDetector::StopNotifications() {
+    if (m_hPowerNotifications == nullptr)
+        return;
+    if (StopPowerNotifications(m_hPowerNotifications) != ERROR_SUCCESS)
+        LogFailure(L"%s\t%S, StopPowerNotifications() fail!!!, ErrorCode(%d), %S(%d)\r\n", kDeInit,
+                   GetLastError());
+    m_hPowerNotifications = nullptr;
+}
+
+DWORD WINAPI CPowerDetector::ThreadProc_PowerDetector_static(LPVOID pThis) {
+    CPowerDetector* const detector =
+        DetectorFrom(pThis, "CPowerDetector::ThreadProc_PowerDetector_static");
+    return detector == nullptr ? 0 : detector->ThreadProc_PowerDetector();
+}
+
+DWORD WINAPI CPowerDetector::ThreadProc_PowerCommonCtrl_static(LPVOID pThis) {
+    CPowerDetector* const detector =
+        DetectorFrom(pThis, "CPowerDetector::ThreadProc_PowerCommonCtrl_static");
+    return detector == nullptr ? 0 : detector->ThreadProc_PowerCommonCtrl();
+}
+
+DWORD CPowerDetector::ThreadProc_PowerDetector() {
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_ABOVE_NORMAL);
+    const HANDLE waits[] = {m_hPowerMsgQueue, m_hDetectorStopEvent};
+    do {
+        const DWORD woken = WaitForMultipleObjects(std::size(waits), waits, FALSE, INFINITE);
+        if (!m_bDetectorRunning)
+            break;
+        if (woken == WAIT_OBJECT_0)
+            ReadNotification();
+        else if (woken == WAIT_OBJECT_0 + 1)
+            m_bDetectorRunning = FALSE;
+        else
+            Sleep(kRetryMilliseconds);
+    } while (m_bDetectorRunning);
+    return 0;
+}
+
+void CPowerDetector::ReadNotification() {
+    alignas(POWER_BROADCAST) BYTE buffer[kReadBytes] = {};
+    DWORD received = 0;
+    DWORD flags = 0;
+    if (!ReadMsgQueue(m_hPowerMsgQueue, buffer, sizeof buffer, &received, kReadMilliseconds,
+                      &flags)) {
+        const DWORD error = GetLastError();
+        if (error != ERROR_TIMEOUT)
+            LogFailure(L"%s\t%S, ReadMsgQueue() fail!!!, ErrorCode(%d), %S(%d)\r\n", kDetector,
+                       error);
+        // The record that was not read ends the next wait at once.
+        Sleep(kRetryMilliseconds);
+        return;
+    }
+    if (reinterpret_cast<const POWER_BROADCAST*>(buffer)->Message == PBT_POWERSTATUSCHANGE)
+        BroadcastPowerStatus();
+}
+
+void CPowerDetector::BroadcastPowerStatus() {
+    if (GetSystemPowerStatusEx2(&m_PowerStatus, sizeof m_PowerStatus, TRUE) == 0) {
+        LogFailure(L"%s\t%S, GetSystemPowerStatusEx2() fail!!!, ErrorCode(%d), %S(%d)\r\n",
+                   kDetector, GetLastError());
+        return;
+    }
+    Broadcast(m_uMsgPowerStatus, m_PowerStatus.ACLineStatus, m_PowerStatus.BatteryFlag);
+}
+
+DWORD CPowerDetector::ThreadProc_PowerCommonCtrl() {
+    LogEntry(kCommonCtrl);
+    // In the order of answering: of several requests at once, a wait reports the first.
+    const struct {
+        HANDLE event;
+        UINT acknowledge;
+    } requests[] = {{m_hPowerSuspendRequest, m_uMsgSuspendAck},
+                    {m_hPowerResumeRequest, m_uMsgResumeAck},
+                    {m_hPowerOffRequest, m_uMsgOffAck}};
+    // One missing event would fail every wait.
+    HANDLE waits[std::size(requests) + 1] = {};
+    UINT acknowledges[std::size(requests)] = {};
+    DWORD count = 0;
+    for (const auto& request : requests) {
+        if (request.event == nullptr)
+            continue;
+        waits[count] = request.event;
+        acknowledges[count] = request.acknowledge;
+        ++count;
+    }
+    waits[count] = m_hCommonCtrlStopEvent;
+    do {
+        const DWORD woken = WaitForMultipleObjects(count + 1, waits, FALSE, INFINITE);
+        if (!m_bCommonCtrlRunning)
+            break;
+        if (woken < WAIT_OBJECT_0 + count)
+            Broadcast(acknowledges[woken - WAIT_OBJECT_0], 0, 0);
+        else if (woken == WAIT_OBJECT_0 + count)
+            m_bCommonCtrlRunning = FALSE;
+        else
+            Sleep(kRetryMilliseconds);
+    } while (m_bCommonCtrlRunning);
+    LogExit(kCommonCtrl);
+    return 0;
 }

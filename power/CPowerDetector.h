@@ -4,8 +4,13 @@
 
 #include <atomic>
 
-// The program's member of the unit's power coordination, on two threads of its own. One broadcasts
-// MSG_POWER_STATUS when the power supply changes; the other answers the unit's named suspend,
+// The name of the unit's broadcast of its power supply, MSG_POWER_STATUS: wParam = AC line status,
+// lParam = battery flag, a byte each.
+inline constexpr wchar_t kPowerStatusMessage[] =
+    L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_";
+
+// The program's part in the unit's power coordination, on two threads of its own. One broadcasts
+// MSG_POWER_STATUS when the power supply changes; the other acknowledges the unit's named suspend,
 // resume and power-off requests with a broadcast each. Both only post messages. Failures are
 // logged.
 class CPowerDetector {
@@ -16,15 +21,20 @@ class CPowerDetector {
     ~CPowerDetector();
 
     // Creates what the threads wait on and starts them. FALSE, with everything released again,
-    // without a stop event, the notification queue or the notifications; a thread that cannot be
-    // started and a request event that cannot be had are only missing. Once, on the window's
-    // thread.
+    // without a stop event, the notification queue or the notifications. A thread that cannot be
+    // started or a request event that cannot be created is left out. Once, on the window's thread.
     BOOL Init();
 
-    // Ends the threads and releases everything; both threads have ended when it returns. Messages
-    // sent to the caller's windows are let in meanwhile. Any number of times, on the window's
-    // thread.
+    // Ends the threads and releases everything. A thread that cannot be woken is left behind, with
+    // the handles that it waits on. Dispatches messages that are sent to the caller's windows. Any
+    // number of times, on the window's thread.
     void DeInit();
+
+    // TRUE while a thread runs. After DeInit: one was left behind; it uses the object, which must
+    // then never be deleted.
+    BOOL HasThread() const {
+        return m_hDetectorThread != nullptr || m_hCommonCtrlThread != nullptr;
+    }
 
     // The threads, with the object as argument.
     static DWORD WINAPI ThreadProc_PowerDetector_static(LPVOID pThis);
@@ -33,18 +43,12 @@ class CPowerDetector {
     DWORD ThreadProc_PowerCommonCtrl();
 
   private:
-    struct RequestRow {
-        const wchar_t* event_name;
-        const wchar_t* acknowledge_name;
-        HANDLE CPowerDetector::*event;
-        UINT CPowerDetector::*acknowledge;
-    };
-    static const RequestRow kRequests[3];  // suspend, resume, power-off: the order of answering
-
+    void RegisterMessages();
     void OpenRequests();
     bool StartCommonCtrl();
     bool RequestNotifications();
     bool StartDetector();
+    void StopNotifications();
     void ReadNotification();
     void BroadcastPowerStatus();
 

@@ -1,15 +1,18 @@
 #include "ui/CNotify.h"
 
+#include <new>
+#include <utility>
+
 #include "app/log/DebugLog.h"
 #include "ui/GdiScope.h"
 #include "wizard/MainFrm.h"
 
 namespace {
 
-// The places that the failure lines name.
-constexpr LogSource kAtLoadImage("CNotify.cpp", 45);
-constexpr LogSource kAtMemoryDC("CNotify.cpp", 138);
-constexpr LogSource kAtBitmap("CNotify.cpp", 140);
+// The lines that the failure lines name.
+constexpr LogSource kLoadImageSource("CNotify.cpp", 45);
+constexpr LogSource kMemoryDCSource("CNotify.cpp", 138);
+constexpr LogSource kBitmapSource("CNotify.cpp", 140);
 
 constexpr UINT_PTR kCloseTimer = 1;
 constexpr UINT kCloseAgain = 100;
@@ -24,9 +27,7 @@ constexpr wchar_t kLower[] = L"SDカードを抜いて下さい。";
 }  // namespace
 
 CNotify::CNotify(HINSTANCE hInst, CMainFrame* pOwner) : m_hInst(hInst) {
-    // A frame that has begun to close has cleared the pointer for good.
-    if (pOwner == nullptr || !pOwner->IsClosing())
-        g_pMainFrame = pOwner;
+    g_pMainFrame = pOwner;
 }
 
 CNotify::~CNotify() {
@@ -42,12 +43,18 @@ LRESULT CNotify::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
         LoadImageW(m_hInst, MAKEINTRESOURCEW(IDB_BUTTON), IMAGE_BITMAP, 0, 0, 0));
     if (m_hBmpOk == nullptr)
         LogFailure(L"%s\t%S, LoadImage() fail!!!, ErrorCode(%d), %S(%d)\r\n",
-                   "CNotify::OnInitDialog", GetLastError(), kAtLoadImage);
+                   "CNotify::OnInitDialog", GetLastError(), kLoadImageSource);
 
-    m_pControls = std::make_unique<CCtrlList>();
+    m_pControls.reset(new (std::nothrow) CCtrlList);
+    if (m_pControls == nullptr) {
+        LogNoMemory("CNotify::OnInitDialog");
+        // Without an OK button nobody could close the notice.
+        PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
+        return FALSE;
+    }
     CreateOkButton();
-    m_pLblUpper = CreateLabel(kUpperRect, kUpperCardMayBeIn);
-    m_pLblLower = CreateLabel(kLowerRect, kLower);
+    CreateLabel(m_pLblUpper, kUpperRect, kUpperCardMayBeIn);
+    CreateLabel(m_pLblLower, kLowerRect, kLower);
     return FALSE;
 }
 
@@ -64,8 +71,15 @@ BOOL CNotify::SetFullScreen() {
 }
 
 void CNotify::CreateOkButton() {
-    m_pBtnOk =
-        std::make_unique<CDrawButton>(m_hWnd, IDC_BTN_OK, 615, 405, 168, 66, BTN_MODE_PUSH, TRUE);
+    m_pBtnOk.reset(new (std::nothrow)
+                       CDrawButton(m_hWnd, IDC_BTN_OK, 615, 405, 168, 66, BTN_MODE_PUSH, TRUE));
+    if (m_pBtnOk == nullptr) {
+        LogNoMemory("CNotify::OnInitDialog");
+        DeleteObject(m_hBmpOk);
+        // Nobody could close the notice.
+        PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
+        return;
+    }
     m_pBtnOk->SetImage(m_hBmpOk);
     m_pBtnOk->SetText(L"OK", kCentred);
     m_pBtnOk->SetFont(kFontFace, 10, 24, 500, kFontCharSet);
@@ -74,14 +88,17 @@ void CNotify::CreateOkButton() {
     m_pBtnOk->SetVisible(TRUE);
 }
 
-std::unique_ptr<CDrawLabel> CNotify::CreateLabel(const RECT& rc, LPCWSTR text) {
-    auto label = std::make_unique<CDrawLabel>(m_hWnd, 0, &rc, LBL_TEXT, TRUE);
+void CNotify::CreateLabel(std::unique_ptr<CDrawLabel>& label, const RECT& rc, LPCWSTR text) {
+    label.reset(new (std::nothrow) CDrawLabel(m_hWnd, 0, &rc, LBL_TEXT, TRUE));
+    if (label == nullptr) {
+        LogNoMemory("CNotify::OnInitDialog");
+        return;
+    }
     label->SetText(text, kLeft);
     label->SetFont(kFontFace, 16, 36, 600, kFontCharSet);
     label->SetTextColor(kWhite);
     m_pControls->Add(label.get());
     label->SetVisible(TRUE);
-    return label;
 }
 
 void CNotify::ReleaseControls() {
@@ -109,25 +126,25 @@ LRESULT CNotify::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
         const SelectScope selected(memory.Get(), bitmap.Get());
         drawn = DrawNotice(paint.Get(), memory.Get()) && selected.IsSelected();
     }
-    // Nothing else would show the OK button; a second failure is left at that.
+    // Nothing else would show the OK button. After a second failure in a row nothing tries again.
     if (!drawn && !m_bDrawsAgain)
         InvalidateRect(m_hWnd, nullptr, FALSE);
     m_bDrawsAgain = !drawn;
 
     if (memory.Get() == nullptr)
-        LogRefusal(L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n", kFunction, kAtMemoryDC);
+        LogRefusal(L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n", kFunction, kMemoryDCSource);
     else if (!memory.Delete())
         LogFailure(L"%s\t%S, DeleteDC() fail!!!, ErrorCode(%d), %S(%d)\r\n", kFunction,
-                   GetLastError(), kAtMemoryDC);
+                   GetLastError(), kMemoryDCSource);
     if (bitmap.Get() == nullptr)
-        LogRefusal(L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n", kFunction, kAtBitmap);
+        LogRefusal(L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n", kFunction, kBitmapSource);
     else if (!bitmap.Delete())
         LogFailure(L"%s\t%S, DeleteObject() fail!!!, ErrorCode(%d), %S(%d)\r\n", kFunction,
-                   GetLastError(), kAtBitmap);
+                   GetLastError(), kBitmapSource);
     return 0;
 }
 
-// A frame that has begun to close is no longer looked at; the notice then keeps its last form.
+// A frame that has begun to close is not read; the notice then keeps its last form.
 void CNotify::ReadStep() {
     if (const CMainFrame* const frame = g_pMainFrame)
         m_nStep = frame->m_nStep;
@@ -137,37 +154,39 @@ BOOL CNotify::DrawNotice(HDC hdc, HDC memory) {
     if (!m_pControls)
         return TRUE;
     if (m_nStep > 0) {
-        m_pLblUpper->SetText(kUpperCardIsIn, kCentred);
-        m_pLblLower->SetText(kLower, kCentred);
-        m_pLblUpper->SetFont(kFontFace, 22, 44, 600, kFontCharSet);
-        m_pLblLower->SetFont(kFontFace, 22, 44, 600, kFontCharSet);
+        const std::pair<CDrawLabel*, LPCWSTR> lines[] = {{m_pLblUpper.get(), kUpperCardIsIn},
+                                                         {m_pLblLower.get(), kLower}};
+        for (const auto& [label, text] : lines) {
+            if (label == nullptr)
+                continue;
+            label->SetText(text, kCentred);
+            label->SetFont(kFontFace, 22, 44, 600, kFontCharSet);
+        }
     }
     m_pControls->DrawAll(memory);
     return BitBlt(hdc, 0, 0, kScreenWidth, kScreenHeight, memory, 0, 0, SRCCOPY);
 }
 
 LRESULT CNotify::OnBtnDown(UINT, WPARAM, LPARAM lParam, BOOL&) {
-    const int x = LOWORD(lParam);
-    const int y = HIWORD(lParam);
-    const auto log = [x, y] {
-        NKDbgPrintfW(L"%s\t%S, (x, y) = (%d, %d)\r\n", kLogPrefix, "CNotify::OnBtnDown", x, y);
-    };
-    log();
-    if (!m_pControls || !m_pControls->OnBtnDown(x, y))
-        log();
+    OfferToControls("CNotify::OnBtnDown", &CCtrlList::OnBtnDown, lParam);
     return 0;
 }
 
 LRESULT CNotify::OnBtnUp(UINT, WPARAM, LPARAM lParam, BOOL&) {
+    OfferToControls("CNotify::OnBtnUp", &CCtrlList::OnBtnUp, lParam);
+    return 0;
+}
+
+void CNotify::OfferToControls(const char* function, BOOL (CCtrlList::*event)(int, int) const,
+                              LPARAM lParam) {
     const int x = LOWORD(lParam);
     const int y = HIWORD(lParam);
-    const auto log = [x, y] {
-        NKDbgPrintfW(L"%s\t%S, (x, y) = (%d, %d)\r\n", kLogPrefix, "CNotify::OnBtnUp", x, y);
+    const auto log = [function, x, y] {
+        NKDbgPrintfW(L"%s\t%S, (x, y) = (%d, %d)\r\n", kLogPrefix, function, x, y);
     };
     log();
-    if (!m_pControls || !m_pControls->OnBtnUp(x, y))
+    if (!m_pControls || !(m_pControls.get()->*event)(x, y))
         log();
-    return 0;
 }
 
 LRESULT CNotify::OnKillFocus(UINT, WPARAM, LPARAM, BOOL&) {
@@ -194,8 +213,9 @@ LRESULT CNotify::OnTimer(UINT, WPARAM, LPARAM, BOOL&) {
 LRESULT CNotify::OnClose(UINT, WPARAM, LPARAM, BOOL&) {
     NKDbgPrintfW(L"%s\t%S\r\n", kLogPrefix, "CNotify::OnClose");
     ReleaseControls();
-    // Without its controls the notice could not be closed by hand any more.
-    if (!EndDialog(0))
-        SetTimer(m_hWnd, kCloseTimer, kCloseAgain, nullptr);
+    // Without its controls nobody could close the notice.
+    if (!EndDialog(0) && SetTimer(m_hWnd, kCloseTimer, kCloseAgain, nullptr) == 0)
+        LogFailure(L"%s\t%S, SetTimer() fail!!!, ErrorCode(%d), %S(%d)\r\n", "CNotify::OnClose",
+                   GetLastError());
     return 0;
 }

@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "res/resource.h"
-#include "ui/CtrlList.h"
 #include "ui/DrawButton.h"
 #include "ui/DrawCtrl.h"
 #include "ui/DrawLabel.h"
@@ -19,13 +18,13 @@ class CMainFrame;
 // The notice's one button, as wParam of WM_XCOMMAND.
 constexpr UINT IDC_BTN_OK = 1015;
 
-// The full-screen modal notice that asks the user to take the SD card out of the DVR; DoModal runs
+// The full-screen modal notice that asks the user to remove the SD card from the DVR; DoModal runs
 // it. All of it runs on the main frame's thread.
 class CNotify : public CDialogImpl<CNotify> {
   public:
     enum { IDD = IDD_NOTIFY };
 
-    // Points g_pMainFrame at the owner, unless that has begun to close.
+    // Points g_pMainFrame at the owner, which must not have begun to close.
     CNotify(HINSTANCE hInst, CMainFrame* pOwner);
     ~CNotify() override;
 
@@ -55,13 +54,15 @@ class CNotify : public CDialogImpl<CNotify> {
     // Covers the whole screen, task bar included.
     BOOL SetFullScreen();
     void CreateOkButton();
-    std::unique_ptr<CDrawLabel> CreateLabel(const RECT& rc, LPCWSTR text);
-    // May run twice.
+    void CreateLabel(std::unique_ptr<CDrawLabel>& label, const RECT& rc, LPCWSTR text);
     void ReleaseControls();
 
     void ReadStep();
     // FALSE when what was drawn did not come onto the screen.
     BOOL DrawNotice(HDC hdc, HDC memory);
+    // Offers a press or a release at the point in lParam to the controls.
+    void OfferToControls(const char* function, BOOL (CCtrlList::*event)(int, int) const,
+                         LPARAM lParam);
 
     HINSTANCE m_hInst;
     HBITMAP m_hBmpOk = nullptr;
@@ -70,5 +71,5 @@ class CNotify : public CDialogImpl<CNotify> {
     std::unique_ptr<CDrawLabel> m_pLblLower;
     std::unique_ptr<CDrawButton> m_pBtnOk;
     bool m_bDrawsAgain = false;
-    int m_nStep = 0;  // the wizard's step when the frame was last seen
+    int m_nStep = 0;  // the wizard's step at the last painting with a main frame
 };

@@ -9,27 +9,24 @@ constexpr int kFrameDisabled = 2;
 }  // namespace
 
 CDrawButton::CDrawButton(HWND owner, UINT id, int x, int y, int cx, int cy, UINT mode, BOOL visible)
-    : CDrawCtrl(owner, id, {x, y, x + cx, y + cy}, visible), m_nMode(mode) {}
-
-CDrawButton::~CDrawButton() {
-    if (m_bOwnsImage)
-        DeleteObject(m_hImage);
-}
+    : CTextCtrl(owner, id, {x, y, x + cx, y + cy}, visible), m_nMode(mode) {}
 
 void CDrawButton::SetImage(HBITMAP strip) {
     if (strip == nullptr)
         return;
+    SetSharedImage(strip);
+    m_hOwnedImage.Release();
+    m_hOwnedImage.Reset(strip);
+}
+
+void CDrawButton::SetSharedImage(HBITMAP strip) {
+    if (strip == nullptr)
+        return;
     m_hImage = strip;
-    m_bOwnsImage = true;
     BITMAP header{};
     GetObjectW(strip, sizeof(header), &header);
     if (m_cy != 0)
         m_nFrames = header.bmHeight / m_cy;
-}
-
-HBITMAP CDrawButton::DetachImage() {
-    m_bOwnsImage = false;
-    return m_hImage;
 }
 
 BOOL CDrawButton::Draw(HDC hdc, int x, int y) {
@@ -38,7 +35,7 @@ BOOL CDrawButton::Draw(HDC hdc, int x, int y) {
     DrawFrame(hdc, x, y);
     const int right = m_rcText.right == 0 ? m_cx : m_rcText.right;
     const int bottom = m_rcText.bottom == 0 ? m_cy : m_rcText.bottom;
-    DrawIn(hdc, {x + m_rcText.left, y + m_rcText.top, x + right, y + bottom}, -1);
+    DrawTextIn(hdc, {x + m_rcText.left, y + m_rcText.top, x + right, y + bottom}, -1);
     return TRUE;
 }
 
@@ -50,10 +47,6 @@ void CDrawButton::DrawFrame(HDC hdc, int x, int y) const {
     const MemoryDC memory(hdc);
     const SelectScope selected(memory.Get(), m_hImage);
     BitBlt(hdc, x, y, m_cx, m_cy, memory.Get(), 0, m_cy * m_nFrame, SRCCOPY);
-}
-
-BOOL CDrawButton::Redraw() {
-    return RedrawOnOwner();
 }
 
 BOOL CDrawButton::OnBtnDown(int x, int y) {
@@ -93,22 +86,6 @@ BOOL CDrawButton::OnBtnUp(int x, int y) {
         return FALSE;
     SendCommand();
     return TRUE;
-}
-
-BOOL CDrawButton::OnBtnMove(int, int) {
-    return FALSE;
-}
-
-int CDrawButton::SetText(LPCWSTR text, int format) {
-    return StoreText(text, format);
-}
-
-BOOL CDrawButton::SetFont(LPCWSTR face, int width, int height, int weight, int charSet) {
-    return StoreFont(face, width, height, weight, charSet);
-}
-
-COLORREF CDrawButton::SetTextColor(COLORREF color) {
-    return StoreColor(color);
 }
 
 BOOL CDrawButton::SetTextRect(const RECT* rc) {

@@ -7,7 +7,7 @@ constexpr COLORREF kTransparent = RGB(255, 0, 255);
 }  // namespace
 
 CDrawLabel::CDrawLabel(HWND owner, UINT id, const RECT* rc, UINT flags, BOOL visible)
-    : CDrawCtrl(owner, id, *rc, visible), m_nFlags(flags) {}
+    : CTextCtrl(owner, id, *rc, visible), m_nFlags(flags) {}
 
 BOOL CDrawLabel::Draw(HDC hdc, int x, int y) {
     if (!m_bVisible)
@@ -15,7 +15,7 @@ BOOL CDrawLabel::Draw(HDC hdc, int x, int y) {
     if (m_nFlags & LBL_IMAGE)
         DrawPicture(hdc, x, y);
     if (m_nFlags & LBL_TEXT)
-        DrawIn(hdc, {x, y, x + m_cx, y + m_cy}, m_nTextLen);
+        DrawTextIn(hdc, {x, y, x + m_cx, y + m_cy}, m_nTextLen);
     return TRUE;
 }
 
@@ -27,10 +27,6 @@ void CDrawLabel::DrawPicture(HDC hdc, int x, int y) const {
     const MemoryDC memory(hdc);
     const SelectScope selected(memory.Get(), m_hImage.Get());
     TransparentImage(hdc, x, y, m_cx, m_cy, memory.Get(), 0, 0, m_cx, m_cy, kTransparent);
-}
-
-BOOL CDrawLabel::Redraw() {
-    return RedrawOnOwner();
 }
 
 BOOL CDrawLabel::OnBtnDown(int x, int y) {
@@ -47,20 +43,4 @@ BOOL CDrawLabel::OnBtnUp(int x, int y) {
     if (HitTest(x, y))
         SendCommand();
     return FALSE;
-}
-
-BOOL CDrawLabel::OnBtnMove(int, int) {
-    return FALSE;
-}
-
-int CDrawLabel::SetText(LPCWSTR text, int format) {
-    return StoreText(text, format);
-}
-
-BOOL CDrawLabel::SetFont(LPCWSTR face, int width, int height, int weight, int charSet) {
-    return StoreFont(face, width, height, weight, charSet);
-}
-
-COLORREF CDrawLabel::SetTextColor(COLORREF color) {
-    return StoreColor(color);
 }

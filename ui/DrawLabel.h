@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ui/CtrlText.h"
 #include "ui/DrawCtrl.h"
 
 // What a label draws.
@@ -10,19 +9,14 @@ enum : UINT {
 };
 
 // A rectangle with a text that fills it.
-class CDrawLabel : public CDrawCtrl, protected CCtrlText {
+class CDrawLabel : public CTextCtrl {
   public:
     CDrawLabel(HWND owner, UINT id, const RECT* rc, UINT flags, BOOL visible);
 
     BOOL Draw(HDC hdc, int x, int y) override;
-    BOOL Redraw() override;
     BOOL OnBtnDown(int x, int y) override;
     // Sends the command for a click but never takes the release: controls under the label see it.
     BOOL OnBtnUp(int x, int y) override;
-    BOOL OnBtnMove(int x, int y) override;
-    int SetText(LPCWSTR text, int format) override;
-    BOOL SetFont(LPCWSTR face, int width, int height, int weight, int charSet) override;
-    COLORREF SetTextColor(COLORREF color) override;
 
   protected:
     UINT m_nFlags;

@@ -9,28 +9,27 @@
 
 #include <atomic>
 #include <memory>
+#include <span>
 
+#include "app/log/DebugLog.h"
 #include "res/resource.h"
-#include "ui/CtrlList.h"
-#include "ui/DrawButton.h"
 #include "ui/DrawCtrl.h"
-#include "ui/DrawLabel.h"
-#include "wizard/MainFrmScreens.h"
 #include "wizard/VersionText.h"
 #include "wizard/WizardModel.h"
 
 class CNotify;
 class CPowerDetector;
 
-// The unit's broadcast of its power supply: wParam = AC line status, lParam = battery flag, a byte
-// each. Registered when the frame is constructed, which is before any window exists.
+// The unit's broadcast of its power supply (kPowerStatusMessage). Registered when the frame is
+// constructed, which is before any window exists; 0 when that failed.
 extern UINT MSG_POWER_STATUS;
 
 // The update wizard's window and its state.
 //
-// Everything runs on the window's thread but the two reports and the writes of the link's handlers,
-// which run on the serial receive thread. That thread reaches the frame through g_pMainFrame alone
-// and has ended when the window's destruction goes on after stopping the link.
+// Everything runs on the window's thread, except the DVR's reports (wizard/DvrReports.h), which run
+// on the serial receive thread. That thread reaches the frame through g_pMainFrame alone. The
+// window's destruction clears the pointer and waits for the thread; while UART_HasThread() is TRUE
+// after that, the frame must not be deleted.
 class CMainFrame : public CFrameWindowImpl<CMainFrame>,
                    public CUpdateUI<CMainFrame>,
                    public CMessageFilter,
@@ -43,15 +42,9 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     CMainFrame& operator=(const CMainFrame&) = delete;
     ~CMainFrame() override;
 
-    // The DVR's reports, on the receive thread. The results mean nothing.
+    // The DVR's reports, on the receive thread. Nothing reads the results.
     int DVR_RunningState(BYTE state);
     int StorageCardStatus(BYTE status, BYTE percent);
-
-    // Takes the seven characters of the DVR's firmware version; any thread.
-    void SetDvrVersion(const char* seven) { m_szDvrVersion.Store(seven); }
-
-    // True from the moment that the window begins to be destroyed.
-    bool IsClosing() const { return m_bClosing; }
 
     BOOL PreTranslateMessage(MSG* pMsg) override;
     BOOL OnIdle() override;
@@ -77,10 +70,10 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     END_MSG_MAP()
 
   private:
-    struct LabelRow;
-    struct ButtonRow;
-    static const LabelRow kLabelRows[];
-    static const ButtonRow kButtonRows[];
+    struct ControlRow;
+    struct LabelPlace;
+    struct ButtonPlace;
+    struct Screens;
 
     LRESULT OnCreate(UINT, WPARAM, LPARAM, BOOL&);
     LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL&);
@@ -90,29 +83,37 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     LRESULT OnBtnDown(UINT, WPARAM, LPARAM lParam, BOOL&);
     LRESULT OnBtnUp(UINT, WPARAM, LPARAM lParam, BOOL&);
     LRESULT OnXCommand(UINT, WPARAM id, LPARAM, BOOL&);
-    LRESULT OnPowerStatus(UINT, WPARAM wParam, LPARAM lParam, BOOL&);
+    LRESULT OnPowerStatus(UINT, WPARAM wParam, LPARAM lParam, BOOL& bHandled);
     LRESULT OnAppExit(WORD, WORD, HWND, BOOL&);
     LRESULT OnFileNew(WORD, WORD, HWND, BOOL&);
     LRESULT OnAppAbout(WORD, WORD, HWND, BOOL&);
 
+    // FALSE once the window has begun to be destroyed; nothing new may begin then.
+    static bool IsAlive();
+
     void StartPowerDetector();
+    void StopPowerDetector();
     void LoadImages();
-    void CreateLabels();
-    void CreateButtons();
     void ReadToolVersion();
     void GetVersionInfo(LPCWSTR path);
     void ReadPowerSupply();
     void ReleaseBackBuffer();
-    void ReleaseControls();
+    void Reset_DVR();
+    void SuspendSystem();
+    void StartCompositeVideo();
+    void StopCompositeVideo();
 
-    void CreateBackBuffer(HDC hdc);
-    void CheckProgress();
-    void FillBackground(int step);
+    void CreateControls();
+    void ReleaseControls();
+    void Apply(std::span<const ControlRow> rows);
     void ApplyStep(int step);
     CVersionText::Characters ShowDvrVersion(int step);
     void ApplyUpdating();
-    void ApplyScreen(ScreenId screen);
-    CDrawCtrl& GetControl(ControlId control);
+    void ApplyWait();
+    void CreateBackBuffer(HDC hdc);
+    void CheckProgress();
+    void FillBackground(int step);
+    void ShowPowerOffline();
 
     void OnNext();
     void StartCheckCard();
@@ -122,32 +123,31 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     void StartUpdate();
     void RebootDvr();
     void OnSuspend();
-    void SuspendSystem();
 
     void OnNotifyTimer();
     void OnWaitCardOutTimer();
     void OnWaitCardInTimer();
     void OnCompositeVideoTimer();
-    void StartCompositeVideo();
-    void StopCompositeVideo();
 
     void Restart();
-    void ShowPowerOffline();
 
     void OnDvrNormal(int step);
+    void ShowResult();
     void OnCardOut();
     void OnCardIn();
 
-    void Reset_DVR();
-
-    // Runs the notice unless one is up already. False when the window has begun to close, before or
-    // meanwhile; nothing may follow then.
-    bool ShowNotice();
+    // Runs the notice unless it is open already. FALSE when the window was closed meanwhile.
+    bool ShowNotice(const char* function);
+    // Sends a command to the DVR with the payload 0x00.
     void Send(WORD command);
-    void ArmTimer(WizardTimer timer, UINT milliseconds);
+    // FALSE, with a log line, when the timer could not be armed.
+    bool ArmTimer(const char* function, WizardTimer timer, UINT milliseconds,
+                  LogSource source = std::source_location::current());
+    // Also for a control that could not be created.
+    static void SetVisible(const std::unique_ptr<CDrawCtrl>& control, BOOL visible);
     void HideButtons();
     void HideSuspendAndUpdate();
-    void ShowOnly(CDrawButton& button);
+    void ShowOnly(const std::unique_ptr<CDrawCtrl>& button);
     void Repaint();
 
     HINSTANCE m_hInst = nullptr;
@@ -157,19 +157,20 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     HBITMAP m_hMemBitmap = nullptr;
     HGDIOBJ m_hOldBitmap = nullptr;
     std::unique_ptr<CCtrlList> m_pControls;
-    std::unique_ptr<CDrawLabel> m_pLblTitle;
-    std::unique_ptr<CDrawLabel> m_pLblWarning;
-    std::unique_ptr<CDrawLabel> m_pLblToolVersion;
-    std::unique_ptr<CDrawLabel> m_pLblDvrVersion;
-    std::unique_ptr<CDrawLabel> m_pLblLine1;
-    std::unique_ptr<CDrawLabel> m_pLblLine2;
-    std::unique_ptr<CDrawLabel> m_pLblLine3;
-    std::unique_ptr<CDrawLabel> m_pLblLine4;
-    std::unique_ptr<CDrawLabel> m_pLblNotice;
-    std::unique_ptr<CDrawButton> m_pBtnNext;
-    std::unique_ptr<CDrawButton> m_pBtnUpdate;
-    std::unique_ptr<CDrawButton> m_pBtnSuspend;
-    std::unique_ptr<CDrawButton> m_pBtnClose;
+    // The labels and buttons.
+    std::unique_ptr<CDrawCtrl> m_pLblTitle;
+    std::unique_ptr<CDrawCtrl> m_pLblWarning;
+    std::unique_ptr<CDrawCtrl> m_pLblToolVersion;
+    std::unique_ptr<CDrawCtrl> m_pLblDvrVersion;
+    std::unique_ptr<CDrawCtrl> m_pLblLine1;
+    std::unique_ptr<CDrawCtrl> m_pLblLine2;
+    std::unique_ptr<CDrawCtrl> m_pLblLine3;
+    std::unique_ptr<CDrawCtrl> m_pLblLine4;
+    std::unique_ptr<CDrawCtrl> m_pLblNotice;
+    std::unique_ptr<CDrawCtrl> m_pBtnNext;
+    std::unique_ptr<CDrawCtrl> m_pBtnUpdate;
+    std::unique_ptr<CDrawCtrl> m_pBtnSuspend;
+    std::unique_ptr<CDrawCtrl> m_pBtnClose;
 
   public:
     // The receive thread writes these, the window's thread reads and writes them.
@@ -182,12 +183,11 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
   private:
     wchar_t m_szToolVersion[16] = {};
     std::atomic<BYTE> m_byCardStatus{kCardStatusUnknown};  // the receive thread writes it
-    std::unique_ptr<CNotify> m_pNotify;                    // while it is on screen
+    std::unique_ptr<CNotify> m_pNotify;                    // while it is on the screen
     std::atomic<BYTE> m_byACLineStatus{AC_LINE_ONLINE};    // the receive thread reads it
     std::unique_ptr<CPowerDetector> g_pCPowerDetector;
     std::atomic<BOOL> m_bACOffline{FALSE};
     std::atomic<BOOL> m_bCardStatusReceived{FALSE};  // the receive thread sets it
-    bool m_bClosing = false;                         // the window's thread alone
 };
 
 // The one main frame; NULL while there is none and from the start of its destruction. The window's

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
-// A version of up to seven narrow characters. Any thread may store, clear or load it; a reader
-// never sees a mixture of two texts, because the whole text is one atomic word.
+// A version of up to seven narrow characters. Any thread may store, clear or load it. The text is
+// one atomic word, so that a reader never sees a mixture of two texts.
 class CVersionText {
   public:
     static constexpr std::size_t kLength = 7;
@@ -17,26 +17,26 @@ class CVersionText {
     void Store(const char* characters) {
         std::uint64_t packed = 0;
         std::memcpy(&packed, characters, kLength);
-        m_packed.store(packed);
+        m_nPacked.store(packed);
     }
 
-    void Clear() { m_packed.store(0); }
+    void Clear() { m_nPacked.store(0); }
 
     Characters Load() const {
-        const std::uint64_t packed = m_packed.load();
+        const std::uint64_t packed = m_nPacked.load();
         Characters characters{};
         std::memcpy(characters.data(), &packed, kLength);
         return characters;
     }
 
   private:
-    std::atomic<std::uint64_t> m_packed{0};
+    std::atomic<std::uint64_t> m_nPacked{0};
 };
 
 static_assert(sizeof(CVersionText::Characters) == sizeof(std::uint64_t));
 
-// A version counts as known when its second or its fifth character is there: those are the dots
-// of "0.01.00" and survive whatever digits the DVR reports.
+// A version counts as known when its second or its fifth character, the dots of "0.01.00", is
+// there.
 inline bool IsVersionKnown(const CVersionText::Characters& version) {
     return version[1] != 0 || version[4] != 0;
 }

@@ -39,7 +39,7 @@ enum FrameCommand : WORD {
     ID_APP_EXIT = 0xE141,
 };
 
-// What the DVR reports of itself.
+// The running state that the DVR reports.
 enum DvrRunningState : BYTE {
     DVR_RUNNING_STATE_INITIALIZING = 0,
     DVR_RUNNING_STATE_INIT_OK = 1,
@@ -48,7 +48,7 @@ enum DvrRunningState : BYTE {
     DVR_RUNNING_STATE_SHUTDOWNING = 4,
 };
 
-// What the DVR reports of its storage card.
+// The state of its storage card that the DVR reports.
 enum DvrStorageCard : BYTE {
     DVR_STORAGE_CARD_PLUG_OUT = 0,
     DVR_STORAGE_CARD_PLUG_IN = 1,
@@ -62,11 +62,6 @@ enum DvrStorageCard : BYTE {
 // CMainFrame::m_byCardStatus before the DVR has reported its card for the first time.
 inline constexpr BYTE kCardStatusUnknown = 0xFF;
 
-// Frames that the wizard sends to the DVR, each with the payload 0x00.
-inline constexpr WORD kFirmwareVersionQuery = 0x802E;
-inline constexpr WORD kStorageCardQuery = 0x8026;
-inline constexpr WORD kSystemReboot = 0x001C;
-
 inline constexpr int kScreenWidth = 800;
 inline constexpr int kScreenHeight = 480;
 
@@ -74,16 +69,14 @@ inline constexpr COLORREF kWhite = RGB(255, 255, 255);
 inline constexpr COLORREF kRed = RGB(255, 0, 0);
 inline constexpr COLORREF kBlue = RGB(0, 0, 255);
 inline constexpr COLORREF kBlack = RGB(0, 0, 0);
-// The scaler shows the DVR's composite video wherever the graphics plane has this colour.
-inline constexpr COLORREF kColorKey = RGB(0, 16, 0);
 
 inline constexpr int kCentred = DT_CENTER | DT_VCENTER | DT_WORDBREAK;
 inline constexpr int kLeft = DT_VCENTER | DT_WORDBREAK;
 
-static_assert(kColorKey == 0x001000 && kRed == 0x0000FF && kBlue == 0xFF0000);
+static_assert(kRed == 0x0000FF && kBlue == 0xFF0000);
 static_assert(kCentred == 21 && kLeft == 20);
 
-// A label's or a button's font: Arial in this size, character set 1.
+// The size and weight of a control's font, whose face and character set follow.
 struct WizardFont {
     int width;
     int height;

@@ -4,31 +4,38 @@
 
 #include <source_location>
 
-// The lines of the debug output. Formats stand literally where a line is written, so that a line
-// seen in a log is found by searching for it; "%s" takes wide text and "%S" narrow text. A line
-// without a helper here is written with NKDbgPrintfW itself.
+// The lines of the debug output. Each format stands literally at the call that writes it, so that a
+// search for a logged line finds the call. "%s" takes wide text, "%S" narrow text. A line without a
+// helper here is written with NKDbgPrintfW itself.
 
-// What every line begins with.
+// The prefix of every line.
 inline constexpr wchar_t kLogPrefix[] = L"[Tolvane.exe] ";
 
-// The source file, without its directories, and the line that a failure line names. Made from the
-// place of the call unless a call gives both.
+// The module and the line that a failure line names. Made from the place of the call unless the
+// call gives both.
 struct LogSource {
-    const char* file;
+    char module[40] = {};
     int line;
 
-    constexpr LogSource(const char* path, int line_number)
-        : file(BaseName(path)), line(line_number) {}
-    constexpr LogSource(const std::source_location& place)  // implicit: a default argument
-        : LogSource(place.file_name(), static_cast<int>(place.line())) {}
-
-    static constexpr const char* BaseName(const char* path) {
+    // A module is the source file with the same first name: UART.cpp and UART.Frames.cpp are both
+    // "UART.cpp".
+    constexpr LogSource(const char* path, int line_number) : line(line_number) {
         const char* name = path;
         for (const char* character = path; *character != '\0'; ++character)
             if (*character == '/' || *character == '\\')
                 name = character + 1;
-        return name;
+        constexpr char kEnding[] = ".cpp";
+        int length = 0;
+        while (name[length] != '\0' && name[length] != '.' &&
+               length + sizeof kEnding < sizeof module) {
+            module[length] = name[length];
+            ++length;
+        }
+        for (const char character : kEnding)
+            module[length++] = character;
     }
+    constexpr LogSource(const std::source_location& place)  // implicit: a default argument
+        : LogSource(place.file_name(), static_cast<int>(place.line())) {}
 };
 
 // L"%s+++%S\r\n" and L"%s---%S\r\n": the entry and the exit of a function.
@@ -42,15 +49,18 @@ inline void LogExit(const char* function) {
 // For formats like L"%s\t%S, CreateFile() fail!!!, ErrorCode(%d), %S(%d)\r\n". Call it right after
 // the call that failed, with GetLastError() as the error.
 inline void LogFailure(const wchar_t* format, const char* function, DWORD error,
-                       LogSource source = std::source_location::current()) {
-    NKDbgPrintfW(format, kLogPrefix, function, error, source.file, source.line);
+                       const LogSource& source = std::source_location::current()) {
+    NKDbgPrintfW(format, kLogPrefix, function, error, source.module, source.line);
 }
 
 // For formats without an error code, like L"%s\t%S, Invalid Arguments!!!, %S(%d)\r\n".
 inline void LogRefusal(const wchar_t* format, const char* function,
-                       LogSource source = std::source_location::current()) {
-    NKDbgPrintfW(format, kLogPrefix, function, source.file, source.line);
+                       const LogSource& source = std::source_location::current()) {
+    NKDbgPrintfW(format, kLogPrefix, function, source.module, source.line);
 }
 
-static_assert(LogSource("a/b\\UART.cpp", 1).file[0] == 'U' &&
-              LogSource("UART.cpp", 1).file[0] == 'U');
+inline void LogNoMemory(const char* function,
+                        const LogSource& source = std::source_location::current()) {
+    LogFailure(L"%s\t%S, Allocate memory fail!!!, ErrorCode(%d), %S(%d)\r\n", function,
+               GetLastError(), source);
+}

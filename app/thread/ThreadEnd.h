@@ -2,8 +2,13 @@
 
 #include <windows.h>
 
-// Waits, for as long as it takes, until a thread of the program has ended. What that thread sends
-// to a window of the calling thread is let in meanwhile: an UpdateWindow of the other thread may
-// itself wait for the window's thread, and the two would wait for each other. Posted messages,
-// timers and input stay in the queue.
-void WaitForThreadEnd(HANDLE thread);
+// A thread that was asked to end and has a reason to wake up: far longer than it needs.
+inline constexpr DWORD kThreadEndLimit = 20000;
+
+// Waits up to so many milliseconds until a thread of the program has ended. FALSE when that is not
+// known: the caller must then keep everything that the thread uses.
+//
+// The wait dispatches messages that are sent to the calling thread's windows: the other thread's
+// UpdateWindow may wait for the window's thread, and the two would wait for each other. Posted
+// messages, timers and input stay in the queue.
+BOOL WaitForThreadEnd(HANDLE thread, DWORD milliseconds);

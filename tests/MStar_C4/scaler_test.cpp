@@ -121,7 +121,7 @@ TEST_F(Scaler, HoldsItsEventWhileItIsOpen) {
         EXPECT_EQ(scaler_->open_handles, 0);
         EXPECT_EQ(ProgramLog(platform_.board)[5],
                   "\tMstar_C4_Scaler_Init, CreateEvent() fail!!!, ErroCode(1234), "
-                  "ScalerDevice.cpp(#)");
+                  "MStar_C4_Scaler.cpp(#)");
         // The second time the first handle goes before the second comes.
         for (int round = 0; round < 2; ++round) {
             EXPECT_TRUE(Mstar_C4_Scaler_Init());

@@ -50,14 +50,13 @@ TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
                                                 nullptr, nullptr, nullptr, nullptr);
             SetTimer(window, 9, 10, nullptr);
             const HANDLE thread = CreateThread(nullptr, 0, SendAndPost, window, 0, nullptr);
-            WaitForThreadEnd(thread);
+            EXPECT_TRUE(WaitForThreadEnd(thread, kThreadEndLimit));
             EXPECT_EQ(WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
             EXPECT_EQ(g_seen, (std::vector<UINT>{kSent, kSent}));
             MSG message{};
             EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE));
             CloseHandle(thread);
             DestroyWindow(window);
-            WaitForThreadEnd(nullptr);  // no thread, and no wait
         });
     }
 }

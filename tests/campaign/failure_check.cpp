@@ -53,9 +53,18 @@ const Row kRows[] = {
     {"LoadImageW", {}, "CMainFrame::OnCreate", {"CMainFrame::OnCreate, LoadImage() fail!!!, ErrorCode"}},
     {"LoadImageW", {"SetWindowPos"}, "", {"CNotify::OnInitDialog, LoadImage() fail!!!, ErrorCode"}},
     {"ReadMsgQueue", {}, "", {"CPowerDetector::ThreadProc_PowerDetector, ReadMsgQueue() fail!!!, ErrorCode"}},
+    {"RegisterWindowMessageW", {}, "", {"CMainFrame::CMainFrame, RegisterWindowMessage() fail!!!, ErrorCode", "CPowerDetector::Init, RegisterWindowMessage() fail!!!, ErrorCode"}},
     {"RequestPowerNotifications", {}, "", {"CPowerDetector::Init, RequestPowerNotifications() fail!!!, ErrorCode"}},
     {"SetCommState", {}, "", {"COM_Init, SetCommState() fail!!!, ErrorCode"}},
     {"SetCommTimeouts", {}, "", {"COM_Init, SetCommTimeouts() fail!!!, ErrorCode"}},
+    {"SetEvent", {}, "", {"CPowerDetector::DeInit, SetEvent() fail!!!, ErrorCode"}},
+    {"SetTimer", {}, "", {
+        "CMainFrame::OnCreate, SetTimer() fail!!!, ErrorCode",
+        "CMainFrame::OnXCommand, SetTimer() fail!!!, ErrorCode",
+        "CMainFrame::OnPaint, SetTimer() fail!!!, ErrorCode",
+        "CMainFrame::DVR_RunningState, SetTimer() fail!!!, ErrorCode",
+        "CMainFrame::StorageCardStatus, SetTimer() fail!!!, ErrorCode",
+        "CNotify::OnClose, SetTimer() fail!!!, ErrorCode"}},
     {"StopPowerNotifications", {}, "", {"CPowerDetector::DeInit, StopPowerNotifications() fail!!!, ErrorCode"}},
     {"WriteFile", {}, "", {"UART_SendCommand, WriteFile() fail!!!, ErrorCode"}},
 };

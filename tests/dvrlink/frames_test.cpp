@@ -1,4 +1,3 @@
-#include "dvrlink/Dispatch.h"
 #include "dvrlink/Handlers.h"
 #include "link_fixture.h"
 
@@ -18,7 +17,7 @@ TEST(ParseData, RefusesNothingWithoutLosingItsPlace) {
         UART_ParseData(frame.data() + 5, static_cast<DWORD>(frame.size() - 5));
     });
     const std::string refusal =
-        "\tUART_ParseData, (!p_byRead || nSize<=0) fail!!!, ErrorCode(0), Parser.cpp(#)\n";
+        "\tUART_ParseData, (!p_byRead || nSize<=0) fail!!!, ErrorCode(0), UART.cpp(#)\n";
     EXPECT_EQ(link.TakeLog(), refusal + refusal + kVolumeLine);
 }
 
@@ -33,7 +32,7 @@ TEST(Handlers, RefuseNoFrameAndAFrameOfTheOtherType) {
     LinkFixture link;
     SetLastError(ERROR_SUCCESS);
     Dispatch_Command(nullptr);
-    std::string expected = "\tDispatch_Command" + kRefused + "Dispatch.cpp(#)";
+    std::string expected = "\tDispatch_Command" + kRefused + "UART.cpp(#)";
     for (const auto& [handler, name] : rows) {
         const BYTE other = name.ends_with("ACK") ? 0x80 : 0x20;
         handler({kFrameSync, other, 0x8026, 0, {}, 0});

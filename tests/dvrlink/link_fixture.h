@@ -8,9 +8,8 @@
 #include <memory>
 #include <vector>
 
-#include "dvrlink/Dispatch.h"
+#include "dvrlink/Handlers.h"
 #include "dvrlink/LinkState.h"
-#include "dvrlink/SerialPort.h"
 #include "dvrlink/UART.h"
 #include "platform/device/memory_line.h"
 #include "platform/device/serial_port.h"

@@ -41,9 +41,9 @@ void Listen() {
     });
 }
 
-// What has been broadcast since the last call, after the detector had time to.
+// The broadcasts since the last call, after the detector had time for another attempt.
 std::string Hear() {
-    Sleep(10);
+    Sleep(150);
     return std::exchange(g_heard, "");
 }
 
@@ -103,8 +103,8 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 2},
         {"CloseMsgQueue", 0, TRUE, "DeInit, CloseMsgQueue()", "0(0,0)3(1,1)", 1},
         // After the request's: what wakes the threads to their end.
-        {"SetEvent", 1, TRUE, "", "0(0,0)3(1,1)", 0},
-        {"SetEvent", 2, TRUE, "", "0(0,0)3(1,1)", 0},
+        {"SetEvent", 1, TRUE, "DeInit, SetEvent()", "0(0,0)3(1,1)", 0},
+        {"SetEvent", 2, TRUE, "DeInit, SetEvent()", "0(0,0)3(1,1)", 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.skip));
@@ -167,7 +167,7 @@ TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
     const std::string begin = "\tCPowerDetector::ThreadProc_Power",
                       end =
                           "_static, (NULL==pThis) fail!!!, Invalid Arguments!!!, ErrorCode(0), "
-                          "PowerThreads.cpp(#)";
+                          "CPowerDetector.cpp(#)";
     EXPECT_EQ(ProgramLog(platform.board),
               (std::vector{begin + "Detector" + end, begin + "CommonCtrl" + end}));
 }

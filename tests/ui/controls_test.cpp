@@ -5,7 +5,6 @@
 #include "platform/gdi/device_context.h"
 #include "platform/kernel/call_faults.h"
 #include "tests/support/platform_fixture.h"
-#include "ui/CtrlList.h"
 #include "ui/DrawButton.h"
 #include "ui/DrawLabel.h"
 

@@ -1,12 +1,14 @@
-#include "app/log/DebugLog.h"
+// The user's commands and the timers.
 #include "wizard/MainFrm.h"
+#include "dvrlink/Commands.h"
+#include "dvrlink/DvrFrame.h"
 
 namespace {
 
+constexpr char kOnXCommand[] = "CMainFrame::OnXCommand";
 constexpr DWORD kPollInterval = 100;
 
-// Waits by polling, handling no message meanwhile, until the condition holds or the polls are used
-// up.
+// Waits until the condition holds, for so many polls at most. No message is handled meanwhile.
 template <typename Condition>
 void PollUntil(Condition condition, int polls) {
     for (int i = 0; i < polls && !condition(); ++i)
@@ -16,6 +18,9 @@ void PollUntil(Condition condition, int polls) {
 }  // namespace
 
 LRESULT CMainFrame::OnXCommand(UINT, WPARAM id, LPARAM, BOOL&) {
+    // Other applications' messages are still sent to a window that waits for its threads to end.
+    if (!IsAlive())
+        return 0;
     switch (id) {
         case IDC_BTN_NEXT:
             OnNext();
@@ -53,19 +58,19 @@ void CMainFrame::OnNext() {
 }
 
 void CMainFrame::StartCheckCard() {
-    if (!ShowNotice())
+    if (!ShowNotice(kOnXCommand))
         return;
     m_byUpdatePercent = 0;
     HideButtons();
     m_bCardStatusReceived = FALSE;
     m_szDvrVersion.Clear();
     Reset_DVR();
-    ArmTimer(TIMER_COMPOSITE_VIDEO, 100);
+    ArmTimer(kOnXCommand, TIMER_COMPOSITE_VIDEO, 100);
     PollUntil([this] { return m_bCardStatusReceived != FALSE; }, 40);
     m_nStep = STEP_CHECK_CARD;
     Repaint();
-    Send(kFirmwareVersionQuery);
-    Send(kStorageCardQuery);
+    Send(DvrCommand::FW_Upgrade_Version | kQueryBit);
+    Send(DvrCommand::StorageCardStatus | kQueryBit);
 }
 
 void CMainFrame::StartInsertCard() {
@@ -73,7 +78,7 @@ void CMainFrame::StartInsertCard() {
     HideButtons();
     Repaint();
     Reset_DVR();
-    ArmTimer(TIMER_COMPOSITE_VIDEO, 100);
+    ArmTimer(kOnXCommand, TIMER_COMPOSITE_VIDEO, 100);
 }
 
 // The step stays until the restarted DVR reports that it runs normally.
@@ -82,7 +87,7 @@ void CMainFrame::StartResult() {
     m_szDvrVersion.Clear();
     HideButtons();
     Reset_DVR();
-    ArmTimer(TIMER_COMPOSITE_VIDEO, 100);
+    ArmTimer(kOnXCommand, TIMER_COMPOSITE_VIDEO, 100);
     Repaint();
 }
 
@@ -121,10 +126,10 @@ void CMainFrame::StartUpdate() {
     }
     m_nStep = STEP_UPDATING;
     HideButtons();
-    NKDbgPrintfW(L"%s\t%S, Reset\r\n", kLogPrefix, "CMainFrame::OnXCommand");
+    NKDbgPrintfW(L"%s\t%S, Reset\r\n", kLogPrefix, kOnXCommand);
     Reset_DVR();
     PollUntil([this] { return m_byUpdatePercent != 0; }, 20);
-    // An image without a percent: the DVR had nothing to update.
+    // The DVR reported an image but no progress.
     if (m_byUpdatePercent == 0 && m_byBinVersion != 0)
         m_nStep = STEP_RESULT;
     Repaint();
@@ -138,13 +143,13 @@ void CMainFrame::RebootDvr() {
     }
     m_nStep = STEP_REOPEN;
     Repaint();
-    Send(kSystemReboot);
+    Send(DvrCommand::System_Reboot);
     m_byRunningState = DVR_RUNNING_STATE_REBOOTTING;
     m_szDvrVersion.Clear();
     Repaint();
     PollUntil([this] { return m_byRunningState != DVR_RUNNING_STATE_REBOOTTING; }, 99);
     Sleep(1000);
-    Send(kFirmwareVersionQuery);
+    Send(DvrCommand::FW_Upgrade_Version | kQueryBit);
 }
 
 void CMainFrame::OnSuspend() {
@@ -158,4 +163,79 @@ void CMainFrame::OnSuspend() {
     HideButtons();
     Repaint();
     SuspendSystem();
+}
+
+LRESULT CMainFrame::OnTimer(UINT, WPARAM id, LPARAM, BOOL&) {
+    // WM_TIMER can be sent too.
+    if (!IsAlive())
+        return 0;
+    switch (id) {
+        case TIMER_NOTIFY:
+            OnNotifyTimer();
+            break;
+        case TIMER_WAIT_CARD_OUT:
+            OnWaitCardOutTimer();
+            break;
+        case TIMER_WAIT_CARD_IN:
+            OnWaitCardInTimer();
+            break;
+        case TIMER_COMPOSITE_VIDEO:
+            OnCompositeVideoTimer();
+            break;
+        case TIMER_REPAINT:
+            ::KillTimer(m_hWnd, id);
+            Repaint();
+            break;
+        default:
+            ::KillTimer(m_hWnd, id);
+            break;
+    }
+    return 0;
+}
+
+void CMainFrame::OnNotifyTimer() {
+    ::KillTimer(m_hWnd, TIMER_NOTIFY);
+    if (m_nStep != STEP_WAIT)
+        return;
+    if (!ShowNotice("CMainFrame::OnTimer"))
+        return;
+    m_nStep = STEP_REMOVE_CARD;
+    ShowOnly(m_pBtnNext);
+    Repaint();
+}
+
+void CMainFrame::OnWaitCardOutTimer() {
+    if (m_nStep != STEP_CHECK_CARD) {
+        ::KillTimer(m_hWnd, TIMER_WAIT_CARD_OUT);
+        return;
+    }
+    if (m_byCardStatus != DVR_STORAGE_CARD_PLUG_OUT)
+        return;
+    ::KillTimer(m_hWnd, TIMER_WAIT_CARD_OUT);
+    ShowOnly(m_pBtnNext);
+    Repaint();
+}
+
+void CMainFrame::OnWaitCardInTimer() {
+    if (m_nStep != STEP_INSERT_CARD) {
+        ::KillTimer(m_hWnd, TIMER_WAIT_CARD_IN);
+        return;
+    }
+    if (m_byCardStatus != DVR_STORAGE_CARD_PLUG_IN)
+        return;
+    ::KillTimer(m_hWnd, TIMER_WAIT_CARD_IN);
+    ShowOnly(m_pBtnUpdate);
+    Repaint();
+}
+
+void CMainFrame::OnCompositeVideoTimer() {
+    ::KillTimer(m_hWnd, TIMER_COMPOSITE_VIDEO);
+    const int step = m_nStep;
+    if (step == STEP_UPDATING || step == STEP_WAIT)
+        return;
+    if (step == STEP_CHECK_CARD && m_byCardStatus != DVR_STORAGE_CARD_PLUG_OUT)
+        return;
+    HideButtons();
+    Repaint();
+    StartCompositeVideo();
 }
