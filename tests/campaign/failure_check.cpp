@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <deque>
 #include <map>
 #include <regex>
 #include <span>
@@ -10,16 +12,16 @@ namespace tests::campaign {
 
 namespace {
 
-// What the program says of a call that fails: one of these lines, with the call's error in
-// parentheses and the source behind it. A row without lines is about a call whose result the
-// program does not look at, or that it makes again.
+// What the program logs of a call that fails: one of these lines, with the call's error in
+// parentheses and the source after it. A row without lines is about a call whose result the
+// program ignores, or that it makes again.
 struct Row {
     std::string_view call;
-    // The thread's calls just before, the latest first; what is left open matches all.
+    // The thread's calls just before, the latest first; an empty one matches any.
     std::array<std::string_view, 3> before;
-    // The function that has told of its entry and not of its exit; any when empty.
+    // The function whose entry was logged and whose exit was not; any when empty.
     std::string_view inside;
-    std::vector<std::string_view> told;
+    std::vector<std::string_view> logged;
 };
 
 // The first row that fits counts. One row a line, whatever its length.
@@ -69,6 +71,9 @@ const Row kRows[] = {
     {"WriteFile", {}, "", {"UART_SendCommand, WriteFile() fail!!!, ErrorCode"}},
 };
 
+// How often a thread may repeat a call in a second while it fails.
+constexpr std::size_t kMostRepeated = 200;
+
 // What follows from a failure, or from a driver that is missing.
 constexpr std::string_view kConsequences[] = {
     "UART_Init, COM_Init() fail!!!, ErrorCode",
@@ -98,35 +103,34 @@ const Left kMayLeave[] = {
     {"DeleteObject", "drawing objects", 1},
     {"EndPaint", "device contexts", 1},
     {"ReleaseDC", "device contexts", 1},
-    // What could not be put back keeps the other object selected, which then cannot be deleted.
+    // The object stays selected and cannot be deleted.
     {"SelectObject", "drawing objects", 1},
     // The request, and the end of the queue that it writes to.
     {"StopPowerNotifications", "handles", 2},
 };
 // clang-format on
 
-// A line of a failure, taken apart.
-struct Told {
-    std::string form;
-    std::string error;  // empty without one
-
+// The parts of a line of a failure; an empty form for any other line.
+struct LogLine {
+    explicit LogLine(const std::string& line) {
+        static const std::regex pattern(
+            R"(\[Tolvane\.exe\] \t(.*?)(?:\((\d+)\))?, \w+\.cpp\(\d+\))");
+        std::smatch parts;
+        is_failure = line.find(" fail!!!") != std::string::npos ||
+                     line.find("Invalid Arguments!!!") != std::string::npos;
+        if (is_failure && std::regex_match(line, parts, pattern)) {
+            form = parts[1];
+            error = parts[2];
+        }
+    }
     bool Is(std::span<const std::string_view> forms) const {
         return std::ranges::find(forms, form) != forms.end();
     }
+
+    bool is_failure;
+    std::string form;
+    std::string error;  // empty without one
 };
-
-// Of another form: an empty one.
-Told TakeApart(const std::string& line) {
-    static const std::regex form(R"(\[Tolvane\.exe\] \t(.*?)(?:\((\d+)\))?, \w+\.cpp\(\d+\))");
-    std::smatch parts;
-    std::regex_match(line, parts, form);
-    return {parts[1], parts[2]};
-}
-
-bool TellsOfFailure(std::string_view line) {
-    return line.find(" fail!!!") != std::string_view::npos ||
-           line.find("Invalid Arguments!!!") != std::string_view::npos;
-}
 
 bool IsInside(const std::vector<std::string>& lines, std::size_t end, std::string_view function) {
     const std::string name(function);
@@ -136,7 +140,7 @@ bool IsInside(const std::vector<std::string>& lines, std::size_t end, std::strin
     return false;
 }
 
-bool Fits(const Row& row, const FailureSeen& failure, const std::vector<std::string>& lines) {
+bool Fits(const Row& row, const CallFailure& failure, const std::vector<std::string>& lines) {
     if (row.call != failure.call.call ||
         !(row.inside.empty() || IsInside(lines, failure.lines, row.inside)))
         return false;
@@ -150,39 +154,56 @@ bool Fits(const Row& row, const FailureSeen& failure, const std::vector<std::str
 }  // namespace
 
 std::vector<std::string> CheckLog(const std::vector<std::string>& lines,
-                                  const std::vector<FailureSeen>& failures) {
+                                  const std::vector<CallFailure>& failures) {
     std::vector<std::string> wrong;
-    std::vector<Told> told;
-    for (const std::string& line : lines) {
-        told.push_back(TellsOfFailure(line) ? TakeApart(line) : Told());
-        const auto& form = told.back();
-        if (TellsOfFailure(line) && !form.Is(kConsequences) &&
-            std::ranges::none_of(kRows, [&](const Row& row) { return form.Is(row.told); }))
-            wrong.push_back("a failure is told in no known form: " + line);
-    }
+    const std::vector<LogLine> log(lines.begin(), lines.end());
+    for (std::size_t at = 0; at < log.size(); ++at)
+        if (log[at].is_failure && !log[at].Is(kConsequences) &&
+            std::ranges::none_of(kRows, [&](const Row& row) { return log[at].Is(row.logged); }))
+            wrong.push_back("a failure is logged in no known form: " + lines[at]);
     const bool without_picture = std::ranges::any_of(
-        failures, [](const FailureSeen& each) { return each.call.call == "LoadImageW"; });
-    for (const FailureSeen& failure : failures) {
+        failures, [](const CallFailure& each) { return each.call.call == "LoadImageW"; });
+    for (const CallFailure& failure : failures) {
         const auto* const row = std::ranges::find_if(
             kRows, [&](const Row& each) { return Fits(each, failure, lines); });
-        // The grey box that stands for a picture is drawn with a brush of its own.
-        if (row == std::end(kRows) || row->told.empty() ||
+        // The grey box in place of a picture is drawn with a brush of its own.
+        if (row == std::end(kRows) || row->logged.empty() ||
             (row->before[0] == "FillRect" && without_picture))
             continue;
         const std::string error = std::to_string(failure.call.error);
         if (std::none_of(
-                told.begin() + static_cast<std::ptrdiff_t>(failure.lines), told.end(),
-                [&](const Told& line) { return line.error == error && line.Is(row->told); }))
+                log.begin() + static_cast<std::ptrdiff_t>(failure.lines), log.end(),
+                [&](const LogLine& line) { return line.error == error && line.Is(row->logged); }))
             wrong.push_back("call " + std::to_string(failure.call.number_of_all) + ", " +
                             std::string(failure.call.call) + ", failed with error " + error +
-                            " and was not told of");
+                            " and was not logged");
     }
     return wrong;
 }
 
-std::string TooMuchLeft(const std::string& leftovers, const std::vector<FailureSeen>& failures) {
+std::vector<std::string> CheckPace(const std::vector<CallFailure>& failures) {
+    std::map<std::pair<DWORD, std::string_view>, std::deque<platform::kernel::Time>> latest;
+    std::map<std::string_view, std::string> wrong;
+    for (const CallFailure& failure : failures) {
+        auto& times = latest[{failure.call.thread, failure.call.call}];
+        times.push_back(failure.call.time);
+        if (times.size() <= kMostRepeated)
+            continue;
+        if (failure.call.time - times.front() < std::chrono::seconds(1))
+            wrong[failure.call.call] = std::string(failure.call.call) + " was repeated " +
+                                       std::to_string(kMostRepeated) +
+                                       " times in a second while it failed";
+        times.pop_front();
+    }
+    std::vector<std::string> lines;
+    for (auto& [call, line] : wrong)
+        lines.push_back(std::move(line));
+    return lines;
+}
+
+std::string TooMuchLeft(const std::string& leftovers, const std::vector<CallFailure>& failures) {
     std::map<std::string, int> allowed;
-    for (const FailureSeen& failure : failures)
+    for (const CallFailure& failure : failures)
         for (const Left& row : kMayLeave)
             if (row.call == failure.call.call)
                 allowed[row.what] += row.count;

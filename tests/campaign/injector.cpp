@@ -4,6 +4,7 @@
 
 #include "platform/kernel/scheduler.h"
 #include "unit/board/program_host.h"
+#include "unit/commands/unit_commands.h"
 
 namespace tests::campaign {
 
@@ -12,18 +13,12 @@ namespace kernel = platform::kernel;
 namespace {
 
 constexpr std::string_view kOnTheLine = "fault on the line";
+constexpr std::string_view kSkip = "SKIP";
 constexpr std::size_t kCallsRemembered = 4;
 
 }  // namespace
 
-void Injector::Record(std::string_view fault) {
-    const std::scoped_lock lock(mutex_);
-    seen_.injected.push_back(fault);
-    seen_.last = kernel::Now();
-}
-
-Injector::Injector(const Case& trial, WizardRun& run, unit::Operator& unit_operator)
-    : run_(run), operator_(unit_operator) {
+Injector::Injector(const Case& test_case, WizardRun& run) : run_(run), waiting_(test_case.faults) {
     kernel::ObserveCalls([this](const kernel::MadeCall& call) { OnCall(call); });
     kernel::ObserveFailedCalls([this](const kernel::FailedCall& call) { OnFailedCall(call); });
     subscription_ = run.unit().events().Subscribe([this](const unit::TimedEvent& event) {
@@ -34,19 +29,22 @@ Injector::Injector(const Case& trial, WizardRun& run, unit::Operator& unit_opera
             for (const std::uint8_t byte : line->bytes)
                 OnByte(byte);
     });
-    for (const Fault& fault : trial.faults) {
-        if (fault.kind->name == kFails || fault.trigger == kByte)
-            AddFault(*fault.kind, fault.number - 1);
-        else
-            waiting_.push_back(fault);
-    }
+    for (const Fault& fault : waiting_)
+        if (fault.FailsCalls() || fault.trigger == kByte)
+            Execute(fault.kind->command, fault.number - 1);
 }
 
-void Injector::AddFault(const FaultKind& kind, std::uint64_t skip) {
-    const auto outcome = unit::UnitCommands().Execute(
-        operator_, std::string(kind.command) + " after " + std::to_string(skip) + " times 1");
-    if (!outcome.done)
-        throw std::logic_error(outcome.text);
+void Injector::Execute(std::string_view command, std::uint64_t skip) {
+    std::string text(command);
+    if (const std::size_t at = text.find(kSkip); at != std::string::npos)
+        text.replace(at, kSkip.size(), std::to_string(skip));
+    unit::UnitCommands().Execute(run_.unit_operator(), text);
+}
+
+void Injector::Record(std::string_view fault) {
+    const std::scoped_lock lock(mutex_);
+    injections_.injected.push_back(fault);
+    injections_.last = kernel::Now();
 }
 
 void Injector::Stop() {
@@ -76,36 +74,38 @@ void Injector::OnCall(const kernel::MadeCall& call) {
         due = TakeDue(kCall, call.number_of_all);
     }
     for (const Fault& fault : due)
-        InjectNow(fault);
+        if (!fault.FailsCalls())
+            InjectNow(fault);
+        else if (Record(fault.kind->name); fault.kind->name != kFails)
+            kernel::AddCallFault({std::string(call.call), 0, kernel::kForEver});
 }
 
 void Injector::OnFailedCall(const kernel::FailedCall& call) {
-    const std::size_t lines = run_.lines().size();
-    Record(kFails);
+    const std::size_t lines = run_.line_count();
     const std::scoped_lock lock(mutex_);
     const std::deque<std::string_view>& latest = latest_[call.thread];
     // The first of them is the call itself.
-    seen_.failures.push_back({call, {latest.begin() + 1, latest.end()}, lines});
+    injections_.failures.push_back({call, {latest.begin() + 1, latest.end()}, lines});
 }
 
 void Injector::OnByte(std::uint8_t byte) {
     const std::scoped_lock lock(mutex_);
-    ++seen_.bytes;
+    ++injections_.bytes;
     const auto segment = splitter_.Take(byte);
     if (!segment || segment->kind != unit::Segment::Kind::kFrame)
         return;
-    for (const Fault& fault : TakeDue(kFrame, ++seen_.frames))
+    for (const Fault& fault : TakeDue(kFrame, ++injections_.frames))
         kernel::At(kernel::Now(), [this, fault] { Inject(fault); });
 }
 
 void Injector::Inject(const Fault& fault) {
-    if (fault.kind->counts)
-        return AddFault(*fault.kind, 0);
-    Record(fault.kind->name);
+    // A fault of the line is recorded when it strikes.
+    if (fault.kind->command.find(kSkip) == std::string_view::npos)
+        Record(fault.kind->name);
     if (fault.kind->command.empty())
         unit::ProgramHost::CloseWindow();
     else
-        unit::UnitCommands().Execute(operator_, fault.kind->command);
+        Execute(fault.kind->command, 0);
 }
 
 void Injector::InjectNow(const Fault& fault) {
@@ -121,12 +121,12 @@ void Injector::InjectNow(const Fault& fault) {
         lock, [&] { return injected; }, kernel::kNever);
 }
 
-Injections Injector::seen() const {
+Injections Injector::injections() const {
     const std::scoped_lock lock(mutex_);
-    return seen_;
+    return injections_;
 }
 
-bool Injections::Injected(std::string_view kind) const {
+bool Injections::Has(std::string_view kind) const {
     return std::ranges::find(injected, kind) != injected.end();
 }
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "tests/campaign/trial.h"
+#include "tests/campaign/case_run.h"
 
 #ifdef __SANITIZE_ADDRESS__
 #include <sanitizer/lsan_interface.h>
@@ -24,37 +24,36 @@ using nlohmann::json;
 
 constexpr std::string_view kMark = "\n== result ==\n";
 constexpr unsigned kSecondsOfTheHost = 120;
-// How much of what a process that died has said is shown.
-constexpr std::size_t kLastWords = 3000;
+// How much of the output of a process that died is shown, in bytes.
+constexpr std::size_t kLastOutput = 3000;
 
-[[noreturn]] void BeChild(const Case& trial, int output) {
+[[noreturn]] void BeChild(const Case& test_case, int output) {
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     alarm(kSecondsOfTheHost);
-    Result result = RunCase(trial);
+    Result result = RunCase(test_case);
 #ifdef __SANITIZE_ADDRESS__
     if (__lsan_do_recoverable_leak_check() != 0)
         result.findings.push_back("memory is left after the end");
 #endif
-    // Whatever the bytes that were found.
     const std::string text =
         std::string(kMark) + json(result).dump(-1, ' ', false, json::error_handler_t::replace);
     _exit(write(output, text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
 }
 
 struct Child {
-    const Case* trial;
+    const Case* test_case;
     int output;
 };
 
-std::pair<pid_t, Child> StartChild(const Case& trial) {
+std::pair<pid_t, Child> StartChild(const Case& test_case) {
     const int output = memfd_create("output", MFD_CLOEXEC);
     const pid_t process = fork();
     if (output < 0 || process < 0)
         std::abort();
     if (process == 0)
-        BeChild(trial, output);
-    return {process, {&trial, output}};
+        BeChild(test_case, output);
+    return {process, {&test_case, output}};
 }
 
 std::string HowItEnded(int status) {
@@ -64,15 +63,15 @@ std::string HowItEnded(int status) {
                                        : "it died of signal " + std::to_string(WTERMSIG(status));
 }
 
-Result VerdictOf(const Child& child, int status) {
-    std::string said(static_cast<std::size_t>(lseek(child.output, 0, SEEK_END)), '\0');
-    said.resize(static_cast<std::size_t>(pread(child.output, said.data(), said.size(), 0)));
+Result ResultOf(const Child& child, int status) {
+    std::string output(static_cast<std::size_t>(lseek(child.output, 0, SEEK_END)), '\0');
+    output.resize(static_cast<std::size_t>(pread(child.output, output.data(), output.size(), 0)));
     close(child.output);
-    const std::size_t mark = said.rfind(kMark);
+    const std::size_t mark = output.rfind(kMark);
     if (status == 0 && mark != std::string::npos)
-        return json::parse(said.substr(mark + kMark.size())).get<Result>();
-    said.erase(0, said.size() - std::min(said.size(), kLastWords));
-    return {.findings = {HowItEnded(status) + "; it said last:\n" + said}};
+        return json::parse(output.substr(mark + kMark.size())).get<Result>();
+    output.erase(0, output.size() - std::min(output.size(), kLastOutput));
+    return {.findings = {HowItEnded(status) + "; its last output:\n" + output}};
 }
 
 }  // namespace
@@ -89,7 +88,7 @@ void RunIsolated(const std::vector<Case>& cases, std::size_t side_by_side,
         }
         int status = 0;
         if (const auto child = children.extract(waitpid(-1, &status, 0)))
-            done(*child.mapped().trial, VerdictOf(child.mapped(), status));
+            done(*child.mapped().test_case, ResultOf(child.mapped(), status));
     }
 }
 

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <random>
 
-#include "tests/campaign/trial.h"
+#include "tests/campaign/case_run.h"
 
 namespace tests::campaign {
 
 namespace {
 
-// Not a distribution of the library: those may give other numbers elsewhere.
+// A distribution of the library may give other numbers elsewhere.
 std::uint64_t Below(std::mt19937& random, std::uint64_t end) {
     return random() % end;
 }
@@ -23,10 +23,11 @@ std::vector<Baseline> MeasureBaselines(
     for (const Flow* const flow : flows)
         cases.push_back({flow, 1, {}});
     std::vector<Baseline> baselines(flows.size());
-    RunIsolated(cases, side_by_side, [&](const Case& trial, const Result& result) {
+    RunIsolated(cases, side_by_side, [&](const Case& test_case, const Result& result) {
         for (const std::string& finding : result.findings)
-            find(trial, finding);
-        baselines[static_cast<std::size_t>(&trial - cases.data())] = {trial.flow, result.counts};
+            find(test_case, finding);
+        baselines[static_cast<std::size_t>(&test_case - cases.data())] = {test_case.flow,
+                                                                          result.counts};
     });
     return baselines;
 }
@@ -53,17 +54,18 @@ std::vector<Case> Sample(const std::vector<Baseline>& baselines,
                          std::size_t count, std::uint32_t seed) {
     std::mt19937 random(seed);
     std::vector<Case> cases(count);
-    for (Case& trial : cases) {
+    for (Case& test_case : cases) {
         const Baseline& baseline = baselines[Below(random, baselines.size())];
-        trial.flow = baseline.flow;
-        while (trial.faults.size() < faults) {
+        test_case.flow = baseline.flow;
+        while (test_case.faults.size() < faults) {
             const FaultKind* const kind = kinds[Below(random, kinds.size())];
-            // A flow without a link has calls alone.
+            // A flow without a link has only calls.
             const std::size_t triggers = std::ranges::count_if(
                 baseline.counts.begin(), baseline.counts.begin() + kind->last + 1,
                 [](std::uint64_t number) { return number > 0; });
             const auto trigger = static_cast<Trigger>(Below(random, triggers));
-            trial.faults.push_back({kind, trigger, 1 + Below(random, baseline.counts[trigger])});
+            test_case.faults.push_back(
+                {kind, trigger, 1 + Below(random, baseline.counts[trigger])});
         }
     }
     return cases;

@@ -7,9 +7,8 @@
 
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
-#include "tests/campaign/flow.h"
+#include "tests/campaign/case.h"
 #include "tests/support/numbers.h"
-#include "tests/unit_harness/car_driver.h"
 #include "unit/control/watch.h"
 
 namespace tests {
@@ -18,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace kernel = platform::kernel;
 
-// What ./test tries, in parts that run side by side.
+// How many ./test runs, in parts that run side by side.
 #ifdef TOLVANE_SANITIZED
 constexpr std::uint64_t kSchedules = 40;
 #else
@@ -26,19 +25,18 @@ constexpr std::uint64_t kSchedules = 1000;
 #endif
 constexpr std::uint64_t kParts = 4;
 
-// Drawing takes most of a run and is the same whoever comes first: few rows of it are kept.
+// Drawing takes most of a run and does not depend on the schedule: only these rows are drawn.
 constexpr int kRows = 8;
 
-// What each thread logged, sent to the DVR, asked of drivers and broadcast, in its order. Only the
-// order between threads may depend on who runs first, and the times.
-using Account = std::vector<std::vector<std::string>>;
+// What each thread logged, sent to the DVR, requested from drivers and broadcast, in its order.
+// Times and the order between threads may depend on the schedule, but nothing else.
+using ThreadTraces = std::vector<std::vector<std::string>>;
 
-Account WholeUpdate(std::uint32_t schedule, bool preempt) {
+ThreadTraces WholeUpdate(std::uint32_t schedule, bool preempt) {
     unit::VirtualUnit::Options options;
-    campaign::ShortenUpdate(options.dvr.dvr.timings, options.dvr.dvr.faults);
     options.kernel.seed = schedule;
     options.kernel.preempt = preempt;
-    // The tick count begins anew while the DVR updates itself.
+    // The tick count wraps while the DVR updates itself.
     options.kernel.start = std::chrono::milliseconds(std::uint64_t{1} << 32) - 30s;
     WizardRun run(options);
     std::map<DWORD, std::vector<std::string>> by_thread;
@@ -47,25 +45,27 @@ Account WholeUpdate(std::uint32_t schedule, bool preempt) {
             run.unit().events(), {.frames = true, .broadcasts = true, .log = true, .rest = true},
             [&by_thread](const std::string& line) {
                 const std::string what = line.substr(line.find("  ", line.find('.')));
-                // Its folder has another name each time.
+                // The card's folder has another name each time.
                 if (!what.starts_with("  card  "))
                     by_thread[kernel::CurrentThread().id].push_back(what);
             });
         CarDriver driver(run);
-        EXPECT_EQ(driver.Drive(300s), CarDriver::End::kSuccess);
+        EXPECT_EQ(
+            campaign::RunFlow(*campaign::Named("flow", "quick", campaign::Flows()), run, driver),
+            CarDriver::End::kSuccess);
         run.Close();
     }
-    Account account;
+    ThreadTraces traces;
     for (auto& [thread, lines] : by_thread)
-        account.push_back(std::move(lines));
-    std::ranges::sort(account);
-    return account;
+        traces.push_back(std::move(lines));
+    std::ranges::sort(traces);
+    return traces;
 }
 
-std::string FirstDifference(const Account& usual, const Account& other) {
-    for (std::size_t thread = 0; thread < std::max(usual.size(), other.size()); ++thread) {
-        if (thread >= usual.size() || thread >= other.size())
-            return "another number of threads";
+std::string FirstDifference(const ThreadTraces& usual, const ThreadTraces& other) {
+    if (usual.size() != other.size())
+        return "another number of threads";
+    for (std::size_t thread = 0; thread < usual.size(); ++thread) {
         const auto [a, b] = std::ranges::mismatch(usual[thread], other[thread]);
         if (a != usual[thread].end() || b != other[thread].end())
             return "usual: " + (a == usual[thread].end() ? "nothing more" : *a) +
@@ -84,7 +84,7 @@ class Schedules : public testing::TestWithParam<std::uint64_t> {
 TEST_P(Schedules, ChangeOnlyTheOrderBetweenThreads) {
     const std::uint64_t count = NumberFrom("TOLVANE_SCHEDULES", kSchedules) / kParts;
     const std::uint64_t first = NumberFrom("TOLVANE_SCHEDULES_SEED", 1) + GetParam() * count;
-    const Account usual = WholeUpdate(0, false);
+    const ThreadTraces usual = WholeUpdate(0, false);
     for (std::uint64_t schedule = first; schedule < first + count; ++schedule)
         ASSERT_EQ(FirstDifference(usual, WholeUpdate(static_cast<std::uint32_t>(schedule), true)),
                   "")

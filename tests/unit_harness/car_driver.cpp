@@ -1,5 +1,7 @@
 #include "tests/unit_harness/car_driver.h"
 
+#include <utility>
+
 #include "platform/kernel/clock.h"
 
 namespace tests {
@@ -10,16 +12,16 @@ using platform::kernel::Now;
 namespace {
 
 constexpr auto kPollInterval = 400ms;
-// The wizard is busy for a while after some taps, and shows the button still.
+// The wizard is busy for a while after some taps and still shows the button.
 constexpr auto kTapAgain = 1s;
-// A driver reads the screen before he believes it: some stand for a moment only.
+// Some screens are shown only briefly: a driver reads before he believes one.
 constexpr auto kReading = 1s;
-// The version comes after the screen that shows the update's end.
-constexpr auto kVersionComes = 6s;
+// The version arrives after the screen that shows the update's end.
+constexpr auto kVersionTime = 6s;
 // When nothing on the screen helps, he tries where buttons were before.
 constexpr auto kHelpless = 8s;
 constexpr POINT kButtons[] = {{699, 438}, {499, 438}};
-// How long a card stays out before another one goes in, and how long the DVR restarts before that.
+// How long a card stays out before the next is inserted, and how long the DVR restarts before that.
 constexpr auto kCardChange = 2s;
 constexpr auto kRestart = 4s;
 
@@ -38,76 +40,64 @@ const char* NameOf(CarDriver::End end) {
     return kNames[static_cast<std::size_t>(end)];
 }
 
-bool CarDriver::CardIn() {
-    return run_.unit().dvr().dvr()->CardIn();
-}
-
-void CarDriver::MoveCard(bool in) {
-    if (in) {
-        blank_is_in_ = forget_image_;
-        run_.unit().InsertCard(std::exchange(forget_image_, false) ? blank_.path() : image_.path());
-    } else {
-        run_.unit().RemoveCard();
-    }
+void CarDriver::MoveCard(const char* command) {
+    run_.RunScenario(command);
     card_moved_ = news_ = Now();
 }
 
-std::optional<std::chrono::microseconds> CarDriver::Stands(const std::wstring& text) {
+std::optional<CarDriver::Time> CarDriver::ShownFor(const std::wstring& text) {
     if (!run_.screen().Shows(text))
         return std::nullopt;
     return Now() - texts_since_;
 }
 
+bool CarDriver::Tap(const char* caption) {
+    if (Now() - tapped_ < kTapAgain || !run_.Tap(caption))
+        return false;
+    tapped_ = news_ = Now();
+    return true;
+}
+
 void CarDriver::Act() {
-    const auto tap = [this](const wchar_t* caption) {
-        if (Now() - tapped_ < kTapAgain || !run_.Tap(caption))
-            return false;
-        tapped_ = news_ = Now();
-        return true;
-    };
-    if (tap(L"OK"))
+    if (Tap("OK"))
         return;
+    const bool card_in = run_.unit().dvr().dvr()->CardIn();
     const bool card_unwanted =
-        Stands(kCheckCard) || Stands(kRemoveCard) || (Stands(kImageMissing) && blank_is_in_);
-    if (card_unwanted && CardIn()) {
-        MoveCard(false);
-        return;
+        ShownFor(kCheckCard) || ShownFor(kRemoveCard) || (ShownFor(kImageMissing) && blank_is_in_);
+    if (card_unwanted && card_in)
+        return MoveCard("card out");
+    if (ShownFor(kInsertCard) > kRestart && !card_in && Now() - card_moved_ > kCardChange) {
+        blank_is_in_ = std::exchange(forget_image_, false);
+        return MoveCard(blank_is_in_ ? "card without image" : "card in");
     }
-    if (Stands(kInsertCard) > kRestart && !CardIn() && Now() - card_moved_ > kCardChange) {
-        MoveCard(true);
-        return;
-    }
-    for (const wchar_t* caption : {L"Power On", L"Next", L"Update"})
-        if (tap(caption))
+    for (const char* const caption : {"Power On", "Next", "Update"})
+        if (Tap(caption))
             return;
-    if (Now() - news_ < kHelpless) {
-        groped_ = false;
-    } else if (!std::exchange(groped_, true)) {
+    if (Now() - news_ < kHelpless)
+        tried_places_ = false;
+    else if (!std::exchange(tried_places_, true))
         for (const POINT place : kButtons)
-            run_.TapAt(place.x, place.y);
-    }
+            run_.TapAt(place);
 }
 
 void CarDriver::Look() {
     run_.RunFor(kPollInterval);
-    if (const std::uint64_t version = run_.unit().screen_version(); version != seen_version_) {
-        seen_version_ = version;
-        std::vector<std::wstring> texts = run_.screen().Texts();
-        if (texts != texts_) {
+    if (const std::uint64_t version = run_.unit().screen_version();
+        std::exchange(seen_version_, version) != version)
+        if (auto texts = run_.screen().Texts(); texts != texts_) {
             texts_ = std::move(texts);
             texts_since_ = news_ = Now();
         }
-    }
     Act();
     looked_();
 }
 
-std::optional<CarDriver::End> CarDriver::Arrived() {
-    if (Stands(kSuccess) > kReading)
+std::optional<CarDriver::End> CarDriver::FindEnd() {
+    if (ShownFor(kSuccess) > kReading)
         return End::kSuccess;
-    if (Stands(kFailure) > kVersionComes)
+    if (ShownFor(kFailure) > kVersionTime)
         return End::kFailure;
-    if (Stands(kError) > kVersionComes)
+    if (ShownFor(kError) > kVersionTime)
         return End::kError;
     if (Now() - news_ > kPatience)
         return End::kStandstill;
@@ -120,20 +110,16 @@ std::optional<CarDriver::End> CarDriver::Drive(std::chrono::seconds limit,
     const auto deadline = Now() + limit;
     while (Now() < deadline && run_.unit().program().running() && !stop()) {
         Look();
-        if (const auto end = Arrived())
+        if (const auto end = FindEnd())
             return end;
     }
     return std::nullopt;
 }
 
 void CarDriver::CyclePower() {
-    if (CardIn())
-        MoveCard(false);
-    run_.unit().SetExternalPower(false);
-    run_.RunFor(kCardChange);
-    run_.unit().ResetDvr();
-    run_.unit().SetExternalPower(true);
-    run_.RunFor(kRestart);
+    if (run_.unit().dvr().dvr()->CardIn())
+        MoveCard("card out");
+    run_.RunScenario("power off\nwait 2s\ndvr reset\npower on\nwait 4s");
 }
 
 }  // namespace tests

@@ -4,16 +4,29 @@
 
 #include <algorithm>
 #include <iostream>
-#include <mutex>
+#include <stdexcept>
 
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
+#include "unit/scenario/scenario_run.h"
 
 namespace tests {
 
 namespace kernel = platform::kernel;
 using namespace std::chrono_literals;
+
+namespace {
+
+unit::Scenario Read(const std::string& text) {
+    std::vector<std::string> problems;
+    auto scenario = unit::ReadScenario(text, "text", problems);
+    if (!scenario)
+        throw std::invalid_argument(problems.front());
+    return *std::move(scenario);
+}
+
+}  // namespace
 
 unit::Program TheProgram() {
     const auto run = [] {
@@ -23,6 +36,12 @@ unit::Program TheProgram() {
     return {run, res::ProgramResources()};
 }
 
+unit::VirtualUnit::Options OptionsFrom(const std::string& text) {
+    unit::VirtualUnit::Options options;
+    Read(text).settings.ApplyTo(options);
+    return options;
+}
+
 WizardRun::WizardRun(const unit::VirtualUnit::Options& options)
     : log_([this](std::chrono::microseconds, const std::string& line) {
           const std::scoped_lock lock(mutex_);
@@ -30,12 +49,12 @@ WizardRun::WizardRun(const unit::VirtualUnit::Options& options)
       }) {
     unit_ = std::make_unique<unit::VirtualUnit>(
         options, TheProgram(), log_, [](const std::string& line) { std::cerr << line << '\n'; });
+    operator_ = std::make_unique<unit::Operator>(*unit_, "");
     unit_->Start();
 }
 
 void WizardRun::Close() {
-    closed_ = true;
-    EXPECT_TRUE(unit_->Close(60s)) << "the program did not end";
+    EXPECT_TRUE(CloseAnyhow()) << "the program did not end";
     EXPECT_EQ(unit_->leftovers(), "");
     EXPECT_EQ(unit_->program().exit_code(), 0);
 }
@@ -61,23 +80,33 @@ bool WizardRun::RunUntil(const std::function<bool()>& condition, std::chrono::se
     return true;
 }
 
-bool WizardRun::Tap(const std::wstring& caption) {
-    const auto place = screen().PlaceOf(caption);
+std::string WizardRun::RunScenario(const std::string& text) {
+    unit::ScenarioRun run(*operator_, Read(text), {});
+    run.Start();
+    kernel::RunHardware([&] { return run.finished(); });
+    return run.problem();
+}
+
+bool WizardRun::Tap(const std::string& caption) {
+    const auto place = operator_->FindButton(caption);
     if (place)
-        TapAt(place->x, place->y);
+        TapAt(*place);
     return place.has_value();
 }
 
-void WizardRun::TapAt(int x, int y) {
-    unit_->Touch(platform::window::Touch::kDown, x, y);
-    RunFor(100ms);
-    unit_->Touch(platform::window::Touch::kUp, x, y);
-    RunFor(1ms);
+void WizardRun::TapAt(POINT place) {
+    operator_->Tap(place, 100ms);
+    kernel::RunHardware([this] { return !operator_->busy(); });
 }
 
 std::vector<std::string> WizardRun::lines() const {
     const std::scoped_lock lock(mutex_);
     return lines_;
+}
+
+std::size_t WizardRun::line_count() const {
+    const std::scoped_lock lock(mutex_);
+    return lines_.size();
 }
 
 bool WizardRun::Logged(const std::string& part) const {

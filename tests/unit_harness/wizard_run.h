@@ -9,14 +9,15 @@
 
 #include "unit/board/debug_log.h"
 #include "unit/board/virtual_unit.h"
+#include "unit/commands/operator.h"
 #include "unit/picture/screen_reader.h"
 
 namespace tests {
 
 unit::Program TheProgram();
 
-// The whole program on the whole unit with the simulated DVR, in simulated time unless told
-// otherwise. Ends the program in order and expects that nothing is left.
+// The whole program on the whole unit with the simulated DVR, in simulated time by default. The
+// destructor closes the program and expects that nothing is left. Host thread.
 class WizardRun {
   public:
     explicit WizardRun(const unit::VirtualUnit::Options& options = {});
@@ -28,28 +29,27 @@ class WizardRun {
     WizardRun& operator=(const WizardRun&) = delete;
 
     unit::VirtualUnit& unit() { return *unit_; }
+    unit::Operator& unit_operator() { return *operator_; }
     unit::ScreenReader screen() { return unit::ScreenReader(unit_->Screen()); }
 
     void RunFor(std::chrono::milliseconds time);
-    // Runs until it holds, looking every 20 ms of unit time; false when it did not come in time.
+    // Runs until the condition holds, checked every 20 ms of unit time; false after the limit.
     bool RunUntil(const std::function<bool()>& condition, std::chrono::seconds limit);
-    bool WaitForText(const std::wstring& text, std::chrono::seconds limit) {
-        return RunUntil([&] { return screen().Shows(text); }, limit);
-    }
+    // Executes the commands of that scenario text, but not its settings, until they end. Returns
+    // what was wrong; empty when it passed.
+    std::string RunScenario(const std::string& text);
+    // Taps the button with that caption; false when it is not on the screen.
+    bool Tap(const std::string& caption);
+    void TapAt(POINT place);
 
-    // Presses the button with that caption for 100 ms; false when it is not on the screen.
-    bool Tap(const std::wstring& caption);
-    void TapAt(int x, int y);
-
-    // Closes the window and waits for the end; the destructor does it otherwise. What was left
-    // open is a failure.
+    // Closes the program; expects that it ends, returns 0 and leaves nothing open.
     void Close();
-
-    // The same without a look at what was left or returned; false when it did not end.
+    // Closes the program and expects nothing; false when it did not end.
     bool CloseAnyhow();
 
     // The debug output so far, a line an entry.
     std::vector<std::string> lines() const;
+    std::size_t line_count() const;
     bool Logged(const std::string& part) const;
 
   private:
@@ -57,7 +57,11 @@ class WizardRun {
     std::vector<std::string> lines_;
     unit::DebugLog log_;
     std::unique_ptr<unit::VirtualUnit> unit_;
+    std::unique_ptr<unit::Operator> operator_;
     bool closed_ = false;
 };
+
+// The settings of that scenario text on top of the defaults.
+unit::VirtualUnit::Options OptionsFrom(const std::string& text);
 
 }  // namespace tests
