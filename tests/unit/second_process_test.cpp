@@ -37,7 +37,8 @@ TEST_F(SecondProcess, BringsTheFirstForwardAndEndsWithOneAndNoWindow) {
     const pid_t first = StartAndWait("first-", {});
     for (const Words& options : {Words{"--headless"}, Words{}}) {
         EXPECT_EQ(WaitForEnd(StartUnit("second-", options)), 1);
-        EXPECT_EQ(Read("second-err"), "tolvane: the unit that runs already has come forward\n");
+        EXPECT_EQ(Read("second-err"),
+                  "tolvane: another unit runs already; its window was brought forward\n");
         EXPECT_EQ(Read("second-out"), "");
     }
     // The name of another unit is another unit.

@@ -127,7 +127,7 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
     for (const auto& [text, problem] :
          {std::pair("tap 'Power On'", ":1: tap \"Power On\": there is no \"Power On\""),
           {"card inn", ":1: 'inn' is not allowed after 'card'"},
-          {"seed 3", ":1: seed 3: holds from a unit's start"}})
+          {"seed 3", ":1: seed 3: applies when a unit starts"}})
         EXPECT_TRUE(Error(write("wrong.scenario", text), 1)
                         .starts_with("unitctl: " + Path("wrong.scenario") + problem))
             << Read("ctl-err");
@@ -142,7 +142,7 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
     };
     const pid_t waiting = begin("long-");
     EXPECT_EQ(Error(press, 1),
-              "unitctl: the unit is at another scenario, long; allowed is one at a time\n");
+              "unitctl: the unit already runs the scenario long; allowed is one at a time\n");
     End(waiting, SIGKILL);
     EXPECT_TRUE(WaitUntil([&] { return Ctl(write("short.scenario", "wait 1ms\n")) == 0; }));
     // One that still runs does not keep the unit.

@@ -7,7 +7,7 @@
 
 #include "tests/support/process.h"
 #include "tests/unit_harness/wizard_run.h"
-#include "unit/picture/picture_difference.h"
+#include "unit/picture/picture.h"
 
 // Scenarios on the whole program and unit, in simulated time.
 

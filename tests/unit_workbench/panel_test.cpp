@@ -9,7 +9,7 @@
 namespace tests {
 namespace {
 
-// The panel drawn for nobody, in simulated time.
+// The panel in simulated time, drawn into memory.
 class PanelTest : public testing::Test {
   protected:
     PanelTest() {
@@ -17,12 +17,9 @@ class PanelTest : public testing::Test {
         ImGui::GetIO().IniFilename = nullptr;
         ImGui::GetIO().DisplaySize = {1280, 800};
         std::string problem;
-        EXPECT_TRUE(unit::LoadFonts(1, 1, desk_.fonts, problem)) << problem;
-        unsigned char* pixels = nullptr;
-        int width = 0;
-        int height = 0;
-        ImGui::GetIO().Fonts->GetTexDataAsAlpha8(&pixels, &width, &height);
-        desk_.unfolded = true;
+        EXPECT_TRUE(unit::LoadFonts(1, 1, context_.fonts, problem)) << problem;
+        ImGui::GetIO().Fonts->Build();
+        context_.unfold_all = true;
     }
     ~PanelTest() override {
         ImGui::DestroyContext();
@@ -31,7 +28,7 @@ class PanelTest : public testing::Test {
 
     void Draw() {
         ImGui::NewFrame();
-        panel_.Draw(desk_, unit::PlaceAll(1280, 800, 1, 262, unit::Scaling::kWhole));
+        panel_.Draw(context_, unit::PlaceAll(1280, 800, 1, 262, unit::Scaling::kWhole));
         ImGui::Render();
     }
 
@@ -39,29 +36,26 @@ class PanelTest : public testing::Test {
     unit::VirtualUnit unit_{
         {}, {[] { return 0; }, res::ProgramResources()}, log_, [](const std::string&) {}};
     unit::Operator operator_{unit_, "/"};
-    unit::PictureMeter meter_;
     unit::History history_{unit_.events()};
     unit::CommandRunner commands_{unit::UnitCommands(), operator_};
-    unit::Desk desk_{unit_, commands_, history_, meter_};
+    unit::PanelContext context_{unit_, commands_, history_};
     unit::Panel panel_;
 };
 
-TEST_F(PanelTest, EveryButtonStandsForACommandThatExists) {
-    Draw();
-    // Some buttons stand for another command in another state.
+TEST_F(PanelTest, ButtonsAndKeysExecuteValidCommands) {
+    // Some buttons execute another command in another state.
     for (const char* const line :
-         {"fault dvr silent on", "fault dvr fail-at 57", "fault dvr jump-back 57 20",
-          "fault dvr version 1.2.3", "fault dvr copies 3", "fault line drop frames",
-          "fault driver SCA0: missing", "card in", "power off"}) {
-        commands_.Follow(line);
+         {"fault dvr none", "fault dvr silent on", "fault dvr fail-at 57",
+          "fault dvr jump-back 57 20", "fault dvr version 1.2.3", "fault dvr copies 3",
+          "fault line drop frames", "fault driver SCA0: missing", "card in", "power off"}) {
+        commands_.Execute(line);
         EXPECT_TRUE(commands_.entries().back().done) << commands_.entries().back().reply;
         Draw();
+        for (const unit::KeyRow& key : unit::Keys())
+            EXPECT_TRUE(!key.command || commands_.Knows(key.command(context_))) << key.name;
     }
-    for (int i = 0; i < 600; ++i)
-        commands_.Follow("nonsense");
-    EXPECT_EQ(commands_.entries().size(), 500U);
-    EXPECT_GT(commands_.asked().size(), 60U);
-    for (const auto& [line, known] : commands_.asked())
+    EXPECT_GT(commands_.known().size(), 60U);
+    for (const auto& [line, known] : commands_.known())
         EXPECT_TRUE(known) << line;
 }
 
@@ -71,7 +65,12 @@ TEST_F(PanelTest, CompletesCommandsWordByWord) {
     EXPECT_EQ(commands_.Complete("card o"), Words{"out"});
     EXPECT_EQ(commands_.Complete("power "), (Words{"on", "off"}));
     EXPECT_EQ(commands_.Complete("nothing "), Words{});
-    commands_.Follow("power sideways");
+}
+
+TEST_F(PanelTest, KeepsTheLast500CommandsWithTheirReplies) {
+    for (int i = 0; i < 501; ++i)
+        commands_.Execute("power sideways");
+    EXPECT_EQ(commands_.entries().size(), 500U);
     EXPECT_FALSE(commands_.entries().back().done);
     EXPECT_NE(commands_.entries().back().reply.find("on"), std::string::npos);
 }

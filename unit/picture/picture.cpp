@@ -11,8 +11,20 @@
 namespace unit {
 namespace {
 
-// Of a picture that is read: far more than a screen, and no few bytes make it gigabytes.
+// The limit for a picture that is read guards against decompression bombs.
 constexpr png_uint_32 kLongestSide = 4096;
+
+constexpr std::uint32_t kDifferentPixel = 0xFF2020;
+constexpr std::uint32_t kDarkening = 3;
+
+std::uint32_t DarkGrey(std::uint32_t pixel) {
+    const std::uint32_t sum = (pixel >> 16 & 0xFF) + (pixel >> 8 & 0xFF) + (pixel & 0xFF);
+    return sum / 3 / kDarkening * 0x010101;
+}
+
+std::string SizeText(const Picture& picture) {
+    return std::to_string(picture.width) + " x " + std::to_string(picture.height);
+}
 
 }  // namespace
 
@@ -28,7 +40,8 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
-    // Whoever waits for the file finds it whole or not at all, whoever else writes it too.
+    // Written under another name first: readers find the whole file or none, and two writers do not
+    // mix.
     const std::string unfinished = path + "." + std::to_string(getpid()) + ".part";
     if (png_image_write_to_file(&image, unfinished.c_str(), 0, bytes.data(), 0, nullptr) != 0 &&
         std::rename(unfinished.c_str(), path.c_str()) == 0)
@@ -67,6 +80,36 @@ std::optional<Picture> ReadPng(const std::string& path, std::string& problem) {
         picture.pixels.push_back(static_cast<std::uint32_t>(bytes[at] << 16) |
                                  static_cast<std::uint32_t>(bytes[at + 1] << 8) | bytes[at + 2]);
     return picture;
+}
+
+std::optional<PictureDifference> ComparePictures(const Picture& actual, const Picture& expected) {
+    if (actual.width != expected.width || actual.height != expected.height)
+        return PictureDifference{
+            "it is " + SizeText(actual) + " pixels, expected " + SizeText(expected), expected};
+    if (actual == expected)
+        return std::nullopt;
+    PictureDifference difference{{}, expected};
+    int count = 0;
+    int left = actual.width, top = actual.height, right = 0, bottom = 0;
+    for (int y = 0; y < actual.height; ++y) {
+        for (int x = 0; x < actual.width; ++x) {
+            std::uint32_t& pixel = difference.picture.pixels[actual.Offset(x, y)];
+            if (actual.At(x, y) == expected.At(x, y)) {
+                pixel = DarkGrey(pixel);
+                continue;
+            }
+            pixel = kDifferentPixel;
+            ++count;
+            left = std::min(left, x);
+            top = std::min(top, y);
+            right = std::max(right, x);
+            bottom = std::max(bottom, y);
+        }
+    }
+    const auto place = [](int x, int y) { return std::to_string(x) + "," + std::to_string(y); };
+    difference.text = std::to_string(count) + (count == 1 ? " pixel differs" : " pixels differ") +
+                      ", from " + place(left, top) + " to " + place(right, bottom);
+    return difference;
 }
 
 }  // namespace unit

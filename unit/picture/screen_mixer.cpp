@@ -13,8 +13,8 @@ std::uint32_t PixelOf(COLORREF color) {
            std::uint32_t{GetBValue(color)};
 }
 
-// The video as the window record places and scales it; black outside the display window or the
-// frame. Rows and columns are looked up, because a picture is mixed many times a second.
+// The video as the window record places and scales it; black outside the display window and the
+// frame. The columns are calculated in advance: a picture is mixed many times a second.
 class PlacedVideo {
   public:
     PlacedVideo(const Picture& video, const ScalerWindow& window, int width)
@@ -28,7 +28,7 @@ class PlacedVideo {
         }
     }
 
-    // The row of the video under a row of the screen; null when there is none.
+    // The video's row under a row of the screen; null when there is none.
     const std::uint32_t* RowUnder(int y) const {
         const int inside = y - window_.y;
         if (inside < 0 || inside >= window_.height)

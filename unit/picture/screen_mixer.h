@@ -6,8 +6,8 @@
 
 namespace unit {
 
-// Mixes the two planes as the scaler does: the video, placed and scaled by the window record,
-// shows exactly where the graphics has the key colour. Alpha 63 is opaque graphics.
+// Mixes the two planes as the scaler does. The video, placed and scaled by the window record, shows
+// exactly where the graphics plane has the key colour. At alpha 63 the graphics plane is opaque.
 Picture MixPlanes(const platform::gdi::Surface& graphics, const Picture& video,
                   const ScalerState& scaler);
 

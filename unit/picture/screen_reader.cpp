@@ -5,7 +5,7 @@
 namespace unit {
 namespace {
 
-// Where the close button is, and what its normal face looks like there.
+// The close button's place, and the colour of its normal face at one point of it.
 constexpr RECT kCloseButton = {720, 8, 795, 44};
 constexpr std::uint32_t kCloseFace = 0xE70010;
 constexpr POINT kCloseSample = {735, 26};

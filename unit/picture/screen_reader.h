@@ -11,19 +11,18 @@
 
 namespace unit {
 
-// Reads the screen as the driver in front of it does: the texts that stand there, and the buttons
-// by their captions or their looks.
+// Finds texts and buttons on the screen, as the driver does.
 class ScreenReader {
   public:
-    // Reads a picture of the graphics plane, which must outlive the reader.
+    // `surface`, a copy of the graphics plane, must outlive the reader.
     explicit ScreenReader(const platform::gdi::Surface& surface) : surface_(surface) {}
 
     bool Shows(std::wstring_view text) const { return Find(text) != nullptr; }
-    // The first text that starts so; empty when none does.
+    // The first text with that start; empty when there is none.
     std::wstring TextStartingWith(std::wstring_view start) const;
     // The middle of the text's box.
     std::optional<POINT> PlaceOf(std::wstring_view text) const;
-    // The middle of the red close button at the top right, while it is there.
+    // The middle of the red close button at the top right; empty when the screen has none.
     std::optional<POINT> CloseButton() const;
 
     std::vector<std::wstring> Texts() const;

@@ -2,8 +2,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <vector>
 
-#include "unit/picture/caption.h"
 #include "unit/picture/picture.h"
 
 namespace unit {
@@ -11,9 +11,9 @@ namespace unit {
 inline constexpr int kVideoWidth = 720;
 inline constexpr int kVideoHeight = 480;
 
-// The picture that the DVR's camera sends: a drive at dusk with date, time and number of the frame
-// in it, 30 frames of two fields a second. The same time of the unit gives the same picture, and
-// the wizard's white, red and blue texts stay readable on it. Hardware's thread.
+// The picture that the DVR's camera sends: a drive at dusk, with date, time and frame number; 30
+// frames of two fields a second. The same unit time gives the same picture, and the wizard's white,
+// red and blue texts stay readable on it. Host thread.
 class VideoScene {
   public:
     VideoScene();
@@ -23,11 +23,12 @@ class VideoScene {
 
   private:
     Picture picture_;
-    Caption caption_;
+    // The caption's characters, drawn once.
+    std::vector<std::uint8_t> caption_ink_;
     std::int64_t field_ = -1;
 };
 
-// What the composite input shows while nothing feeds it.
+// What the composite input shows without a signal: black.
 const Picture& NoSignal();
 
 }  // namespace unit

@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "unit/picture/picture_difference.h"
+#include "unit/picture/picture.h"
 #include "unit/picture/screen_mixer.h"
 #include "unit/scenario/language.h"
 

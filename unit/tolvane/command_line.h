@@ -9,7 +9,10 @@
 
 namespace unit {
 
-// What the command line asks for.
+// The command's exit status when something went wrong.
+inline constexpr int kExitFailed = 1;
+inline constexpr int kExitWrongUsage = 2;
+
 struct CommandLine {
     bool headless = false;
     bool automatic = false;
@@ -34,8 +37,8 @@ struct CommandLine {
     std::string replay;
 };
 
-// Reads the command line. On --help and on a wrong option or value it has printed what is to be
-// said and sets `exit_status` (0 and 2).
+// Empty after --help and after a wrong option or value; then the help or the error was printed, and
+// `exit_status` is set.
 std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
                                            int& exit_status);
 

@@ -14,13 +14,9 @@
 #include "unit/recording/recorder.h"
 #include "unit/scenario/reference.h"
 #include "unit/tolvane/command_line.h"
-#include "unit/tolvane/exit_status.h"
 #include "unit/tolvane/process_links.h"
-#include "unit/tolvane/run_replay.h"
 #include "unit/tolvane/run_unit.h"
-#include "unit/tolvane/scenario_command.h"
-#include "unit/tolvane/signals.h"
-#include "unit/tolvane/update_scenario.h"
+#include "unit/tolvane/unattended_runs.h"
 #include "unit/workbench/workbench.h"
 
 namespace {
@@ -36,12 +32,13 @@ int RunProgram() {
 int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     unit.Start();
     kernel::RunHardware([&] { return signals.raised() || !unit.program().running(); });
-    return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
+    return CloseUnit(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
 int RunInWindow(VirtualUnit& unit, Operator& op, ProcessLinks& links,
                 const CommandLine& command_line, const CloseSignals& signals) {
-    // A second copy of the program that lets the first one go before it shows nothing at all.
+    // A second copy that finds the first one ends without a window; the host must not show one
+    // either.
     const bool waits = links.second();
     if (waits) {
         unit.Start();
@@ -57,18 +54,18 @@ int RunInWindow(VirtualUnit& unit, Operator& op, ProcessLinks& links,
         workbench.Run([&] { return signals.raised(); });
         links.OnRaise({});
         if (command_line.stats)
-            Say(workbench.meter().Summary());
+            PrintNotice(workbench.meter().Summary());
     }
-    return CloseInOrder(unit) ? unit.program().exit_code() : kExitFailed;
+    return CloseUnit(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
-int RunByHand(const CommandLine& command_line, const Program& program,
-              const CloseSignals& signals) {
+int RunWithOperator(const CommandLine& command_line, const Program& program,
+                    const CloseSignals& signals) {
     DebugLog log(PrintLine);
     if (!OpenLog(log, command_line))
         return kExitFailed;
     const VirtualUnit::Options options = UnitOptions(command_line);
-    VirtualUnit unit(options, program, log, Say);
+    VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
         return kExitFailed;
@@ -87,16 +84,16 @@ int Run(CommandLine command_line) {
         std::string problem;
         if (!Workbench::DisplayAvailable(problem)) {
             if (command_line.window) {
-                Say("no display (" + problem + ")");
+                PrintNotice("no display (" + problem + ")");
                 return kExitFailed;
             }
-            Say("no display (" + problem + "); running --auto");
+            PrintNotice("no display (" + problem + "); running --auto");
             command_line.automatic = true;
         }
     }
     std::string problem;
     if (!platform::gdi::CheckFonts(problem)) {
-        Say(problem);
+        PrintNotice(problem);
         return kExitFailed;
     }
     std::optional<dvrsim::TemporaryCard> made_card;
@@ -111,7 +108,7 @@ int Run(CommandLine command_line) {
     else if (command_line.automatic)
         status = RunAutomatically(command_line, program, signals);
     else
-        status = RunByHand(command_line, program, signals);
+        status = RunWithOperator(command_line, program, signals);
     platform::gdi::Shutdown();
     return status;
 }

@@ -1,10 +1,70 @@
 #include "unit/tolvane/process_links.h"
 
-#include <utility>
+#include <cstdio>
 
 #include "unit/state/unit_state.h"
 
 namespace unit {
+
+namespace kernel = platform::kernel;
+using control::Done;
+using control::Refused;
+
+namespace {
+
+constexpr std::chrono::milliseconds kPollInterval{10};
+
+std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
+}  // namespace
+
+SentScenarios::~SentScenarios() {
+    kernel::Cancel(next_poll_);
+}
+
+void SentScenarios::Run(const SentScenario& sent) {
+    if (run_)
+        return sent.answer->End(Refused("the unit already runs the scenario " +
+                                        run_->scenario().name + "; allowed is one at a time"));
+    std::vector<std::string> problems;
+    auto scenario = ReadScenario(sent.text, sent.file.empty() ? "scenario" : sent.file, problems);
+    if (!scenario)
+        return sent.answer->End(Refused(Joined(problems)));
+    if (!scenario->first_setting.empty())
+        return sent.answer->End(Refused(scenario->first_setting +
+                                        ": applies when a unit starts, and this one runs already"));
+    answer_ = sent.answer;
+    RunOptions options = options_;
+    const auto print = [answer = answer_](const std::string& line) { answer->Line(line); };
+    options.say = print;
+    options.trace = [print](const std::string& command) { print("> " + command); };
+    run_.emplace(operator_, std::move(*scenario), std::move(options));
+    run_->Start();
+    Poll();
+}
+
+void SentScenarios::Poll() {
+    if (!answer_->wanted())
+        run_->Stop("its sender has gone");
+    if (run_->finished())
+        return End();
+    next_poll_ = kernel::After(kPollInterval * operator_.unit().time_scale(), [this] { Poll(); });
+}
+
+void SentScenarios::End() {
+    char time[32];
+    std::snprintf(time, sizeof time, "%.1f s", static_cast<double>(run_->duration().count()) / 1e6);
+    answer_->End(run_->passed()
+                     ? Done(run_->scenario().name + ": passed, " + time + " of unit time")
+                     : Refused(run_->problem()));
+    run_.reset();
+    answer_.reset();
+}
 
 ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sent)
     : scenarios_(op, std::move(sent)),
@@ -19,7 +79,9 @@ ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sen
                [&unit = op.unit()](const std::string& line) { unit.Say(line); }),
       first_(std::make_shared<FirstUnit>(
           name, [this] { return !control_.taken(); },
-          [&unit = op.unit()] { unit.Say("the unit that runs already has come forward"); })) {
+          [&unit = op.unit()] {
+              unit.Say("another unit runs already; its window was brought forward");
+          })) {
     op.unit().SetNeighbours(first_);
 }
 

@@ -2,29 +2,54 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
+#include "platform/kernel/scheduler.h"
 #include "unit/control/control_server.h"
 #include "unit/control/first_unit.h"
-#include "unit/tolvane/sent_scenarios.h"
+#include "unit/scenario/scenario_run.h"
 
 namespace unit {
 
-// What ties a unit to the other processes: its control socket, and the unit that had that before
-// it, if there is one. Made before the unit starts and destroyed after it was closed, on the
-// hardware's thread.
+// Runs the scenarios that other processes send, one at a time, on the running unit. Host thread.
+class SentScenarios {
+  public:
+    // `op` must outlive it. The sender gets the lines that the options would print.
+    SentScenarios(Operator& op, RunOptions options) : operator_(op), options_(std::move(options)) {}
+    ~SentScenarios();
+    SentScenarios(const SentScenarios&) = delete;
+    SentScenarios& operator=(const SentScenarios&) = delete;
+
+    void Run(const SentScenario& sent);
+
+  private:
+    void Poll();
+    void End();
+
+    Operator& operator_;
+    const RunOptions options_;
+    std::optional<ScenarioRun> run_;
+    std::shared_ptr<Answer> answer_;
+    platform::kernel::EventId next_poll_ = 0;
+};
+
+// Connects a unit with other processes: its control socket, and the unit that had that socket
+// before, if there is one. Make it before the unit starts and destroy it after the unit was closed.
+// Host thread.
 class ProcessLinks {
   public:
-    // `sent` is how the scenarios run that other processes send.
+    // `sent` holds the options for scenarios that other processes send.
     ProcessLinks(Operator& op, const std::string& name, RunOptions sent);
     ProcessLinks(const ProcessLinks&) = delete;
     ProcessLinks& operator=(const ProcessLinks&) = delete;
 
-    // Whether another unit was first: the program may end without a window of its own, and the host
-    // shows none before it.
+    // Whether another unit has the socket. The program then may end without showing its window.
     bool second() const { return first_->there(); }
 
-    // Brings the host's window forward, when the program's window was.
+    // Called when another process asks for the program's window, to bring the host's window
+    // forward.
     void OnRaise(std::function<void()> raise) { raise_ = std::move(raise); }
 
   private:

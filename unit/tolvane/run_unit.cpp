@@ -1,18 +1,29 @@
 #include "unit/tolvane/run_unit.h"
 
+#include <pthread.h>
+
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-
-#include "unit/tolvane/exit_status.h"
 
 namespace unit {
 namespace {
 
 constexpr auto kCloseLimit = std::chrono::seconds(60);
+// Only the destructor sends it, to end the listener.
+constexpr int kEndSignal = SIGUSR1;
+
+sigset_t CloseSet() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, kEndSignal})
+        sigaddset(&set, signal);
+    return set;
+}
 
 }  // namespace
 
-void Say(const std::string& line) {
+void PrintNotice(const std::string& line) {
     std::fprintf(stderr, "tolvane: %s\n", line.c_str());
 }
 
@@ -41,7 +52,7 @@ bool OpenLog(DebugLog& log, const CommandLine& command_line) {
     std::string problem;
     if (command_line.log.empty() || log.OpenFile(command_line.log, problem))
         return true;
-    Say(problem);
+    PrintNotice(problem);
     return false;
 }
 
@@ -49,20 +60,38 @@ bool StartRecording(Recorder& recorder, const CommandLine& command_line) {
     std::string problem;
     if (command_line.record.empty() || recorder.Start(command_line.record, problem))
         return true;
-    Say(problem);
+    PrintNotice(problem);
     return false;
 }
 
-bool CloseInOrder(VirtualUnit& unit) {
+bool CloseUnit(VirtualUnit& unit) {
     if (!unit.Close(kCloseLimit)) {
-        Say("the program did not end within " + std::to_string(kCloseLimit.count()) +
-            " s of its window's close: " + unit.leftovers());
-        // Its threads still use the platform: nothing may be torn down under them.
+        PrintNotice("the program did not end within " + std::to_string(kCloseLimit.count()) +
+                    " s after its window was closed: " + unit.leftovers());
+        // Its threads still use the platform, which must stay as it is.
         std::_Exit(kExitFailed);
     }
     if (!unit.leftovers().empty())
-        Say("left open at the end: " + unit.leftovers());
+        PrintNotice("left open at the end: " + unit.leftovers());
     return unit.leftovers().empty();
+}
+
+CloseSignals::CloseSignals() {
+    const sigset_t set = CloseSet();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    listener_ = std::thread([this, set] {
+        int signal = 0;
+        while (!ending_ && sigwait(&set, &signal) == 0) {
+            if (signal != kEndSignal)
+                raised_ = true;
+        }
+    });
+}
+
+CloseSignals::~CloseSignals() {
+    ending_ = true;
+    pthread_kill(listener_.native_handle(), kEndSignal);
+    listener_.join();
 }
 
 }  // namespace unit

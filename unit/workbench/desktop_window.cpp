@@ -8,16 +8,16 @@ namespace {
 
 constexpr int kWidth = 1280;
 constexpr int kHeight = 800;
-// The usual display, in dots per inch, and what a display may say without being disbelieved.
-constexpr float kUsualDots = 96;
-constexpr float kMostDots = 400;
+// Dots per inch of an ordinary display, and the highest value that is taken for true.
+constexpr float kOrdinaryDots = 96;
+constexpr float kMaxDots = 400;
 
-// In quarters, so that fonts keep their looks from display to display.
+// Rounded to quarters, so that fonts look alike on similar displays.
 float ScaleOf(int display) {
     float dots = 0;
-    if (SDL_GetDisplayDPI(display, &dots, nullptr, nullptr) != 0 || dots > kMostDots)
+    if (SDL_GetDisplayDPI(display, &dots, nullptr, nullptr) != 0 || dots > kMaxDots)
         return 1;
-    return std::max(1.0F, std::round(dots / kUsualDots * 4) / 4);
+    return std::max(1.0F, std::round(dots / kOrdinaryDots * 4) / 4);
 }
 
 }  // namespace
@@ -27,7 +27,7 @@ bool DesktopWindow::DisplayAvailable(std::string& problem) {
         problem = "neither DISPLAY nor WAYLAND_DISPLAY is set";
         return false;
     }
-    // Signals are the unit's own business.
+    // The command handles the signals itself.
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     if (SDL_Init(SDL_INIT_VIDEO) == 0)
         return true;
@@ -36,23 +36,23 @@ bool DesktopWindow::DisplayAvailable(std::string& problem) {
 }
 
 DesktopWindow::DesktopWindow(bool full_screen) {
-    // A click that brings the window forward is meant for what is under it.
+    // A click that activates the window also counts for what is under it.
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-    SDL_Rect room{0, 0, kWidth, kHeight};
-    SDL_GetDisplayUsableBounds(0, &room);
+    SDL_Rect bounds{0, 0, kWidth, kHeight};
+    SDL_GetDisplayUsableBounds(0, &bounds);
     scale_ = ScaleOf(0);
-    const auto side = [this](int usual, int most) {
-        return std::min(static_cast<int>(static_cast<float>(usual) * scale_), most);
+    const auto side = [this](int preferred, int limit) {
+        return std::min(static_cast<int>(static_cast<float>(preferred) * scale_), limit);
     };
     window_.reset(SDL_CreateWindow("Tolvane - virtual unit", SDL_WINDOWPOS_CENTERED,
-                                   SDL_WINDOWPOS_CENTERED, side(kWidth, room.w),
-                                   side(kHeight, room.h),
+                                   SDL_WINDOWPOS_CENTERED, side(kWidth, bounds.w),
+                                   side(kHeight, bounds.h),
                                    SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI));
-    // No waiting for the display: the hardware's thread has other things to do as well.
+    // Without waiting for the display's refresh: the host thread must stay responsive.
     renderer_.reset(SDL_CreateRenderer(window_.get(), -1, SDL_RENDERER_TARGETTEXTURE));
     if (!renderer_)
         renderer_.reset(SDL_CreateRenderer(window_.get(), -1, SDL_RENDERER_SOFTWARE));
-    // Where the pixels are denser than the window's units, these are of the usual size already.
+    // Where a unit has several pixels, the units themselves are scaled to the display already.
     if (density() > 1)
         scale_ = 1;
     SetFullScreen(full_screen);

@@ -1,15 +1,24 @@
 #pragma once
 
-#include <string>
+#include <SDL.h>
 
-#include "unit/workbench/sdl_handles.h"
+#include <memory>
+#include <string>
 
 namespace unit {
 
-// The window on the host's desktop, under X11 or Wayland, and its renderer. Hardware's thread.
+struct SdlDeleter {
+    void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
+    void operator()(SDL_Renderer* renderer) const { SDL_DestroyRenderer(renderer); }
+    void operator()(SDL_Texture* texture) const { SDL_DestroyTexture(texture); }
+};
+template <class Handle>
+using SdlOwner = std::unique_ptr<Handle, SdlDeleter>;
+
+// The window on the host's desktop, under X11 or Wayland, and its renderer. Host thread.
 class DesktopWindow {
   public:
-    // False with one line in `problem` when there is no display.
+    // False, with one line in `problem`, when there is no display.
     static bool DisplayAvailable(std::string& problem);
 
     // `full_screen` covers the display and hides the mouse pointer.
@@ -21,11 +30,11 @@ class DesktopWindow {
     SDL_Window* window() const { return window_.get(); }
     SDL_Renderer* renderer() const { return renderer_.get(); }
 
-    // In the window's units, in which events are told.
+    // In the window's units, which mouse events use too.
     SDL_Point size() const;
-    // Pixels in the room of one unit.
+    // Pixels per unit.
     float density() const;
-    // How large the panel's things should be: 1 on a usual display.
+    // The factor for the panel's sizes: 1 on an ordinary display.
     float scale() const { return scale_; }
 
     void SetFullScreen(bool full_screen);

@@ -2,36 +2,38 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
-#include "unit/workbench/desk.h"
+#include "unit/workbench/command_views.h"
+#include "unit/workbench/panel_context.h"
 
 namespace unit {
 
-// The tabs below the unit's screen: what passes by.
+// The tabs below the unit's screen.
 
-// The entries of a long list that a filter lets through, kept up as the list grows.
+// Those entries of a growing list that match a filter.
 class FilteredList {
   public:
-    // Looks at the entries that are new since the last call (all of them when the filter changed
-    // or the list was cleared). `matches(index)` tells whether the list's entry fits.
-    template <class Matches>
+    // The list had `count` entries so far and dropped the first `dropped` of them. Calls
+    // `matches(index)` for the list's new entries, or for all when the filter changed.
+    template <class Match>
     void Update(const std::string& filter, std::uint64_t dropped, std::uint64_t count,
-                Matches matches) {
+                Match matches) {
         if (filter != filter_) {
             filter_ = filter;
             seen_ = dropped;
             numbers_.clear();
         }
-        const auto gone = std::lower_bound(numbers_.begin(), numbers_.end(), dropped);
-        numbers_.erase(numbers_.begin(), gone);
+        const auto kept = std::lower_bound(numbers_.begin(), numbers_.end(), dropped);
+        numbers_.erase(numbers_.begin(), kept);
         for (seen_ = std::max(seen_, dropped); seen_ < count; ++seen_)
             if (matches(static_cast<std::size_t>(seen_ - dropped)))
                 numbers_.push_back(seen_);
     }
 
-    // Counted from the first entry that there ever was.
+    // The matches, counted from the first entry that there ever was.
     const std::vector<std::uint64_t>& numbers() const { return numbers_; }
 
   private:
@@ -40,10 +42,10 @@ class FilteredList {
     std::vector<std::uint64_t> numbers_;
 };
 
-// The serial line, frame by frame.
+// The frames on the serial line.
 class TrafficView {
   public:
-    void Draw(Desk& desk);
+    void Draw(PanelContext& context);
 
   private:
     std::string filter_;
@@ -55,26 +57,26 @@ class TrafficView {
 // The program's debug output.
 class LogView {
   public:
-    void Draw(Desk& desk);
+    void Draw(PanelContext& context);
 
   private:
     std::string filter_;
-    bool follows_ = true;
+    bool scrolls_ = true;
     FilteredList shown_;
 };
 
-// The percent that the DVR reports, over time.
-void DrawProgress(Desk& desk);
+// The index of the latest update's first report: the last one that begins again at 0 or 1 percent.
+std::size_t LatestUpdate(const std::deque<History::Percent>& percents);
 
-// The commands that were followed, and all that there are.
-class CommandView {
+class Dock {
   public:
     // A click on a command puts it into `line`.
-    void Draw(Desk& desk, std::string& line);
+    void Draw(PanelContext& context, std::string& line);
 
   private:
-    std::string filter_;
-    std::size_t shown_ = 0;
+    TrafficView traffic_;
+    LogView log_;
+    CommandView commands_;
 };
 
 }  // namespace unit

@@ -1,7 +1,7 @@
 #include "control/words.h"
 #include "platform/kernel/text.h"
 #include "unit/line/fault_text.h"
-#include "unit/workbench/sections.h"
+#include "unit/workbench/panel.h"
 #include "unit/workbench/widgets.h"
 
 namespace unit {
@@ -13,42 +13,34 @@ std::string Switch(const char* fault, bool on) {
 
 }  // namespace
 
-void FaultSection::Draw(Desk& desk) {
-    if (!Group(desk, "Faults", false))
+void FaultSection::Draw(PanelContext& context) {
+    if (!Group(context, "Faults", false))
         return;
-    DrawDvr(desk);
-    DrawUpdate(desk);
-    DrawLine(desk);
-    DrawDrivers(desk);
-    DrawCalls(desk);
+    DrawDvr(context);
+    DrawLine(context);
+    DrawDrivers(context);
+    DrawCalls(context);
 }
 
-void FaultSection::DrawDvr(Desk& desk) {
-    const dvrsim::Dvr* const dvr = desk.unit.dvr().dvr();
+void FaultSection::DrawDvr(PanelContext& context) {
+    const dvrsim::Dvr* const dvr = context.unit.dvr().dvr();
     if (!dvr)
         return;
     const dvrsim::Faults& faults = dvr->GetFaults();
-    RowLabel(desk, "DVR");
+    RowLabel(context, "DVR");
     CommandButtons(
-        desk,
+        context,
         {{"Silent", Switch("silent", faults.silent), faults.silent},
          {"No card report", Switch("silent-card", faults.silent_card), faults.silent_card},
          {"No version", Switch("silent-version", faults.silent_version), faults.silent_version},
          {"Wrong version",
           faults.reported_version ? "fault dvr no-version" : "fault dvr version 99.99.99.V9.99.99",
           faults.reported_version.has_value()},
-         {"Repeats reports",
+         {"Repeated reports",
           faults.indication_copies > 1 ? "fault dvr copies 1" : "fault dvr copies 3",
           faults.indication_copies > 1},
-         {"None", "fault dvr none"}});
-}
-
-void FaultSection::DrawUpdate(Desk& desk) {
-    const dvrsim::Dvr* const dvr = desk.unit.dvr().dvr();
-    if (!dvr)
-        return;
-    const dvrsim::Faults& faults = dvr->GetFaults();
-    RowLabel(desk, "Update at");
+         {"Clear", "fault dvr none"}});
+    RowLabel(context, "Update at");
     ImGui::SetNextItemWidth(-1);
     ImGui::SliderInt("##at", &at_percent_, 1, 100, "%d %%");
     const auto choice = [&](const char* label, const std::string& fault,
@@ -56,33 +48,35 @@ void FaultSection::DrawUpdate(Desk& desk) {
         const std::string command = "fault dvr " + fault + " ";
         return Choice{label, command + (at ? "off" : std::to_string(at_percent_)), at.has_value()};
     };
-    RowLabel(desk, "");
-    CommandButtons(desk, {choice("Fails", "fail-at", faults.fail_at_percent),
-                          choice("Hangs", "stop-at", faults.stop_at_percent),
-                          choice("Stuck", "stuck-at", faults.stuck_at_percent),
-                          choice("Reboots", "reboot-at", faults.reboot_at_percent),
-                          {"Jumps back",
-                           faults.jump_back ? "fault dvr jump-back off"
-                                            : "fault dvr jump-back " + std::to_string(at_percent_) +
-                                                  " " + std::to_string(at_percent_ / 2),
-                           faults.jump_back.has_value()}});
+    RowLabel(context, "");
+    CommandButtons(context,
+                   {choice("Fails", "fail-at", faults.fail_at_percent),
+                    choice("Hangs", "stop-at", faults.stop_at_percent),
+                    choice("Stuck", "stuck-at", faults.stuck_at_percent),
+                    choice("Reboots", "reboot-at", faults.reboot_at_percent),
+                    {"Jumps back",
+                     faults.jump_back ? "fault dvr jump-back off"
+                                      : "fault dvr jump-back " + std::to_string(at_percent_) + " " +
+                                            std::to_string(at_percent_ / 2),
+                     faults.jump_back.has_value()}});
 }
 
-void FaultSection::DrawLine(Desk& desk) {
-    RowLabel(desk, "Line");
-    CommandButtons(desk, {{"Bad checksum on percents",
-                           "fault line corrupt checksum of FW_Upgrade_Version indications"},
-                          {"Loses 1 % of bytes", "fault line drop bytes to-unit chance 1"},
-                          {"Loses answers", "fault line drop acknowledgements chance 20"},
-                          {"Doubles reports", "fault line duplicate indications"},
-                          {"Delays answers", "fault line delay 500ms acknowledgements"},
-                          {"Splits frames", "fault line split 30ms frames to-unit"},
-                          {"Noise", "fault line inject A55A00FF before indications chance 20"},
-                          {"Clear", "fault line clear"}});
-    for (const LineFaults::Entry& entry : desk.unit.dvr().faults().List()) {
+void FaultSection::DrawLine(PanelContext& context) {
+    RowLabel(context, "Line");
+    CommandButtons(context,
+                   {{"Corrupt percent checksums",
+                     "fault line corrupt checksum of FW_Upgrade_Version indications"},
+                    {"Drop 1 % of bytes", "fault line drop bytes to-unit chance 1"},
+                    {"Drop acknowledgements", "fault line drop acknowledgements chance 20"},
+                    {"Duplicate indications", "fault line duplicate indications"},
+                    {"Delay acknowledgements", "fault line delay 500ms acknowledgements"},
+                    {"Split frames", "fault line split 30ms frames to-unit"},
+                    {"Add noise", "fault line inject A55A00FF before indications chance 20"},
+                    {"Clear", "fault line clear"}});
+    for (const LineFaults::Entry& entry : context.unit.dvr().faults().List()) {
         ImGui::PushID(entry.number);
-        RowLabel(desk, "");
-        CommandButton(desk, "x", "fault line clear " + std::to_string(entry.number));
+        RowLabel(context, "");
+        CommandButton(context, "x", "fault line clear " + std::to_string(entry.number));
         ImGui::SameLine();
         ImGui::PushTextWrapPos(0);
         ColoredText(color::kWarning, ToText(entry.rule) + ": " + std::to_string(entry.applied) +
@@ -92,9 +86,9 @@ void FaultSection::DrawLine(Desk& desk) {
     }
 }
 
-void FaultSection::DrawDrivers(Desk& desk) {
-    const std::vector<std::wstring> names = desk.unit.drivers().Names();
-    RowLabel(desk, "Driver");
+void FaultSection::DrawDrivers(PanelContext& context) {
+    const std::vector<std::wstring> names = context.unit.drivers().Names();
+    RowLabel(context, "Driver");
     for (int index = 0; index < static_cast<int>(names.size()); ++index) {
         if (index > 0)
             ImGui::SameLine();
@@ -103,28 +97,30 @@ void FaultSection::DrawDrivers(Desk& desk) {
     }
     const std::string fault =
         "fault driver " + platform::kernel::ToUtf8(names[static_cast<std::size_t>(driver_)]) + " ";
-    RowLabel(desk, "");
-    CommandButtons(desk, {{"Missing", fault + "missing"},
-                          {"Late", fault + "late 5s"},
-                          {"Refuses", fault + "refuses"},
-                          {"Loaded", fault + "loaded"}});
-    for (const std::string& line : desk.unit.drivers().Faults())
-        Field(desk, "", line, color::kWarning);
-    RowLabel(desk, "HAL");
-    CommandButtons(desk, {{"Refuses", "fault hal refuses"}, {"Works##hal", "fault hal works"}});
-    RowLabel(desk, "Battery drv.");
-    CommandButtons(desk, {{"Fails", "fault battery-driver fails"},
-                          {"Works##battery", "fault battery-driver works"}});
+    RowLabel(context, "");
+    CommandButtons(context, {{"Missing", fault + "missing"},
+                             {"Late", fault + "late 5s"},
+                             {"Refuses", fault + "refuses"},
+                             {"Loaded", fault + "loaded"}});
+    for (const std::string& line : context.unit.drivers().Faults())
+        Field(context, "", line, color::kWarning);
+    RowLabel(context, "HAL");
+    CommandButtons(context, {{"Refuses", "fault hal refuses"}, {"Works", "fault hal works"}});
+    RowLabel(context, "Battery driver");
+    CommandButtons(context, {{"Fails", "fault battery-driver fails"},
+                             {"Works", "fault battery-driver works"}});
 }
 
-void FaultSection::DrawCalls(Desk& desk) {
-    RowLabel(desk, "Call fails");
-    if (TextField("##call", "CreateFileW; Enter: its next call fails", call_, -1) && !call_.empty())
-        desk.commands.Follow("fault call " + control::QuoteWord(call_));
-    RowLabel(desk, "");
-    CommandButtons(desk, {{"List calls", "calls"}, {"Clear##calls", "fault call clear"}});
-    RowLabel(desk, "Clock jumps");
-    CommandButtons(desk, {{"1 min", "fault clock jump 1min"}, {"1 h", "fault clock jump 60min"}});
+void FaultSection::DrawCalls(PanelContext& context) {
+    RowLabel(context, "Call fails");
+    if (TextField("##call", "such as CreateFileW; Enter fails its next call", call_, -1) &&
+        !call_.empty())
+        context.commands.Execute("fault call " + control::QuoteWord(call_));
+    RowLabel(context, "");
+    CommandButtons(context, {{"List calls", "calls"}, {"Clear", "fault call clear"}});
+    RowLabel(context, "Clock jumps");
+    CommandButtons(context,
+                   {{"1 min", "fault clock jump 1min"}, {"1 h", "fault clock jump 60min"}});
 }
 
 }  // namespace unit

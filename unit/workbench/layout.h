@@ -14,29 +14,29 @@ struct Area {
     bool operator==(const Area&) const = default;
 };
 
-// How the unit's screen fills the room that it has.
+// How the unit's screen is scaled to the space that it has.
 enum class Scaling {
-    kWhole,   // whole multiples of its pixels, as large as there is room
-    kSmooth,  // all of the room
+    kWhole,   // by the largest whole factor that fits
+    kSmooth,  // to fill the space
 };
 
-// The dock's height at first: what lies below the screen in a window of the usual size.
-inline constexpr float kUsualDock = 262;
+// The space below the screen in a window of the initial size.
+inline constexpr float kInitialDockHeight = 262;
 
-// Where things are in the window, in its own units.
+// Where the parts of the window are, in the window's units.
 struct Layout {
     Area screen;  // the unit's screen
-    Area dock;    // below it: what passes by
-    Area panel;   // beside it: what can be done
-    Area bar;     // at the bottom edge: the command line
+    Area dock;    // the tabs below it
+    Area panel;   // the groups beside it
+    Area bar;     // the command line at the bottom edge
 };
 
-// The screen as large as `scaling` allows within the room, in its middle. A room smaller than the
-// screen is filled smoothly either way.
-Area PlaceScreen(const Area& room, Scaling scaling);
+// The screen as large as `scaling` allows, in the middle of the space. A space smaller than the
+// screen is filled with either scaling.
+Area PlaceScreen(const Area& space, Scaling scaling);
 
-// `scale` multiplies the lengths of the panel; `dock_height` is what the user wants and is kept
-// within what the window can give.
+// `scale` multiplies the lengths of the panel. `dock_height` is what the operator wants; it is
+// limited by the window's size.
 Layout PlaceAll(float width, float height, float scale, float dock_height, Scaling scaling);
 
 }  // namespace unit

@@ -1,17 +1,57 @@
 #pragma once
 
+#include <SDL.h>
+#include <imgui.h>
+
+#include <array>
 #include <functional>
 #include <string>
 
 #include "unit/workbench/desktop_window.h"
-#include "unit/workbench/mouse_state.h"
 #include "unit/workbench/theme.h"
-#include "unit/workbench/triangle_renderer.h"
 
 namespace unit {
 
-// The panel's picture: drawn into a texture when something in it has changed, and copied over the
-// window's picture every time. Hardware's thread.
+// The mouse after the last event that the panel took. ImGui's SDL backend asks for the current
+// state instead, which can be newer than the event: clicks would miss.
+class MouseState {
+  public:
+    void Take(const SDL_Event& event);
+
+    // Sets the input of the next ImGui frame.
+    void Give(ImGuiIO& io) const;
+
+  private:
+    // In ImGui's order.
+    static constexpr std::array<int, 3> kButtons = {SDL_BUTTON_LEFT, SDL_BUTTON_RIGHT,
+                                                    SDL_BUTTON_MIDDLE};
+
+    static const ImVec2 kNowhere;
+
+    ImVec2 place_ = kNowhere;
+    std::array<bool, kButtons.size()> down_{};
+};
+
+// Draws ImGui's triangle lists with SDL's renderer.
+class TriangleRenderer {
+  public:
+    explicit TriangleRenderer(SDL_Renderer* renderer);
+
+    // Makes a texture of the fonts that the ImGui context has now.
+    void LoadFonts();
+
+    // Draws into the renderer's current target.
+    void Draw(const ImDrawData& data);
+
+  private:
+    void DrawList(const ImDrawList& list, const ImDrawData& data);
+
+    SDL_Renderer* const renderer_;
+    SdlOwner<SDL_Texture> fonts_;
+};
+
+// The panel's picture: drawn into a texture when the panel changed, and copied into the window for
+// every picture. Host thread.
 class PanelCanvas {
   public:
     explicit PanelCanvas(const DesktopWindow& window);
@@ -19,25 +59,25 @@ class PanelCanvas {
     PanelCanvas(const PanelCanvas&) = delete;
     PanelCanvas& operator=(const PanelCanvas&) = delete;
 
-    // Lets the panel see an event.
+    // Passes an event to the panel.
     void Take(const SDL_Event& event);
 
-    // Draws the panel anew: `draw` says what is in it, with fonts fit for the display.
+    // Runs one ImGui frame and draws the panel; `draw` makes its content.
     void Redraw(const std::function<void(const Fonts&)>& draw);
 
-    // The same without a picture: the panel follows what it has taken.
-    void Follow(const std::function<void(const Fonts&)>& draw);
+    // Runs one ImGui frame without drawing, so that the panel reacts to the events it took.
+    void Update(const std::function<void(const Fonts&)>& draw);
 
-    // Copies it into the renderer's target, all but the unit's screen; and then onto that what lies
-    // over it for a moment, such as a tip.
+    // Copies the panel into the renderer's target, without the part that the unit's screen covers.
     void ShowAround(const SDL_Rect& screen) const;
+    // Copies tips and lists that lie over the unit's screen.
     void ShowOver(const SDL_Rect& screen) const;
 
   private:
     void BeginFrame();
-    // Fonts and texture as the window's size and density want them now.
+    // Adapts fonts and texture to the window's size and density.
     void Fit();
-    // Whether something of the panel lies over that part.
+    // Whether some part of the panel lies over the unit's screen.
     bool Covers(const SDL_Rect& screen) const;
 
     const DesktopWindow& window_;

@@ -1,5 +1,7 @@
 #include "unit/workbench/readable.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 #include "platform/kernel/text.h"
@@ -7,6 +9,7 @@
 namespace unit {
 namespace {
 
+// A part of a message's name, and the word for it.
 struct Part {
     std::string_view in_name;
     const char* word;
@@ -22,6 +25,14 @@ std::string Find(const Part (&parts)[kCount], std::string_view name) {
         if (name.find(part.in_name) != std::string_view::npos)
             return part.word;
     return {};
+}
+
+bool Contains(std::string_view text, std::string_view word) {
+    const auto equal = [](char left, char right) {
+        return std::tolower(static_cast<unsigned char>(left)) ==
+               std::tolower(static_cast<unsigned char>(right));
+    };
+    return std::search(text.begin(), text.end(), word.begin(), word.end(), equal) != text.end();
 }
 
 }  // namespace
@@ -49,6 +60,20 @@ std::string ReadableBroadcast(const BroadcastPosted& broadcast) {
         return readable;
     return (name.empty() ? "message " + std::to_string(broadcast.message) : name) + " (" +
            std::to_string(broadcast.wparam) + ", " + std::to_string(broadcast.lparam) + ")";
+}
+
+bool Matches(std::string_view text, std::string_view filter) {
+    while (!filter.empty()) {
+        const std::size_t end = std::min(filter.find(' '), filter.size());
+        std::string_view word = filter.substr(0, end);
+        filter.remove_prefix(std::min(end + 1, filter.size()));
+        const bool wanted = !word.starts_with('-');
+        if (!wanted)
+            word.remove_prefix(1);
+        if (!word.empty() && Contains(text, word) != wanted)
+            return false;
+    }
+    return true;
 }
 
 }  // namespace unit

@@ -8,16 +8,20 @@
 
 namespace unit {
 
-// Words for what the panel shows.
+// Texts of the panel, and the filter for them.
 
-// "23.456", seconds of the unit since its power-on.
+// Seconds since the unit's power-on: "23.456".
 std::string ReadableTime(std::chrono::microseconds time);
 
-// "suspend request", "suspend acknowledged" for the long names that the unit's applications use;
-// the name itself for any other.
+// "suspend request" or "suspend acknowledged" for the long names that the unit's applications use;
+// any other name unchanged.
 std::string ReadablePowerName(std::string_view name);
 
 // "power status: external power on, battery flag 1", or the name with its parameters.
 std::string ReadableBroadcast(const BroadcastPosted& broadcast);
+
+// Whether the text contains all words of the filter, and none of those with a leading "-". ASCII
+// letters match in either case.
+bool Matches(std::string_view text, std::string_view filter);
 
 }  // namespace unit

@@ -19,7 +19,6 @@ class FontLoader {
     FontLoader(std::map<Typeface, std::filesystem::path> files, float scale)
         : files_(std::move(files)), scale_(scale) {}
 
-    // With Japanese glyphs merged in when asked for.
     ImFont* Load(Typeface typeface, float size, bool japanese) {
         ImFontAtlas& atlas = *ImGui::GetIO().Fonts;
         ImFontConfig config;
@@ -37,7 +36,7 @@ class FontLoader {
     }
 
   private:
-    // Latin, punctuation, arrows.
+    // Latin letters, punctuation and arrows.
     static constexpr ImWchar kLatin[] = {0x0020, 0x00FF, 0x2010, 0x205E, 0x2190, 0x2193, 0};
 
     std::map<Typeface, std::filesystem::path> files_;
@@ -126,7 +125,7 @@ void ApplyStyle(float scale) {
     style.ScrollbarRounding = 6;
     style.GrabRounding = 4;
     style.TabRounding = 4;
-    // Lines of triangles without a texture: the software renderer draws others with gaps.
+    // The software renderer draws textured lines with gaps.
     style.AntiAliasedLinesUseTex = false;
     SetColors(style.Colors);
     style.ScaleAllSizes(scale);

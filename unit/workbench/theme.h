@@ -7,7 +7,7 @@
 
 namespace unit {
 
-// The workbench's colours, by what they say.
+// The workbench's colours by meaning.
 namespace color {
 inline const ImVec4 kText{0.84F, 0.86F, 0.89F, 1};
 inline const ImVec4 kDim{0.55F, 0.59F, 0.65F, 1};
@@ -21,7 +21,7 @@ inline const ImVec4 kBezel{0.20F, 0.22F, 0.26F, 1};
 inline const ImVec4 kBlack{0, 0, 0, 1};
 }  // namespace color
 
-// What SDL draws with next.
+// Sets SDL's drawing colour.
 void SetDrawColor(SDL_Renderer* renderer, const ImVec4& tone, Uint8 alpha = 255);
 
 struct Fonts {
@@ -30,12 +30,11 @@ struct Fonts {
     ImFont* mono = nullptr;
 };
 
-// Loads the fonts, Japanese glyphs included, `scale` times as large as usual, for a display that
-// shows `density` pixels in the room of one. False with one line in `problem` when a font file is
-// missing.
+// Loads the fonts with Japanese glyphs, enlarged by `scale`, for `density` pixels per unit. False,
+// with one line in `problem`, when a font file is missing.
 bool LoadFonts(float scale, float density, Fonts& fonts, std::string& problem);
 
-// Colours, spacing and roundings; lengths multiplied by `scale`.
+// Sets ImGui's colours and lengths; `scale` multiplies the lengths.
 void ApplyStyle(float scale);
 
 }  // namespace unit

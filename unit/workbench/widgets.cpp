@@ -2,25 +2,22 @@
 
 #include <imgui_stdlib.h>
 
-#include "unit/workbench/keys.h"
-
 namespace unit {
 namespace {
 
-constexpr float kValueColumn = 104;
 constexpr float kTipWidth = 320;
 
-void CommandTip(Desk& desk, const std::string& command, bool known) {
+void CommandTip(PanelContext& context, const std::string& command, bool known) {
     ImGui::BeginTooltip();
-    ImGui::PushTextWrapPos(kTipWidth * desk.scale);
-    ImGui::PushFont(desk.fonts.mono);
+    ImGui::PushTextWrapPos(kTipWidth * context.scale);
+    ImGui::PushFont(context.fonts.mono);
     ImGui::TextUnformatted(command.c_str());
     ImGui::PopFont();
     if (!known)
         ColoredText(color::kWarning, "This unit has no such command.");
     else
-        ColoredText(color::kDim, desk.commands.HelpOf(command));
-    if (const std::string key = KeyOf(desk, command); !key.empty())
+        ColoredText(color::kDim, context.commands.HelpOf(command));
+    if (const std::string key = KeyOf(context, command); !key.empty())
         ColoredText(color::kAccent, "Key: " + key);
     ImGui::PopTextWrapPos();
     ImGui::EndTooltip();
@@ -28,36 +25,36 @@ void CommandTip(Desk& desk, const std::string& command, bool known) {
 
 }  // namespace
 
-bool Group(const Desk& desk, const char* title, bool open_at_first) {
-    if (desk.unfolded)
+bool Group(const PanelContext& context, const char* title, bool initially_open) {
+    if (context.unfold_all)
         ImGui::SetNextItemOpen(true);
-    ImGui::PushFont(desk.fonts.heading);
+    ImGui::PushFont(context.fonts.heading);
     const bool open =
-        ImGui::CollapsingHeader(title, open_at_first ? ImGuiTreeNodeFlags_DefaultOpen : 0);
+        ImGui::CollapsingHeader(title, initially_open ? ImGuiTreeNodeFlags_DefaultOpen : 0);
     ImGui::PopFont();
     return open;
 }
 
-void RowLabel(const Desk& desk, const char* label) {
+void RowLabel(const PanelContext& context, const char* label) {
     ImGui::AlignTextToFramePadding();
     ImGui::TextDisabled("%s", label);
-    ImGui::SameLine(kValueColumn * desk.scale);
+    ImGui::SameLine(kValueColumn * context.scale);
 }
 
-void Field(const Desk& desk, const char* label, const std::string& value,
+void Field(const PanelContext& context, const char* label, const std::string& value,
            const ImVec4& text_color) {
     ImGui::TextDisabled("%s", label);
-    ImGui::SameLine(kValueColumn * desk.scale);
+    ImGui::SameLine(kValueColumn * context.scale);
     ImGui::PushTextWrapPos(0);
     ColoredText(text_color, value);
     ImGui::PopTextWrapPos();
 }
 
-void NextInRow(const Desk& desk, float width) {
+void NextInRow(const PanelContext& context, float width) {
     ImGui::SameLine();
     if (ImGui::GetContentRegionAvail().x < width) {
         ImGui::NewLine();
-        ImGui::SetCursorPosX(kValueColumn * desk.scale);
+        ImGui::SetCursorPosX(kValueColumn * context.scale);
     }
 }
 
@@ -65,29 +62,33 @@ float ButtonWidth(const char* label) {
     return ImGui::CalcTextSize(label, nullptr, true).x + 2 * ImGui::GetStyle().FramePadding.x;
 }
 
-void CommandButton(Desk& desk, const char* label, const std::string& command, bool chosen) {
-    const bool known = desk.commands.Knows(command);
+void CommandButton(PanelContext& context, const char* label, const std::string& command,
+                   bool chosen) {
+    const bool known = context.commands.Knows(command);
+    // Captions repeat ("On"); commands do not.
+    ImGui::PushID(command.c_str());
     ImGui::BeginDisabled(!known);
     if (chosen) {
         ImGui::PushStyleColor(ImGuiCol_Button, ImGui::GetStyle().Colors[ImGuiCol_ButtonActive]);
         ImGui::PushStyleColor(ImGuiCol_Text, ImVec4(1, 1, 1, 1));
     }
     if (ImGui::Button(label))
-        desk.commands.Follow(command);
+        context.commands.Execute(command);
     if (chosen)
         ImGui::PopStyleColor(2);
     ImGui::EndDisabled();
     if (ImGui::IsItemHovered(ImGuiHoveredFlags_AllowWhenDisabled))
-        CommandTip(desk, command, known);
+        CommandTip(context, command, known);
+    ImGui::PopID();
 }
 
-void CommandButtons(Desk& desk, std::initializer_list<Choice> choices) {
+void CommandButtons(PanelContext& context, std::initializer_list<Choice> choices) {
     bool first = true;
     for (const Choice& choice : choices) {
         if (!first)
-            NextInRow(desk, ButtonWidth(choice.label));
+            NextInRow(context, ButtonWidth(choice.label));
         first = false;
-        CommandButton(desk, choice.label, choice.command, choice.chosen);
+        CommandButton(context, choice.label, choice.command, choice.chosen);
     }
 }
 

@@ -2,47 +2,50 @@
 
 #include <string>
 
-#include "unit/workbench/desk.h"
+#include "unit/workbench/panel_context.h"
 
 namespace unit {
 
 // The panel's building blocks.
 
-// A group that folds; draw its content only when it returns true.
-bool Group(const Desk& desk, const char* title, bool open_at_first = true);
+// Where values begin beside their labels, and texts beside their times; multiply by the scale.
+inline constexpr float kValueColumn = 104;
+inline constexpr float kTimeColumn = 80;
 
-// Begins a row: a dim label, and what follows stands in the column of values.
-void RowLabel(const Desk& desk, const char* label);
+// The heading of a group; draw its content only when it returns true.
+bool Group(const PanelContext& context, const char* title, bool initially_open = true);
 
-// A row with a value.
-void Field(const Desk& desk, const char* label, const std::string& value,
+// Begins a row with a label; the next item stands in the column of values.
+void RowLabel(const PanelContext& context, const char* label);
+
+// A row with a label and a value.
+void Field(const PanelContext& context, const char* label, const std::string& value,
            const ImVec4& text_color = color::kText);
 
-// Goes on in the row, or in a new line of the value column when `width` more does not fit.
-void NextInRow(const Desk& desk, float width = 0);
+// Continues the row, on a new line of the value column when `width` does not fit.
+void NextInRow(const PanelContext& context, float width = 0);
 
-// How wide a button with that caption is.
 float ButtonWidth(const char* label);
 
-// A button that follows a command when it is pressed. The tip under the mouse tells the command,
-// what it does and its key. `chosen` marks the state that the unit is in.
-void CommandButton(Desk& desk, const char* label, const std::string& command, bool chosen = false);
+// A button that executes a command. Its tip shows the command, its help and its key. `chosen` marks
+// the unit's current state.
+void CommandButton(PanelContext& context, const char* label, const std::string& command,
+                   bool chosen = false);
 
-// Several of them in a row that wraps.
+// Several command buttons in a row that wraps.
 struct Choice {
     const char* label;
     std::string command;
     bool chosen = false;
 };
-void CommandButtons(Desk& desk, std::initializer_list<Choice> choices);
+void CommandButtons(PanelContext& context, std::initializer_list<Choice> choices);
 
-// Text in a colour.
 void ColoredText(const ImVec4& text_color, const std::string& text);
 
-// A tip while the mouse is over the last item.
+// Shows a tip while the mouse is over the last item.
 void Tip(const char* text);
 
-// A text field; true when Enter was pressed in it.
+// True when Enter was pressed in the field.
 bool TextField(const char* id, const char* hint, std::string& text, float width);
 
 }  // namespace unit

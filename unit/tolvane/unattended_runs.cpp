@@ -1,15 +1,19 @@
-#include "unit/tolvane/scenario_command.h"
+#include "unit/tolvane/unattended_runs.h"
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "platform/kernel/scheduler.h"
+#include "unit/recording/recording_reader.h"
+#include "unit/recording/replay.h"
 #include "unit/scenario/scenario_run.h"
-#include "unit/tolvane/exit_status.h"
-#include "unit/tolvane/run_unit.h"
-#include "unit/tolvane/update_scenario.h"
 #include "unit/workbench/workbench.h"
+
+// Defined in update_scenario.S.
+extern "C" const char tolvane_update_scenario_begin[];
+extern "C" const char tolvane_update_scenario_end[];
 
 namespace unit {
 namespace {
@@ -17,7 +21,7 @@ namespace {
 namespace kernel = platform::kernel;
 using HostClock = std::chrono::steady_clock;
 
-// The command line wins over the file.
+// The command line overrides the file's settings.
 VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& command_line) {
     VirtualUnit::Options options = UnitOptions(command_line);
     options.kernel.mode = kernel::Mode::kSimulated;
@@ -49,10 +53,10 @@ bool RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run, const CommandLine&
         kernel::RunHardware(done);
     }
     run.Stop(signals.raised() ? "interrupted" : "the window was closed");
-    return CloseInOrder(unit) && run.passed();
+    return CloseUnit(unit) && run.passed();
 }
 
-// False when it failed; prints why.
+// True when it passed. Prints the result.
 bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Program& program,
             const CloseSignals& signals) {
     DebugLog log(
@@ -63,7 +67,7 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
     if (!OpenLog(log, command_line))
         return false;
     const VirtualUnit::Options options = OptionsFor(scenario, command_line);
-    VirtualUnit unit(options, program, log, Say);
+    VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
         return false;
@@ -73,7 +77,7 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
     const bool passed = RunOn(unit, op, run, command_line, signals);
     const std::chrono::duration<double> host_time = HostClock::now() - began;
     if (!run.passed())
-        Say(run.problem());
+        PrintNotice(run.problem());
     if (!command_line.automatic) {
         std::printf("%s: %s, %.1f s of unit time, %.1f s\n", scenario.name.c_str(),
                     passed ? "passed" : "failed", static_cast<double>(run.duration().count()) / 1e6,
@@ -81,6 +85,14 @@ bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Pro
         std::fflush(stdout);
     }
     return passed;
+}
+
+void SavePicture(const Picture& picture, const std::string& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    const std::string file = folder + "/replay.png";
+    std::string problem;
+    PrintNotice(WritePng(picture, file, problem) ? "the replay's screen is in " + file : problem);
 }
 
 }  // namespace
@@ -92,7 +104,7 @@ RunOptions RunOptionsFor(const CommandLine& command_line,
     options.out = command_line.out;
     options.update_screens = command_line.update_screens;
     options.seed = static_cast<std::uint32_t>(unit_options.kernel.seed);
-    options.say = Say;
+    options.say = PrintNotice;
     if (command_line.verbose)
         options.trace = [](const std::string& command) {
             PrintLine(kernel::Now(), "> " + command);
@@ -108,7 +120,7 @@ int RunScenarios(const CommandLine& command_line, const Program& program,
         if (auto scenario = LoadScenario(file, problems))
             scenarios.push_back(std::move(*scenario));
     for (const std::string& problem : problems)
-        Say(problem);
+        PrintNotice(problem);
     if (!problems.empty())
         return kExitWrongUsage;
     int status = EXIT_SUCCESS;
@@ -130,9 +142,33 @@ int RunAutomatically(const CommandLine& command_line, const Program& program,
     std::vector<std::string> problems;
     const auto scenario = ReadScenario(std::string(UpdateScenario()), "update.scenario", problems);
     for (const std::string& problem : problems)
-        Say(problem);
+        PrintNotice(problem);
     return scenario && RunOne(*scenario, with_pictures, program, signals) ? EXIT_SUCCESS
                                                                           : kExitFailed;
+}
+
+int RunReplay(const CommandLine& command_line, const Program& program) {
+    DebugLog log(PrintLine);
+    if (!OpenLog(log, command_line))
+        return kExitFailed;
+    std::string problem;
+    const auto recording = ReadRecording(command_line.replay, problem);
+    if (!recording) {
+        PrintNotice(problem);
+        return kExitWrongUsage;
+    }
+    const ReplayResult result = Replay(*recording, program, log, PrintNotice);
+    PrintNotice(ReplayReport(*recording, result));
+    if (!result.difference)
+        return EXIT_SUCCESS;
+    if (result.screen)
+        SavePicture(*result.screen,
+                    command_line.screens.empty() ? "out/screens" : command_line.screens);
+    return kExitFailed;
+}
+
+std::string_view UpdateScenario() {
+    return {tolvane_update_scenario_begin, tolvane_update_scenario_end};
 }
 
 }  // namespace unit
