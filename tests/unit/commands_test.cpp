@@ -17,12 +17,11 @@ using namespace unit;
 
 class Commands : public testing::Test {
   protected:
-    Commands() { EXPECT_TRUE(run_.WaitForText(L"Power On", 5s)); }
+    Commands() { EXPECT_EQ(run_.RunScenario("wait button 'Power On' within 5s"), ""); }
 
-    control::Outcome Follow(const char* line) { return UnitCommands().Execute(operator_, line); }
+    control::Outcome Follow(const char* line) { return UnitCommands().Execute(run_.unit_operator(), line); }
 
     WizardRun run_;
-    Operator operator_{run_.unit(), ""};
 };
 
 TEST_F(Commands, RefuseWhatCannotBeDoneNow) {

@@ -147,7 +147,7 @@ class PlayedFirst {
     }
     void Say(Id id, const char* answer) {
         if (answer)
-            server_->End(id, control::Done(answer));
+            server_->SendOutcome(id, control::Done(answer));
     }
 
     const Answers answers_;
