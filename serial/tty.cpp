@@ -1,17 +1,20 @@
 #include "serial/tty.h"
 
 #include <fcntl.h>
+#include <grp.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <utility>
-
-#include "serial/open_problem.h"
+#include <vector>
 
 namespace serial {
 namespace {
@@ -26,7 +29,7 @@ constexpr Rate kRates[] = {
 };
 
 constexpr tcflag_t kSizes[] = {CS5, CS6, CS7, CS8};
-constexpr unsigned kFewestBits = 5;
+constexpr unsigned kMinDataBits = 5;
 
 const Rate* FindRate(unsigned baud) {
     for (const Rate& rate : kRates)
@@ -35,14 +38,14 @@ const Rate* FindRate(unsigned baud) {
     return nullptr;
 }
 
-bool Fits(const Settings& settings) {
-    return FindRate(settings.baud) && settings.data_bits >= kFewestBits &&
-           settings.data_bits < kFewestBits + std::size(kSizes) && settings.stop_bits >= 1 &&
+bool IsSupported(const Settings& settings) {
+    return FindRate(settings.baud) && settings.data_bits >= kMinDataBits &&
+           settings.data_bits < kMinDataBits + std::size(kSizes) && settings.stop_bits >= 1 &&
            settings.stop_bits <= 2;
 }
 
 tcflag_t ControlFlags(const Settings& settings) {
-    tcflag_t flags = CLOCAL | CREAD | kSizes[settings.data_bits - kFewestBits];
+    tcflag_t flags = CLOCAL | CREAD | kSizes[settings.data_bits - kMinDataBits];
     if (settings.stop_bits == 2)
         flags |= CSTOPB;
     if (settings.parity != Parity::kNone)
@@ -62,7 +65,7 @@ Settings SettingsOf(const termios& state) {
             settings.baud = rate.baud;
     for (std::size_t index = 0; index < std::size(kSizes); ++index)
         if ((state.c_cflag & CSIZE) == kSizes[index])
-            settings.data_bits = static_cast<unsigned>(kFewestBits + index);
+            settings.data_bits = static_cast<unsigned>(kMinDataBits + index);
     if ((state.c_cflag & PARENB) != 0)
         settings.parity = (state.c_cflag & PARODD) != 0 ? Parity::kOdd : Parity::kEven;
     settings.stop_bits = (state.c_cflag & CSTOPB) != 0 ? 2 : 1;
@@ -70,12 +73,47 @@ Settings SettingsOf(const termios& state) {
     return settings;
 }
 
-// Neither echo nor line editing, no character changed, added or taken for a command.
+// No echo, no line editing, no character changed or interpreted.
 bool IsRaw(const termios& state) {
     termios raw = state;
     cfmakeraw(&raw);
     return state.c_iflag == raw.c_iflag && state.c_oflag == raw.c_oflag &&
            state.c_lflag == raw.c_lflag;
+}
+
+constexpr mode_t kGroupAccess = S_IRGRP | S_IWGRP;
+
+std::string GroupName(gid_t group) {
+    const struct group* const entry = getgrgid(group);
+    return entry ? entry->gr_name : std::to_string(group);
+}
+
+std::string UserName(uid_t user) {
+    const struct passwd* const entry = getpwuid(user);
+    return entry ? entry->pw_name : std::to_string(user);
+}
+
+// According to the user database; the groups of this log-in may be older.
+bool IsMember(uid_t user, gid_t group) {
+    const struct passwd* const entry = getpwuid(user);
+    if (!entry)
+        return false;
+    int count = 0;
+    getgrouplist(entry->pw_name, entry->pw_gid, nullptr, &count);
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(count, 1)));
+    getgrouplist(entry->pw_name, entry->pw_gid, groups.data(), &count);
+    return std::ranges::find(groups, group) != groups.end();
+}
+
+std::string WhoMayOpen(const struct stat& device) {
+    if ((device.st_mode & kGroupAccess) != kGroupAccess)
+        return "only its owner " + UserName(device.st_uid) + " may open the device";
+    const std::string group = GroupName(device.st_gid);
+    if (IsMember(geteuid(), device.st_gid))
+        return "the device belongs to group " + group +
+               ", which this log-in does not have yet: log in again";
+    return "the device belongs to group " + group + ": sudo adduser " + UserName(geteuid()) + " " +
+           group + ", then log in again";
 }
 
 }  // namespace
@@ -94,6 +132,15 @@ int ReadSettings(int descriptor, Settings& settings) {
         return errno;
     settings = SettingsOf(state);
     return 0;
+}
+
+std::string OpenProblem(const std::string& path, int error) {
+    struct stat device {};
+    if (error == EACCES && stat(path.c_str(), &device) == 0 && S_ISCHR(device.st_mode))
+        return path + ": permission denied; " + WhoMayOpen(device);
+    if (error == EBUSY)
+        return path + ": the serial device is in use by another program";
+    return path + ": cannot open the serial device: " + std::strerror(error);
 }
 
 Tty::Tty(Tty&& other) noexcept
@@ -115,17 +162,17 @@ int Tty::Open(const std::string& path, std::string& problem) {
         return error;
     }
     const auto refuse = [&](const std::string& what, int error) {
-        // Not Close(): that would give up the exclusive use of whoever has it.
+        // Not Close(): that would end the exclusive use by the program that has it.
         close(std::exchange(descriptor_, -1));
         problem = path + ": " + what;
         return error;
     };
     if (isatty(descriptor_) == 0)
         return refuse("not a serial device", ENOTTY);
-    // TIOCEXCL keeps others out, but not root; the lock keeps out whoever asks for it.
+    // TIOCEXCL keeps out everybody but root; the lock keeps out programs that ask for it.
     if (flock(descriptor_, LOCK_EX | LOCK_NB) != 0)
         return refuse("the serial device is in use by another program", EBUSY);
-    // Raw from the first byte on, before anything echoes.
+    // Raw before the first byte, or the terminal would echo it.
     termios raw{};
     tcgetattr(descriptor_, &raw);
     cfmakeraw(&raw);
@@ -147,14 +194,14 @@ void Tty::Close() {
 
 int Tty::Apply(const Settings& settings, std::string& problem) const {
     termios state{};
-    if (!Fits(settings))
+    if (!IsSupported(settings))
         return EINVAL;
     if (tcgetattr(descriptor_, &state) != 0)
         return errno;
     cfmakeraw(&state);
     state.c_cflag = ControlFlags(settings);
     cfsetspeed(&state, FindRate(settings.baud)->speed);
-    // Some of what a device passes over is EINVAL; reading back tells all of it.
+    // EINVAL does not say which settings were ignored; reading back does.
     if (tcsetattr(descriptor_, TCSANOW, &state) != 0 && errno != EINVAL)
         return errno;
     if (tcgetattr(descriptor_, &state) != 0)
@@ -165,6 +212,15 @@ int Tty::Apply(const Settings& settings, std::string& problem) const {
     problem = path_ + ": the device did not take the settings " + Describe(settings) +
               "; it works with " + Describe(taken) + (IsRaw(state) ? "" : ", not raw");
     return EINVAL;
+}
+
+std::optional<std::size_t> Tty::Receive(std::span<std::uint8_t> buffer) const {
+    const ssize_t count = read(descriptor_, buffer.data(), buffer.size());
+    if (count > 0)
+        return static_cast<std::size_t>(count);
+    if (count < 0 && (errno == EAGAIN || errno == EINTR))
+        return 0;
+    return std::nullopt;
 }
 
 }  // namespace serial

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 
 namespace serial {
@@ -19,11 +24,17 @@ struct Settings {
 // "460800 baud, 8N1, no flow control"
 std::string Describe(const Settings& settings);
 
-// Of an open terminal device; 0 or the error's number.
+// Reads the settings of an open terminal device; 0 or the error's number.
 int ReadSettings(int descriptor, Settings& settings);
 
-// A terminal device of the host, opened raw, without waiting, and for this process alone. Not
-// locked: one thread at a time.
+// Why a terminal device could not be opened, in one line. For a missing permission it names the
+// group that may open the device and how to join it.
+std::string OpenProblem(const std::string& path, int error);
+
+// Poll interval, of the host's time, for a device that went away.
+inline constexpr std::chrono::milliseconds kReopenInterval{500};
+
+// A terminal device of the host, opened raw, non-blocking and for this process alone. Not locked.
 class Tty {
   public:
     Tty() = default;
@@ -33,8 +44,7 @@ class Tty {
     Tty(Tty&& other) noexcept;
     Tty& operator=(Tty&& other) noexcept;
 
-    // 0, or the error's number with one line in `problem` that tells what to do about it where
-    // that is known. What had arrived before is dropped.
+    // Discards what arrived before. 0, or the error's number with one line in `problem`.
     int Open(const std::string& path, std::string& problem);
     void Close();
 
@@ -44,9 +54,17 @@ class Tty {
 
     // 0 or the error's number.
     int Read(Settings& settings) const { return ReadSettings(descriptor_, settings); }
-    // 0, or the error's number. Devices pass over what they cannot do without an error: the
-    // settings are read back, and where they differ `problem` says so in one line (EINVAL).
+    // 0, or the error's number. A device ignores what it does not support without an error, so the
+    // settings are read back; a difference is EINVAL with one line in `problem`.
     int Apply(const Settings& settings, std::string& problem) const;
+
+    // Reads bytes that have arrived and returns their number; 0 when there are none now. Empty
+    // when the device went away: the caller closes it.
+    std::optional<std::size_t> Receive(std::span<std::uint8_t> buffer) const;
+
+    // One line each for the operator.
+    std::string WentAwayText() const { return path_ + ": the serial device went away"; }
+    std::string IsBackText() const { return path_ + ": the serial device is back"; }
 
   private:
     int descriptor_ = -1;

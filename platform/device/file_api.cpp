@@ -11,7 +11,7 @@ using device::Stream;
 
 namespace {
 
-// A device is named by letters and digits with a colon at the end; there is no file system.
+// Device names end with a colon; there is no file system.
 bool IsDeviceName(std::wstring_view name) {
     return name.size() >= 2 && name.back() == L':';
 }

@@ -9,25 +9,24 @@
 
 namespace platform::device {
 
-// The wires behind a serial port. Two kinds: memory_line.h (the other end is in this process, on
-// the hardware's clock) and tty_line.h (a device of the host).
+// The wires behind a serial port.
 class SerialLine {
   public:
     using Receiver = std::function<void(std::span<const std::uint8_t>)>;
 
     virtual ~SerialLine() = default;
 
-    // The port was opened: what arrives from now on goes to `receiver`, on any thread, without
-    // locks held. ERROR_SUCCESS or the last error of the failed open.
+    // The port was opened. `receiver` gets the bytes that arrive from now on, on any thread,
+    // without locks. ERROR_SUCCESS or the last error of the failed open.
     virtual DWORD Open(Receiver receiver) = 0;
     virtual void Close() = 0;
 
     virtual DWORD ReadSettings(DCB& settings) = 0;
     virtual DWORD ApplySettings(const DCB& settings) = 0;
 
-    // Hands bytes to the wire: takes as many as it can now and returns that count (0 when full).
+    // Accepts as many bytes as the line can take now and returns their number, 0 when full.
     virtual std::size_t Transmit(std::span<const std::uint8_t> bytes) = 0;
-    // Called (any thread, no locks) when a full line can take more.
+    // `on_writable` is called on any thread, without locks, when a full line accepts bytes again.
     virtual void OnWritable(std::function<void()> on_writable) = 0;
 };
 

@@ -30,8 +30,8 @@ DWORD SerialPort::Start(const std::shared_ptr<SerialPort>& self) {
 
 void SerialPort::Receive(std::span<const std::uint8_t> bytes) {
     KernelLock lock = kernel::LockKernel();
-    const std::size_t room = kMostReadAhead - std::min(kMostReadAhead, input_.size());
-    for (const std::uint8_t byte : bytes.first(std::min(room, bytes.size())))
+    const std::size_t space = kMaxReadAhead - std::min(kMaxReadAhead, input_.size());
+    for (const std::uint8_t byte : bytes.first(std::min(space, bytes.size())))
         input_.push_back(std::byte{byte});
     last_arrival_ = kernel::Now();
     kernel::Wake(lock);
@@ -40,7 +40,7 @@ void SerialPort::Receive(std::span<const std::uint8_t> bytes) {
 Time SerialPort::TotalDeadline(DWORD multiplier, DWORD constant, std::size_t count) const {
     if (multiplier == 0 && constant == 0)
         return kernel::kNever;
-    // 64 bits hold the greatest total, a Time does not.
+    // The greatest total overflows a Time.
     constexpr std::uint64_t kLongest = MAXDWORD;
     const std::uint64_t total = std::uint64_t{multiplier} * count + constant;
     return kernel::Now() + milliseconds(std::min(total, kLongest));
@@ -50,17 +50,17 @@ DWORD SerialPort::Read(std::span<std::byte> buffer, DWORD& done) {
     KernelLock lock = kernel::LockKernel();
     const COMMTIMEOUTS limits = timeouts_;
     std::size_t wanted = buffer.size();
-    const bool at_once = limits.ReadIntervalTimeout == MAXDWORD;
+    const bool immediate = limits.ReadIntervalTimeout == MAXDWORD;
     Time deadline = TotalDeadline(limits.ReadTotalTimeoutMultiplier,
                                   limits.ReadTotalTimeoutConstant, buffer.size());
-    if (at_once && limits.ReadTotalTimeoutMultiplier == MAXDWORD) {
-        // Documented special case: whatever is there, or the first byte within the constant.
+    if (immediate && limits.ReadTotalTimeoutMultiplier == MAXDWORD) {
+        // Documented special case: returns what is there, or waits for the first byte.
         wanted = std::min<std::size_t>(wanted, 1);
         deadline = kernel::Now() + milliseconds(limits.ReadTotalTimeoutConstant);
-    } else if (at_once && deadline == kernel::kNever) {
+    } else if (immediate && deadline == kernel::kNever) {
         deadline = kernel::Now();
     }
-    const bool uses_interval = !at_once && limits.ReadIntervalTimeout != 0;
+    const bool uses_interval = !immediate && limits.ReadIntervalTimeout != 0;
     const Time interval = milliseconds(uses_interval ? limits.ReadIntervalTimeout : 0);
     const auto enough = [&] { return closed_ || input_.size() >= wanted; };
     for (;;) {

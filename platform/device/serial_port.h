@@ -13,13 +13,13 @@
 
 namespace platform::device {
 
-// The open serial port: what arrives on the line is read ahead into memory, so that a read of one
-// byte costs no call of the host. Time-outs are those of the COMMTIMEOUTS record.
+// The open serial port. Arriving bytes are read ahead into memory, so reading single bytes needs no
+// call of the host. Time-outs follow COMMTIMEOUTS.
 class SerialPort final : public Stream {
   public:
     explicit SerialPort(std::shared_ptr<SerialLine> line);
 
-    // Starts listening; ERROR_SUCCESS or the line's error.
+    // Opens the line; ERROR_SUCCESS or the line's error.
     DWORD Start(const std::shared_ptr<SerialPort>& self);
 
     DWORD Read(std::span<std::byte> buffer, DWORD& done) override;
@@ -39,8 +39,8 @@ class SerialPort final : public Stream {
     void Receive(std::span<const std::uint8_t> bytes);
     kernel::Time TotalDeadline(DWORD multiplier, DWORD constant, std::size_t count) const;
 
-    // More than a second of the line; what comes on top is lost, as in any driver.
-    static constexpr std::size_t kMostReadAhead = 64 * 1024;
+    // More than a second of bytes at 460800 baud; bytes that do not fit are lost.
+    static constexpr std::size_t kMaxReadAhead = 64 * 1024;
 
     const std::shared_ptr<SerialLine> line_;
     // Guarded by the kernel lock.
@@ -49,11 +49,11 @@ class SerialPort final : public Stream {
     COMMTIMEOUTS timeouts_{};
     DWORD event_mask_ = 0;
     bool closed_ = false;
-    // How often the line had room again.
+    // How often the line has become writable.
     std::uint64_t writable_count_ = 0;
 };
 
-// A serial driver over a line. One handle at a time, as the device's own driver has it.
+// A serial driver over a line, for one handle at a time.
 class SerialDriver final : public StreamDriver {
   public:
     explicit SerialDriver(std::shared_ptr<SerialLine> line) : line_(std::move(line)) {}

@@ -10,8 +10,8 @@
 
 namespace platform::device {
 
-// One open handle on a stream driver. The operations run on the calling thread of the program,
-// without locks held, and return ERROR_SUCCESS or the last error to report.
+// One open handle on a stream driver. Its functions run on the program's calling thread, without
+// locks, and return ERROR_SUCCESS or the last error.
 class Stream : public kernel::Object {
   public:
     virtual DWORD Read(std::span<std::byte> buffer, DWORD& done);
@@ -25,7 +25,7 @@ class StreamDriver {
   public:
     virtual ~StreamDriver() = default;
 
-    // Opens one more handle; ERROR_SUCCESS with `stream` set, or the last error to report.
+    // Opens another handle; ERROR_SUCCESS with `stream` set, or the last error.
     virtual DWORD Open(DWORD access, DWORD share_mode, std::shared_ptr<Stream>& stream) = 0;
 };
 

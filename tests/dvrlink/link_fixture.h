@@ -11,10 +11,10 @@
 #include "dvrlink/Handlers.h"
 #include "dvrlink/LinkState.h"
 #include "dvrlink/UART.h"
-#include "platform/device/memory_line.h"
 #include "platform/device/serial_port.h"
 #include "platform/kernel/scheduler.h"
 #include "tests/support/program_log.h"
+#include "unit/line/memory_line.h"
 
 namespace tests {
 
@@ -78,11 +78,10 @@ struct LinkFixture {
 
     Platform platform;
     Bytes received_by_dvr;
-    std::shared_ptr<platform::device::MemoryLine> line =
-        std::make_shared<platform::device::MemoryLine>(
-            460800, [this](std::span<const std::uint8_t> bytes) {
-                received_by_dvr.insert(received_by_dvr.end(), bytes.begin(), bytes.end());
-            });
+    std::shared_ptr<unit::MemoryLine> line =
+        std::make_shared<unit::MemoryLine>(460800, [this](std::span<const std::uint8_t> bytes) {
+            received_by_dvr.insert(received_by_dvr.end(), bytes.begin(), bytes.end());
+        });
 };
 
 // A report of the DVR that a plain handler takes, and its line.

@@ -30,7 +30,7 @@ WizardHarness::WizardHarness(const kernel::Options& options, Pace pace) : platfo
     // A process starts with an empty parser; an earlier run here may have ended within a frame.
     const std::array<BYTE, 80> nothing{};
     UART_ParseData(nothing.data(), static_cast<DWORD>(nothing.size()));
-    line_ = std::make_shared<platform::device::MemoryLine>(
+    line_ = std::make_shared<unit::MemoryLine>(
         460800, [this](std::span<const std::uint8_t> bytes) { Receive(bytes); }, pace);
     auto& drivers = platform.board.drivers;
     drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line_);

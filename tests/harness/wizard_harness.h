@@ -12,13 +12,13 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/device/memory_line.h"
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "platform/window/screen.h"
 #include "tests/support/platform_fixture.h"
 #include "tests/support/recording_driver.h"
+#include "unit/line/memory_line.h"
 
 namespace tests {
 
@@ -32,7 +32,7 @@ class WizardHarness {
     // The step while there is no frame.
     static constexpr int kNoFrame = -9;
 
-    using Pace = platform::device::MemoryLine::Pace;
+    using Pace = unit::MemoryLine::Pace;
     explicit WizardHarness(const platform::kernel::Options& options = {},
                            Pace pace = Pace::kBaudRate);
     // Closes the window if that has not been done, and expects a clean end.
@@ -107,7 +107,7 @@ class WizardHarness {
     void Indicate(std::uint8_t command, const Bytes& payload);
     void Receive(std::span<const std::uint8_t> bytes);
 
-    std::shared_ptr<platform::device::MemoryLine> line_;
+    std::shared_ptr<unit::MemoryLine> line_;
     Bytes from_program_;
     std::shared_ptr<platform::kernel::Thread> program_;
     int exit_code_ = 0;

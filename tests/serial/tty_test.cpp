@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <string>
 
-#include "serial/open_problem.h"
 #include "serial/tty.h"
 
 namespace serial {

@@ -1,19 +1,11 @@
 #include "unit/devices/dvr_port.h"
 
-#include "platform/device/tty_line.h"
 #include "platform/kernel/scheduler.h"
+#include "unit/line/tty_line.h"
 
 namespace unit {
 
 namespace kernel = platform::kernel;
-using platform::device::MemoryLine;
-using platform::device::TtyLine;
-
-namespace {
-
-constexpr DWORD kBaudRate = 460800;
-
-}  // namespace
 
 DvrPort::DvrPort(const Options& options, std::function<void(const std::string&)> say,
                  LineTap::Listener bytes)
@@ -38,7 +30,7 @@ std::shared_ptr<platform::device::SerialLine> DvrPort::MakeLine(const Options& o
         return std::make_shared<TtyLine>(options.tty, say_);
     const auto to_dvr = [this](std::span<const std::uint8_t> bytes) { Receive(bytes); };
     if (options.line == Line::kMemory) {
-        memory_line_ = std::make_shared<MemoryLine>(kBaudRate, to_dvr);
+        memory_line_ = std::make_shared<MemoryLine>(kDvrBaudRate, to_dvr);
         return memory_line_;
     }
     pty_ = std::make_unique<PtyPeer>(to_dvr);

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "dvrsim/dvr.h"
-#include "platform/device/memory_line.h"
 #include "platform/device/serial_line.h"
 #include "unit/devices/host_command.h"
 #include "unit/devices/pty_peer.h"
 #include "unit/line/line_tap.h"
+#include "unit/line/memory_line.h"
 
 namespace unit {
 
@@ -64,7 +64,7 @@ class DvrPort final : private dvrsim::Host {
     void Receive(std::span<const std::uint8_t> bytes);
 
     const std::function<void(const std::string&)> say_;
-    std::shared_ptr<platform::device::MemoryLine> memory_line_;
+    std::shared_ptr<MemoryLine> memory_line_;
     const std::shared_ptr<LineFaults> faults_ = std::make_shared<LineFaults>();
     std::shared_ptr<LineTap> tap_;
     std::unique_ptr<dvrsim::Dvr> dvr_;

@@ -6,11 +6,13 @@
 #include <string>
 #include <thread>
 
+#include "serial/pseudo_terminal.h"
+
 namespace unit {
 
-// A pseudo-terminal whose far end is a device of this process: the near end is a real tty of the
-// host, to be opened by path. What comes in reaches `receive` on the hardware's thread. Made,
-// used and destroyed on the hardware's thread, while the platform is booted.
+// A device of this process at the far end of a pseudo-terminal, whose near end is opened by path.
+// `receive` gets the bytes that come in, on the host thread. Host thread, while the platform is
+// booted.
 class PtyPeer {
   public:
     explicit PtyPeer(std::function<void(std::span<const std::uint8_t>)> receive);
@@ -18,22 +20,20 @@ class PtyPeer {
     PtyPeer(const PtyPeer&) = delete;
     PtyPeer& operator=(const PtyPeer&) = delete;
 
-    // The tty's path; empty when the host gave no pseudo-terminal, and then `problem` says why.
-    const std::string& path() const { return path_; }
+    // The tty's path; empty when the host has no pseudo-terminal left, and `problem` says why.
+    const std::string& path() const { return terminal_.path; }
     const std::string& problem() const { return problem_; }
 
-    // Bytes that the tty cannot take now are lost, as on a line nobody reads.
+    // Bytes that the tty cannot take now are lost.
     void Send(std::span<const std::uint8_t> bytes);
 
   private:
     void ReadUntilStopped();
 
     const std::function<void(std::span<const std::uint8_t>)> receive_;
-    int far_end_ = -1;
-    // Held open so that the far end never sees a hang-up between two openings of the tty.
-    int near_end_ = -1;
+    // The near end stays open, so that the far end sees no hang-up between two openings.
+    serial::PseudoTerminal terminal_;
     int stop_event_ = -1;
-    std::string path_;
     std::string problem_;
     std::thread reader_;
 };

@@ -84,7 +84,7 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
 }
 
 std::optional<LineEntry> FrameMonitor::Settle(std::chrono::microseconds now) {
-    return now - stray_time_ >= kLongestGap ? EndStray() : std::nullopt;
+    return now - stray_time_ >= kMaxGapInFrame ? EndStray() : std::nullopt;
 }
 
 std::optional<LineEntry> FrameMonitor::EndStray() {

@@ -13,7 +13,7 @@ inline constexpr std::size_t kFrameHeaderBytes = 7;
 inline constexpr std::size_t kFrameChecksumBytes = 2;
 
 // Bytes of one chunk follow each other more closely than this.
-inline constexpr std::chrono::milliseconds kLongestGap{50};
+inline constexpr std::chrono::milliseconds kMaxGapInFrame{50};
 
 // A chunk of the line's byte stream.
 struct Segment {

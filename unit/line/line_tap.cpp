@@ -201,7 +201,7 @@ bool LineTap::Deliver(Channel& channel, Chunk& chunk) {
 void LineTap::LookAgain(Channel& channel) {
     kernel::Time due = channel.waiting.empty() ? kernel::kNever : channel.waiting.front().due;
     if (!channel.splitter.held().empty())
-        due = std::min(due, channel.last_arrival + kLongestGap);
+        due = std::min(due, channel.last_arrival + kMaxGapInFrame);
     if (due >= channel.alarm)
         return;
     channel.alarm = due;
@@ -213,7 +213,7 @@ void LineTap::LookAgain(Channel& channel) {
         Channel& woken = self->ChannelOf(direction);
         if (woken.alarm == due)
             woken.alarm = kernel::kNever;
-        if (!woken.splitter.held().empty() && kernel::Now() - woken.last_arrival >= kLongestGap)
+        if (!woken.splitter.held().empty() && kernel::Now() - woken.last_arrival >= kMaxGapInFrame)
             self->PassSegment(woken, woken.splitter.GiveUp(), false);
         self->Release(woken);
     });

@@ -1,13 +1,32 @@
 #include <thread>
 
-#include "tests/device/com9.h"
+#include "platform/device/serial_port.h"
+#include "tests/support/com9.h"
+#include "tests/support/platform_test.h"
+#include "unit/line/memory_line.h"
 
 namespace tests {
 namespace {
 
+// "COM9:" with a device of 460800 baud, 8N1 at the other end of its wires.
+struct MemoryPort {
+    explicit MemoryPort(Platform& platform) {
+        platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
+    }
+
+    void SendAfter(kernel::Duration time, std::size_t bytes) const {
+        kernel::After(time, [this, bytes] { line->Send(std::vector<std::uint8_t>(bytes, 'x')); });
+    }
+
+    std::string heard;
+    const std::shared_ptr<unit::MemoryLine> line = std::make_shared<unit::MemoryLine>(
+        460800,
+        [this](std::span<const std::uint8_t> bytes) { heard.append(bytes.begin(), bytes.end()); });
+};
+
 TEST(MemoryLine, KeepsNoMoreThanADevicesMemory) {
     Platform platform;
-    using platform::device::MemoryLine;
+    using unit::MemoryLine;
     const auto line = std::make_shared<MemoryLine>(
         CBR_9600, [](std::span<const std::uint8_t>) {}, MemoryLine::Pace::kAtOnce);
     std::size_t arrived = 0;

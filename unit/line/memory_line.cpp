@@ -1,11 +1,12 @@
-#include "platform/device/memory_line.h"
+#include "unit/line/memory_line.h"
 
 #include <algorithm>
 
 #include "platform/kernel/scheduler.h"
 
-namespace platform::device {
+namespace unit {
 
+namespace kernel = platform::kernel;
 using kernel::KernelLock;
 
 MemoryLine::MemoryLine(DWORD baud_rate, Receiver device, Pace pace)
@@ -26,12 +27,7 @@ MemoryLine::MemoryLine(DWORD baud_rate, Receiver device, Pace pace)
 kernel::Time MemoryLine::Wire::End() const {
     if (pace_ == Pace::kAtOnce)
         return busy_since_;
-    constexpr std::int64_t kBitsAByte = 10;
-    constexpr std::int64_t kMicrosecondsASecond = 1'000'000;
-    // Rounded up: never faster than the wire.
-    return busy_since_ +
-           kernel::Duration((bytes_ * kBitsAByte * kMicrosecondsASecond + baud_rate_ - 1) /
-                            baud_rate_);
+    return busy_since_ + WireTime(bytes_, baud_rate_);
 }
 
 kernel::Time MemoryLine::Wire::Start(std::size_t bytes) {
@@ -48,7 +44,7 @@ kernel::Time MemoryLine::Wire::Continue() {
     return End();
 }
 
-bool MemoryLine::SettingsFit() const {
+bool MemoryLine::SettingsMatch() const {
     return settings_.BaudRate == baud_rate_ && settings_.ByteSize == 8 &&
            settings_.Parity == NOPARITY && settings_.StopBits == ONESTOPBIT;
 }
@@ -58,8 +54,7 @@ void MemoryLine::Send(std::span<const std::uint8_t> bytes) {
         return;
     KernelLock lock = kernel::LockKernel();
     const bool idle = waiting_for_port_.empty();
-    const std::size_t room = kMostWaiting - waiting_for_port_.size();
-    bytes = bytes.first(std::min(room, bytes.size()));
+    bytes = bytes.first(std::min(kMaxWaiting - waiting_for_port_.size(), bytes.size()));
     waiting_for_port_.insert(waiting_for_port_.end(), bytes.begin(), bytes.end());
     if (idle)
         kernel::At(lock, to_port_.Start(1), [self = shared_from_this()] { self->DeliverDue(); });
@@ -67,7 +62,7 @@ void MemoryLine::Send(std::span<const std::uint8_t> bytes) {
 
 void MemoryLine::DeliverDue() {
     KernelLock lock = kernel::LockKernel();
-    // One byte, and those that passed while a free-running host was late.
+    // One byte, and all that were due before a free-running host got here.
     std::vector<std::uint8_t> arrived;
     kernel::Time next{};
     do {
@@ -78,7 +73,7 @@ void MemoryLine::DeliverDue() {
     } while (!waiting_for_port_.empty() && next <= kernel::Now());
     if (!waiting_for_port_.empty())
         kernel::At(lock, next, [self = shared_from_this()] { self->DeliverDue(); });
-    if (!SettingsFit() || !port_)
+    if (!SettingsMatch() || !port_)
         return;
     const Receiver port = port_;
     lock.unlock();
@@ -91,7 +86,7 @@ std::size_t MemoryLine::Transmit(std::span<const std::uint8_t> bytes) {
     std::vector<std::uint8_t> sent(bytes.begin(), bytes.end());
     kernel::At(lock, arrival, [self = shared_from_this(), sent = std::move(sent)] {
         KernelLock inner = kernel::LockKernel();
-        const bool arrives = self->SettingsFit();
+        const bool arrives = self->SettingsMatch();
         inner.unlock();
         if (arrives)
             self->device_(sent);
@@ -122,4 +117,4 @@ DWORD MemoryLine::ApplySettings(const DCB& settings) {
     return ERROR_SUCCESS;
 }
 
-}  // namespace platform::device
+}  // namespace unit

@@ -1,4 +1,4 @@
-#include "platform/device/tty_line.h"
+#include "unit/line/tty_line.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -6,16 +6,42 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <iterator>
 #include <utility>
 
-#include "platform/device/tty_settings.h"
-
-namespace platform::device {
+namespace unit {
 namespace {
 
-// Of the host's time, between two looks for a device that went away.
-constexpr int kLookAgainMilliseconds = 500;
+constexpr int kReopenMilliseconds = std::chrono::milliseconds(serial::kReopenInterval).count();
+
+using serial::Parity;
+static_assert(static_cast<int>(Parity::kNone) == NOPARITY &&
+              static_cast<int>(Parity::kOdd) == ODDPARITY &&
+              static_cast<int>(Parity::kEven) == EVENPARITY);
+
+DCB RecordOf(const serial::Settings& settings) {
+    DCB record{};
+    record.DCBlength = sizeof(DCB);
+    record.fBinary = TRUE;
+    record.fDtrControl = DTR_CONTROL_ENABLE;
+    record.fRtsControl = RTS_CONTROL_ENABLE;
+    record.BaudRate = settings.baud != 0 ? settings.baud : CBR_9600;
+    record.ByteSize = static_cast<BYTE>(settings.data_bits);
+    record.StopBits = settings.stop_bits == 2 ? TWOSTOPBITS : ONESTOPBIT;
+    record.Parity = static_cast<BYTE>(settings.parity);
+    record.fParity = settings.parity != Parity::kNone;
+    record.fOutxCtsFlow = settings.hardware_flow;
+    return record;
+}
+
+// Empty for settings that a terminal device of the host does not have.
+std::optional<serial::Settings> SettingsOf(const DCB& record) {
+    if (record.Parity > EVENPARITY || record.StopBits == ONE5STOPBITS)
+        return std::nullopt;
+    return serial::Settings{record.BaudRate, record.ByteSize, static_cast<Parity>(record.Parity),
+                            record.StopBits == TWOSTOPBITS ? 2U : 1U, record.fOutxCtsFlow != 0};
+}
 
 DWORD LastErrorOf(int error) {
     switch (error) {
@@ -75,10 +101,10 @@ void TtyLine::ReadUntilClosed(const Receiver& receiver) {
         const int tty = tty_.descriptor();
         const short output = wants_writable_ ? POLLOUT : 0;
         lock.unlock();
-        // A negative number is passed over.
+        // poll ignores a negative descriptor.
         pollfd watched[] = {{reader_event_, POLLIN, 0},
                             {tty, static_cast<short>(POLLIN | output), 0}};
-        if (poll(watched, std::size(watched), tty < 0 ? kLookAgainMilliseconds : -1) < 0)
+        if (poll(watched, std::size(watched), tty < 0 ? kReopenMilliseconds : -1) < 0)
             continue;
         if (watched[0].revents != 0) {
             eventfd_t count = 0;
@@ -86,30 +112,31 @@ void TtyLine::ReadUntilClosed(const Receiver& receiver) {
             continue;
         }
         if (tty < 0) {
-            LookForDevice();
+            TryReopen();
             continue;
         }
         if ((watched[1].revents & POLLOUT) != 0)
             ReportWritable();
         if ((watched[1].revents & (POLLIN | POLLHUP | POLLERR | POLLNVAL)) == 0)
             continue;
-        const ssize_t count = read(tty, buffer.data(), buffer.size());
-        if (count > 0)
-            receiver({buffer.data(), static_cast<std::size_t>(count)});
-        else if (count == 0 || (errno != EAGAIN && errno != EINTR))
-            LoseDevice();
+        // Without the lock: only this thread closes the device.
+        const std::optional<std::size_t> count = tty_.Receive(buffer);
+        if (!count)
+            CloseLostDevice();
+        else if (*count > 0)
+            receiver({buffer.data(), *count});
     }
 }
 
-void TtyLine::LoseDevice() {
+void TtyLine::CloseLostDevice() {
     {
         const std::scoped_lock lock(mutex_);
         tty_.Close();
     }
-    problem_(path_ + ": the serial device went away");
+    problem_(tty_.WentAwayText());
 }
 
-void TtyLine::LookForDevice() {
+void TtyLine::TryReopen() {
     serial::Tty found;
     std::string problem;
     if (found.Open(path_, problem) != 0)
@@ -120,7 +147,7 @@ void TtyLine::LookForDevice() {
         found.Apply(settings_, problem);
         tty_ = std::move(found);
     }
-    problem_(path_ + ": the serial device is back");
+    problem_(tty_.IsBackText());
     if (!problem.empty())
         problem_(problem);
     ReportWritable();
@@ -181,7 +208,7 @@ std::size_t TtyLine::Transmit(std::span<const std::uint8_t> bytes) {
             return static_cast<std::size_t>(count);
         eventfd_write(reader_event_, 1);
     }
-    // A device that is away takes nothing: the writer's time-out ends the write.
+    // While the device is away, the writer waits for its time-out.
     wants_writable_ = true;
     return 0;
 }
@@ -191,4 +218,4 @@ void TtyLine::OnWritable(std::function<void()> on_writable) {
     on_writable_ = std::move(on_writable);
 }
 
-}  // namespace platform::device
+}  // namespace unit

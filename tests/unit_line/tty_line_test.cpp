@@ -1,4 +1,4 @@
-#include "platform/device/tty_line.h"
+#include "unit/line/tty_line.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -10,7 +10,9 @@
 #include <mutex>
 #include <utility>
 
-#include "tests/device/com9.h"
+#include "platform/device/serial_port.h"
+#include "tests/support/com9.h"
+#include "tests/support/platform_test.h"
 
 namespace tests {
 namespace {
@@ -36,7 +38,7 @@ class Tty : public testing::Test {
             problems.push_back(problem);
         };
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(
-            std::make_shared<platform::device::TtyLine>(name, note));
+            std::make_shared<unit::TtyLine>(name, note));
     }
 
     std::string ReadFarEnd(std::size_t size) const {

@@ -9,18 +9,17 @@
 #include "platform/device/serial_line.h"
 #include "serial/tty.h"
 
-namespace platform::device {
+namespace unit {
 
 // A terminal device of the host ("/dev/ttyUSB0", the end of a pseudo-terminal) as the line. Only
-// for a free-running unit: what is at its other end keeps the host's time.
+// for a free-running unit, because the other end keeps the host's time.
 //
-// A device that goes away while the line is open leaves it open and silent: nothing arrives and
-// nothing is taken. When a device is at the path again, it gets the line's settings, and the line
-// goes on.
-class TtyLine final : public SerialLine {
+// When the device goes away, the line stays open: nothing arrives, and nothing is accepted. A
+// device that comes back at the path gets the line's settings, and the line continues.
+class TtyLine final : public platform::device::SerialLine {
   public:
-    // `problem` hears in one line why the device could not be opened or set up, that it went away,
-    // and that it is back. Called on any thread, without locks.
+    // `problem` is given one line when the device cannot be opened or set up, goes away, or comes
+    // back. Called on any thread, without locks.
     TtyLine(std::string path, std::function<void(const std::string&)> problem);
     ~TtyLine() override;
 
@@ -33,13 +32,13 @@ class TtyLine final : public SerialLine {
 
   private:
     void ReadUntilClosed(const Receiver& receiver);
-    void LookForDevice();
-    void LoseDevice();
+    void TryReopen();
+    void CloseLostDevice();
     void ReportWritable();
 
     const std::string path_;
     const std::function<void(const std::string&)> problem_;
-    // Guards what follows, and the device against being closed in the middle of its use.
+    // Guards the members below, and keeps the device open during a write.
     std::mutex mutex_;
     std::function<void()> on_writable_;
     bool open_ = false;
@@ -47,9 +46,9 @@ class TtyLine final : public SerialLine {
     serial::Tty tty_;
     serial::Settings settings_;
     bool wants_writable_ = false;
-    // Ends the reader's poll: to close, or to watch for a writable line.
+    // Wakes the reader: the line was closed, or a writer waits.
     int reader_event_ = -1;
     std::thread reader_;
 };
 
-}  // namespace platform::device
+}  // namespace unit
