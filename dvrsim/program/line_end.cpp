@@ -1,16 +1,12 @@
 #include "dvrsim/program/line_end.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 
 #include "control/descriptor.h"
+#include "serial/pseudo_terminal.h"
 
 namespace dvrsim {
 namespace {
@@ -60,7 +56,6 @@ class PseudoTerminal final : public LineEnd {
     bool connected_ = false;
 };
 
-constexpr auto kReopenInterval = std::chrono::milliseconds(500);
 constexpr serial::Settings kSettings{.baud = 460800};
 
 // 0 or the error's number, with one line in `problem`.
@@ -79,7 +74,7 @@ class SerialDevice final : public LineEnd {
     const std::string& path() const override { return path_; }
     int descriptor() const override { return tty_.descriptor(); }
     std::optional<std::chrono::milliseconds> PollInterval() const override {
-        return tty_.IsOpen() ? std::nullopt : std::optional(kReopenInterval);
+        return tty_.IsOpen() ? std::nullopt : std::optional(serial::kReopenInterval);
     }
 
     void HandleReady(const Receiver& receive) override {
@@ -88,12 +83,12 @@ class SerialDevice final : public LineEnd {
             return;
         }
         std::array<std::uint8_t, 4096> buffer;
-        const ssize_t count = read(tty_.descriptor(), buffer.data(), buffer.size());
-        if (count > 0) {
-            receive({buffer.data(), static_cast<std::size_t>(count)});
-        } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
+        const std::optional<std::size_t> count = tty_.Receive(buffer);
+        if (!count) {
             tty_.Close();
-            report_(path_ + ": the serial device went away");
+            report_(tty_.WentAwayText());
+        } else if (*count > 0) {
+            receive({buffer.data(), *count});
         }
     }
 
@@ -114,7 +109,7 @@ class SerialDevice final : public LineEnd {
         std::string ignored;
         if (OpenTty(found, path_, ignored) == 0) {
             tty_ = std::move(found);
-            report_(path_ + ": the serial device is back");
+            report_(tty_.IsBackText());
         }
     }
 
@@ -126,25 +121,13 @@ class SerialDevice final : public LineEnd {
 }  // namespace
 
 std::unique_ptr<LineEnd> MakePseudoTerminal(std::string& problem) {
-    Descriptor far_end(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
-    std::array<char, 128> name{};
-    if (!far_end || grantpt(far_end.get()) != 0 || unlockpt(far_end.get()) != 0 ||
-        ptsname_r(far_end.get(), name.data(), name.size()) != 0) {
-        problem = std::string("no pseudo-terminal: ") + std::strerror(errno);
+    serial::PseudoTerminal made;
+    if (!serial::MakePseudoTerminal(made, problem))
         return nullptr;
-    }
-    // Nothing that the DVR sends may be echoed back to it, whoever opens the other end. It is not
-    // kept open here: then nobody could not be told from somebody, and an exclusive use that a
-    // killed one leaves behind would never end.
-    const Descriptor near_end(open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-    termios raw{};
-    if (!near_end || tcgetattr(near_end.get(), &raw) != 0) {
-        problem = std::string(name.data()) + ": " + std::strerror(errno);
-        return nullptr;
-    }
-    cfmakeraw(&raw);
-    tcsetattr(near_end.get(), TCSANOW, &raw);
-    return std::make_unique<PseudoTerminal>(std::move(far_end), name.data());
+    // Not kept open: it would hide whether another program has the tty open, and an exclusive use
+    // that a killed program leaves behind would never end.
+    close(made.near_end);
+    return std::make_unique<PseudoTerminal>(Descriptor(made.far_end), std::move(made.path));
 }
 
 std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::StatusHandler report,
