@@ -17,6 +17,7 @@
 #include "unit/tolvane/process_links.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/unattended_runs.h"
+#include "unit/workbench/desktop_window.h"
 #include "unit/workbench/workbench.h"
 
 namespace {
@@ -82,7 +83,7 @@ int Run(CommandLine command_line) {
                                 command_line.scenarios.empty() && command_line.replay.empty());
     if (wants_window) {
         std::string problem;
-        if (!Workbench::DisplayAvailable(problem)) {
+        if (!DesktopWindow::DisplayAvailable(problem)) {
             if (command_line.window) {
                 PrintNotice("no display (" + problem + ")");
                 return kExitFailed;

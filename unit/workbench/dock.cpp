@@ -18,26 +18,26 @@ constexpr float kWidths[] = {76, 62, 40, 200, 46, 0, 46};
 
 void DrawFrame(const LineEntry& entry) {
     const bool to_unit = entry.direction == Direction::kToUnit;
-    const auto cell = [](const std::string& text, const ImVec4& text_color = color::kText) {
+    const auto add = [](const std::string& text, const ImVec4& text_color = color::kText) {
         ImGui::TableNextColumn();
         ColoredText(text_color, text);
     };
-    cell(ReadableTime(entry.time), color::kDim);
-    cell(DirectionName(entry.direction), to_unit ? color::kGood : color::kAccent);
+    add(ReadableTime(entry.time), color::kDim);
+    add(DirectionName(entry.direction), to_unit ? color::kGood : color::kAccent);
     if (entry.kind == Segment::Kind::kStray) {
-        cell("stray", color::kWarning);
-        cell("");
-        cell("");
-        cell(HexText(entry.bytes), color::kWarning);
-        cell("");
+        add("stray", color::kWarning);
+        add("");
+        add("");
+        add(HexText(entry.bytes), color::kWarning);
+        add("");
         return;
     }
-    cell(FrameTypeName(entry.type()));
-    cell(CodeName(entry.command()));
-    cell(entry.query() ? "yes" : "");
-    cell(PayloadText(entry.type(), entry.code(), entry.payload()));
+    add(FrameTypeName(entry.type()));
+    add(CodeName(entry.command()));
+    add(entry.query() ? "yes" : "");
+    add(PayloadText(entry.type(), entry.code(), entry.payload()));
     const bool good = entry.checksum_good();
-    cell(good ? "good" : "bad", good ? color::kDim : color::kBad);
+    add(good ? "good" : "bad", good ? color::kDim : color::kBad);
 }
 
 // Draws those entries of a list, given by their numbers, that are scrolled into view.

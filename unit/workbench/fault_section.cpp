@@ -63,16 +63,16 @@ void FaultSection::DrawDvr(PanelContext& context) {
 
 void FaultSection::DrawLine(PanelContext& context) {
     RowLabel(context, "Line");
-    CommandButtons(context,
-                   {{"Corrupt percent checksums",
-                     "fault line corrupt checksum of FW_Upgrade_Version indications"},
-                    {"Drop 1 % of bytes", "fault line drop bytes to-unit chance 1"},
-                    {"Drop acknowledgements", "fault line drop acknowledgements chance 20"},
-                    {"Duplicate indications", "fault line duplicate indications"},
-                    {"Delay acknowledgements", "fault line delay 500ms acknowledgements"},
-                    {"Split frames", "fault line split 30ms frames to-unit"},
-                    {"Add noise", "fault line inject A55A00FF before indications chance 20"},
-                    {"Clear", "fault line clear"}});
+    CommandButtons(
+        context,
+        {{"Bad checksums", "fault line corrupt checksum of FW_Upgrade_Version indications"},
+         {"Drop bytes", "fault line drop bytes to-unit chance 1"},
+         {"Noise", "fault line inject A55A00FF before indications chance 20"},
+         {"Drop acknowledgements", "fault line drop acknowledgements chance 20"},
+         {"Split frames", "fault line split 30ms frames to-unit"},
+         {"Delay acknowledgements", "fault line delay 500ms acknowledgements"},
+         {"Duplicate indications", "fault line duplicate indications"},
+         {"Clear", "fault line clear"}});
     for (const LineFaults::Entry& entry : context.unit.dvr().faults().List()) {
         ImGui::PushID(entry.number);
         RowLabel(context, "");
@@ -113,7 +113,7 @@ void FaultSection::DrawDrivers(PanelContext& context) {
 
 void FaultSection::DrawCalls(PanelContext& context) {
     RowLabel(context, "Call fails");
-    if (TextField("##call", "such as CreateFileW; Enter fails its next call", call_, -1) &&
+    if (TextField("##call", "such as CreateFileW; Enter sets the fault", call_, -1) &&
         !call_.empty())
         context.commands.Execute("fault call " + control::QuoteWord(call_));
     RowLabel(context, "");

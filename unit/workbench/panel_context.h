@@ -21,7 +21,7 @@ struct PanelContext {
     // Pictures per second while something moves; 0 when not known.
     double picture_rate = 0;
     bool full_screen = false;
-    // Opens every group, whatever the operator has folded.
+    // Opens every group, also those that the operator has folded.
     bool unfold_all = false;
     // The command line takes the keyboard in the next frame.
     bool focus_command_line = false;

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <optional>
-#include <string>
 
 #include "unit/commands/unit_commands.h"
 #include "unit/workbench/desktop_window.h"
@@ -24,11 +23,6 @@ class Workbench {
         // How many times as fast as the host's clock the unit runs.
         double speed = 1.0;
     };
-
-    // False, with one line in `problem`, when there is no display.
-    static bool DisplayAvailable(std::string& problem) {
-        return DesktopWindow::DisplayAvailable(problem);
-    }
 
     Workbench(VirtualUnit& unit, Operator& op, const Options& options);
     ~Workbench();
