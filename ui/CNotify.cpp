@@ -46,13 +46,17 @@ LRESULT CNotify::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
                    "CNotify::OnInitDialog", GetLastError(), kLoadImageSource);
 
     m_pControls.reset(new (std::nothrow) CCtrlList);
-    if (m_pControls == nullptr) {
+    m_pBtnOk.reset(new (std::nothrow)
+                       CDrawButton(m_hWnd, IDC_BTN_OK, 615, 405, 168, 66, BTN_MODE_PUSH, TRUE));
+    if (m_pControls == nullptr || m_pBtnOk == nullptr) {
         LogNoMemory("CNotify::OnInitDialog");
-        // Without an OK button nobody could close the notice.
+        DeleteObject(m_hBmpOk);
+        ReleaseControls();
+        // Nobody could close the notice.
         PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
         return FALSE;
     }
-    CreateOkButton();
+    SetUpOkButton();
     CreateLabel(m_pLblUpper, kUpperRect, kUpperCardMayBeIn);
     CreateLabel(m_pLblLower, kLowerRect, kLower);
     return FALSE;
@@ -70,16 +74,7 @@ BOOL CNotify::SetFullScreen() {
     return TRUE;
 }
 
-void CNotify::CreateOkButton() {
-    m_pBtnOk.reset(new (std::nothrow)
-                       CDrawButton(m_hWnd, IDC_BTN_OK, 615, 405, 168, 66, BTN_MODE_PUSH, TRUE));
-    if (m_pBtnOk == nullptr) {
-        LogNoMemory("CNotify::OnInitDialog");
-        DeleteObject(m_hBmpOk);
-        // Nobody could close the notice.
-        PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
-        return;
-    }
+void CNotify::SetUpOkButton() {
     m_pBtnOk->SetImage(m_hBmpOk);
     m_pBtnOk->SetText(L"OK", kCentred);
     m_pBtnOk->SetFont(kFontFace, 10, 24, 500, kFontCharSet);

@@ -53,7 +53,7 @@ class CNotify : public CDialogImpl<CNotify> {
 
     // Covers the whole screen, task bar included.
     BOOL SetFullScreen();
-    void CreateOkButton();
+    void SetUpOkButton();
     void CreateLabel(std::unique_ptr<CDrawLabel>& label, const RECT& rc, LPCWSTR text);
     void ReleaseControls();
 

@@ -27,8 +27,7 @@ struct CMainFrame::LabelPlace {
 struct CMainFrame::ButtonPlace {
     WizardCommand command;
     int x, y, width, height;
-    HBITMAP CMainFrame::*image;
-    bool owns_image;
+    GdiObject<HBITMAP> CMainFrame::*image;
     ControlRow row;
 };
 
@@ -55,10 +54,10 @@ struct CMainFrame::Screens {
         {{50, 120, 750, 170}, {&F::m_pLblNotice, nullptr, 0, kSmall, kBlue}},
     };
     static constexpr ButtonPlace kButtons[] = {
-        {IDC_BTN_SUSPEND, 215, 405, 168, 66, &F::m_hBmpButton, true, {&F::m_pBtnSuspend, L"進入休眠", kCentred, kButton, kWhite, FALSE}},
-        {IDC_BTN_NEXT, 415, 405, 168, 66, &F::m_hBmpButton, false, {&F::m_pBtnNext, L"Next", kCentred, kButton, kWhite, TRUE}},
-        {IDC_BTN_UPDATE, 615, 405, 168, 66, &F::m_hBmpButton, false, {&F::m_pBtnUpdate, L"Update", kCentred, kButton, kWhite, FALSE}},
-        {IDC_BTN_CLOSE, 720, 8, 75, 36, &F::m_hBmpClose, true, {&F::m_pBtnClose, L"", kCentred, kButton, kWhite, FALSE}},
+        {IDC_BTN_SUSPEND, 215, 405, 168, 66, &F::m_hBmpButton, {&F::m_pBtnSuspend, L"進入休眠", kCentred, kButton, kWhite, FALSE}},
+        {IDC_BTN_NEXT, 415, 405, 168, 66, &F::m_hBmpButton, {&F::m_pBtnNext, L"Next", kCentred, kButton, kWhite, TRUE}},
+        {IDC_BTN_UPDATE, 615, 405, 168, 66, &F::m_hBmpButton, {&F::m_pBtnUpdate, L"Update", kCentred, kButton, kWhite, FALSE}},
+        {IDC_BTN_CLOSE, 720, 8, 75, 36, &F::m_hBmpClose, {&F::m_pBtnClose, L"", kCentred, kButton, kWhite, FALSE}},
     };
 
     static constexpr ControlRow kPowerOn[] = {
@@ -181,28 +180,15 @@ void CMainFrame::CreateControls() {
         m_pLblToolVersion->SetText(text, kCentred);
     }
     for (const ButtonPlace& button : Screens::kButtons) {
-        const HBITMAP image = this->*button.image;
         auto* const made =
             new (std::nothrow) CDrawButton(m_hWnd, button.command, button.x, button.y, button.width,
                                            button.height, BTN_MODE_PUSH, TRUE);
         if (made == nullptr)
             LogNoMemory(kFunction);
-        else if (button.owns_image)
-            made->SetImage(image);
         else
-            made->SetSharedImage(image);
+            made->SetSharedImage((this->*button.image).Get());
         add(button.row, made);
     }
-}
-
-// In the reverse order of creation: the first button owns the strip that the others share.
-void CMainFrame::ReleaseControls() {
-    for (auto button = std::rbegin(Screens::kButtons); button != std::rend(Screens::kButtons);
-         ++button)
-        (this->*button->row.control).reset();
-    for (const LabelPlace& label : Screens::kLabels)
-        (this->*label.row.control).reset();
-    m_pControls.reset();
 }
 
 LRESULT CMainFrame::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {

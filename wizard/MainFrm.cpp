@@ -37,7 +37,6 @@ CMainFrame::CMainFrame() {
 
 CMainFrame::~CMainFrame() {
     ReleaseBackBuffer();
-    ReleaseControls();
 }
 
 bool CMainFrame::IsAlive() {
@@ -88,14 +87,14 @@ void CMainFrame::LoadImages() {
     constexpr char kFunction[] = "CMainFrame::OnCreate";
     // NULL names the program's own resources.
     m_hInst = nullptr;
-    m_hBmpClose = static_cast<HBITMAP>(
-        LoadImageW(nullptr, MAKEINTRESOURCEW(IDB_CLOSE), IMAGE_BITMAP, 0, 0, 0));
-    if (m_hBmpClose == nullptr)
+    m_hBmpClose.Reset(static_cast<HBITMAP>(
+        LoadImageW(nullptr, MAKEINTRESOURCEW(IDB_CLOSE), IMAGE_BITMAP, 0, 0, 0)));
+    if (m_hBmpClose.Get() == nullptr)
         LogFailure(L"%s\t%S, LoadImage() fail!!!, ErrorCode(%d), %S(%d)\r\n", kFunction,
                    GetLastError());
-    m_hBmpButton = static_cast<HBITMAP>(
-        LoadImageW(m_hInst, MAKEINTRESOURCEW(IDB_BUTTON), IMAGE_BITMAP, 0, 0, 0));
-    if (m_hBmpButton == nullptr)
+    m_hBmpButton.Reset(static_cast<HBITMAP>(
+        LoadImageW(m_hInst, MAKEINTRESOURCEW(IDB_BUTTON), IMAGE_BITMAP, 0, 0, 0)));
+    if (m_hBmpButton.Get() == nullptr)
         LogFailure(L"%s\t%S, LoadImage() fail!!!, ErrorCode(%d), %S(%d)\r\n", kFunction,
                    GetLastError());
 }

@@ -14,6 +14,7 @@
 #include "app/log/DebugLog.h"
 #include "res/resource.h"
 #include "ui/DrawCtrl.h"
+#include "ui/GdiScope.h"
 #include "wizard/VersionText.h"
 #include "wizard/WizardModel.h"
 
@@ -104,7 +105,6 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     void StopCompositeVideo();
 
     void CreateControls();
-    void ReleaseControls();
     void Apply(std::span<const ControlRow> rows);
     void ApplyStep(int step);
     CVersionText::Characters ShowDvrVersion(int step);
@@ -151,8 +151,9 @@ class CMainFrame : public CFrameWindowImpl<CMainFrame>,
     void Repaint();
 
     HINSTANCE m_hInst = nullptr;
-    HBITMAP m_hBmpClose = nullptr;
-    HBITMAP m_hBmpButton = nullptr;
+    // The images outlive the buttons that show them.
+    GdiObject<HBITMAP> m_hBmpClose;
+    GdiObject<HBITMAP> m_hBmpButton;
     HDC m_hMemDC = nullptr;
     HBITMAP m_hMemBitmap = nullptr;
     HGDIOBJ m_hOldBitmap = nullptr;

@@ -20,8 +20,8 @@ LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     return message == kSent ? 42 : DefWindowProcW(window, message, wParam, lParam);
 }
 
-// Sends to the window of the thread that waits for it, which must answer, and posts to it, which
-// must not be looked at.
+// Sends to the window of the thread that waits, which must answer, and posts to it, which must stay
+// in its queue.
 DWORD WINAPI SendAndPost(LPVOID parameter) {
     const auto window = static_cast<HWND>(parameter);
     Sleep(50);
@@ -36,7 +36,7 @@ DWORD WINAPI SendAndPost(LPVOID parameter) {
 }
 
 // Also when the wait itself fails for a while.
-TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
+TEST(WaitForThreadEnd, DispatchesSentMessagesAndNothingElse) {
     for (const std::uint64_t works : {1000U, 0U}) {
         Platform platform;
         platform::kernel::AddCallFault(
@@ -57,6 +57,28 @@ TEST(WaitForThreadEnd, LetsSentMessagesInAndNothingElse) {
             EXPECT_TRUE(PeekMessageW(&message, window, kPosted, kPosted, PM_REMOVE));
             CloseHandle(thread);
             DestroyWindow(window);
+        });
+    }
+}
+
+DWORD WINAPI SleepForASecond(LPVOID) {
+    Sleep(1000);
+    return 0;
+}
+
+TEST(WaitForThreadEnd, GivesUpAtItsLimit) {
+    for (const char* const failing : {"", "MsgWaitForMultipleObjects", "WaitForSingleObject"}) {
+        Platform platform;
+        platform.Run([&] {
+            const HANDLE thread = CreateThread(nullptr, 0, SleepForASecond, nullptr, 0, nullptr);
+            if (*failing != '\0')
+                platform::kernel::AddCallFault(
+                    {.call = failing, .times = platform::kernel::kForEver});
+            const DWORD start = GetTickCount();
+            EXPECT_FALSE(WaitForThreadEnd(thread, 500)) << failing;
+            EXPECT_NEAR(GetTickCount() - start, 500, 20) << failing;
+            EXPECT_TRUE(WaitForThreadEnd(thread, kThreadEndLimit)) << failing;
+            CloseHandle(thread);
         });
     }
 }

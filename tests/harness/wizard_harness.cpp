@@ -15,6 +15,7 @@
 #include "platform/kernel/text.h"
 #include "platform/powermgr/power_notifications.h"
 #include "res/program_resources.h"
+#include "tests/model/link_model.h"
 #include "tests/support/program_log.h"
 #include "wizard/MainFrm.h"
 
@@ -27,7 +28,7 @@ namespace kernel = platform::kernel;
 constexpr std::size_t kFrameOverhead = 9;
 
 WizardHarness::WizardHarness(const kernel::Options& options, Pace pace) : platform(options) {
-    // A process starts with an empty parser; an earlier run here may have ended within a frame.
+    // A process starts with an empty parser; an earlier run in this one may have ended in a frame.
     const std::array<BYTE, 80> nothing{};
     UART_ParseData(nothing.data(), static_cast<DWORD>(nothing.size()));
     line_ = std::make_shared<unit::MemoryLine>(
@@ -53,7 +54,7 @@ WizardHarness::~WizardHarness() {
 }
 
 void WizardHarness::Start(int show) {
-    // The mutex stays to the end of the process.
+    // The named mutex stays open to the end of the process.
     platform.AllowHandles(1);
     const auto entry = [this, show] {
         wchar_t command_line[] = L"";
@@ -70,7 +71,7 @@ void WizardHarness::GoTo(int step) {
     const auto tap = [this](const char* caption) {
         EXPECT_TRUE(Until([&] { return Tap(caption); }, 300s)) << "no button " << caption;
     };
-    // Running free, the timer may come after the report, or under the finger.
+    // Free running, the timer may fire after the report, or during the tap.
     const auto next = [this] {
         if (Step() == 0 && !Tap("Next"))
             Card(0);
@@ -103,7 +104,7 @@ void WizardHarness::GoTo(int step) {
         flows[at + 1]();
         EXPECT_TRUE(Until([&] { return Step() == at; }, 300s)) << "never at " << at;
         RunFor(at == 1 || at == 5 ? 2500ms : 200ms);
-        // The timer has hidden the buttons; the answer to the query shows the one again.
+        // The timer has hidden the buttons; a report shows Next again.
         if (at == 0)
             Card(0);
         RunFor(50ms);
@@ -136,12 +137,11 @@ bool WizardHarness::Tap(const std::string& caption) {
 }
 
 void WizardHarness::Indicate(std::uint8_t command, const Bytes& payload) {
-    Bytes frame = {0xA5, 0x5A, 0x80, 0, command, 0, static_cast<std::uint8_t>(payload.size())};
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    const unsigned sum = std::accumulate(frame.begin(), frame.end(), 0U);
-    frame.push_back(static_cast<std::uint8_t>(sum >> 8));
-    frame.push_back(static_cast<std::uint8_t>(sum));
-    line_->Send(frame);
+    line_->Send(model::Frame(0x80, command, payload));
+}
+
+void WizardHarness::Version(std::string_view text) {
+    line_->Send(model::Frame(0x20, 0x802E, Bytes(text.begin(), text.end())));
 }
 
 void WizardHarness::Receive(std::span<const std::uint8_t> bytes) {
@@ -167,8 +167,8 @@ void WizardHarness::SetAcLine(BYTE status) {
     RunFor(50ms);
 }
 
-void WizardHarness::Post(UINT message, WPARAM wparam, LPARAM lparam, LPCWSTR window_class) {
-    const HWND target = FindWindowW(window_class, nullptr);
+void WizardHarness::Post(UINT message, WPARAM wparam, LPARAM lparam) {
+    const HWND target = FindWindowW(L"Tolvane", nullptr);
     ASSERT_NE(target, nullptr);
     PostMessageW(target, message, wparam, lparam);
 }

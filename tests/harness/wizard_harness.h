@@ -24,12 +24,12 @@ namespace tests {
 
 using namespace std::chrono_literals;
 
-// The whole program, its real entry point included, between a finger on the screen and a DVR whose
-// every word a test says itself. All of it runs on the test's thread, which is the hardware's.
+// The whole program, its real entry point included, between touches of the screen and a DVR whose
+// frames the test sends itself. All of it runs on the test's thread, which is the host thread.
 // Texts are UTF-8.
 class WizardHarness {
   public:
-    // The step while there is no frame.
+    // The step while there is no main frame.
     static constexpr int kNoFrame = -9;
 
     using Pace = unit::MemoryLine::Pace;
@@ -43,10 +43,10 @@ class WizardHarness {
     Platform platform;
     std::shared_ptr<RecordingDriver> reset = std::make_shared<RecordingDriver>();   // "DVR1:"
     std::shared_ptr<RecordingDriver> scaler = std::make_shared<RecordingDriver>();  // "SCA0:"
-    // The commands of the program's frames so far. A frame that is none fails the test.
+    // The commands of the program's frames so far. Bytes that are no frame fail the test.
     std::vector<WORD> frames;
 
-    // Takes the driver of that name ("COM9:") away.
+    // Removes the driver of that name ("COM9:").
     void Remove(const wchar_t* driver) { platform.board.drivers.erase(driver); }
     void Hide(LPCWSTR type, WORD resource) {
         platform::resource::Hide(type, MAKEINTRESOURCEW(resource));
@@ -61,24 +61,23 @@ class WizardHarness {
     void RunFor(std::chrono::microseconds time) { platform.RunFor(time); }
     bool Until(const std::function<bool()>& condition, std::chrono::seconds limit);
 
-    // The user. False when no button has that caption.
+    // A tap on the button with that caption; false when there is none.
     bool Tap(const std::string& caption);
 
-    // The DVR: bytes as they are, or an indication.
+    // The DVR: bytes as they are, an indication, or the acknowledgement with its version.
     using Bytes = std::vector<std::uint8_t>;
     void SendBytes(std::span<const std::uint8_t> bytes) { line_->Send(bytes); }
     void Card(BYTE status) { Indicate(0x26, {status, 0}); }
     void Running(BYTE state) { Indicate(0x10, {state}); }
     void Percent(BYTE percent) { Indicate(0x2E, {percent}); }
+    void Version(std::string_view text);
     void After(std::chrono::microseconds delay, std::function<void()> action) {
         platform::kernel::After(delay, std::move(action));
     }
 
-    // The unit: the power supply changes; another application posts to the wizard's window, or to
-    // the first window of another class.
+    // The unit: the power supply changes; another application posts to the wizard's window.
     void SetAcLine(BYTE status);
-    void Post(UINT message, WPARAM wparam = 0, LPARAM lparam = 0,
-              LPCWSTR window_class = L"Tolvane");
+    void Post(UINT message, WPARAM wparam = 0, LPARAM lparam = 0);
     // WM_XCOMMAND, as a button sends it.
     void Command(UINT id) { Post(2024, id); }
 
@@ -100,7 +99,7 @@ class WizardHarness {
         WaitForEnd();
     }
     void WaitForEnd();
-    // The program is to end with another exit code than 0, without having had a window.
+    // The program must end with this exit code, without a window of its own.
     void ExpectExit(int code);
 
   private:

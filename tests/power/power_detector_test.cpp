@@ -6,6 +6,7 @@
 #include <pm.h>
 
 #include <algorithm>
+#include <set>
 
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/scheduler.h"
@@ -29,31 +30,30 @@ constexpr std::wstring_view kMessages[] = {
     L"_KESTA_Technology,Inc._Sodrey_PowerOFF_Acknowledge_",
     L"_KESTA_Technology,Inc._All_APP_PowerStatusChange_"};
 
-// What is broadcast: index of the message and parameters.
-std::string g_heard;
+// The broadcasts: index of the message and parameters.
+std::string g_broadcasts;
 
-void Listen() {
-    g_heard.clear();
+void ObserveBroadcasts() {
+    g_broadcasts.clear();
     platform::window::ObserveBroadcasts([](UINT message, WPARAM wparam, LPARAM lparam) {
         const auto name = platform::window::RegisteredMessageName(message);
-        g_heard += std::to_string(std::ranges::find(kMessages, name) - kMessages) + "(" +
-                   std::to_string(wparam) + "," + std::to_string(lparam) + ")";
+        g_broadcasts += std::to_string(std::ranges::find(kMessages, name) - kMessages) + "(" +
+                        std::to_string(wparam) + "," + std::to_string(lparam) + ")";
     });
 }
 
 // The broadcasts since the last call, after the detector had time for another attempt.
-std::string Hear() {
+std::string TakeBroadcasts() {
     Sleep(150);
-    return std::exchange(g_heard, "");
+    return std::exchange(g_broadcasts, "");
 }
 
-TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
-    // Events that the coordinator made before are used as it made them; those that it opens later
-    // are the same ones.
+TEST(PowerDetector, AcknowledgesEveryRequestAndBroadcastsEveryChangeOfTheSupply) {
+    // The coordinator creates the events before, or opens those of the detector.
     for (const bool coordinator_first : {true, false}) {
         Platform platform;
         platform.board.supply = {.ac_line_status = 255, .battery_flag = 128};
-        Listen();
+        ObserveBroadcasts();
         platform.Run([coordinator_first] {
             HANDLE events[3] = {};
             if (coordinator_first)
@@ -61,38 +61,55 @@ TEST(PowerDetector, AcknowledgesEveryRequestAndTellsEveryChangeOfTheSupply) {
                     events[request] = CreateEventW(nullptr, FALSE, TRUE, kRequests[request]);
             CPowerDetector detector;
             ASSERT_TRUE(detector.Init());
-            EXPECT_EQ(Hear(), coordinator_first ? "0(0,0)1(0,0)2(0,0)" : "");
+            EXPECT_EQ(TakeBroadcasts(), coordinator_first ? "0(0,0)1(0,0)2(0,0)" : "");
             if (!coordinator_first)
                 for (int request = 0; request < 3; ++request)
                     events[request] = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[request]);
             for (const int request : {2, 0, 1}) {
                 SetEvent(events[request]);
-                EXPECT_EQ(Hear(), std::to_string(request) + "(0,0)");
+                EXPECT_EQ(TakeBroadcasts(), std::to_string(request) + "(0,0)");
             }
-            EXPECT_EQ(Hear(), "") << "the events reset themselves";
+            EXPECT_EQ(TakeBroadcasts(), "") << "the events reset themselves";
             for (const HANDLE event : events)
                 CloseHandle(event);
-            for (const DWORD event : {PBT_RESUME, PBT_POWERSTATUSCHANGE, PBT_POWERSTATUSCHANGE})
+            // Three notifications wait while the detector waits for its turn.
+            for (const DWORD event : {PBT_POWERSTATUSCHANGE, PBT_RESUME, PBT_POWERSTATUSCHANGE})
                 Notify(event);
-            EXPECT_EQ(Hear(), "3(255,128)3(255,128)");
+            EXPECT_EQ(TakeBroadcasts(), "3(255,128)3(255,128)");
         });
     }
 }
 
-// One call of the program fails; what is said, and what still works.
+// The program's lines of failures, without the prefix.
+std::vector<std::string> FailureLines(const PlainBoard& board) {
+    std::vector<std::string> failures;
+    for (const std::wstring& line : board.lines())
+        if (line.find(L"fail!!!") != line.npos)
+            failures.emplace_back(line.begin() + 14, line.end());
+    return failures;
+}
+
+// One call of the program fails: the failure line, each at a line of its own, and what still works.
 TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
     const struct {
         const char* call;
         std::uint64_t skip;
         BOOL ready;
-        std::string where;    // of the one failure line; none when empty
-        std::string heard;    // after a suspend request and a change of the supply
-        std::size_t handles;  // left because they could not be closed
+        std::string where;       // of the one failure line; none when empty
+        std::string broadcasts;  // after a suspend request and a change of the supply
+        std::size_t handles;     // left because they could not be closed
         DWORD error = 1234;
     } rows[] = {
         {"CreateThread", 0, TRUE, "Init, CreateThread()", "3(1,1)", 0},
         {"CreateThread", 1, TRUE, "Init, CreateThread()", "0(0,0)", 0},
-        // The request events, the second of them missing, then the two that stop the threads.
+        // Of the three acknowledgements and of the power status.
+        {"RegisterWindowMessageW", 0, TRUE, "Init, RegisterWindowMessage()", "3(1,1)", 0},
+        {"RegisterWindowMessageW", 1, TRUE, "Init, RegisterWindowMessage()", "0(0,0)3(1,1)", 0},
+        {"RegisterWindowMessageW", 2, TRUE, "Init, RegisterWindowMessage()", "0(0,0)3(1,1)", 0},
+        {"RegisterWindowMessageW", 3, TRUE, "Init, RegisterWindowMessage()", "0(0,0)", 0},
+        // The request events, then the two that stop the threads.
+        {"CreateEventW", 0, TRUE, "Init, CreateEvent()", "3(1,1)", 0},
+        {"CreateEventW", 2, TRUE, "Init, CreateEvent()", "0(0,0)3(1,1)", 0},
         {"CreateEventW", 1, TRUE, "Init, CreateEvent()", "0(0,0)3(1,1)", 0},
         {"CreateEventW", 3, FALSE, "Init, CreateEvent()", "", 0},
         {"CreateEventW", 4, FALSE, "Init, CreateEvent()", "", 0},
@@ -102,16 +119,18 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         {"ReadMsgQueue", 0, TRUE, "", "0(0,0)3(1,1)", 0, ERROR_TIMEOUT},
         {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 2},
         {"CloseMsgQueue", 0, TRUE, "DeInit, CloseMsgQueue()", "0(0,0)3(1,1)", 1},
-        // After the request's: what wakes the threads to their end.
+        // After the one of the request: those that wake the threads to their end.
         {"SetEvent", 1, TRUE, "DeInit, SetEvent()", "0(0,0)3(1,1)", 0},
         {"SetEvent", 2, TRUE, "DeInit, SetEvent()", "0(0,0)3(1,1)", 0},
     };
+    std::set<std::string> lines;
+    std::size_t logged = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.call) + " " + std::to_string(row.skip));
         Platform platform;
         platform.AllowHandles(row.handles);
         kernel::AddCallFault({.call = row.call, .skip = row.skip, .error = row.error});
-        Listen();
+        ObserveBroadcasts();
         platform.Run([&] {
             const std::size_t handles = kernel::HandleCount();
             CPowerDetector detector;
@@ -122,22 +141,59 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
                 SetEvent(suspend);
             Sleep(1);
             Notify(PBT_POWERSTATUSCHANGE);
-            EXPECT_EQ(Hear(), row.heard);
+            EXPECT_EQ(TakeBroadcasts(), row.broadcasts);
             CloseHandle(suspend);
         });
-        std::string failures;
-        for (const std::string& line : ProgramLog(platform.board))
-            if (line.find("fail!!!") != line.npos)
-                failures += line.substr(0, line.rfind(", "));
-        EXPECT_EQ(failures, row.where.empty()
-                                ? ""
-                                : "\tCPowerDetector::" + row.where + " fail!!!, ErrorCode(1234)");
+        const std::vector<std::string> failures = FailureLines(platform.board);
+        ASSERT_EQ(failures.size(), row.where.empty() ? 0U : 1U);
+        if (row.where.empty())
+            continue;
+        EXPECT_TRUE(failures[0].starts_with("\tCPowerDetector::" + row.where +
+                                            " fail!!!, ErrorCode(1234), CPowerDetector.cpp("))
+            << failures[0];
+        lines.insert(failures[0]);
+        ++logged;
     }
+    EXPECT_EQ(lines.size(), logged) << "two calls share a line";
 }
 
-// The processor changes hands between any two calls, so some stops come before a thread's first;
-// and once in earnest, for the sanitizers' eyes.
-TEST(PowerDetectorThreads, StopRightAfterTheStartWins) {
+// A thread that cannot be woken is left behind with what it uses; it ends once it is woken.
+TEST(PowerDetectorFailures, OfEveryWakeUpLeaveTheThreadsBehind) {
+    Platform platform;
+    platform.Run([&] {
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        Sleep(10);
+        const std::size_t handles = kernel::HandleCount();
+        kernel::AddCallFault({.call = "SetEvent", .times = kernel::kForEver});
+        const kernel::Time start = kernel::Now();
+        detector.DeInit();
+        EXPECT_LT(kernel::Now() - start, 5s);
+        EXPECT_TRUE(detector.HasThread());
+        EXPECT_EQ(handles - kernel::HandleCount(), 2U) << "the notifications alone are stopped";
+        EXPECT_EQ(FailureLines(platform.board).size(), 2U);
+        kernel::ClearCallFaults();
+        detector.DeInit();
+        EXPECT_FALSE(detector.HasThread());
+    });
+}
+
+// A record that can never be read wakes the detector again and again.
+TEST(PowerDetectorFailures, OfEveryReadAreLoggedTenTimesASecond) {
+    Platform platform;
+    platform.Run([&] {
+        CPowerDetector detector;
+        ASSERT_TRUE(detector.Init());
+        kernel::AddCallFault({.call = "ReadMsgQueue", .times = kernel::kForEver});
+        Notify(PBT_POWERSTATUSCHANGE);
+        Sleep(2000);
+        EXPECT_NEAR(static_cast<double>(FailureLines(platform.board).size()), 20, 1);
+    });
+}
+
+// With a switch of threads between any two calls, some stops come before a thread's first one. Once
+// free running, for the sanitizers.
+TEST(PowerDetectorThreads, EndWhenStoppedRightAfterTheStart) {
     for (std::uint64_t seed = 0; seed <= 40; ++seed) {
         const bool free_running = seed == 0;
         Platform platform(free_running
@@ -159,7 +215,7 @@ TEST(PowerDetectorThreads, StopRightAfterTheStartWins) {
     }
 }
 
-TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
+TEST(PowerDetectorThreads, EndAtOnceWithoutAnObject) {
     Platform platform;
     SetLastError(ERROR_SUCCESS);
     EXPECT_EQ(CPowerDetector::ThreadProc_PowerDetector_static(nullptr), 0U);
@@ -172,27 +228,27 @@ TEST(PowerDetectorThreads, WithoutAnObjectEndAtOnce) {
               (std::vector{begin + "Detector" + end, begin + "CommonCtrl" + end}));
 }
 
-// Each thread wakes to waits that fail, and is there again afterwards.
+// Each thread wakes to waits that fail, and works again afterwards.
 TEST(PowerDetectorFailures, OfWaitsArePassedOver) {
     Platform platform;
-    Listen();
+    ObserveBroadcasts();
     platform.Run([] {
         CPowerDetector detector;
         ASSERT_TRUE(detector.Init());
         const HANDLE request = OpenEventW(EVENT_ALL_ACCESS, FALSE, kRequests[1]);
         const auto wake_both = [&] {
             SetEvent(request);
-            const std::string heard = Hear();
+            const std::string broadcasts = TakeBroadcasts();
             Notify(PBT_POWERSTATUSCHANGE);
-            return heard + Hear();
+            return broadcasts + TakeBroadcasts();
         };
-        const std::string heard = wake_both();
-        EXPECT_EQ(heard, "1(0,0)3(1,1)");
+        const std::string broadcasts = wake_both();
+        EXPECT_EQ(broadcasts, "1(0,0)3(1,1)");
         ASSERT_EQ(kernel::AddCallFault({.call = "WaitForMultipleObjects", .times = 8}), "");
-        EXPECT_EQ(wake_both(), heard);
+        EXPECT_EQ(wake_both(), broadcasts);
         Sleep(500);
         EXPECT_EQ(kernel::FailedCallCount(), 8U);
-        EXPECT_EQ(wake_both(), heard);
+        EXPECT_EQ(wake_both(), broadcasts);
         CloseHandle(request);
     });
 }

@@ -5,6 +5,7 @@
 #include "platform/kernel/thread.h"
 #include "tests/harness/wizard_harness.h"
 #include "tests/support/run_modes.h"
+#include "ui/DrawCtrl.h"
 #include "wizard/WizardModel.h"
 
 namespace tests {
@@ -30,27 +31,45 @@ TEST(Closing, EndsInOrderFromEveryStep) {
     }
 }
 
-// What another application sends comes in while the window waits for the receive thread.
-TEST(Closing, ShowsNoNoticeForAPressThatIsSentMeanwhile) {
-    WizardHarness harness;
-    harness.GoTo(-1);
-    harness.Post(WM_CLOSE);
-    const HWND window = FindWindowW(L"Tolvane", nullptr);
-    platform::kernel::StartThread([window] {
-        Sleep(1);
-        SendMessageW(window, 2024, IDC_BTN_NEXT, 0);
-        return DWORD{0};
-    });
-    harness.RunFor(500ms);
-    EXPECT_TRUE(harness.Ended());
-    EXPECT_EQ(harness.Step(), WizardHarness::kNoFrame);
+// While the window waits for the receive thread, another application sends it what would open the
+// notice, reset the DVR or start the video. The frame pointer stays cleared.
+TEST(Closing, BeginsNothingThatIsSentMeanwhile) {
+    const struct {
+        int step;
+        UINT message;
+        WPARAM id;
+    } rows[] = {
+        {-1, WM_XCOMMAND, IDC_BTN_NEXT},      {0, WM_XCOMMAND, IDC_BTN_NEXT},
+        {1, WM_XCOMMAND, IDC_BTN_UPDATE},     {3, WM_TIMER, TIMER_NOTIFY},
+        {6, WM_TIMER, TIMER_COMPOSITE_VIDEO},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.step);
+        WizardHarness harness;
+        harness.GoTo(row.step);
+        const int resets = harness.reset->opens;
+        const int scaler_opens = harness.scaler->opens;
+        harness.Post(WM_CLOSE);
+        const HWND window = FindWindowW(L"Tolvane", nullptr);
+        platform::kernel::StartThread([&row, window] {
+            Sleep(1);
+            SendMessageW(window, row.message, row.id, 0);
+            return DWORD{0};
+        });
+        harness.RunFor(500ms);
+        EXPECT_TRUE(harness.Ended());
+        EXPECT_EQ(harness.Step(), WizardHarness::kNoFrame);
+        EXPECT_EQ(harness.TakeLog("CNotify").size(), 0U);
+        EXPECT_EQ(harness.reset->opens, resets);
+        EXPECT_EQ(harness.scaler->opens, scaler_opens);
+    }
 }
 
 class ClosingInEveryMode : public InEveryMode {};
 INSTANTIATE_IN_EVERY_MODE(ClosingInEveryMode);
 
 // Each report makes the receive thread repaint the window that waits for it.
-TEST_P(ClosingInEveryMode, UnderAFloodOfCardReportsComesToAnEnd) {
+TEST_P(ClosingInEveryMode, EndsUnderAFloodOfCardReports) {
     for (const int step : {0, 1}) {
         platform::kernel::Options options = GetParam().options;
         options.speed = 20;
