@@ -1,5 +1,5 @@
-// Both ends of a control socket: the server and the commands' grammar under whatever a client
-// sends, and the asking end under whatever comes back.
+// Both ends of a control socket: the server and the grammar of its commands with any input from a
+// client, and the client with any input from a server.
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -13,15 +13,14 @@
 #include "control/socket_client.h"
 #include "control/socket_server.h"
 #include "control/words.h"
-#include "fuzz/input.h"
-#include "fuzz/promise.h"
+#include "fuzz/fuzz.h"
 #include "unit/commands/unit_commands.h"
 
 namespace {
 
 using control::SocketClient;
 using control::SocketServer;
-using fuzz::Promise;
+using fuzz::Check;
 using ReplyPart = SocketClient::ReplyPart;
 
 constexpr char kServed[] = "served";
@@ -32,7 +31,7 @@ control::SocketClaim Claim(const char* name) {
     bool taken = false;
     std::string problem;
     auto claim = control::SocketClaim::Make(name, taken, problem);
-    Promise(claim.has_value(), "a socket can be claimed", problem);
+    Check(claim.has_value(), "a socket can be claimed", problem);
     return *std::move(claim);
 }
 
@@ -40,22 +39,22 @@ SocketClient Connect(const char* name) {
     bool not_running = false;
     std::string problem;
     auto client = SocketClient::Connect(name, kNoWait, not_running, problem);
-    Promise(client.has_value(), "a client can connect", problem);
+    Check(client.has_value(), "a client can connect", problem);
     return *std::move(client);
 }
 
-// Reads a command as the unit would, and does nothing; what there is to say of it.
+// Reads a command as the unit does, but executes nothing.
 control::Outcome ReadCommand(const std::string& line) {
     std::string problem;
     const auto words = control::SplitWords(line, problem);
-    Promise(words.has_value() == problem.empty(), "what cannot be split is told why");
+    Check(words.has_value() == problem.empty(), "a refusal has a reason");
     if (!words)
         return control::Refused(problem);
     const auto again = control::SplitWords(control::JoinWords(*words), problem);
-    Promise(again == words, "words are read as they are written", line);
+    Check(again == words, "words are read as they are written", line);
     unit::UnitCommands().grammar().NextWords(*words);
     const auto command = unit::UnitCommands().Read(*words, problem);
-    Promise(command.has_value() == problem.empty(), "what is refused is told why", line);
+    Check(command.has_value() == problem.empty(), "a refusal has a reason", line);
     return command ? control::Done(std::string(command->row->help)) : control::Refused(problem);
 }
 
@@ -66,13 +65,12 @@ class Server {
     std::size_t left = 0;
 
   private:
-    void Answer(SocketServer::ClientId client, const control::Request& request) {
+    void Handle(SocketServer::ClientId client, const control::Request& request) {
         ++requests;
-        Promise(control::IsPlainText(request.line) && control::IsPlainText(request.folder),
-                "a request is plain text");
-        Promise(
-            request.line.size() <= control::kMaxLine && request.text.size() <= control::kMaxText,
-            "a request has its limits");
+        Check(control::IsPlainText(request.line) && control::IsPlainText(request.folder),
+              "a request is plain text");
+        Check(request.line.size() <= control::kMaxLine && request.text.size() <= control::kMaxText,
+              "a request has its limits");
         const control::Outcome outcome = ReadCommand(request.line);
         server_.SendLine(client, request.text);
         server_.SendOutcome(client, outcome);
@@ -80,80 +78,78 @@ class Server {
 
     SocketServer server_{Claim(kServed),
                          {[this](SocketServer::ClientId id, const control::Request& request) {
-                              Answer(id, request);
+                              Handle(id, request);
                           },
                           [this](SocketServer::ClientId) { ++left; }}};
 };
 
-// Lets the server work off what was sent; returns all that it said.
-std::string Hear(SocketServer& server, int socket) {
-    std::string heard;
+// Lets the server handle what was sent, and adds its output.
+void Receive(SocketServer& server, int socket, std::string& output) {
     std::array<char, 16384> buffer;
     for (bool quiet = false; !quiet;) {
         server.HandleReady();
         quiet = true;
         for (ssize_t count = 0; (count = recv(socket, buffer.data(), buffer.size(), 0)) > 0;) {
-            heard.append(buffer.data(), static_cast<std::size_t>(count));
+            output.append(buffer.data(), static_cast<std::size_t>(count));
             quiet = false;
         }
     }
-    return heard;
 }
 
-void LookAtAnswers(const std::string& heard, std::size_t requests) {
+void CheckReplies(const std::string& output, std::size_t requests) {
     std::size_t outcomes = 0;
-    control::ForEachLine(heard, [&](std::string_view line) {
-        Promise(!line.empty() && std::string_view("|!+-").find(line.front()) != std::string::npos,
-                "a line of an answer has its mark", heard);
-        Promise(control::IsPlainText(line), "a line of an answer is plain text", line);
+    control::ForEachLine(output, [&](std::string_view line) {
+        Check(!line.empty() && std::string_view("|!+-").find(line.front()) != std::string::npos,
+              "a line of a reply has its mark", output);
+        Check(control::IsPlainText(line), "a line of a reply is plain text", line);
         outcomes += line.front() == control::kDoneMark || line.front() == control::kRefusedMark;
     });
-    Promise(heard.empty() || heard.ends_with('\n'), "an answer ends its lines");
+    Check(output.empty() || output.ends_with('\n'), "a reply ends its lines");
     // One more when the client was refused altogether.
-    Promise(outcomes == requests || (outcomes == requests + 1 && heard.rfind("\n-") + 1 != 0) ||
-                (outcomes == 1 && heard.starts_with(control::kRefusedMark)),
-            "each request has one outcome", heard);
+    Check(outcomes == requests || (outcomes == requests + 1 && output.rfind("\n-") + 1 != 0) ||
+              (outcomes == 1 && output.starts_with(control::kRefusedMark)),
+          "each request has one outcome", output);
 }
 
-void AskTheServer(std::string_view bytes, std::size_t piece) {
+void SendToServer(std::string_view bytes, std::size_t chunk) {
     static Server& server = *new Server;
     server.requests = server.left = 0;
-    std::string heard;
+    std::string output;
     {
         const SocketClient client = Connect(kServed);
         const int socket = client.descriptor();
-        for (std::string_view left = bytes; !left.empty();) {
-            const ssize_t sent = send(socket, left.data(), std::min(piece, left.size()),
+        while (!bytes.empty()) {
+            const ssize_t sent = send(socket, bytes.data(), std::min(chunk, bytes.size()),
                                       MSG_NOSIGNAL | MSG_DONTWAIT);
             if (sent <= 0)
                 break;
-            left.remove_prefix(static_cast<std::size_t>(sent));
-            heard += Hear(server.get(), socket);
+            bytes.remove_prefix(static_cast<std::size_t>(sent));
+            Receive(server.get(), socket, output);
         }
         shutdown(socket, SHUT_WR);
-        heard += Hear(server.get(), socket);
-        heard += Hear(server.get(), socket);
+        Receive(server.get(), socket, output);
+        Receive(server.get(), socket, output);
     }
     for (int turn = 0; turn < 4 && server.left == 0; ++turn)
         server.get().HandleReady();
-    Promise(server.left == 1, "a client that has gone is forgotten");
-    LookAtAnswers(heard, server.requests);
+    Check(server.left == 1, "a client that has left is forgotten");
+    CheckReplies(output, server.requests);
 }
 
-void AnswerTheClient(std::string_view bytes) {
+void SendToClient(std::string_view bytes) {
     static control::SocketClaim& claim = *new control::SocketClaim(Claim(kHostile));
     SocketClient client = Connect(kHostile);
     {
         const control::Descriptor socket(accept(claim.listener(), nullptr, nullptr));
         send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     }
-    for (std::size_t replies = 0;; ++replies) {
-        Promise(replies <= bytes.size(), "a reply takes a byte at least");
-        const ReplyPart reply = client.Receive(kNoWait);
-        Promise(reply.text.find('\n') == std::string::npos, "a reply is one line");
-        Promise(reply.kind != ReplyPart::Kind::kLate, "an end that has hung up is seen at once");
-        if (reply.kind == ReplyPart::Kind::kGone)
-            break;
+    auto kind = ReplyPart::Kind::kLine;
+    for (std::size_t parts = 0; kind != ReplyPart::Kind::kGone; ++parts) {
+        Check(parts <= bytes.size(), "a part of a reply takes a byte at least");
+        const ReplyPart part = client.Receive(kNoWait);
+        kind = part.kind;
+        Check(part.text.find('\n') == std::string::npos, "a part of a reply is one line");
+        Check(kind != ReplyPart::Kind::kLate, "the client sees at once that the server hung up");
     }
 }
 
@@ -162,7 +158,7 @@ void AnswerTheClient(std::string_view bytes) {
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     static std::string folder =
         (std::filesystem::temp_directory_path() / "tolvane-fuzz-XXXXXX").string();
-    Promise(mkdtemp(folder.data()) != nullptr, "there is a folder for the sockets");
+    Check(mkdtemp(folder.data()) != nullptr, "there is a folder for the sockets");
     setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
     std::atexit([] {
         std::error_code ignored;
@@ -173,11 +169,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
-    const std::size_t piece = input.Byte();
+    const std::size_t chunk = input.Byte();
     const std::string_view bytes = input.Text();
-    if (piece == 0)
-        AnswerTheClient(bytes);
+    if (chunk == 0)
+        SendToClient(bytes);
     else
-        AskTheServer(bytes, piece == 0xFF ? bytes.size() : piece);
+        SendToServer(bytes, chunk == 0xFF ? bytes.size() : chunk);
     return 0;
 }

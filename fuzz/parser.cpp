@@ -1,5 +1,5 @@
-// The program's frame parser with all its handlers: whatever comes in whatever pieces, exactly the
-// frames that a second reading of the same bytes finds are handled.
+// The program's frame parser with all its handlers: in chunks of any size it handles exactly the
+// frames that the reference model finds in the same bytes.
 #include <windows.h>
 
 #include <algorithm>
@@ -7,14 +7,13 @@
 
 #include "dvrlink/LinkState.h"
 #include "dvrlink/UART.h"
-#include "fuzz/input.h"
-#include "fuzz/promise.h"
+#include "fuzz/fuzz.h"
 #include "tests/model/link_model.h"
 #include "tests/support/platform_fixture.h"
 
 namespace {
 
-// More than any frame: whatever an input leaves begun is over.
+// More than any frame, so that a frame that the input begins ends.
 constexpr std::size_t kEnd = 80;
 
 tests::Platform& ThePlatform() {
@@ -26,26 +25,26 @@ tests::Platform& ThePlatform() {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     ThePlatform();
-    fuzz::Promise(Memory_Init() != FALSE, "the link has its locks");
+    fuzz::Check(Memory_Init() != FALSE, "the link has its locks");
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
-    const std::size_t piece = std::max<std::size_t>(input.Byte(), 1);
+    const std::size_t chunk = std::max<std::size_t>(input.Byte(), 1);
     std::vector<std::uint8_t> bytes = input.Bytes(size);
     bytes.resize(bytes.size() + kEnd);
 
     const std::string expected = tests::model::HandlerLog(bytes);
     tests::PlainBoard& board = ThePlatform().board;
     board.ClearOutput();
-    for (std::size_t at = 0; at < bytes.size(); at += piece)
-        UART_ParseData(bytes.data() + at, static_cast<DWORD>(std::min(piece, bytes.size() - at)));
+    for (std::size_t at = 0; at < bytes.size(); at += chunk)
+        UART_ParseData(bytes.data() + at, static_cast<DWORD>(std::min(chunk, bytes.size() - at)));
     const std::wstring output = board.debug_output();
     std::string log;
     for (const wchar_t character : output)
         log += static_cast<char>(character);
-    fuzz::Promise(log == expected, "the frames in the bytes are handled, and no others",
-                  "program:\n" + log + "expected:\n" + expected);
+    fuzz::Check(log == expected, "the frames in the bytes are handled, and no others",
+                "program:\n" + log + "expected:\n" + expected);
     return 0;
 }

@@ -1,24 +1,24 @@
-// The recording reader: any file is taken, or refused in one line; and what was taken is written as
-// it was read.
+// The recording reader: any file is read, or refused in one line; what was read is written as it
+// was read.
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <string>
 
 #include "control/protocol.h"
-#include "fuzz/promise.h"
+#include "fuzz/fuzz.h"
 #include "unit/recording/moment_text.h"
 #include "unit/recording/recording_reader.h"
 
 namespace {
 
-// A file in memory alone, by a name that the reader can open.
+// A file in memory with a name that the reader can open.
 class MemoryFile {
   public:
     void Fill(const void* data, std::size_t size) const {
-        fuzz::Promise(ftruncate(descriptor_, 0) == 0 &&
-                          pwrite(descriptor_, data, size, 0) == static_cast<ssize_t>(size),
-                      "the input can be written");
+        fuzz::Check(ftruncate(descriptor_, 0) == 0 &&
+                        pwrite(descriptor_, data, size, 0) == static_cast<ssize_t>(size),
+                    "the input can be written");
     }
     const std::string& path() const { return path_; }
 
@@ -43,16 +43,16 @@ std::string Written(const unit::Recording& recording) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using fuzz::Promise;
+    using fuzz::Check;
     std::string problem;
     const auto recording = Read({reinterpret_cast<const char*>(data), size}, problem);
-    Promise(recording.has_value() == problem.empty(), "what is refused is told why");
-    Promise(control::IsPlainText(problem), "a problem is one line of text", problem);
+    Check(recording.has_value() == problem.empty(), "a refusal has a reason");
+    Check(control::IsPlainText(problem), "a problem is one line of text", problem);
     if (!recording)
         return 0;
     const std::string written = Written(*recording);
     const auto again = Read(written, problem);
-    Promise(again.has_value(), "what is written can be read", problem + "\n" + written);
-    Promise(Written(*again) == written, "what was read is written as it was", written);
+    Check(again.has_value(), "what is written can be read", problem + "\n" + written);
+    Check(Written(*again) == written, "what was read is written as it was", written);
     return 0;
 }

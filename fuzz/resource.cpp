@@ -1,12 +1,12 @@
-// The reader of compiled resources and all that looks into one: bitmaps, icons, strings, versions,
-// dialogs. Any file is safe, and takes memory in proportion to its own size.
+// The reader of compiled resources and of what they hold: bitmaps, icons, strings, versions,
+// dialogs. Any file is safe and takes memory in proportion to its size.
 #include <windows.h>
 
 #include <cstring>
 #include <string>
 #include <vector>
 
-#include "fuzz/promise.h"
+#include "fuzz/fuzz.h"
 #include "platform/resource/dib.h"
 #include "platform/resource/image.h"
 #include "platform/resource/module.h"
@@ -17,22 +17,22 @@
 namespace {
 
 namespace resource = platform::resource;
-using fuzz::Promise;
+using fuzz::Check;
 
 constexpr wchar_t kPath[] = L"\\program.exe";
 constexpr WORD kMostNames = 4;
 
-void LookAt(const std::optional<resource::DecodedImage>& image, std::size_t bytes) {
+void CheckImage(const std::optional<resource::DecodedImage>& image, std::size_t bytes) {
     if (!image)
         return;
     const std::size_t pixels = image->pixels.size();
-    Promise(image->width > 0 && image->height > 0, "an image has sides");
-    Promise(pixels == static_cast<std::size_t>(image->width) * image->height,
-            "an image has all its pixels");
-    Promise(pixels <= bytes * 8, "no pixel comes from nothing");
+    Check(image->width > 0 && image->height > 0, "an image has sides");
+    Check(pixels == static_cast<std::size_t>(image->width) * image->height,
+          "an image has all its pixels");
+    Check(pixels <= bytes * 8, "the pixels are in proportion to the bytes");
 }
 
-void LookAtVersion(std::span<const std::byte> bytes) {
+void CheckVersion(std::span<const std::byte> bytes) {
     const auto block = resource::ConvertVersionBlock(bytes);
     if (!block)
         return;
@@ -40,23 +40,23 @@ void LookAtVersion(std::span<const std::byte> bytes) {
                                 L"\\StringFileInfo\\040904B0", L"\\A\\B\\C\\D\\E"}) {
         const auto value = resource::QueryVersionBlock(block->data(), path);
         const auto size = static_cast<std::ptrdiff_t>(value ? value->length : 0);
-        Promise(!value || (value->address >= block->data() &&
-                           value->address + size <= block->data() + block->size()),
-                "a value lies within its block");
+        Check(!value || (value->address >= block->data() &&
+                         value->address + size <= block->data() + block->size()),
+              "a value lies within its block");
     }
 }
 
-void LookAtAll(const std::vector<resource::Resource>& resources, std::span<const std::byte> file) {
+void CheckAll(const std::vector<resource::Resource>& resources, std::span<const std::byte> file) {
     for (const resource::Resource& found : resources) {
-        Promise(found.data.empty() ||
-                    (found.data.data() >= file.data() &&
-                     found.data.data() + found.data.size() <= file.data() + file.size()),
-                "a resource lies within its file");
-        // Of a size of its own, so that a step beyond it is seen.
+        Check(found.data.empty() ||
+                  (found.data.data() >= file.data() &&
+                   found.data.data() + found.data.size() <= file.data() + file.size()),
+              "a resource lies within its file");
+        // A block of its own, so that the sanitizer sees a read beyond it.
         const std::vector<std::byte> data(found.data.begin(), found.data.end());
-        LookAt(resource::DecodeDib(data), data.size());
-        LookAt(resource::DecodeIconDib(data), data.size());
-        LookAtVersion(data);
+        CheckImage(resource::DecodeDib(data), data.size());
+        CheckImage(resource::DecodeIconDib(data), data.size());
+        CheckVersion(data);
     }
 }
 
@@ -67,20 +67,20 @@ void UseByName() {
         resource::DecodeBitmap(name);
         resource::DecodeIcon(name, 16, 16);
         if (const HRSRC found = FindResourceW(nullptr, name, RT_DIALOG))
-            Promise(SizeofResource(nullptr, found) == 0 || LoadResource(nullptr, found) != nullptr,
-                    "a resource that is found can be loaded");
+            Check(SizeofResource(nullptr, found) == 0 || LoadResource(nullptr, found) != nullptr,
+                  "a resource that is found can be loaded");
     }
     for (UINT id = 0; id < 40; ++id) {
         wchar_t text[24];
         const int length = LoadStringW(nullptr, id, text, static_cast<int>(std::size(text)));
-        Promise(length >= 0 && static_cast<std::size_t>(length) < std::size(text) &&
-                    text[length] == L'\0',
-                "a string fits its buffer and is ended");
+        Check(length >= 0 && static_cast<std::size_t>(length) < std::size(text) &&
+                  text[length] == L'\0',
+              "a string fits its buffer and is ended");
     }
     const DWORD size = GetFileVersionInfoSizeW(kPath, nullptr);
     std::vector<std::byte> block(size);
-    Promise(size == 0 || GetFileVersionInfoW(kPath, 0, size, block.data()) != FALSE,
-            "a version block has the size that was told");
+    Check(size == 0 || GetFileVersionInfoW(kPath, 0, size, block.data()) != FALSE,
+          "a version block has the size that was reported");
 }
 
 }  // namespace
@@ -92,20 +92,20 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Not at the end of a larger block: libFuzzer's own may be longer.
+    // A block of its own: libFuzzer's may be longer.
     const std::vector<std::byte> file(reinterpret_cast<const std::byte*>(data),
                                       reinterpret_cast<const std::byte*>(data) + size);
     std::string problem;
     const auto resources = resource::ReadResourceFile(file, problem);
-    Promise(resources.has_value() == problem.empty(), "what is refused is told why");
-    Promise(problem.empty() || problem == "empty" || problem.starts_with("byte "),
-            "a problem names its place", problem);
+    Check(resources.has_value() == problem.empty(), "a refusal has a reason");
+    Check(problem.empty() || problem == "empty" || problem.starts_with("byte "),
+          "a problem names its place", problem);
     if (!resources)
         return 0;
-    Promise(resources->size() * 32 <= size, "an entry has a header");
-    LookAtAll(*resources, file);
-    Promise(resource::SetModule(file, kPath, problem), "the same file is taken as a module");
+    Check(resources->size() * 32 <= size, "an entry has a header");
+    CheckAll(*resources, file);
+    Check(resource::SetModule(file, kPath, problem), "the same file is taken as a module");
     UseByName();
-    Promise(resource::SetModule({}, kPath, problem) || !problem.empty(), "a module can go");
+    Check(resource::SetModule({}, kPath, problem) || !problem.empty(), "a module can be removed");
     return 0;
 }

@@ -1,10 +1,9 @@
 // The whole wizard behind the frame parser, in simulated time: the bytes of an input choose events
-// at its edges (bytes of the line, taps, messages, time), and the wizard must do what its model
-// does. A difference is told with the events that lead to it.
+// at its external interfaces (bytes of the line, taps, messages, time), and the wizard must do what
+// its reference model does. A difference is printed with the events that led to it.
 #include <gtest/gtest.h>
 
-#include "fuzz/input.h"
-#include "fuzz/promise.h"
+#include "fuzz/fuzz.h"
 #include "tests/model/generator.h"
 #include "tests/model/lockstep/lockstep.h"
 
@@ -14,10 +13,10 @@ using namespace tests::model;
 
 constexpr std::size_t kMostEvents = 100;
 
-// The harness says what it finds by way of assertions.
+// The harness reports what it finds in assertions.
 class Finding final : public testing::EmptyTestEventListener {
     void OnTestPartResult(const testing::TestPartResult& result) override {
-        fuzz::Promise(!result.failed(), "the harness finds nothing wrong", result.message());
+        fuzz::Check(!result.failed(), "the harness finds nothing wrong", result.message());
     }
 };
 
@@ -41,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             sequence.events.push_back(generator.Next(wizard));
             return sequence.events.back();
         });
-    fuzz::Promise(difference.empty(), "the wizard does what its model does",
-                  difference + "after\n" + ToText(sequence));
+    fuzz::Check(difference.empty(), "the wizard does what its model does",
+                difference + "after\n" + ToText(sequence));
     return 0;
 }

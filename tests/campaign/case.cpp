@@ -69,7 +69,7 @@ std::optional<End> RunFlow(const Flow& flow, WizardRun& run, CarDriver& driver) 
     if (flow.quick)
         run.RunScenario(kQuickUpdate);
     run.RunScenario(flow.begin);
-    if (flow.first_card_is_blank)
+    if (flow.first_card_is_empty)
         driver.ForgetImageOnce();
     if (flow.halfway.empty())
         return driver.Drive(kLongestDrive);

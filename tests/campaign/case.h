@@ -23,7 +23,7 @@ struct Flow {
     std::string halfway{};
     // A quick update instead of one of usual length.
     bool quick = true;
-    bool first_card_is_blank = false;
+    bool first_card_is_empty = false;
 };
 std::span<const Flow> Flows();
 
