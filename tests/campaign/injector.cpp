@@ -15,6 +15,9 @@ namespace {
 constexpr std::string_view kOnTheLine = "fault on the line";
 constexpr std::string_view kSkip = "SKIP";
 constexpr std::size_t kCallsRemembered = 4;
+// Without messages no window responds or closes, and a window that cannot begin to paint is asked
+// to paint again and again: these fail only once.
+constexpr std::string_view kFailOnce[] = {"BeginPaint", "GetMessageW"};
 
 }  // namespace
 
@@ -76,7 +79,9 @@ void Injector::OnCall(const kernel::MadeCall& call) {
     for (const Fault& fault : due)
         if (!fault.FailsCalls())
             InjectNow(fault);
-        else if (Record(fault.kind->name); fault.kind->name != kFails)
+        else if (Record(fault.kind->name);
+                 fault.kind->name != kFails &&
+                 std::ranges::find(kFailOnce, call.call) == std::end(kFailOnce))
             kernel::AddCallFault({std::string(call.call), 0, kernel::kForEver});
 }
 
