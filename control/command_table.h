@@ -12,11 +12,10 @@
 
 namespace control {
 
-// How a command ended: done, with what it has to say perhaps, or refused with one line that says
-// what was wrong and what is allowed.
+// The result of a command.
 struct Outcome {
     bool done;
-    std::string text;
+    std::string text;  // the output of a command that was done, or the problem in one line
 };
 inline Outcome Done(std::string text = {}) {
     return {true, std::move(text)};
@@ -25,21 +24,21 @@ inline Outcome Refused(std::string problem) {
     return {false, std::move(problem)};
 }
 
-// The commands that something of type Target follows. Reading a line needs no target: a file of
-// commands is checked wholly before its first one runs.
+// The commands that a Target can execute. Reading a line needs no target, so a whole file can be
+// checked before its first command is executed.
 template <class Target>
 class CommandTable {
   public:
     struct Row {
         std::string_view pattern;  // see grammar.h; must outlive the table
-        std::string_view help;     // what it does, a sentence
+        std::string_view help;     // a sentence
         std::function<Outcome(Target&, const Values&)> execute;
-        // One line that tells what is wrong with values that fit the pattern; empty when nothing
-        // is. For what the placeholders cannot know.
+        // Checks values that fit the pattern beyond what their placeholders check. Returns the
+        // problem in one line, or an empty text.
         std::string (*check)(const Values&) = nullptr;
     };
 
-    // A line that was read, ready to be followed any number of times.
+    // A line that was read. It can be executed any number of times.
     struct Command {
         const Row* row;
         Values values;
@@ -65,8 +64,8 @@ class CommandTable {
         return Command{&row, std::move(match->values)};
     }
 
-    // Reads and follows one line; an empty line or a comment does nothing. Relative paths start
-    // from the folder, where one is told.
+    // Reads and executes one line; an empty line or a comment does nothing. Relative paths are
+    // resolved against `folder` unless it is empty.
     Outcome Execute(Target& target, std::string_view line, const std::string& folder = {}) const {
         std::string problem;
         const auto words = SplitWords(line, problem);

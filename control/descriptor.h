@@ -6,7 +6,7 @@
 
 namespace control {
 
-// Owns an open file, socket or folder of the host; -1 is none.
+// Owns an open file descriptor of the host; -1 is none.
 class Descriptor {
   public:
     Descriptor() = default;

@@ -8,11 +8,11 @@
 
 namespace control {
 
-// What is known while words are held against the patterns.
+// The state of one match of words against patterns.
 struct Grammar::Reading {
     std::span<const std::string> words;
     Values values;
-    // The word that no pattern got past, and what each would have taken there.
+    // The first word that no pattern accepts, and the tokens that were expected there.
     std::size_t furthest = 0;
     std::vector<const Token*> expected;
 
@@ -165,7 +165,7 @@ std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
     if (reading.furthest >= words.size())
         problem = "something is missing" + after + "; allowed is " + list;
     else if (reading.expected.empty())
-        problem = "'" + words[reading.furthest] + "' is too much" + after;
+        problem = "'" + words[reading.furthest] + "' is not expected" + after;
     else
         problem =
             "'" + words[reading.furthest] + "' is not allowed" + after + "; allowed is " + list;

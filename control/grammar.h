@@ -10,18 +10,18 @@
 
 namespace control {
 
-// A small command language, given by patterns such as
+// A small command language, defined by patterns such as
 //
 //     card in [FOLDER]
 //     power on|off
 //     fault call CALL [after SKIP] [times COUNT]
 //
-// A word in small letters stands for itself, one in capitals is a placeholder (values.h); | divides
-// plain words to choose from; [ ] encloses what may be left out. A trailing ... takes all words
-// that are left, as one value (TEXT...).
+// A word in lower case stands for itself; a word in capitals is a placeholder (words.h). |
+// separates alternative words; [ ] encloses an optional part. A trailing ... takes all remaining
+// words as one value (TEXT...).
 class Grammar {
   public:
-    // Throws std::logic_error for a pattern that is not well formed or names no placeholder.
+    // Throws std::logic_error for a malformed pattern or an unknown placeholder.
     explicit Grammar(std::span<const std::string_view> patterns);
 
     struct Match {
@@ -29,11 +29,11 @@ class Grammar {
         Values values;
     };
 
-    // Which pattern the words execute; the first one that fits. Empty with one line in `problem`
-    // that says which word is wrong and what is allowed in its place.
+    // Finds the first pattern that matches the words. If none does, returns nothing and puts one
+    // line into `problem`: the word that is wrong, and what is allowed in its place.
     std::optional<Match> Read(std::span<const std::string> words, std::string& problem) const;
 
-    // What may follow these words, as far as it is plain words: for completion.
+    // The plain words that can come after these words, for completion.
     std::vector<std::string> NextWords(std::span<const std::string> words) const;
 
   private:
@@ -42,7 +42,7 @@ class Grammar {
         Kind kind;
         std::vector<std::string> words;  // of kWords
         const Placeholder* placeholder = nullptr;
-        std::size_t close = 0;  // of kOpen: where its ] is
+        std::size_t close = 0;  // of kOpen: the index of its ]
     };
     using Tokens = std::vector<Token>;
     struct Reading;

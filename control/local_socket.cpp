@@ -18,36 +18,37 @@ constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kOthers = 0077;
 constexpr std::size_t kLongestName = 32;
 
-// A session's folder that is missing or another user's (after su) is none.
+// After su, XDG_RUNTIME_DIR can name another user's folder.
 bool IsOwnFolder(const char* path) {
     struct stat status {};
     return path && path[0] == '/' && stat(path, &status) == 0 && S_ISDIR(status.st_mode) &&
            status.st_uid == geteuid();
 }
 
-std::string Place() {
+std::string FolderPath() {
     const char* const session = std::getenv("XDG_RUNTIME_DIR");
     if (IsOwnFolder(session))
         return std::string(session) + "/tolvane";
     return "/tmp/tolvane-" + std::to_string(geteuid());
 }
 
-// Empty when the open folder is the user's alone.
-std::string Danger(int folder) {
+// Returns the problem if other users can access the open folder, or an empty text.
+std::string AccessProblem(int folder) {
     struct stat status {};
     if (fstat(folder, &status) != 0)
         return std::strerror(errno);
     if (status.st_uid != geteuid())
         return "the folder belongs to another user";
     if ((status.st_mode & kOthers) != 0)
-        return "the folder is open to other users; it must have the permissions 0700";
+        return "other users can access the folder; it must have the permissions 0700";
     return {};
 }
 
 constexpr mode_t kSocketMode = 0600;
 constexpr int kWaitingConnections = 64;
 
-// Removes what a dead process left; false with errno set when something else is in the way.
+// Removes the socket that a dead process left. Returns false, with errno set, on failure or if the
+// entry is not a socket.
 bool RemoveStale(const RuntimeFolder& folder, const std::string& entry) {
     struct stat status {};
     if (fstatat(folder.descriptor(), entry.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
@@ -62,7 +63,7 @@ bool RemoveStale(const RuntimeFolder& folder, const std::string& entry) {
 Descriptor Listen(const RuntimeFolder& folder, const std::string& entry) {
     Descriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     const SocketAddress address(folder.PathOf(entry));
-    // The mode that the socket's file is made with.
+    // bind() creates the file with this mode.
     if (!listener || fchmod(listener.get(), kSocketMode) != 0 ||
         bind(listener.get(), address.get(), SocketAddress::size()) != 0 ||
         listen(listener.get(), kWaitingConnections) != 0)
@@ -73,9 +74,9 @@ Descriptor Listen(const RuntimeFolder& folder, const std::string& entry) {
 }  // namespace
 
 std::optional<RuntimeFolder> RuntimeFolder::Open(std::string& problem) {
-    std::string path = Place();
+    std::string path = FolderPath();
     if (mkdir(path.c_str(), kFolderMode) != 0 && errno != EEXIST) {
-        problem = path + ": cannot make the folder: " + std::strerror(errno);
+        problem = path + ": cannot create the folder: " + std::strerror(errno);
         return std::nullopt;
     }
     Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -84,8 +85,8 @@ std::optional<RuntimeFolder> RuntimeFolder::Open(std::string& problem) {
         problem = path + ": " + (replaced ? "not a folder" : std::strerror(errno));
         return std::nullopt;
     }
-    if (const std::string danger = Danger(folder.get()); !danger.empty()) {
-        problem = path + ": " + danger;
+    if (const std::string access_problem = AccessProblem(folder.get()); !access_problem.empty()) {
+        problem = path + ": " + access_problem;
         return std::nullopt;
     }
     return RuntimeFolder(std::move(path), std::move(folder));
@@ -119,8 +120,8 @@ std::optional<SocketClaim> SocketClaim::Make(const std::string& name, bool& take
         return std::nullopt;
     };
 
-    // The lock's file stays when the claim ends: were it removed, two could hold locks on files of
-    // the same name.
+    // The lock file stays when the claim ends. If it were removed, two processes could hold locks
+    // on different files of the same name.
     const std::string lock_entry = name + ".lock";
     Descriptor lock(openat(folder->descriptor(), lock_entry.c_str(),
                            O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kSocketMode));

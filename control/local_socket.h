@@ -11,19 +11,19 @@
 
 namespace control {
 
-// The user's folder for the sockets of running units and DVRs: $XDG_RUNTIME_DIR/tolvane where the
-// session has such a folder, else /tmp/tolvane-UID. It belongs to the user alone.
+// The folder for the sockets of running units and DVRs: $XDG_RUNTIME_DIR/tolvane if the session has
+// such a folder, otherwise /tmp/tolvane-UID. Only the user can access it.
 class RuntimeFolder {
   public:
-    // Opens the folder, made first where it is missing. Empty with one line in `problem` when it
-    // cannot be made or is not safe: a symlink, somebody else's, or open to others.
+    // Opens the folder and creates it if necessary. Returns nothing, with one line in `problem`, if
+    // it cannot be created or is not safe: a symlink, another user's, or accessible to others.
     static std::optional<RuntimeFolder> Open(std::string& problem);
 
     const std::string& path() const { return path_; }
     int descriptor() const { return descriptor_.get(); }
 
-    // The path of an entry by way of the open folder: whatever is put in the folder's place
-    // meanwhile, it is the checked one that is used. Short enough for any socket's address.
+    // The path of an entry, through the open descriptor: it stays in the checked folder even if
+    // another one replaces it. Short enough for a socket address.
     std::string PathOf(std::string_view entry) const;
 
   private:
@@ -34,12 +34,12 @@ class RuntimeFolder {
     Descriptor descriptor_;
 };
 
-// The names that units and DVRs may have side by side: up to 32 letters, digits, - and _.
+// True for a name that a unit or DVR may have: 1 to 32 letters, digits, - and _.
 bool IsSocketName(std::string_view name);
 inline constexpr std::string_view kSocketNameAllowed =
-    "up to 32 letters, digits, '-' and '_', such as bench-2";
+    "up to 32 letters, digits, '-' and '_', such as unit-2";
 
-// The address of a local socket; `path` must fit, as those of RuntimeFolder::PathOf do.
+// The address of a local socket. `path` must fit; those of RuntimeFolder::PathOf do.
 class SocketAddress {
   public:
     explicit SocketAddress(const std::string& path) : address_{} {
@@ -54,11 +54,12 @@ class SocketAddress {
     sockaddr_un address_;
 };
 
-// A listening socket of a name, held against others of the same name for as long as this lives. The
-// claim of a process that died is free again at once; a living one's cannot be taken.
+// A listening socket with a name that no other process can claim while this object exists. If a
+// process dies, its name is free at once.
 class SocketClaim {
   public:
-    // Empty with one line in `problem`; `taken` tells that a living process has the name.
+    // On failure returns nothing, with one line in `problem`. `taken` is true if a running process
+    // has the name.
     static std::optional<SocketClaim> Make(const std::string& name, bool& taken,
                                            std::string& problem);
     SocketClaim(SocketClaim&& other) noexcept = default;
@@ -77,12 +78,12 @@ class SocketClaim {
 
     RuntimeFolder folder_;
     std::string entry_;
-    // Locked: the host lets go of it however the process ends.
+    // Locked. The host releases the lock when the process ends, in any way.
     Descriptor lock_;
     Descriptor listener_;
 };
 
-// The socket's file in the runtime folder.
+// The file name of the socket in the runtime folder.
 std::string SocketEntry(const std::string& name);
 
 }  // namespace control

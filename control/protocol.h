@@ -6,23 +6,23 @@
 
 namespace control {
 
-// What goes over a control socket, both ways in lines of UTF-8 text.
+// The protocol of a control socket: lines of UTF-8 text in both directions.
 //
-// A request is one line of the command language. Before it may stand a line that begins with @ and
-// tells the folder that paths in the request start from, and lines that begin with | and carry a
-// text for it, a line of the text each (a scenario for `run`).
+// A request is one line of the command language. Two kinds of lines can precede it: @FOLDER, the
+// folder from which paths in the request start, and |TEXT, a line of a text that belongs to the
+// request (a scenario for `run`).
 //
-// The answer is any number of lines and, at the end, the outcome; only then the next request is
-// read. Some requests (`watch`) have no end of their own: the client hangs up.
+// The reply consists of any number of lines and the outcome; the next request is read after that.
+// Some requests (`watch`) do not end: the client hangs up.
 //
-//     |TEXT      a line of the answer
-//     !NUMBER    so many lines were left out here, because the client was slow to read
+//     |TEXT      a line of the reply
+//     !NUMBER    that many lines were dropped here, because the client was slow to read
 //     +          done
 //     -PROBLEM   refused, and why
 struct Request {
     std::string line;
-    std::string text = {};    // each of its lines ended by \n
-    std::string folder = {};  // absolute, or empty when the client told none
+    std::string text = {};    // each line ends with \n
+    std::string folder = {};  // absolute; empty if the client sent none
 };
 
 inline constexpr char kFolderMark = '@';
@@ -37,11 +37,11 @@ inline constexpr std::size_t kMaxText = std::size_t{1024} * 1024;
 // True for well-formed UTF-8 without control characters other than the tab.
 bool IsPlainText(std::string_view line);
 
-// The text with a ? in place of every byte that IsPlainText refuses: a file's own words may be told
-// to a terminal.
+// Replaces every byte that IsPlainText refuses by a ?, so that the text can be printed to a
+// terminal.
 std::string PlainText(std::string_view text);
 
-// Calls visit(line) for each line of the text, without its end.
+// Calls visit(line) for each line of the text, without the \n.
 template <class Visit>
 void ForEachLine(std::string_view text, Visit visit) {
     for (;;) {

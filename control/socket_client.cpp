@@ -18,9 +18,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using ReplyPart = SocketClient::ReplyPart;
 
-// Longer than any line that a server of ours sends.
+// Longer than any line that SocketServer sends.
 constexpr std::size_t kLongestReply = std::size_t{4} * 1024 * 1024;
-constexpr auto kBetweenTries = std::chrono::milliseconds(5);
+constexpr auto kRetryInterval = std::chrono::milliseconds(5);
 
 std::optional<Clock::time_point> Deadline(SocketClient::Limit limit) {
     return limit ? std::optional(Clock::now() + *limit) : std::nullopt;
@@ -56,14 +56,14 @@ std::optional<SocketClient> SocketClient::Connect(const std::string& name, Limit
     const SocketAddress address(folder->PathOf(SocketEntry(name)));
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     while (connect(socket.get(), address.get(), SocketAddress::size()) != 0) {
-        const bool waiting_room_full = errno == EAGAIN || errno == EINTR;
-        if (!waiting_room_full || (deadline && Clock::now() >= *deadline)) {
+        const bool backlog_full = errno == EAGAIN || errno == EINTR;
+        if (!backlog_full || (deadline && Clock::now() >= *deadline)) {
             not_running = errno == ENOENT || errno == ECONNREFUSED;
             problem = folder->path() + "/" + SocketEntry(name) + ": " +
-                      (waiting_room_full ? "no answer" : std::strerror(errno));
+                      (backlog_full ? "no reply" : std::strerror(errno));
             return std::nullopt;
         }
-        std::this_thread::sleep_for(kBetweenTries);
+        std::this_thread::sleep_for(kRetryInterval);
     }
     return SocketClient(std::move(socket));
 }
@@ -114,27 +114,27 @@ SocketClient::ReplyPart SocketClient::Receive(Limit limit) {
                 case kRefusedMark:
                     return {ReplyPart::Kind::kRefused, text};
                 default:
-                    return {ReplyPart::Kind::kGone, "the answer makes no sense"};
+                    return {ReplyPart::Kind::kGone, "the reply is malformed"};
             }
         }
         if (!WaitFor(socket_.get(), POLLIN, deadline))
-            return {ReplyPart::Kind::kLate, "no answer"};
+            return {ReplyPart::Kind::kLate, "no reply"};
         std::array<char, 16384> buffer;
         const ssize_t count = recv(socket_.get(), buffer.data(), buffer.size(), 0);
         if (count < 0 && (errno == EAGAIN || errno == EINTR))
             continue;
         if (count <= 0 || input_.size() > kLongestReply)
-            return {ReplyPart::Kind::kGone, "the other end has hung up"};
+            return {ReplyPart::Kind::kGone, "the server has hung up"};
         input_.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }
 
-ExitStatus PrintReply(SocketClient& client, const Request& request, const char* teller,
+ExitStatus PrintReply(SocketClient& client, const Request& request, const char* program,
                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
     client.Send(request, limit);
     for (;;) {
         ReplyPart reply = client.Receive(limit);
-        // What a DVR says comes as far as here; the terminal is not to follow it.
+        // Replies can contain text from a DVR, which must not control the terminal.
         reply.text = PlainText(reply.text);
         switch (reply.kind) {
             case ReplyPart::Kind::kLine:
@@ -142,16 +142,16 @@ ExitStatus PrintReply(SocketClient& client, const Request& request, const char* 
                 std::fflush(out);
                 break;
             case ReplyPart::Kind::kLost:
-                std::fprintf(errors, "%s: %s lines lost\n", teller, reply.text.c_str());
+                std::fprintf(errors, "%s: %s lines lost\n", program, reply.text.c_str());
                 break;
             case ReplyPart::Kind::kDone:
                 return kExitDone;
             case ReplyPart::Kind::kRefused:
-                std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
+                std::fprintf(errors, "%s: %s\n", program, reply.text.c_str());
                 return kExitRefused;
             case ReplyPart::Kind::kGone:
             case ReplyPart::Kind::kLate:
-                std::fprintf(errors, "%s: %s\n", teller, reply.text.c_str());
+                std::fprintf(errors, "%s: %s\n", program, reply.text.c_str());
                 return kExitNotRunning;
         }
     }

@@ -10,33 +10,34 @@
 
 namespace control {
 
-// How the commands that speak to a unit or a DVR end.
+// The exit statuses of the commands that talk to a unit or a DVR.
 enum ExitStatus { kExitDone = 0, kExitRefused = 1, kExitWrongUsage = 2, kExitNotRunning = 3 };
 
-// The asking end of a control socket (protocol.h). One thread.
+// The client of a control socket (protocol.h). For use by one thread.
 class SocketClient {
   public:
-    using Limit = std::optional<std::chrono::milliseconds>;  // of host time; none waits for ever
+    // Host time; without a value there is no limit.
+    using Limit = std::optional<std::chrono::milliseconds>;
 
     struct ReplyPart {
         enum class Kind {
             kLine,
-            kLost,  // `text` is how many lines
+            kLost,  // `text` is the number of lines
             kDone,
             kRefused,  // `text` is the problem
-            kGone,     // the other end hung up, or speaks something else
-            kLate,     // nothing came within the limit
+            kGone,     // the server hung up or broke the protocol
+            kLate,     // nothing was received within the limit
         };
         Kind kind;
         std::string text;
     };
 
-    // Empty with one line in `problem`; `not_running` tells that no living process has the name,
-    // rather than that something is wrong.
+    // On failure returns nothing, with one line in `problem`. `not_running` is true if no running
+    // process has the name.
     static std::optional<SocketClient> Connect(const std::string& name, Limit limit,
                                                bool& not_running, std::string& problem);
 
-    // False when the other end has hung up or does not read; what it said before can still be
+    // Returns false if the server has hung up or does not read; what it sent before can still be
     // received. The request's line must be one line.
     bool Send(const Request& request, Limit limit);
     ReplyPart Receive(Limit limit);
@@ -51,10 +52,9 @@ class SocketClient {
     std::string input_;
 };
 
-// Sends the request and prints the answer: its lines on `out`, problems on `errors` in lines that
-// begin with `teller` (the command's name). `limit` is how long it waits for each line. Returns how
-// the command is to end.
-ExitStatus PrintReply(SocketClient& client, const Request& request, const char* teller,
+// Sends the request and prints the reply: its lines to `out`, problems to `errors` in lines that
+// begin with `program`. Waits up to `limit` for each line. Returns the program's exit status.
+ExitStatus PrintReply(SocketClient& client, const Request& request, const char* program,
                       SocketClient::Limit limit, std::FILE* out, std::FILE* errors);
 
 }  // namespace control

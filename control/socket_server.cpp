@@ -14,7 +14,7 @@ namespace {
 
 constexpr SocketServer::ClientId kListener = 0;
 constexpr std::uint32_t kHungUp = EPOLLHUP | EPOLLERR;
-// Sent without waiting for the next turn, so that a burst finds room.
+// Output beyond this is sent at once, so that a burst does not fill the buffer.
 constexpr std::size_t kSendThreshold = SocketServer::kMaxOutput / 16;
 
 Descriptor MakeSpare() {
@@ -73,7 +73,7 @@ void SocketServer::Accept() {
     clients_.erase(id);
 }
 
-// A client that could not be taken would be reported again and again.
+// Without this, epoll would report the waiting client for ever.
 void SocketServer::RejectClient() {
     spare_ = {};
     static_cast<void>(Descriptor(accept4(claim_.listener(), nullptr, nullptr, SOCK_CLOEXEC)));
@@ -177,9 +177,9 @@ void SocketServer::SendOutcome(ClientId id, const Outcome& outcome) {
 }
 
 void SocketServer::Append(Client& client, std::string_view line) {
-    // Once lines are lost, more are until there is room again for many.
-    const std::size_t room = client.lost != 0 ? kMaxOutput / 2 : kMaxOutput;
-    if (client.output.size() + line.size() > room) {
+    // After a loss, lines are dropped until half of the buffer is free.
+    const std::size_t limit = client.lost != 0 ? kMaxOutput / 2 : kMaxOutput;
+    if (client.output.size() + line.size() > limit) {
         ++client.lost;
         return;
     }
@@ -205,7 +205,7 @@ void SocketServer::Send(Client& client) {
         if (sent < 0 && errno == EAGAIN)
             return;
         if (sent < 0) {
-            // Nobody will read it; the hang-up itself is reported in its turn.
+            // The client does not read any more; epoll reports its hang-up separately.
             client.output.clear();
             client.input_ended = true;
             return;
@@ -215,7 +215,7 @@ void SocketServer::Send(Client& client) {
     ReportLost(client);
 }
 
-// A client can pile up neither work nor answers that it does not read.
+// A client that does not read its replies cannot make the server do more work.
 bool SocketServer::TakesRequests(const Client& client) {
     return !client.replying && !client.closing && client.output.size() < kSendThreshold;
 }
@@ -223,11 +223,11 @@ bool SocketServer::TakesRequests(const Client& client) {
 void SocketServer::Watch(ClientId id, Client& client) {
     const bool line_left = client.input.find('\n') != std::string::npos;
     const bool reads = TakesRequests(client) && !client.input_ended && !line_left;
-    // Being writable is the sign to go on where no more input is asked for: with requests that were
-    // received already, and to the end.
-    const bool goes_on = !client.replying && (client.closing || client.input_ended || line_left);
+    // While no input is wanted, EPOLLOUT triggers the next step: a request that was received
+    // before, or the close.
+    const bool continues = !client.replying && (client.closing || client.input_ended || line_left);
     const std::uint32_t watched =
-        (reads ? EPOLLIN : 0U) | (goes_on || !client.output.empty() ? EPOLLOUT : 0U);
+        (reads ? EPOLLIN : 0U) | (continues || !client.output.empty() ? EPOLLOUT : 0U);
     if (watched == client.watched)
         return;
     client.watched = watched;

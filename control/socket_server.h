@@ -17,26 +17,26 @@
 
 namespace control {
 
-// Answers requests on a control socket (protocol.h). It has no thread: whoever owns it waits for
-// its descriptor and calls HandleReady. No client makes it wait, and what it keeps for one is
-// bounded.
+// Receives requests on a control socket and sends the replies (protocol.h). It has no thread: its
+// owner waits for its descriptor and calls HandleReady. It never waits for a client, and the memory
+// that it uses for one is bounded.
 //
-// One thread owns it and calls everything but Line and End, which any thread may call, with locks
-// of its own held: they take the server's lock and no other.
+// Only the owner's thread may call its functions, except SendLine and SendOutcome: any thread may
+// call those, even while it holds locks, since they take the server's lock and no other.
 class SocketServer {
   public:
     using ClientId = std::uint64_t;
 
     // Called by HandleReady, without the server's lock.
     struct Handlers {
-        // To be answered by any number of Line and then End, during the call or later.
+        // The reply is any number of calls of SendLine and one of SendOutcome, now or later.
         std::function<void(ClientId, const Request&)> request;
-        // A client has gone: what is still being done for it may stop.
+        // The client has hung up: work for it can stop.
         std::function<void(ClientId)> disconnected;
     };
 
     static constexpr std::size_t kMaxClients = 32;
-    // The bytes that wait for a client to read them; what comes on top is left out.
+    // Bytes that a client has not read yet; lines beyond that are dropped.
     static constexpr std::size_t kMaxOutput = std::size_t{1024} * 1024;
 
     SocketServer(SocketClaim claim, Handlers handlers);
@@ -44,14 +44,14 @@ class SocketServer {
     SocketServer(const SocketServer&) = delete;
     SocketServer& operator=(const SocketServer&) = delete;
 
-    // Can be read from whenever HandleReady has something to do.
+    // Readable while HandleReady has work to do.
     int descriptor() const { return poll_.get(); }
     // Never blocks.
     void HandleReady();
 
-    // A line of the answer, or several divided by \n. A client that has gone is ignored.
+    // Sends one line of the reply, or several separated by \n. Ignores a client that has hung up.
     void SendLine(ClientId id, std::string_view text);
-    // The outcome, its text as the last lines of the answer when it is done.
+    // Ends the reply. The text of an outcome that is done becomes its last lines.
     void SendOutcome(ClientId id, const Outcome& outcome);
 
     const SocketClaim& claim() const { return claim_; }
@@ -59,13 +59,13 @@ class SocketServer {
   private:
     struct Client {
         Descriptor socket;
-        std::string input;   // received, not yet a whole line
-        Request next;        // what was told ahead of the request
-        std::string output;  // to be sent
+        std::string input;   // received, not yet read
+        Request next;        // the folder and text of the next request
+        std::string output;  // not yet sent
         std::size_t lost = 0;
         bool replying = false;
         bool input_ended = false;
-        bool closing = false;  // as soon as the output is sent
+        bool closing = false;  // once the output is sent
         std::uint32_t watched = 0;
     };
 
@@ -74,7 +74,7 @@ class SocketServer {
 
     void Accept();
     void RejectClient();
-    // Appends the handlers' calls that are due.
+    // Appends the calls of the handlers that must follow.
     void Handle(ClientId id, std::uint32_t ready, std::vector<Call>& calls);
     void Receive(Client& client);
     std::optional<Request> NextRequest(Client& client);
@@ -89,7 +89,7 @@ class SocketServer {
     SocketClaim claim_;
     const Handlers handlers_;
     Descriptor poll_;
-    Descriptor spare_;  // given up to turn a client away when the process has no other left
+    Descriptor spare_;  // closed to reject a client when the process has no other descriptor left
     std::mutex mutex_;
     std::map<ClientId, Client> clients_;
     ClientId last_id_ = 0;

@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::string_view kSpaces = " \t\r";
 
-// Takes a quoted part from `line` at `at`, which stands on the opening quote; leaves `at` behind
-// the closing one. False when there is none.
+// Appends the quoted text at `at` (the opening quote) to `word` and moves `at` behind the closing
+// quote. Returns false if there is none.
 bool TakeQuoted(std::string_view line, std::size_t& at, std::string& word) {
     const char quote = line[at++];
     for (; at < line.size(); ++at) {
@@ -69,7 +69,7 @@ constexpr char kPercentAllowed[] = "a whole number from 0 to 100";
 constexpr char kByteAllowed[] = "a number from 0 to 255, such as 17 or 0x11";
 
 constexpr Placeholder kPlaceholders[] = {
-    {"TEXT", "a text, in quotes when it has blanks", IsAnything},
+    {"TEXT", "a text, in quotes if it contains spaces", IsAnything},
     {"NAME", "a name", IsNotEmpty},
     {"FILE", "the path of a file", IsNotEmpty},
     {"FOLDER", "the path of a folder", IsNotEmpty},

@@ -11,53 +11,53 @@
 
 namespace control {
 
-// Splits a line into words at blanks. "..." makes one word, with \" and \\ for those characters;
-// '...' makes one word of everything inside. A # at the start of a word begins a comment. Empty
-// with one line in `problem` when a quote is not closed.
+// Splits a line into words at spaces and tabs. "..." is one word, in which \" and \\ stand for
+// those characters; '...' is one word without escapes. A # at the start of a word begins a comment.
+// If a quote is not closed, returns nothing and puts one line into `problem`.
 std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::string& problem);
 
-// The word as SplitWords would read it back: quoted when it must be.
+// The reverse of SplitWords: quotes a word where necessary.
 std::string QuoteWord(std::string_view word);
 std::string JoinWords(const std::vector<std::string>& words);
 
-// The text in one line, its line ends as blanks and none of those at its end.
+// Replaces line ends by spaces and removes those at the end.
 std::string OneLine(std::string text);
 
-// What a capital word of a command's pattern stands for.
+// What a word in capitals in a command's pattern stands for.
 struct Placeholder {
     std::string_view name;
     std::string_view allowed;  // "a number with ms, s or min, such as 500ms"
     bool (*accepts)(std::string_view word);
 };
 
-// Null when there is no placeholder of that name.
+// Returns null for an unknown name.
 const Placeholder* FindPlaceholder(std::string_view name);
 
-// "500ms", "1.5s", "3min", never negative.
+// "500ms", "1.5s", "3min"; not negative.
 std::optional<std::chrono::microseconds> ReadDuration(std::string_view word);
-// Decimal, or hexadecimal after 0x; the whole word.
+// Reads the whole word: decimal, or hexadecimal after 0x.
 std::optional<std::int64_t> ReadNumber(std::string_view word);
-// Decimal, with a point or not; the whole word.
+// Reads the whole word: decimal, with or without a point.
 std::optional<double> ReadDecimal(std::string_view word);
-// Pairs of hexadecimal digits, with blanks between them or not.
+// Pairs of hexadecimal digits, with or without spaces between them.
 std::optional<std::vector<std::uint8_t>> ReadBytes(std::string_view word);
 
-// What a command line gave: a value per placeholder, and which of its plain words it had. The
-// values were checked when the line was read, so reading them cannot fail.
+// What a line contained: a value for each placeholder, and its plain words. The values were checked
+// when the line was read, so access cannot fail.
 class Values {
   public:
-    // True when the line had that plain word ("out" of "card in|out").
+    // True if the line contained that plain word ("out" of "card in|out").
     bool Chose(std::string_view word) const { return words_.contains(word); }
 
     bool Has(std::string_view name) const { return values_.contains(name); }
-    // Empty text, 0 or nothing for what the line left out.
+    // For a placeholder that the line left out: an empty text, `otherwise`, or no bytes.
     std::string Text(std::string_view name) const;
     std::int64_t Number(std::string_view name, std::int64_t otherwise = 0) const;
     std::chrono::microseconds Duration(std::string_view name,
                                        std::chrono::microseconds otherwise = {}) const;
     std::vector<std::uint8_t> Bytes(std::string_view name) const;
 
-    // Makes relative paths (FILE, FOLDER) start from that folder.
+    // Makes relative paths (FILE, FOLDER) absolute, starting from `folder`.
     void ResolvePaths(const std::string& folder);
 
   private:

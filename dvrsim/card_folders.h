@@ -7,10 +7,11 @@
 
 namespace dvrsim {
 
-// What a DVR of the simulation's default firmware is updated to.
+// The version of the default update image, newer than the DVR's default firmware.
 inline constexpr char kNewVersion[] = "14.09.01.V1.02.03";
 
-// A folder that stands for a card, with an update image in it or empty; gone with the object.
+// A temporary folder that acts as a card, with an update image in it or empty. The destructor
+// removes it.
 class TemporaryCard {
   public:
     explicit TemporaryCard(const std::optional<std::string>& image_version = kNewVersion);
@@ -18,29 +19,29 @@ class TemporaryCard {
     TemporaryCard(const TemporaryCard&) = delete;
     TemporaryCard& operator=(const TemporaryCard&) = delete;
 
-    // Empty when the host has no room for it, or the version does not fit an image.
+    // Empty if the host could not create it, or if the version does not fit an image.
     const std::string& path() const { return path_; }
 
   private:
     std::string path_;
 };
 
-// The cards that lie ready beside a DVR, as folders of the host; those made here go with the box.
+// The cards that can be put into a DVR, as folders of the host. Removes those that it created.
 class CardFolders {
   public:
-    // `image_card` is the folder of the card with the update image; one is made when it is empty.
+    // `image_card` is the folder of the card with the update image; empty creates one.
     explicit CardFolders(std::string image_card = {}) : image_card_(std::move(image_card)) {}
 
     const std::string& ImageCard() { return image_card_.empty() ? Make(kNewVersion) : image_card_; }
 
-    // Each is a folder of the host, so whoever asks for ever more versions gets no more of them.
+    // Bounds the folders on the host.
     static constexpr std::size_t kMaxMade = 100;
     static constexpr char kNoSuchCard[] =
-        "there can be no such card; allowed are versions of 17 to 63 characters without blanks, "
-        "such as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room";
+        "the card cannot be made; allowed are versions of 17 to 63 characters without spaces, "
+        "such as 14.09.01.V1.02.03, 100 of them in all, if the host has room";
 
-    // A card whose update image has that version, or that holds none; made once. Empty when it
-    // cannot be made (TemporaryCard) or the box is full.
+    // Returns the folder of a card whose update image has that version, or of a card without an
+    // image; creates it at the first call. Empty if that fails (TemporaryCard) or at kMaxMade.
     const std::string& Make(const std::optional<std::string>& image_version) {
         static const std::string none;
         if (made_.size() == kMaxMade && !made_.contains(image_version))

@@ -195,7 +195,7 @@ void Dvr::Transmit(FrameType type, std::uint16_t code, std::span<const std::uint
 }
 
 microseconds Dvr::PickDelay(const DelayRange& range) {
-    // Not a distribution of the library: those may give other numbers elsewhere.
+    // The distributions of the standard library differ between implementations.
     const auto width = std::max<microseconds::rep>(0, (range.most - range.least).count());
     const auto offset = static_cast<microseconds::rep>(random_() % (width + 1));
     return std::max(range.least + microseconds(offset), microseconds(1));

@@ -18,10 +18,10 @@
 
 namespace dvrsim {
 
-// A dash camera at the other end of a serial line. It does nothing but react to these calls and to
-// the actions it has asked of its host, all on the host's one thread; the same seed and calls at
-// the same times give the same bytes at the same times. Off when made; its firmware version
-// outlives resets and power cycles.
+// A simulated dash camera at the end of a serial line. It only reacts to these calls and to its
+// host's timers, all on the host's thread. With the same seed, the same calls at the same times
+// give the same bytes at the same times. It starts without power; its firmware version survives
+// resets and power cycles.
 class Dvr {
   public:
     enum class State {
@@ -29,49 +29,51 @@ class Dvr {
         kBooting,
         kNormal,
         kUpdating,
-        kUpdateFinished,  // waits for the card to leave and for a reset
-        kUpdateFailed,    // the card was pulled, or a fault; only a reset helps
+        kUpdateFinished,  // waits for a reset without the card
+        kUpdateFailed,    // the card was removed, or a fault; waits for a reset
     };
 
     explicit Dvr(Host& host, Options options = {});
 
-    // On when on, off when off: nothing. A reset without power: nothing.
+    // Calls that change nothing, and a reset without power, are ignored.
     void PowerOn();
     void PowerOff();
     void Reset();
-    // The DVR says that it reboots, and resets itself. Nothing while its processor is not up.
+    // The DVR reports that it reboots and resets itself. Ignored while its processor is not up.
     void RebootItself();
 
-    // Bytes came in on the line, in any grouping. Lost while the processor is not up.
+    // Receives bytes from the line, in chunks of any size. Drops them while the processor is not
+    // up.
     void Receive(std::span<const std::uint8_t> bytes);
 
-    // A card whose content is the folder. False when a card is in already, or none to take out.
+    // Inserts a card with the content of the folder. Returns false if a card is in already.
     bool InsertCard(std::filesystem::path folder);
+    // Returns false if no card is in.
     bool RemoveCard();
 
-    // Reports that status now. One above kPlugIn also becomes the condition of the card that is in;
-    // kPlugOut and kPlugIn are reported as told, true or not, and nothing else follows from them.
+    // Reports that status now. A status above kPlugIn also becomes the condition of the card in the
+    // slot; kPlugOut and kPlugIn are only reported, true or not.
     void ReportCard(CardStatus status);
 
-    // Sends any other indication, which means nothing to the DVR itself. Throws std::length_error
-    // for a payload that fits no frame.
+    // Sends an indication without changing the DVR's state. Throws std::length_error if the payload
+    // is too long for a frame.
     void Indicate(std::uint16_t code, std::span<const std::uint8_t> payload);
 
     void SetFaults(const Faults& faults);
     const Faults& GetFaults() const { return faults_; }
-    // For what begins from now on; an update's next report begins anew.
+    // Affects delays that start from now on, including that before an update's next report.
     void SetTimings(const Timings& timings) { timings_ = timings; }
     const Timings& GetTimings() const { return timings_; }
-    // The firmware that is installed and runs, as if the DVR had left the factory with it.
+    // Sets both the installed and the running version.
     void SetFirmwareVersion(const std::string& version);
 
     State GetState() const { return state_; }
     RunningState GetRunningState() const { return running_state_; }
     Mode GetMode() const { return mode_; }
-    // Of the firmware that runs; a new one runs from the reset after its update.
+    // The running version. A reset starts the installed one.
     const std::string& FirmwareVersion() const { return running_version_; }
     const std::string& InstalledVersion() const { return installed_version_; }
-    // Last reported since the last reset, 0 when none was.
+    // The last reported percent since the last reset, or 0.
     int Percent() const { return percent_; }
     bool CardIn() const { return card_.In(); }
     const StorageCard& Card() const { return card_; }
@@ -136,12 +138,12 @@ class Dvr {
     Faults faults_;
     std::mt19937 random_;
 
-    // Survive a reset.
+    // Kept over a reset.
     std::string installed_version_;
     StorageCard card_;
     std::size_t damaged_frames_ = 0;
 
-    // Of the time since the last reset.
+    // Cleared by a reset, a power cycle or a boot.
     State state_ = State::kOff;
     RunningState running_state_ = RunningState::kInitializing;
     Mode mode_ = Mode::kVideo;
@@ -150,7 +152,7 @@ class Dvr {
     std::uint8_t percent_ = 0;
     bool jumped_back_ = false;
     bool processor_up_ = false;
-    std::optional<CardStatus> settled_card_;  // empty until the card subsystem is up
+    std::optional<CardStatus> settled_card_;  // empty until the card driver is up
     std::uint64_t card_settle_key_ = 0;
     std::uint64_t card_repeat_key_ = 0;
     bool record_wanted_ = true;

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-// What a small controller has memory for; requests beyond it are lost.
+// The memory of a small controller; it drops further requests.
 constexpr std::size_t kMaxPendingRequests = 32;
 
 std::vector<std::uint8_t> Bytes(std::string_view text) {
@@ -23,7 +23,7 @@ std::string TwoDigits(unsigned value) {
     return text.size() < 2 ? '0' + text : text;
 }
 
-// "20140901090000": the DVR's clock, which starts with the host's at that moment.
+// "20140901090000": the time of the DVR's clock, which shows that time at the host's start.
 std::string ClockText(microseconds since_start) {
     using namespace std::chrono;
     const sys_seconds start = sys_days{2014y / September / 1} + hours(9);
@@ -106,7 +106,7 @@ void Dvr::Accept(const Frame& frame) {
         return;
     }
     ++pending_requests_;
-    // One request after the other, as one processor works them off.
+    // One processor handles the requests one after the other.
     busy_until_ = std::max(busy_until_, host_.Now()) + PickSlowedDelay(timings_.latency);
     actions_.After(busy_until_ - host_.Now(), [this, frame] {
         --pending_requests_;
@@ -166,7 +166,7 @@ void Dvr::ExecuteOrder(Command command, std::span<const std::uint8_t> payload) {
 }
 
 void Dvr::Reboot() {
-    // Whatever else was under way stops here, a boot or an update included.
+    // Ends a boot or an update.
     actions_.CancelAll();
     pending_requests_ = 0;
     SetRunningState(RunningState::kRebooting);

@@ -13,7 +13,7 @@ void Dvr::StartUpdate(std::string image_version) {
 }
 
 void Dvr::BeginReports() {
-    // The card's own report comes after the first percent: before it, the unit would offer an
+    // The card is reported after the first percent. If it came before, the unit would offer an
     // update that is running already.
     Later(timings_.card_ready, &Dvr::BringCardUp);
     ReportNextPercent();
@@ -27,14 +27,14 @@ void Dvr::ReportNextPercent() {
     if (TriggersFaultAtPercent())
         return;
     if (percent_ == 100 && !faults_.stuck_at_percent) {
-        // The last percent, ever: a second 100 would start the unit's notice anew.
+        // No further report: a second 100 would restart the unit's notice.
         state_ = State::kUpdateFinished;
         installed_version_ = image_version_;
         return;
     }
     const std::chrono::microseconds interval = PickDelay(timings_.update) / 99;
-    const std::chrono::microseconds wobble = interval / 4;
-    After(PickDelay({interval - wobble, interval + wobble}), &Dvr::ReportNextPercent);
+    const std::chrono::microseconds variation = interval / 4;
+    After(PickDelay({interval - variation, interval + variation}), &Dvr::ReportNextPercent);
 }
 
 bool Dvr::TriggersFaultAtPercent() {

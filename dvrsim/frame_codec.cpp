@@ -31,7 +31,7 @@ std::uint16_t BigEndianAt(std::span<const std::uint8_t> bytes, std::size_t offse
 std::vector<std::uint8_t> EncodeFrame(FrameType type, std::uint16_t code,
                                       std::span<const std::uint8_t> payload) {
     if (payload.size() > kMaxPayloadBytes)
-        throw std::length_error("payload too long for a frame");
+        throw std::length_error("the payload is too long for a frame");
     std::vector<std::uint8_t> bytes;
     bytes.reserve(kHeaderBytes + payload.size() + kChecksumBytes);
     bytes.push_back(kSync1);
@@ -48,17 +48,17 @@ void FrameDecoder::Take(std::uint8_t byte) {
     pending_.push_back(byte);
     DropToNextSync(0);
     for (;;) {
-        switch (Judge()) {
-            case Verdict::kNeedMore:
+        switch (Check()) {
+            case Result::kNeedMore:
                 return;
-            case Verdict::kGood:
+            case Result::kGood:
                 finished_.push_back({pending_[2],
                                      BigEndianAt(pending_, 3),
                                      {pending_.begin() + kHeaderBytes,
                                       pending_.begin() + FrameLength() - kChecksumBytes}});
                 DropToNextSync(FrameLength());
                 break;
-            case Verdict::kDamaged:
+            case Result::kDamaged:
                 ++damaged_frames_;
                 DropToNextSync(1);
                 break;
@@ -85,17 +85,17 @@ void FrameDecoder::DropToNextSync(std::size_t at_least) {
     pending_.erase(pending_.begin(), start);
 }
 
-FrameDecoder::Verdict FrameDecoder::Judge() const {
+FrameDecoder::Result FrameDecoder::Check() const {
     if (pending_.size() < kHeaderBytes)
-        return Verdict::kNeedMore;
+        return Result::kNeedMore;
     if (BigEndianAt(pending_, 5) > kMaxPayloadBytes)
-        return Verdict::kDamaged;
+        return Result::kDamaged;
     const std::size_t length = FrameLength();
     if (pending_.size() < length)
-        return Verdict::kNeedMore;
+        return Result::kNeedMore;
     const std::size_t summed = length - kChecksumBytes;
     const bool matches = Sum(std::span(pending_).first(summed)) == BigEndianAt(pending_, summed);
-    return matches ? Verdict::kGood : Verdict::kDamaged;
+    return matches ? Result::kGood : Result::kDamaged;
 }
 
 std::size_t FrameDecoder::FrameLength() const {

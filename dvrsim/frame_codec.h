@@ -13,8 +13,8 @@ inline constexpr std::size_t kMaxPayloadBytes = 64;
 
 enum class FrameType : std::uint8_t {
     kRequest = 0x10,          // from the unit
-    kAcknowledgement = 0x20,  // the DVR answers a request
-    kIndication = 0x80,       // the DVR reports by itself
+    kAcknowledgement = 0x20,  // from the DVR, to a request
+    kIndication = 0x80,       // from the DVR, unrequested
 };
 
 struct Frame {
@@ -25,32 +25,31 @@ struct Frame {
     bool operator==(const Frame&) const = default;
 };
 
-// The frame's bytes in wire order. Throws std::length_error above kMaxPayloadBytes.
+// Returns the frame's bytes in wire order. Throws std::length_error above kMaxPayloadBytes.
 std::vector<std::uint8_t> EncodeFrame(FrameType type, std::uint16_t code,
                                       std::span<const std::uint8_t> payload);
 
-// Finds frames in a byte stream that may begin anywhere and be damaged anywhere. After damage it
-// looks again at the bytes that it had taken for the bad frame, so a good frame that begins among
-// them is not lost.
+// Finds frames in a byte stream that can start anywhere and be damaged anywhere. After a damaged
+// frame it searches the bytes of that frame again, so a good frame that begins among them is found.
 class FrameDecoder {
   public:
     void Take(std::uint8_t byte);
 
-    // The oldest finished frame not yet fetched. Fetch until empty after each byte: bytes read
-    // anew can finish several frames at once.
+    // Removes and returns the oldest finished frame. Call it after each byte until it returns
+    // nothing: the search after damage can finish several frames at once.
     std::optional<Frame> Next();
 
-    // Sync pairs followed by an impossible length or by a checksum that did not match.
+    // The number of sync pairs with an invalid length or a wrong checksum.
     std::size_t DamagedFrames() const { return damaged_frames_; }
 
   private:
-    enum class Verdict { kNeedMore, kGood, kDamaged };
+    enum class Result { kNeedMore, kGood, kDamaged };
 
     void DropToNextSync(std::size_t at_least);
-    Verdict Judge() const;
+    Result Check() const;
     std::size_t FrameLength() const;
 
-    std::vector<std::uint8_t> pending_;  // empty, or begins with a sync pair or its first half
+    std::vector<std::uint8_t> pending_;  // empty, or starts with a sync pair or its first byte
     std::deque<Frame> finished_;
     std::size_t damaged_frames_ = 0;
 };

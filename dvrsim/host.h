@@ -8,27 +8,26 @@
 
 namespace dvrsim {
 
-// Where a DVR lives: its clock and its serial line. The DVR calls it, and is called by it, on one
-// thread only.
+// The environment of a DVR: its clock, its timers and its serial line. The DVR calls it, and it
+// calls the DVR, on one thread only.
 class Host {
   public:
     virtual ~Host() = default;
 
-    // Time since some fixed start.
+    // Time since a fixed start.
     virtual std::chrono::microseconds Now() const = 0;
 
     // Runs `action` once, `delay` from now and never inside this call. The id is for Cancel().
     virtual std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action) = 0;
 
-    // An id whose action has run or was cancelled is let pass.
+    // Ignores an id whose action has run or was cancelled.
     virtual void Cancel(std::uint64_t id) = 0;
 
-    // The bytes leave on the line.
+    // Sends the bytes on the line.
     virtual void Transmit(std::span<const std::uint8_t> bytes) = 0;
 };
 
-// The actions that one owner has asked of the host and that have not run yet; all of them can be
-// called off at once, and are when the owner goes.
+// The pending actions of one owner at a Host. The destructor cancels them.
 class ScheduledActions {
   public:
     explicit ScheduledActions(Host& host) : host_(host) {}
@@ -36,9 +35,9 @@ class ScheduledActions {
     ScheduledActions(const ScheduledActions&) = delete;
     ScheduledActions& operator=(const ScheduledActions&) = delete;
 
-    // The key is for Cancel(), never 0.
+    // Returns the key for Cancel(); it is never 0.
     std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action);
-    // A key whose action has run or was cancelled is let pass.
+    // Ignores a key whose action has run or was cancelled.
     void Cancel(std::uint64_t key);
     void CancelAll();
 

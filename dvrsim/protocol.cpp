@@ -7,7 +7,7 @@
 namespace dvrsim {
 namespace {
 
-// From kFirstCommand on, without a gap.
+// In numerical order from kFirstCommand, without gaps.
 constexpr std::string_view kNames[] = {
     "DVR_RunningState",
     "DVR_Mode",

@@ -45,7 +45,7 @@ enum class Command : std::uint16_t {
 
 inline constexpr std::uint16_t kFirstCommand = 0x0010;
 inline constexpr std::uint16_t kLastCommand = 0x002E;
-// Set in a code: the frame asks for the item's value, or answers that question.
+// Set in a code: the frame queries the item's value, or acknowledges such a query.
 inline constexpr std::uint16_t kQueryBit = 0x8000;
 
 enum class RunningState : std::uint8_t {
@@ -68,14 +68,14 @@ enum class CardStatus : std::uint8_t {
 
 enum class Mode : std::uint8_t { kVideo = 0, kPhoto = 1, kPlay = 2 };
 
-// The protocol's name of a command ("StorageCardStatus"), its query form included; empty for a code
-// that is none.
+// The protocol's name of a command, with or without kQueryBit ("StorageCardStatus"); empty for an
+// unknown code.
 std::string_view CommandName(std::uint16_t code);
 
-// The command of that name, letters' case ignored.
+// The command of that name; ignores case.
 std::optional<Command> CommandNamed(std::string_view name);
 
-// The words for a value in commands and states, in the order of the values from 0 on.
+// The words for the values in commands and in the state, in numerical order from 0.
 inline constexpr std::string_view kRunningStateNames[] = {"initializing", "init-ok", "normal",
                                                           "rebooting", "shutting-down"};
 inline constexpr std::string_view kCardStatusNames[] = {
@@ -96,7 +96,7 @@ constexpr std::span<const std::string_view> NamesOf(Mode) {
     return kModeNames;
 }
 
-// "unknown" for a number that is no value.
+// "unknown" for a number that is not a value.
 template <class Value>
 constexpr std::string_view NameOf(Value value) {
     const auto names = NamesOf(value);

@@ -8,13 +8,13 @@ namespace dvrsim {
 namespace {
 
 constexpr std::string_view kMagic = "TOLVANE DVR IMAGE ";
-constexpr std::size_t kLeastVersion = 17;
-// With the percent before it, the version still fits a frame.
-constexpr std::size_t kMostVersion = 63;
+constexpr std::size_t kMinVersion = 17;
+// A frame holds the percent and the version.
+constexpr std::size_t kMaxVersion = 63;
 constexpr std::size_t kFirmwareBytes = 4096;
 
 bool IsVersion(std::string_view text) {
-    return text.size() >= kLeastVersion && text.size() <= kMostVersion &&
+    return text.size() >= kMinVersion && text.size() <= kMaxVersion &&
            std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
 }
 
@@ -23,7 +23,7 @@ std::optional<std::string> ReadVersion(const std::filesystem::path& file) {
     // Opening a pipe would wait for its writer.
     if (!std::filesystem::is_regular_file(file, error))
         return std::nullopt;
-    std::string head(kMagic.size() + kMostVersion + 1, '\0');
+    std::string head(kMagic.size() + kMaxVersion + 1, '\0');
     std::ifstream stream(file, std::ios::binary);
     stream.read(head.data(), static_cast<std::streamsize>(head.size()));
     head.resize(static_cast<std::size_t>(stream.gcount()));

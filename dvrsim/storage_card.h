@@ -9,23 +9,23 @@
 
 namespace dvrsim {
 
-// The names under which the DVR looks for an update image on its card, in this order.
+// The file names of an update image, in the order in which the DVR looks for them on its card.
 inline constexpr std::string_view kImageNames[] = {"gp_cardvr_upgrade.bin", "gp_card_upgrade.bin"};
 
-// An image begins with the line "TOLVANE DVR IMAGE <version>\n", whose version is 17 to 63
-// printable characters without blanks ("14.09.01.V1.02.03"); the rest is the firmware, which the
-// simulation does not look at.
+// An image begins with the line "TOLVANE DVR IMAGE <version>\n". The version is 17 to 63 printable
+// characters without spaces ("14.09.01.V1.02.03"). The rest is the firmware, which the simulation
+// ignores.
 
-// The version of the first image in the folder that can be read; empty when there is none. Files
-// of any other content, size or kind are passed over.
+// The version of the first valid image in the folder, if there is one. Ignores everything that is
+// not a valid image.
 std::optional<std::string> ReadImageVersion(const std::filesystem::path& folder);
 
-// Creates an image, replacing one of the same name. False when the version does not fit the format
-// or the file cannot be written.
+// Creates an image and replaces one of the same name. Returns false if the version does not fit the
+// format or the file cannot be written.
 bool WriteImage(const std::filesystem::path& folder, std::string_view version,
                 std::string_view name = kImageNames[0]);
 
-// The DVR's card slot: empty, or holding a folder of the host's disk as the card's content.
+// The DVR's card slot: empty, or with a folder of the host as the content of the card.
 class StorageCard {
   public:
     void Insert(std::filesystem::path folder) {
@@ -36,7 +36,7 @@ class StorageCard {
         folder_.reset();
         status_ = CardStatus::kPlugOut;
     }
-    // What is the matter with the card that is in; lasts until it is taken out.
+    // Sets the condition of the card in the slot until it is removed. An empty slot ignores it.
     void SetCondition(CardStatus condition) {
         if (folder_)
             status_ = condition;
@@ -44,10 +44,10 @@ class StorageCard {
 
     bool In() const { return folder_.has_value(); }
     CardStatus Status() const { return status_; }
-    // The card's content; empty when none is in.
+    // The folder of the card; empty if the slot is empty.
     std::filesystem::path Folder() const { return folder_.value_or(std::filesystem::path()); }
 
-    // The version of the update image on the card, when there is one that can be read.
+    // The version of the update image, if there is one and the card is readable.
     std::optional<std::string> ImageVersion() const {
         if (!folder_ || status_ == CardStatus::kBroken || status_ == CardStatus::kFormatting)
             return std::nullopt;

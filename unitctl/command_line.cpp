@@ -1,35 +1,35 @@
 #include "unitctl/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 
 #include "control/local_socket.h"
 #include "control/socket_client.h"
+#include "control/words.h"
 
 namespace unitctl {
 namespace {
 
 constexpr char kDescription[] =
-    "Drives the unit that `tolvane` runs: what hands do in the car, and what the unit's other\n"
-    "applications do.";
+    "Controls the unit that `tolvane` runs: sends it what the operator and the unit's other\n"
+    "applications can do.";
 
 constexpr char kFooter[] =
-    R"(A command is one of those that the running unit lists:
+    R"(The running unit lists all commands. The most common ones:
 
-  unitctl help                 all of them, with what they do
+  unitctl help                 lists all commands
   unitctl tap Next             touches the button with that caption
-  unitctl card in FOLDER       puts in an SD card that holds what the folder holds
-  unitctl power off            takes external power away
-  unitctl request suspend      asks all applications, waits for the acknowledgement
-  unitctl screenshot FILE.png  writes what the screen shows
-  unitctl state                tells everything, as JSON
-  unitctl watch                tells every frame and broadcast until Ctrl-C; also: watch all
-  unitctl run FILE             follows a scenario on the running unit; - is standard input
+  unitctl card in FOLDER       inserts an SD card with the content of the folder
+  unitctl power off            disconnects external power
+  unitctl request suspend      sends the request and waits for the acknowledgement
+  unitctl screenshot FILE.png  writes a picture of the screen
+  unitctl state                prints the state of the unit as JSON
+  unitctl watch                prints frames and broadcasts until Ctrl-C; also: watch all
+  unitctl run FILE             runs a scenario on the running unit; - is standard input
 
-Ends with 0 when the command was done, 1 when it was refused or failed, 2 after wrong usage,
-3 when no unit is running.
+The exit status is 0 if the command was done, 1 if it was refused or failed, 2 after wrong usage,
+3 if no unit is running.
 )";
 
 class Help : public CLI::Formatter {
@@ -38,10 +38,8 @@ class Help : public CLI::Formatter {
     }
 };
 
-int Refuse(const std::string& problem) {
-    std::string line = problem;
-    std::ranges::replace(line, '\n', ' ');
-    std::fprintf(stderr, "unitctl: %s\n", line.c_str());
+int ReportWrongUsage(const std::string& problem) {
+    std::fprintf(stderr, "unitctl: %s\n", control::OneLine(problem).c_str());
     return control::kExitWrongUsage;
 }
 
@@ -54,9 +52,9 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     app.footer(kFooter);
     app.formatter(std::make_shared<Help>());
     app.set_help_flag("-h,--help", "Show this help and end");
-    app.add_option("--unit", command_line.unit, "The unit to drive, as its --unit named it")
+    app.add_option("--unit", command_line.unit, "The unit's name, as given to its --unit")
         ->type_name("NAME");
-    // The command's own words are the unit's business.
+    // The words of the command are for the unit.
     app.prefix_command();
     try {
         app.parse(count, arguments);
@@ -65,20 +63,21 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         exit_status = control::kExitDone;
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        exit_status = Refuse(error.what());
+        exit_status = ReportWrongUsage(error.what());
         return std::nullopt;
     }
     command_line.words = app.remaining();
     if (!control::IsSocketName(command_line.unit)) {
-        exit_status = Refuse("--unit: '" + command_line.unit + "' is not allowed; allowed are " +
+        exit_status =
+            ReportWrongUsage("--unit: '" + command_line.unit + "' is not allowed; allowed are " +
                              std::string(control::kSocketNameAllowed));
         return std::nullopt;
     }
     if (command_line.words.empty() || command_line.words.front().starts_with('-')) {
-        exit_status = Refuse((command_line.words.empty()
-                                  ? "a command is missing"
-                                  : "'" + command_line.words.front() + "' is not allowed") +
-                             std::string("; unitctl --help tells what there is"));
+        exit_status = ReportWrongUsage(
+            (command_line.words.empty() ? "a command is missing"
+                                        : "'" + command_line.words.front() + "' is not allowed") +
+            std::string("; unitctl --help lists the usage"));
         return std::nullopt;
     }
     return command_line;

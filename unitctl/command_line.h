@@ -11,8 +11,8 @@ struct CommandLine {
     std::vector<std::string> words;  // of the command; at least one
 };
 
-// Reads the command line. On --help and on wrong usage it has printed what is to be said and sets
-// `exit_status` (0 and 2).
+// Reads the command line. For --help and wrong usage it prints the text, sets `exit_status` (0 or
+// 2) and returns nothing.
 std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
                                            int& exit_status);
 

@@ -15,14 +15,14 @@ using namespace std::chrono_literals;
 using control::Request;
 
 constexpr auto kConnectLimit = 5s;
-// What the unit does at once, it does long before.
-constexpr auto kAnswerLimit = 60s;
+// For commands that the unit executes at once.
+constexpr auto kReplyLimit = 60s;
 
-void Say(const std::string& line) {
+void PrintError(const std::string& line) {
     std::fprintf(stderr, "unitctl: %s\n", line.c_str());
 }
 
-// Reads the whole scenario; false with one line in `problem`.
+// Reads the whole scenario. Returns false, with one line in `problem`, on failure.
 bool ReadText(const std::string& file, std::string& text, std::string& problem) {
     const bool standard_input = file == "-";
     errno = 0;
@@ -52,7 +52,7 @@ int Run(const unitctl::CommandLine& command_line) {
     request.folder = std::filesystem::current_path(ignored);
     if (words.front() == "run" && words.size() == 2) {
         if (!ReadText(words[1], request.text, problem)) {
-            Say(problem);
+            PrintError(problem);
             return control::kExitWrongUsage;
         }
         if (words[1] == "-")
@@ -60,7 +60,7 @@ int Run(const unitctl::CommandLine& command_line) {
     }
     request.line = control::JoinWords(words);
     if (!control::IsPlainText(request.line) || request.line.size() > control::kMaxLine) {
-        Say("the command is not plain UTF-8 text, or too long");
+        PrintError("the command is not plain UTF-8 text or is too long");
         return control::kExitWrongUsage;
     }
 
@@ -68,16 +68,17 @@ int Run(const unitctl::CommandLine& command_line) {
     auto client =
         control::SocketClient::Connect(command_line.unit, kConnectLimit, not_running, problem);
     if (!client) {
-        Say(not_running
+        PrintError(
+            not_running
                 ? "no unit is running" +
                       (command_line.unit == "unit" ? "" : " as '" + command_line.unit + "'") +
                       "; start one with: tolvane"
                 : problem);
         return control::kExitNotRunning;
     }
-    const bool lasts = words.front() == "watch" || words.front() == "run";
+    const bool unlimited = words.front() == "watch" || words.front() == "run";
     return control::PrintReply(*client, request, "unitctl",
-                               lasts ? control::SocketClient::Limit() : kAnswerLimit, stdout,
+                               unlimited ? control::SocketClient::Limit() : kReplyLimit, stdout,
                                stderr);
 }
 

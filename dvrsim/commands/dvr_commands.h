@@ -10,13 +10,13 @@ namespace dvrsim {
 
 using DvrTable = control::CommandTable<Dvr>;
 
-// What can be done to a simulated DVR by itself: its power, firmware, reports and faults. What goes
-// through something else, its reset wire, card slot and line, is for whoever has that.
+// The commands of a simulated DVR alone: its power, firmware, indications and faults. The commands
+// for its reset wire, card slot and line belong to the program that has those.
 std::vector<DvrTable::Row> DvrRows();
 std::vector<DvrTable::Row> DvrFaultRows();
 
-// The same commands for something that has a DVR: `reach(target)` is a pointer to it, null when
-// there is none, which refuses the command with `none`.
+// The same commands for a target that has a DVR. `reach(target)` returns a pointer to it, or null,
+// which refuses the command with `none`.
 template <class Target, class Reach>
 std::vector<typename control::CommandTable<Target>::Row> RowsFor(std::vector<DvrTable::Row> rows,
                                                                  Reach reach,

@@ -6,7 +6,7 @@
 
 namespace dvrsim {
 
-// Everything about the DVR, for a dump: members in a fixed order, texts that are no UTF-8 made so.
+// The complete state of the DVR. Dump it with an error handler: a version can be invalid UTF-8.
 nlohmann::ordered_json StateOf(const Dvr& dvr);
 
 }  // namespace dvrsim

@@ -15,15 +15,16 @@ constexpr double kSlowest = 0.1;
 constexpr double kFastest = 1000;
 
 constexpr char kDescription[] =
-    "A simulated DVR (dash camera) at the end of a serial line, for the wizard to talk to.\n"
-    "Without DEVICE it makes a pseudo-terminal and prints its path; start the wizard with\n"
+    "A simulated DVR (dash camera) at the end of a serial line.\n"
+    "Without DEVICE it creates a pseudo-terminal and prints its path. Start the wizard with\n"
     "\n"
     "    dvrsim --link /tmp/dvr\n"
     "    tolvane --com9 /tmp/dvr --reset-command 'dvrsim --send reset'\n"
     "\n"
-    "It follows commands, one a line, on its standard input and from dvrsim --send: power on|off,\n"
+    "It executes commands from its standard input, one per line, and from dvrsim --send: power "
+    "on|off,\n"
     "reset, card in, card out, fault silent on, state, quit; help lists all of them.\n"
-    "It ends with quit, Ctrl-C or SIGTERM.";
+    "It ends on quit, Ctrl-C or SIGTERM.";
 
 std::string CheckName(const std::string& name) {
     return control::IsSocketName(name) ? std::string()
@@ -46,40 +47,38 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     bool off = false;
     CLI::App app(kDescription, "dvrsim");
     app.set_help_flag("-h,--help", "Show this help and end");
-    CLI::Option* const device =
-        app.add_option("DEVICE", line.device,
-                       "Serial device to be the DVR on, such as /dev/ttyUSB0 (460800 baud, 8N1)");
+    CLI::Option* const device = app.add_option(
+        "DEVICE", line.device, "Serial device to use, such as /dev/ttyUSB0 (460800 baud, 8N1)");
     device->type_name(" ");
-    app.add_option("--link", line.link, "Make a symlink to the pseudo-terminal, for a fixed path")
+    app.add_option("--link", line.link, "Create a symlink to the pseudo-terminal, for a fixed path")
         ->excludes(device)
         ->type_name("PATH");
     app.add_option("--name", line.name,
-                   "Name of this DVR's control socket, for several side by side (default dvrsim)")
+                   "Name of the control socket, to run several DVRs (default dvrsim)")
         ->check(CheckName)
         ->type_name("NAME");
     CLI::Option* const send_option =
         app.add_option("--send", send,
-                       "Send a command to the dvrsim that runs already, print its answer and end: "
-                       "0 when it was done, 1 when refused, 3 when none runs")
+                       "Send a command to the running dvrsim, print its reply and end: 0 if it was "
+                       "done, 1 if refused, 3 if none is running")
             ->excludes(device)
             ->type_name("COMMAND");
     app.add_option("--card", line.process.image_card,
-                   "Folder that \"card in\" puts in; without it one with an update image is made")
+                   "Folder that \"card in\" inserts (default: a new one with an update image)")
         ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
         ->type_name("FOLDER");
-    app.add_option("--firmware", line.process.dvr.firmware_version,
-                   "Version of the firmware that is installed at the start")
+    app.add_option("--firmware", line.process.dvr.firmware_version, "Firmware version at the start")
         ->check(CheckVersion)
         ->type_name("VERSION");
     app.add_option("--speed", line.process.speed, "Run N times as fast as the clock, 0.1 to 1000")
         ->check(CLI::Range(kSlowest, kFastest).description(""))
         ->type_name("N");
     app.add_option("--seed", line.process.dvr.seed,
-                   "Number that the simulation's chances come from (default 1)")
+                   "Seed of the simulation's random numbers (default 1)")
         ->type_name("N");
-    app.add_flag("--off", off, "Begin without power");
+    app.add_flag("--off", off, "Start without power");
     app.add_flag("-v,--verbose", line.process.verbose,
-                 "Print every frame and every state with the simulation's time");
+                 "Print every frame and every state, with the time of the simulation");
     try {
         app.parse(count, arguments);
     } catch (const CLI::CallForHelp&) {

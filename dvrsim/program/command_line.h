@@ -7,19 +7,19 @@
 
 namespace dvrsim {
 
-// What the command line asks for.
+// The options of the command line.
 struct CommandLine {
     DvrProcess::Options process;
-    // A serial device; a pseudo-terminal is made when it is empty.
+    // A serial device; empty creates a pseudo-terminal.
     std::string device;
     std::string link;
     std::string name = "dvrsim";
-    // A command for a dvrsim that runs already.
+    // A command for the dvrsim that is running.
     std::optional<std::string> send;
 };
 
-// Reads the command line. On --help and on a wrong option or value it has printed what is to be
-// said and sets `exit_status` (0 and 2).
+// Reads the command line. For --help and wrong usage it prints the text, sets `exit_status` (0 or
+// 2) and returns nothing.
 std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
                                            int& exit_status);
 

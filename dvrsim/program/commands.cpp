@@ -90,9 +90,8 @@ Outcome Quit(Context& context, const Values&) {
     return Done();
 }
 
-// The commands of the DVR's folder are told from others by the word "dvr", which goes without
-// saying here.
-std::vector<ProgramTable::Row> OwnWords(std::vector<ProgramTable::Row> rows) {
+// The DVR's own commands start with "dvr", which distinguishes them in a unit. Here it is optional.
+std::vector<ProgramTable::Row> MakeDvrOptional(std::vector<ProgramTable::Row> rows) {
     static std::deque<std::string> patterns;
     constexpr std::string_view kWord = "dvr ";
     for (ProgramTable::Row& row : rows) {
@@ -107,24 +106,24 @@ std::vector<ProgramTable::Row> OwnWords(std::vector<ProgramTable::Row> rows) {
 std::vector<ProgramTable::Row> Rows() {
     const auto dvr = [](Context& context) { return &context.dvr; };
     std::vector<ProgramTable::Row> rows = {
-        {"dvr reset", "Resets the DVR, as its reset wire does.", Reset},
-        {"card in [FOLDER]", "Puts the SD card in: that folder, or the card with the update image.",
+        {"dvr reset", "Resets the DVR, as the reset wire does.", Reset},
+        {"card in [FOLDER]", "Inserts the SD card: that folder, or the card with the update image.",
          CardIn},
-        {"card with image VERSION", "Puts in a card whose update image has that version.",
+        {"card with image VERSION", "Inserts a card with an update image of that version.",
          CardWithImage},
-        {"card without image", "Puts in a card that holds no update image.", CardWithoutImage},
-        {"card out", "Takes the SD card out.", CardOut},
-        {"line unplug|plug", "Pulls the DVR's serial plug, or puts it back.", Plug},
+        {"card without image", "Inserts a card without an update image.", CardWithoutImage},
+        {"card out", "Removes the SD card.", CardOut},
+        {"line unplug|plug", "Unplugs the DVR from the line, or plugs it in again.", Plug},
     };
     std::ranges::move(RowsFor<Context>(DvrRows(), dvr, ""), std::back_inserter(rows));
     std::ranges::move(RowsFor<Context>(DvrFaultRows(), dvr, ""), std::back_inserter(rows));
     const std::vector<ProgramTable::Row> last = {
-        {"state", "Prints everything about the DVR and its line as JSON.", State},
+        {"state", "Prints the state of the DVR and its line as JSON.", State},
         {"help", "Lists the commands.", Help},
         {"quit", "Ends the program.", Quit},
     };
     std::ranges::copy(last, std::back_inserter(rows));
-    return OwnWords(std::move(rows));
+    return MakeDvrOptional(std::move(rows));
 }
 
 }  // namespace

@@ -10,20 +10,20 @@
 
 namespace dvrsim {
 
-// What the commands of the program act on.
+// What the handler of a command is given.
 struct Context {
     Dvr& dvr;
     const HostTimers& timers;
     LineEnd& line;
     CardFolders& cards;
-    // The plug between the DVR and the line.
+    // False while the DVR is unplugged from the line.
     bool plugged = true;
     bool quit = false;
 };
 
 using ProgramTable = control::CommandTable<Context>;
 
-// Everything that the program follows, on its standard input and its control socket.
+// The commands of standard input and the control socket.
 const ProgramTable& ProgramCommands();
 
 }  // namespace dvrsim

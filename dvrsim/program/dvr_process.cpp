@@ -18,17 +18,17 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-// A line of standard input that is longer is no command of ours.
-constexpr std::size_t kLongestInput = control::kMaxLine;
+// A longer line of standard input is not a command.
+constexpr std::size_t kMaxInput = control::kMaxLine;
 
-// Taken from the signals' usual way, to be read in the loop.
-control::Descriptor TakeEndSignals() {
+// Blocks the signals that end the program; the loop reads them from the descriptor.
+control::Descriptor OpenEndSignals() {
     sigset_t set;
     sigemptyset(&set);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&set, signal);
     sigprocmask(SIG_BLOCK, &set, nullptr);
-    // A reader that leaves, and a terminal that is another job's, are no reason to end.
+    // A closed output, or a terminal that belongs to another job, must not end the program.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGTTIN, SIG_IGN);
     return control::Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
@@ -85,7 +85,7 @@ DvrProcess::DvrProcess(const Options& options, std::unique_ptr<LineEnd> line,
                        id, ProgramCommands().Execute(context_, request.line, request.folder));
                },
                [](control::SocketServer::ClientId) {}}),
-      signals_(TakeEndSignals()) {
+      signals_(OpenEndSignals()) {
     if (options.power_on)
         dvr_.PowerOn();
 }
@@ -141,7 +141,7 @@ void DvrProcess::ReadInput() {
     if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return;
     if (count <= 0) {
-        // What is left of the input may lack its end of line.
+        // The last line can lack its line end.
         input_open_ = false;
         input_ += '\n';
     } else {
@@ -153,9 +153,9 @@ void DvrProcess::ReadInput() {
         if (!std::exchange(skipping_, false))
             ExecuteInput(line);
     }
-    if (input_.size() > kLongestInput && !std::exchange(skipping_, true)) {
+    if (input_.size() > kMaxInput && !std::exchange(skipping_, true)) {
         std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
-                     kLongestInput);
+                     kMaxInput);
     }
     if (skipping_)
         input_.clear();

@@ -12,23 +12,22 @@
 
 namespace dvrsim {
 
-// A DVR as a process: one loop that waits for its line, its commands, its timers and the signals
-// that end it.
+// The main loop of dvrsim: waits for the line, commands, timers and the signals that end it.
 class DvrProcess final : private Host {
   public:
     struct Options {
         dvrsim::Options dvr;
         double speed = 1;
         bool power_on = true;
-        // Prints every frame, and every state that the DVR comes to, with the simulation's time.
+        // Prints every frame and every new state with the simulation's time.
         bool verbose = false;
-        // The folder of "card in"; one with an update image is made when it is empty.
+        // The folder of "card in"; empty creates one with an update image.
         std::string image_card;
     };
 
     DvrProcess(const Options& options, std::unique_ptr<LineEnd> line, control::SocketClaim claim);
 
-    // Until quit is asked for, or SIGINT, SIGTERM or SIGHUP comes.
+    // Returns on the command quit, SIGINT, SIGTERM or SIGHUP.
     void Run();
 
   private:
@@ -57,7 +56,7 @@ class DvrProcess final : private Host {
     const control::Descriptor signals_;
     bool input_open_ = true;
     std::string input_;
-    bool skipping_ = false;  // the rest of a line that is too long
+    bool skipping_ = false;  // dropping the rest of a line that is too long
     FrameDecoder received_;
     FrameDecoder sent_;
     Dvr::State printed_state_ = Dvr::State::kOff;

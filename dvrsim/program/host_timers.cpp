@@ -29,7 +29,7 @@ void HostTimers::Cancel(std::uint64_t id) {
 }
 
 void HostTimers::RunDue() {
-    // What an action adds waits for the next call, so that this one ends.
+    // Actions that are added meanwhile wait for the next call, so that this one ends.
     const microseconds now = Now();
     while (!due_.empty() && due_.begin()->first.first <= now) {
         auto entry = due_.extract(due_.begin());

@@ -9,19 +9,19 @@
 
 namespace dvrsim {
 
-// Time and actions to come, N times as fast as the host's clock. One thread.
+// A clock that runs `speed` times as fast as the host's, and its timers. For use by one thread.
 class HostTimers {
   public:
     explicit HostTimers(double speed) : speed_(speed) {}
 
-    // Since the start, in the simulation's time.
+    // Simulated time since the start.
     std::chrono::microseconds Now() const;
     std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action);
     void Cancel(std::uint64_t id);
 
-    // Runs the actions whose time has come, in its order.
+    // Runs the actions that are due, in order of time.
     void RunDue();
-    // The host's time until the next action is due; empty when there is none.
+    // Host time until the next action is due; nothing if there is none.
     std::optional<std::chrono::nanoseconds> UntilNext() const;
 
   private:

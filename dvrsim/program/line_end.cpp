@@ -13,7 +13,7 @@ namespace {
 
 using control::Descriptor;
 
-// How often to look whether somebody has opened the other end: the host does not tell.
+// The host does not notify when the other end is opened.
 constexpr auto kOpenPollInterval = std::chrono::milliseconds(20);
 
 class PseudoTerminal final : public LineEnd {
@@ -58,7 +58,7 @@ class PseudoTerminal final : public LineEnd {
 
 constexpr serial::Settings kSettings{.baud = 460800};
 
-// 0 or the error's number, with one line in `problem`.
+// Returns 0 or an error number, with one line in `problem`.
 int OpenTty(serial::Tty& tty, const std::string& path, std::string& problem) {
     int error = tty.Open(path, problem);
     if (error == 0)

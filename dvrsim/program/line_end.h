@@ -12,37 +12,37 @@
 
 namespace dvrsim {
 
-// The DVR's end of a serial line. It never blocks and has no thread: whoever owns it waits for its
-// descriptor, or for the time it asks for, and calls HandleReady.
+// The DVR's end of a serial line. It never blocks and has no thread: its owner waits for its
+// descriptor, or for PollInterval(), and calls HandleReady.
 class LineEnd {
   public:
-    // Hears what came in on the line.
+    // Called with received bytes.
     using Receiver = std::function<void(std::span<const std::uint8_t>)>;
-    // Hears in one line what happened to the line itself.
+    // Called with one line of text when the device disappears or is back.
     using StatusHandler = std::function<void(const std::string&)>;
 
     virtual ~LineEnd() = default;
 
-    // What the other end opens, or what was opened here.
+    // The path that the other end opens, or that of the device.
     virtual const std::string& path() const = 0;
-    // -1 while there is nothing to wait for but time.
+    // -1 while only PollInterval() is to be waited for.
     virtual int descriptor() const = 0;
-    // Of the host's time, until HandleReady is to be called all the same.
+    // Host time after which HandleReady must be called in any case.
     virtual std::optional<std::chrono::milliseconds> PollInterval() const = 0;
     virtual void HandleReady(const Receiver& receive) = 0;
-    // What the line cannot take is lost, as on one that nobody reads.
+    // Drops the bytes that the line cannot accept.
     virtual void Send(std::span<const std::uint8_t> bytes) = 0;
-    // Whether the other end is there, as far as it can be known.
+    // Whether the other end is connected, as far as the host knows.
     virtual bool Connected() const = 0;
-    // False while they cannot be read.
+    // Returns false if they cannot be read.
     virtual bool ReadSettings(serial::Settings& settings) const = 0;
 };
 
-// A new pseudo-terminal; null with one line in `problem`.
+// Creates a pseudo-terminal. Returns null, with one line in `problem`, on failure.
 std::unique_ptr<LineEnd> MakePseudoTerminal(std::string& problem);
 
-// A serial device at 460800 baud, 8N1, raw; null with one line in `problem`. One that goes away is
-// looked for until it is back; `report` hears of both.
+// Opens a serial device at 460800 baud, 8N1, raw. Returns null, with one line in `problem`, on
+// failure. If the device disappears later, tries to open it again; `report` gets both events.
 std::unique_ptr<LineEnd> OpenDevice(const std::string& path, LineEnd::StatusHandler report,
                                     std::string& problem);
 

@@ -12,14 +12,13 @@ namespace {
 using namespace dvrsim;
 namespace fs = std::filesystem;
 
-constexpr auto kAnswerLimit = std::chrono::seconds(5);
+constexpr auto kReplyLimit = std::chrono::seconds(5);
 
-void Say(const std::string& line) {
+void PrintError(const std::string& line) {
     std::fprintf(stderr, "dvrsim: %s\n", line.c_str());
 }
 
-// A symlink at a path that stays the same from run to run; gone with the object, if it still is
-// this one.
+// A symlink at a fixed path. The destructor removes it, unless another one has replaced it.
 class PathLink {
   public:
     PathLink() = default;
@@ -27,8 +26,8 @@ class PathLink {
     PathLink& operator=(const PathLink&) = delete;
     ~PathLink();
 
-    // Replaces a symlink that is there. False with one line in `problem` when anything else is, or
-    // the link cannot be made. Once.
+    // Replaces an existing symlink. Returns false, with one line in `problem`, if something else is
+    // at the path or the link cannot be created.
     bool Make(const std::string& path, const std::string& target, std::string& problem);
 
   private:
@@ -40,14 +39,14 @@ bool PathLink::Make(const std::string& path, const std::string& target, std::str
     std::error_code error;
     const fs::file_status status = fs::symlink_status(path, error);
     if (fs::exists(status) && !fs::is_symlink(status)) {
-        problem = path + ": something other than a symlink is there; give --link another path";
+        problem = path + " exists and is not a symlink; give --link another path";
         return false;
     }
     if (fs::is_symlink(status))
         fs::remove(path, error);
     fs::create_symlink(target, path, error);
     if (error) {
-        problem = path + ": cannot make the symlink: " + error.message();
+        problem = path + ": cannot create the symlink: " + error.message();
         return false;
     }
     path_ = path;
@@ -64,14 +63,14 @@ PathLink::~PathLink() {
 int Send(const std::string& name, const std::string& command) {
     bool not_running = false;
     std::string problem;
-    auto client = control::SocketClient::Connect(name, kAnswerLimit, not_running, problem);
+    auto client = control::SocketClient::Connect(name, kReplyLimit, not_running, problem);
     if (!client) {
-        Say(not_running ? "no dvrsim named " + name + " is running" : problem);
+        PrintError(not_running ? "no dvrsim named " + name + " is running" : problem);
         return control::kExitNotRunning;
     }
     std::error_code ignored;
     const control::Request request{.line = command, .folder = fs::current_path(ignored).string()};
-    return control::PrintReply(*client, request, "dvrsim", kAnswerLimit, stdout, stderr);
+    return control::PrintReply(*client, request, "dvrsim", kReplyLimit, stdout, stderr);
 }
 
 int Run(const CommandLine& command_line) {
@@ -79,22 +78,22 @@ int Run(const CommandLine& command_line) {
     std::string problem;
     auto claim = control::SocketClaim::Make(command_line.name, taken, problem);
     if (!claim) {
-        Say(taken ? "a dvrsim named " + command_line.name +
-                        " is running already; give this one another --name"
-                  : problem);
+        PrintError(taken ? "a dvrsim named " + command_line.name +
+                               " is running already; give this one another --name"
+                         : problem);
         return EXIT_FAILURE;
     }
     auto line = command_line.device.empty() ? MakePseudoTerminal(problem)
-                                            : OpenDevice(command_line.device, Say, problem);
+                                            : OpenDevice(command_line.device, PrintError, problem);
     if (!line) {
-        Say(problem);
+        PrintError(problem);
         return EXIT_FAILURE;
     }
     const std::string path = line->path();
     DvrProcess process(command_line.process, std::move(line), *std::move(claim));
     PathLink link;
     if (!command_line.link.empty() && !link.Make(command_line.link, path, problem)) {
-        Say(problem);
+        PrintError(problem);
         return EXIT_FAILURE;
     }
     std::printf("%s\n", path.c_str());

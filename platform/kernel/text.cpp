@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "control/utf8.h"
+
 namespace platform::kernel {
 namespace {
 
@@ -11,29 +13,17 @@ bool IsScalar(std::uint32_t code) {
     return code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
-// Takes one code point off the front of `text`; malformed bytes give the replacement, one a byte.
+// Removes one code point from the front of `text`; each malformed byte gives the replacement.
 wchar_t TakeUtf8(std::string_view& text) {
-    const auto byte = [&](std::size_t index) {
-        return static_cast<std::uint32_t>(static_cast<unsigned char>(text[index]));
-    };
-    const std::uint32_t lead = byte(0);
-    const std::size_t length = lead < 0x80   ? 1
-                               : lead < 0xC2 ? 0
-                               : lead < 0xE0 ? 2
-                               : lead < 0xF0 ? 3
-                               : lead < 0xF5 ? 4
-                                             : 0;
-    constexpr std::uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    std::uint32_t code = length < 2 ? lead : lead & (0x7FU >> length);
-    bool valid = length != 0 && length <= text.size();
-    for (std::size_t index = 1; valid && index < length; ++index) {
-        valid = (byte(index) & 0xC0) == 0x80;
-        code = (code << 6) | (byte(index) & 0x3F);
-    }
-    if (!valid || code < kSmallest[length] || !IsScalar(code)) {
+    const std::size_t length = control::Utf8Length(text);
+    if (length == 0) {
         text.remove_prefix(1);
         return kReplacement;
     }
+    const auto byte = [&](std::size_t index) { return static_cast<std::uint8_t>(text[index]); };
+    std::uint32_t code = length == 1 ? byte(0) : byte(0) & (0x7FU >> length);
+    for (std::size_t index = 1; index < length; ++index)
+        code = (code << 6) | (byte(index) & 0x3F);
     text.remove_prefix(length);
     return static_cast<wchar_t>(code);
 }

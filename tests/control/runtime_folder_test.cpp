@@ -54,7 +54,7 @@ TEST_F(Runtime, UnsafeFoldersAreRefused) {
     for (const int mode : {0750, 0701, 0777}) {
         fs::permissions(folder_, fs::perms(mode));
         EXPECT_EQ(Problem(),
-                  "the folder is open to other users; it must have the permissions 0700");
+                  "other users can access the folder; it must have the permissions 0700");
     }
     fs::permissions(folder_, fs::perms::owner_all);
     if (geteuid() == 0) {
@@ -111,7 +111,7 @@ TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
 
 TEST(SocketName, AllowsWordsAndNoPaths) {
     const std::string longest(32, 'a');
-    EXPECT_TRUE(IsSocketName("Bench-2_b") && IsSocketName(longest));
+    EXPECT_TRUE(IsSocketName("Unit-2_b") && IsSocketName(longest));
     EXPECT_FALSE(IsSocketName(longest + "a"));
     for (const char* name : {"", ".", "..", "a/b", "a b", "a.b", "\xC3\xA4", "a\n"})
         EXPECT_FALSE(IsSocketName(name)) << name;

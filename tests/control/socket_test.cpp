@@ -206,7 +206,7 @@ TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
         ASSERT_LT(waiting.size(), 1000U);
     }
     EXPECT_FALSE(not_running_);
-    EXPECT_TRUE(problem_.ends_with("no answer")) << problem_;
+    EXPECT_TRUE(problem_.ends_with("no reply")) << problem_;
     server_.reset();
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
     EXPECT_FALSE(Connect("unit", 1s));

@@ -102,8 +102,8 @@ TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
     EXPECT_TRUE(Reaches("normal"));
     EXPECT_EQ(
         Send("card with image 1.2", 1),
-        "dvrsim: there can be no such card; allowed are versions of 17 to 63 characters without "
-        "blanks, such as 14.09.01.V1.02.03, 100 of them in all, as far as the host has room\n");
+        "dvrsim: the card cannot be made; allowed are versions of 17 to 63 characters without "
+        "spaces, such as 14.09.01.V1.02.03, 100 of them in all, if the host has room\n");
     Send("card with image 15.01.01.V2.00.00");
     EXPECT_EQ(Send("card in", 1), "dvrsim: a card is in already; take it out first\n");
     Send("fault fail-at 57");
@@ -176,7 +176,7 @@ TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
     Send("reset");
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
     EXPECT_EQ(End(dvr, SIGINT), 0);
-    EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device went away\n" +
+    EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device disappeared\n" +
                                    "dvrsim: " + Path("tty") + ": the serial device is back\n");
     close(cable);
     close(device);

@@ -173,7 +173,7 @@ TEST_F(Unitctl, AnUnsafeRuntimeFolderCostsTheSocketAlone) {
     EXPECT_EQ(End(StartAndWait()), 0);
     EXPECT_EQ(Read("unit-err"),
               "tolvane: no control socket: " + Path("tolvane") +
-                  ": the folder is open to other users; it must have the permissions 0700\n");
+                  ": other users can access the folder; it must have the permissions 0700\n");
 }
 
 }  // namespace

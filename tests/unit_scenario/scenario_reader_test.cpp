@@ -34,7 +34,7 @@ TEST(ReadScenario, RefusesAWrongLineWithPlaceAndWhatIsAllowed) {
     const std::string too_long =
         " too long; at most 1048576 bytes are allowed, with all that is included";
     const std::pair<std::string, std::string> cases[] = {
-        {"wait 1s\nrepeat 2 times", ":2: 'times' is too much after 'repeat 2'"},
+        {"wait 1s\nrepeat 2 times", ":2: 'times' is not expected after 'repeat 2'"},
         {"# fine\n\n  \t\nwait text 'OK' within 5",
          ":4: '5' is not allowed after 'wait text OK within'; allowed is LIMIT (a number with ms, "
          "s "
