@@ -8,7 +8,7 @@ namespace {
 using namespace std::chrono_literals;
 using Words = std::vector<std::string>;
 
-TEST(Words, SplitAndQuoteAreEachOthersReverse) {
+TEST(Words, JoinReversesSplit) {
     const std::pair<const char*, std::optional<Words>> cases[] = {
         {"", Words{}},
         {"  tap \t Next\r", Words{"tap", "Next"}},
@@ -29,8 +29,8 @@ TEST(Words, SplitAndQuoteAreEachOthersReverse) {
     }
 }
 
-// Follows commands by writing down what they were.
-Outcome Note(std::string& target, const Values& values) {
+// A handler that returns what it was given.
+Outcome Describe(std::string& target, const Values& values) {
     target = values.Chose("in") ? "in:" + values.Text("FOLDER") : "";
     target += values.Chose("off") ? "off" : "";
     target += values.Has("SKIP") ? "skip" + std::to_string(values.Number("SKIP")) : "";
@@ -45,14 +45,15 @@ std::string NotAllowed(const std::string& word, const std::string& after, const 
     return "'" + word + "' is not allowed after '" + after + "'; allowed is " + allowed;
 }
 
-TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
-    const CommandTable<std::string> table({{"card in [FOLDER]", "", Note},
-                                           {"card out", "", Note},
-                                           {"power on|off", "", Note},
-                                           {"fault call CALL [after SKIP] [times COUNT]", "", Note},
-                                           {"sleep DURATION", "", Note},
-                                           {"send BYTES", "", Note},
-                                           {"say TEXT...", "", Note}});
+TEST(CommandTable, ExecutesOrReportsWhatIsAllowed) {
+    const CommandTable<std::string> table(
+        {{"card in [FOLDER]", "", Describe},
+         {"card out", "", Describe},
+         {"power on|off", "", Describe},
+         {"fault call CALL [after SKIP] [times COUNT]", "", Describe},
+         {"sleep DURATION", "", Describe},
+         {"send BYTES", "", Describe},
+         {"say TEXT...", "", Describe}});
     const std::pair<const char*, const char*> done[] = {
         {"card in", "in:"},
         {"card in \"my folder\"", "in:my folder"},
@@ -94,7 +95,7 @@ TEST(CommandTable, FollowsAndRefusesWithWhatIsAllowed) {
         check(line, text, false);
 }
 
-TEST(Grammar, PatternsThatAreNotWellFormedAreRefused) {
+TEST(Grammar, RefusesMalformedPatterns) {
     for (const std::string_view pattern : {"a [b", "a b]", "a WRONG", "[a [b] c"})
         EXPECT_THROW(Grammar({&pattern, 1}), std::logic_error) << pattern;
 }

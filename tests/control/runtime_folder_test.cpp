@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 class Runtime : public tests::Process {
   protected:
-    // With what is wrong, behind the folder's name.
+    // Returns the problem without the folder's name before it.
     std::string Problem() {
         EXPECT_FALSE(RuntimeFolder::Open(problem_));
         EXPECT_TRUE(problem_.starts_with(folder_ + ": ")) << problem_;
@@ -31,7 +31,7 @@ class Runtime : public tests::Process {
     const std::string folder_ = Path("tolvane");
 };
 
-TEST_F(Runtime, FolderAndSocketAreTheUsersAlone) {
+TEST_F(Runtime, FolderAndSocketAreAccessibleToTheUserOnly) {
     umask(0);
     const auto claim = SocketClaim::Make("unit", taken_, problem_);
     ASSERT_TRUE(claim) << problem_;
@@ -41,7 +41,7 @@ TEST_F(Runtime, FolderAndSocketAreTheUsersAlone) {
         EXPECT_EQ(fs::status(folder_ + path).permissions(), fs::perms(mode)) << path;
 }
 
-TEST_F(Runtime, UnsafeFoldersAreRefused) {
+TEST_F(Runtime, RefusesUnsafeFolders) {
     fs::create_directory(Path("elsewhere"));
     fs::permissions(Path("elsewhere"), fs::perms::owner_all);
     fs::create_directory_symlink(Path("elsewhere"), folder_);
@@ -63,7 +63,7 @@ TEST_F(Runtime, UnsafeFoldersAreRefused) {
     }
 }
 
-TEST_F(Runtime, EntriesInTheWayAreNeitherFollowedNorRemoved) {
+TEST_F(Runtime, DoesNotOpenOrRemoveSymlinksAtItsEntries) {
     ASSERT_TRUE(RuntimeFolder::Open(problem_));
     std::ofstream(Path("precious")) << "kept";
     for (const char* entry : {"/unit.lock", "/unit.sock"}) {
@@ -76,7 +76,7 @@ TEST_F(Runtime, EntriesInTheWayAreNeitherFollowedNorRemoved) {
     }
 }
 
-TEST_F(Runtime, ALivingClaimIsNotTakenAndADeadOneIsFreeAtOnce) {
+TEST_F(Runtime, ANameIsFreeOnlyWhenItsProcessIsDead) {
     int ready[2];
     ASSERT_EQ(pipe(ready), 0);
     const pid_t child = fork();
@@ -100,7 +100,7 @@ TEST_F(Runtime, ALivingClaimIsNotTakenAndADeadOneIsFreeAtOnce) {
     }
 }
 
-TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
+TEST_F(Runtime, UsesTmpWithoutASessionFolder) {
     for (const char* session : {"", "relative", "/no/such/folder", "/dev/null"}) {
         setenv("XDG_RUNTIME_DIR", session, 1);
         const auto folder = RuntimeFolder::Open(problem_);
@@ -109,7 +109,7 @@ TEST_F(Runtime, ASessionWithoutAFolderOfItsOwnUsesTheHosts) {
     }
 }
 
-TEST(SocketName, AllowsWordsAndNoPaths) {
+TEST(SocketName, AllowsWordsButNoPaths) {
     const std::string longest(32, 'a');
     EXPECT_TRUE(IsSocketName("Unit-2_b") && IsSocketName(longest));
     EXPECT_FALSE(IsSocketName(longest + "a"));

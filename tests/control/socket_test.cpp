@@ -16,29 +16,28 @@ using namespace std::chrono_literals;
 using Kind = SocketClient::ReplyPart::Kind;
 using Id = SocketServer::ClientId;
 
-// A server on "unit" that is run by hand between the clients' steps.
+// A server named "unit", which handles its clients only in Serve().
 class Sockets : public tests::Process {
   protected:
     Sockets() {
         auto claim = SocketClaim::Make("unit", not_running_, problem_);
         EXPECT_TRUE(claim) << problem_;
         SocketServer::Handlers handlers{
-            [this](Id id, const Request& request) { Answer(id, request); }, [](Id) {}};
+            [this](Id id, const Request& request) { Reply(id, request); }, [](Id) {}};
         server_ = std::make_unique<SocketServer>(*std::move(claim), handlers);
     }
 
-    void Answer(Id id, const Request& request) {
+    void Reply(Id id, const Request& request) {
         if (request.line == "no")
             return server_->SendOutcome(id, Refused("not that\nreally"));
         if (request.line == "later") {
-            watcher_ = id;
+            waiting_ = id;
             return;
         }
         server_->SendLine(id, "got " + request.line + request.folder);
         server_->SendOutcome(id, Done(request.text));
     }
 
-    // Until nothing is left to do.
     void Serve() {
         pollfd watched{server_->descriptor(), POLLIN, 0};
         while (poll(&watched, 1, 0) > 0)
@@ -53,7 +52,7 @@ class Sockets : public tests::Process {
         EXPECT_TRUE(client) << problem_;
         return *std::move(client);
     }
-    // One whose request waits for what the test answers.
+    // Connects a client whose request waits for the reply of the test.
     SocketClient Waiting() {
         SocketClient client = Client();
         client.Send({"later"}, 1s);
@@ -61,9 +60,9 @@ class Sockets : public tests::Process {
         return client;
     }
 
-    // Sends the bytes as they are and returns all that comes back, * for the end of it.
+    // Sends the bytes and returns everything received, with * for a hang-up.
     std::string Exchange(const SocketClient& client, std::string_view bytes) {
-        std::string answer;
+        std::string reply;
         char buffer[65536];
         do {
             const ssize_t sent =
@@ -72,20 +71,20 @@ class Sockets : public tests::Process {
             Serve();
             ssize_t count = 0;
             while ((count = recv(client.descriptor(), buffer, sizeof buffer, 0)) > 0)
-                answer.append(buffer, static_cast<std::size_t>(count));
+                reply.append(buffer, static_cast<std::size_t>(count));
             if (count == 0 || errno == ECONNRESET)
-                return answer + "*";
+                return reply + "*";
         } while (!bytes.empty());
-        return answer;
+        return reply;
     }
 
     std::unique_ptr<SocketServer> server_;
-    Id watcher_ = 0;
+    Id waiting_ = 0;
     bool not_running_ = false;
     std::string problem_;
 };
 
-TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
+TEST_F(Sockets, RepliesToRequestsAndRefusesWhatIsNotText) {
     const std::string longest(kMaxLine, 'x');
     std::string long_text;
     for (int i = 0; i < 17; ++i)
@@ -114,31 +113,31 @@ TEST_F(Sockets, AnswersRequestsAndRefusesWhatIsNotText) {
         {"\xC3\n", not_text},
         {"half", ""},
     };
-    for (const auto& [sent, answer] : cases) {
+    for (const auto& [sent, reply] : cases) {
         SCOPED_TRACE(sent.substr(0, 40));
-        EXPECT_EQ(Exchange(Client(), sent).substr(0, 200), answer.substr(0, 200));
+        EXPECT_EQ(Exchange(Client(), sent).substr(0, 200), reply.substr(0, 200));
         if (sent.size() > 100)
             continue;
         const SocketClient bytewise = Client();
-        std::string answered;
+        std::string replied;
         for (const char byte : sent)
-            answered += Exchange(bytewise, {&byte, 1});
-        EXPECT_EQ(answered.substr(0, answered.find('*')), answer.substr(0, answer.find('*')));
+            replied += Exchange(bytewise, {&byte, 1});
+        EXPECT_EQ(replied.substr(0, replied.find('*')), reply.substr(0, reply.find('*')));
     }
 }
 
-TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
-    SocketClient watcher = Waiting();
+TEST_F(Sockets, DropsAndCountsLinesForASlowClient) {
+    SocketClient client = Waiting();
     constexpr int kLines = 40'000;
     const std::string padding(200, '.');
     for (int i = 0; i < kLines; ++i)
-        server_->SendLine(watcher_, std::to_string(i) + padding);
-    server_->SendOutcome(watcher_, Done());
+        server_->SendLine(waiting_, std::to_string(i) + padding);
+    server_->SendOutcome(waiting_, Done());
     int next = 0;
     int lost = 0;
     for (;;) {
         Serve();
-        const SocketClient::ReplyPart reply = watcher.Receive(1s);
+        const SocketClient::ReplyPart reply = client.Receive(1s);
         if (reply.kind == Kind::kDone)
             break;
         if (reply.kind == Kind::kLost) {
@@ -153,8 +152,8 @@ TEST_F(Sockets, ASlowWatcherLosesLinesThatAreCountedAndNothingElse) {
     EXPECT_GT(lost, kLines / 2);
 }
 
-TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
-    // Many at a time, and one after the other.
+TEST_F(Sockets, DoesNotReadRequestsOfAClientThatDoesNotReadReplies) {
+    // Many in one chunk, and one after the other.
     for (const std::string& requests : {std::string(60'000, '\n'), std::string(2000, 'x') + '\n'}) {
         const SocketClient client = Client();
         std::size_t taken = 0;
@@ -168,13 +167,13 @@ TEST_F(Sockets, AnswersThatNobodyReadsHoldUpTheRequests) {
     }
 }
 
-TEST_F(Sockets, WhatIsPrintedIsPlainText) {
+TEST_F(Sockets, ThePrintedReplyIsPlainText) {
     SocketClient client = Waiting();
-    server_->SendLine(watcher_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
-    server_->SendOutcome(watcher_, Done());
+    server_->SendLine(waiting_, "\x1B[2J\xC3 gr\xC3\xBC\xC3\x9F");
+    server_->SendOutcome(waiting_, Done());
     Serve();
     std::FILE* const out = std::tmpfile();
-    ASSERT_EQ(PrintReply(client, {"next"}, "teller", 1s, out, out), kExitDone);
+    ASSERT_EQ(PrintReply(client, {"next"}, "program", 1s, out, out), kExitDone);
     std::rewind(out);
     char printed[64] = {};
     EXPECT_TRUE(std::fgets(printed, sizeof printed, out));
@@ -182,7 +181,7 @@ TEST_F(Sockets, WhatIsPrintedIsPlainText) {
     std::fclose(out);
 }
 
-TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
+TEST_F(Sockets, RefusesClientsBeyondTheLimit) {
     std::vector<SocketClient> clients;
     for (std::size_t i = 0; i < SocketServer::kMaxClients; ++i)
         clients.push_back(Client());
@@ -193,36 +192,30 @@ TEST_F(Sockets, OneClientTooManyIsToldSoAndThePlaceOfOneThatLeftIsFree) {
     EXPECT_EQ(Exchange(Client(), "one\n"), "|got one\n+\n");
 }
 
-TEST_F(Sockets, TheClientTellsNobodyFromNoAnswer) {
-    SocketClient client = Client();
-    client.Send({"later"}, 1s);
+TEST_F(Sockets, TheClientDistinguishesNoServerFromNoReply) {
+    SocketClient client = Waiting();
     EXPECT_EQ(client.Receive(20ms).kind, Kind::kLate);
     EXPECT_FALSE(Connect("other", 1s));
     EXPECT_TRUE(not_running_);
-    // A server that no longer takes callers: the waiting room fills up.
-    std::vector<SocketClient> waiting;
+    // The backlog of a server that does not accept connections fills up.
+    std::vector<SocketClient> backlog;
     while (auto caller = Connect("unit", 20ms)) {
-        waiting.push_back(*std::move(caller));
-        ASSERT_LT(waiting.size(), 1000U);
+        backlog.push_back(*std::move(caller));
+        ASSERT_LT(backlog.size(), 1000U);
     }
     EXPECT_FALSE(not_running_);
     EXPECT_TRUE(problem_.ends_with("no reply")) << problem_;
+    // The server sends what is left at its end.
+    server_->SendOutcome(waiting_, Done());
     server_.reset();
+    EXPECT_EQ(client.Receive(1s).kind, Kind::kDone);
     EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
     EXPECT_FALSE(Connect("unit", 1s));
     EXPECT_TRUE(not_running_);
 }
 
-TEST_F(Sockets, AnAnswerGivenAtTheEndIsSent) {
-    SocketClient client = Waiting();
-    server_->SendOutcome(watcher_, Done());
-    server_.reset();
-    EXPECT_EQ(client.Receive(1s).kind, Kind::kDone);
-    EXPECT_EQ(client.Receive(1s).kind, Kind::kGone);
-}
-
-// Without a descriptor left a client is turned away; it is not asked for again and again.
-TEST_F(Sockets, TurnsClientsAwayWhileTheProcessHasNoDescriptorLeft) {
+// Otherwise the server would be woken for the same client for ever.
+TEST_F(Sockets, RejectsClientsWhileTheProcessHasNoDescriptorLeft) {
     const SocketClient waits = Client();
     rlimit usual{};
     getrlimit(RLIMIT_NOFILE, &usual);

@@ -11,8 +11,8 @@
 
 #include "tests/support/process.h"
 
-// The built dvrsim, as somebody at a keyboard, another process and the other end of its line see
-// it.
+// The built dvrsim, from its standard input, from another process and from the other end of its
+// line.
 
 namespace {
 
@@ -26,7 +26,7 @@ class Dvrsim : public tests::Process {
         EXPECT_TRUE(WaitUntil([&] { return Read("dvr-out").find('\n') != std::string::npos; }));
         return child;
     }
-    // What a dvrsim --send printed; its exit status must be the expected one.
+    // Returns the output of dvrsim --send; checks its exit status.
     std::string Send(const std::string& command, int status = 0) {
         EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), status) << command;
         return Read(status == 0 ? "send-out" : "send-err");
@@ -43,7 +43,7 @@ class Dvrsim : public tests::Process {
         return Wait(dvr);
     }
 
-    // What comes from the file within ten seconds of the host's time, that many bytes at most.
+    // Reads up to `count` bytes; ends after ten seconds of host time without input.
     static std::string ReadBytes(int file, std::size_t count) {
         std::string bytes;
         pollfd watched{file, POLLIN, 0};
@@ -61,7 +61,7 @@ const std::string kBooted("\xA5\x5A\x80\x00\x10\x00\x01\x00\x01\x90", 10);
 const std::string kAskState("\xA5\x5A\x10\x80\x10\x00\x01\x00\x01\xA0", 10);
 const std::string kNormal("\xA5\x5A\x20\x80\x10\x00\x01\x02\x01\xB2", 10);
 
-TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
+TEST_F(Dvrsim, RunsADvrBehindAPseudoTerminalThatIsOpenedAndClosed) {
     const std::string link = Path("link");
     const pid_t dvr = StartDvr({"--link", link, "--speed", "50", "--off"});
     EXPECT_EQ(fs::read_symlink(link).string() + "\n", Read("dvr-out"));
@@ -71,8 +71,8 @@ TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
         ASSERT_GE(line, 0);
         termios settings{};
         EXPECT_EQ(tcgetattr(line, &settings), 0);
-        EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U) << "raw before anybody set it so";
-        // Left behind by a user that was killed, exclusive use must not keep the next one out.
+        EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U) << "raw from the start";
+        // A killed process leaves exclusive use behind, which must not keep the next one out.
         EXPECT_EQ(ioctl(line, TIOCEXCL), 0);
         EXPECT_TRUE(Connects(true));
         Send("power on");
@@ -86,7 +86,7 @@ TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
         Send("dvr indicate Key 01");
         Send("line plug");
         Send("indicate Key 02");
-        EXPECT_EQ(ReadBytes(line, 10)[7], '\x02') << "what came while it was unplugged is lost";
+        EXPECT_EQ(ReadBytes(line, 10)[7], '\x02') << "bytes are dropped while it is unplugged";
         Send("power off");
         close(line);
         EXPECT_TRUE(Connects(false));
@@ -97,7 +97,7 @@ TEST_F(Dvrsim, IsADvrBehindAPathThatOthersOpenAndLeave) {
     EXPECT_EQ(Send("state", 3), "dvrsim: no dvrsim named dvrsim is running\n");
 }
 
-TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
+TEST_F(Dvrsim, UpdatesFailsAndRefusesByCommand) {
     const pid_t dvr = StartDvr({"--speed", "200", "--firmware", "14.01.01.V0.00.01"});
     EXPECT_TRUE(Reaches("normal"));
     EXPECT_EQ(
@@ -110,15 +110,13 @@ TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
     Send("reset");
     EXPECT_TRUE(Reaches("update-failed"));
     EXPECT_EQ(State()["dvr"]["percent"], 57);
+    EXPECT_EQ(State()["dvr"]["firmware"], "14.01.01.V0.00.01");
+    EXPECT_EQ(State()["dvr"]["card"]["image"], "15.01.01.V2.00.00");
     Send("fault none");
     Send("reset");
     EXPECT_TRUE(Reaches("update-finished"));
-    EXPECT_EQ(State()["dvr"]["firmware"], "14.01.01.V0.00.01");
-    EXPECT_EQ(State()["dvr"]["card"]["image"], "15.01.01.V2.00.00");
     Send("card out");
     Send("card out", 1);
-    Send("reset");
-    EXPECT_EQ(State()["dvr"]["firmware"], "15.01.01.V2.00.00");
     EXPECT_EQ(Run(DVRSIM_BINARY, {}, "second-"), 1);
     EXPECT_EQ(Read("second-err"),
               "dvrsim: a dvrsim named dvrsim is running already; give this one another --name\n");
@@ -126,32 +124,32 @@ TEST_F(Dvrsim, UpdatesAndFailsAsTold) {
     EXPECT_EQ(Wait(dvr), 0);
 }
 
-TEST_F(Dvrsim, FollowsItsStandardInput) {
-    const auto follow = [this](const char* input) {
+TEST_F(Dvrsim, ExecutesItsStandardInput) {
+    const auto execute = [this](const char* input) {
         EXPECT_EQ(Run("/bin/sh", {"-c", std::string(input) + " | " DVRSIM_BINARY}), 0);
     };
-    // Also what lacks its line's end.
-    follow("printf 'power off\\n\\nfault slow 0\\nreset\\nstate\\nhelp\\nquit'");
+    // The last line has no line end.
+    execute("printf 'power off\\n\\nfault slow 0\\nreset\\nstate\\nhelp\\nquit'");
     EXPECT_EQ(Read("err"),
               "dvrsim: '0' is not allowed after 'fault slow'; allowed is FACTOR (a whole number "
               "from 1 to 100)\n"
               "dvrsim: the DVR is off; power it on\n");
     EXPECT_NE(Read("out").find("\"state\": \"off\""), std::string::npos);
     EXPECT_NE(Read("out").find("\n[dvr] reset\n"), std::string::npos);
-    // A line without an end is told once, and no part of it is followed.
-    follow("(head -c 1000000 /dev/zero; printf 'state\nquit\n')");
+    // A line that is too long is reported once, and no part of it is executed.
+    execute("(head -c 1000000 /dev/zero; printf 'state\nquit\n')");
     EXPECT_EQ(Read("err"),
               "dvrsim: a line of input is too long; at most 65536 bytes are allowed\n");
     EXPECT_EQ(Read("out").find("{"), std::string::npos);
 }
 
-TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
+TEST_F(Dvrsim, RunsADvrOnASerialDeviceThatDisappearsAndReturns) {
     int cable = -1;
     int device = -1;
     const auto plug_in = [&] {
         char path[128] = {};
         EXPECT_EQ(openpty(&cable, &device, path, nullptr, nullptr), 0);
-        // A child that has it too would keep it alive.
+        // A child that inherits them would keep them open.
         fcntl(cable, F_SETFD, FD_CLOEXEC);
         fcntl(device, F_SETFD, FD_CLOEXEC);
         fs::remove(Path("tty"));
@@ -165,7 +163,7 @@ TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
     EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | PARENB | CRTSCTS), tcflag_t{CS8});
     EXPECT_EQ(settings.c_lflag & (ECHO | ICANON), 0U);
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
-    // The rest of the boot's reports must not come over the next cable.
+    // Wait for the end of the boot, so that its indications do not reach the next cable.
     EXPECT_TRUE(Reaches("normal"));
     close(cable);
     close(device);
@@ -176,19 +174,20 @@ TEST_F(Dvrsim, IsADvrOnASerialDeviceThatMayGoAndComeBack) {
     Send("reset");
     EXPECT_EQ(ReadBytes(cable, 10), kBooted);
     EXPECT_EQ(End(dvr, SIGINT), 0);
-    EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device disappeared\n" +
+    EXPECT_EQ(Read("dvr-err"), "dvrsim: " + Path("tty") + ": the serial device went away\n" +
                                    "dvrsim: " + Path("tty") + ": the serial device is back\n");
     close(cable);
     close(device);
 }
 
-TEST_F(Dvrsim, WhatCannotBeDoneIsOneLine) {
+TEST_F(Dvrsim, ReportsAProblemInOneLine) {
     EXPECT_EQ(Run(DVRSIM_BINARY, {"/dev/no-such-tty"}), 1);
     EXPECT_EQ(
         Read("err"),
         "dvrsim: /dev/no-such-tty: cannot open the serial device: No such file or directory\n");
     EXPECT_EQ(Run(DVRSIM_BINARY, {"--link", Path("err")}), 1);
-    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(Path("err")))) << "somebody's file";
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(Path("err"))))
+        << "a file must not be replaced";
 }
 
 }  // namespace

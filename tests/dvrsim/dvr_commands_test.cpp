@@ -1,15 +1,36 @@
-#include "dvrsim/commands/dvr_commands.h"
-#include "dvrsim/commands/dvr_state.h"
-#include "tests/dvrsim/bench.h"
+#include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
+
+#include "dvrsim/commands/dvr_commands.h"
+#include "dvrsim/commands/dvr_state.h"
 
 namespace dvrsim {
 namespace {
 
-class DvrCommands : public testing::Test, protected Bench {
+using namespace std::chrono_literals;
+
+// A host whose time stands still: it keeps the actions and never runs them.
+class StoppedHost final : public Host {
+  public:
+    std::chrono::microseconds Now() const override { return {}; }
+    std::uint64_t After(std::chrono::microseconds, std::function<void()>) override {
+        actions.insert(++last_id_);
+        return last_id_;
+    }
+    void Cancel(std::uint64_t id) override { actions.erase(id); }
+    void Transmit(std::span<const std::uint8_t>) override { ++frames; }
+
+    std::set<std::uint64_t> actions;
+    int frames = 0;
+
+  private:
+    std::uint64_t last_id_ = 0;
+};
+
+class DvrCommands : public testing::Test {
   protected:
-    DvrCommands() : commands_(Rows()) {}
     static std::vector<DvrTable::Row> Rows() {
         auto rows = DvrRows();
         for (auto& row : DvrFaultRows())
@@ -18,13 +39,15 @@ class DvrCommands : public testing::Test, protected Bench {
     }
     bool Execute(const std::string& line) { return commands_.Execute(dvr, line).done; }
 
-    const DvrTable commands_;
+    StoppedHost host;
+    Dvr dvr{host};
+    const DvrTable commands_{Rows()};
 };
 
-TEST_F(DvrCommands, EachFaultIsSetAndEndedAlone) {
+TEST_F(DvrCommands, EachFaultIsSetAndClearedAlone) {
     const struct {
         const char* set;
-        const char* end;
+        const char* clear;
         Faults faults;
     } cases[] = {
         {"silent on", "silent off", {.silent = true}},
@@ -41,50 +64,32 @@ TEST_F(DvrCommands, EachFaultIsSetAndEndedAlone) {
         {"reboot-at 3", "reboot-at off", {.reboot_at_percent = 3}},
         {"jump-back 60 10", "jump-back off", {.jump_back = PercentJump{60, 10}}},
     };
-    for (const bool alone : {true, false})
-        for (const auto& c : cases) {
-            SCOPED_TRACE(c.set);
-            EXPECT_TRUE(Execute(std::string("fault dvr ") + c.set));
-            if (alone) {
-                EXPECT_EQ(dvr.GetFaults(), c.faults);
-                EXPECT_TRUE(Execute(std::string("fault dvr ") + c.end));
-                EXPECT_EQ(dvr.GetFaults(), Faults());
-            }
-        }
-    EXPECT_EQ(dvr.GetFaults().slow_factor, 9U) << "one takes no other away";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.set);
+        EXPECT_TRUE(Execute(std::string("fault dvr ") + c.set));
+        EXPECT_EQ(dvr.GetFaults(), c.faults);
+        EXPECT_TRUE(Execute(std::string("fault dvr ") + c.clear));
+        EXPECT_EQ(dvr.GetFaults(), Faults());
+    }
+    for (const auto& c : cases)
+        EXPECT_TRUE(Execute(std::string("fault dvr ") + c.set));
+    EXPECT_EQ(dvr.GetFaults().slow_factor, 9U) << "a fault must not clear another";
     EXPECT_EQ(StateOf(dvr)["faults"]["jump_back"]["to"], 10);
     EXPECT_TRUE(Execute("fault dvr none"));
     EXPECT_EQ(dvr.GetFaults(), Faults());
     EXPECT_EQ(StateOf(dvr)["faults"]["stop_at"], nullptr);
 }
 
-TEST_F(DvrCommands, ActOnTheDvr) {
-    EXPECT_FALSE(Execute("dvr reboot")) << "off";
-    EXPECT_TRUE(Execute("dvr power on"));
-    EXPECT_EQ(StateOf(dvr)["state"], "booting");
-    EXPECT_EQ(StateOf(dvr)["card"]["status"], "plug-out");
-    EXPECT_EQ(StateOf(dvr)["card"]["image"], nullptr);
-    host.Run(2s);
-    const std::pair<const char*, std::vector<Sent>> cases[] = {
-        {"card report full-event", {{2s, 0x80, 0x26, {5, 0, 100}}}},
-        {"dvr indicate 0x802e", {{2s, 0x80, 0x802E, {}}}},
-        {"dvr indicate g_sensor 'FF 00'", {{2s, 0x80, 0x29, {0xFF, 0}}}},
-        {"dvr firmware V0", {}},
-        {"dvr update-time 15s", {}},
-        {"dvr power off", {}},
-    };
-    for (const auto& [line, sent] : cases) {
-        host.sent.clear();
-        EXPECT_TRUE(Execute(line)) << line;
-        EXPECT_EQ(host.sent, sent) << line;
-    }
-    EXPECT_EQ(dvr.FirmwareVersion(), "V0");
+TEST_F(DvrCommands, SetTimesAndRefuseWhatDoesNotFitAFrame) {
+    EXPECT_FALSE(Execute("dvr reboot")) << "without power";
+    EXPECT_TRUE(Execute("dvr indicate Key 01"));
+    EXPECT_EQ(host.frames, 0) << "without power";
+    EXPECT_TRUE(Execute("dvr update-time 15s"));
     EXPECT_EQ(dvr.GetTimings().update.least, 14s);
     EXPECT_EQ(dvr.GetTimings().update.most, 16s);
-    EXPECT_EQ(dvr.GetState(), Dvr::State::kOff);
-}
-
-TEST_F(DvrCommands, RefuseWhatFitsNoFrameWhenTheLineIsRead) {
+    // The condition of a card needs a card.
+    EXPECT_TRUE(Execute("card report full-event"));
+    EXPECT_EQ(StateOf(dvr)["card"]["status"], "plug-out");
     const std::string longest(64, 'v');
     const std::pair<std::string, const char*> cases[] = {
         {"dvr firmware " + longest + "v", "at most 64 bytes"},
@@ -92,13 +97,26 @@ TEST_F(DvrCommands, RefuseWhatFitsNoFrameWhenTheLineIsRead) {
         {"fault dvr image-version " + longest, "at most 63 bytes"},
         {"dvr indicate 0x10 " + std::string(2 * 65, 'A'), "at most 64 bytes"},
         {"dvr indicate 0x10000", "allowed is 0 to 0xFFFF"},
-        {"dvr indicate Foo", "allowed is one of DVR_RunningState, DVR_Mode, "},
+        {"dvr indicate Foo", "a code or one of DVR_RunningState, DVR_Mode, "},
     };
     for (const auto& [line, why] : cases) {
         std::string problem;
         EXPECT_FALSE(commands_.Read(*control::SplitWords(line, problem), problem)) << line;
         EXPECT_NE(problem.find(why), std::string::npos) << line << ": " << problem;
     }
+}
+
+TEST(Dvr, CancelsItsActionsAtItsEnd) {
+    StoppedHost host;
+    {
+        Dvr dvr(host);
+        dvr.PowerOn();
+        EXPECT_EQ(StateOf(dvr)["state"], "booting");
+        EXPECT_EQ(host.actions.size(), 1U);
+        dvr.InsertCard("/");
+        EXPECT_EQ(host.actions.size(), 2U);
+    }
+    EXPECT_TRUE(host.actions.empty());
 }
 
 }  // namespace
