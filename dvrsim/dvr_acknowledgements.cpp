@@ -102,9 +102,8 @@ void Dvr::Receive(std::span<const std::uint8_t> bytes) {
 void Dvr::Accept(const Frame& frame) {
     const unsigned number = frame.code & ~unsigned{kQueryBit};
     if (frame.type != static_cast<std::uint8_t>(FrameType::kRequest) || number < kFirstCommand ||
-        number > kLastCommand || pending_requests_ == kMaxPendingRequests) {
+        number > kLastCommand || pending_requests_ == kMaxPendingRequests)
         return;
-    }
     ++pending_requests_;
     // One processor handles the requests one after the other.
     busy_until_ = std::max(busy_until_, host_.Now()) + PickSlowedDelay(timings_.latency);

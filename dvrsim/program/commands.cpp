@@ -78,10 +78,9 @@ Outcome State(Context& context, const Values&) {
 
 Outcome Help(Context&, const Values&) {
     std::string text;
-    for (const ProgramTable::Row& row : ProgramCommands().rows()) {
+    for (const ProgramTable::Row& row : ProgramCommands().rows())
         text += (text.empty() ? "" : "\n") + std::string(row.pattern) + "\n    " +
                 std::string(row.help);
-    }
     return Done(text);
 }
 

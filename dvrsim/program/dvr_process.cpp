@@ -153,10 +153,9 @@ void DvrProcess::ReadInput() {
         if (!std::exchange(skipping_, false))
             ExecuteInput(line);
     }
-    if (input_.size() > kMaxInput && !std::exchange(skipping_, true)) {
+    if (input_.size() > kMaxInput && !std::exchange(skipping_, true))
         std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
                      kMaxInput);
-    }
     if (skipping_)
         input_.clear();
 }
@@ -177,10 +176,9 @@ void DvrProcess::PrintFrames(FrameDecoder& decoder, char mark,
         return;
     for (const std::uint8_t byte : bytes) {
         decoder.Take(byte);
-        while (const auto frame = decoder.Next()) {
+        while (const auto frame = decoder.Next())
             std::printf("%10.3f  %c %s\n", std::chrono::duration<double>(Now()).count(), mark,
                         TextOf(*frame).c_str());
-        }
     }
     std::fflush(stdout);
 }
