@@ -83,7 +83,7 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     }
     EXPECT_EQ(End(unit), 0);
     EXPECT_EQ(Wait(watcher), 3);
-    EXPECT_EQ(Read("watch-err"), "unitctl: the other end has hung up\n");
+    EXPECT_EQ(Read("watch-err"), "unitctl: the server has hung up\n");
     EXPECT_FALSE(fs::exists(Path("tolvane/unit.sock")));
 }
 
