@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <iterator>
 
 namespace control {
@@ -180,6 +181,12 @@ std::optional<std::chrono::microseconds> ReadDuration(std::string_view word) {
     if (unit == std::end(kUnits) || number * unit->microseconds > kLongest)
         return std::nullopt;
     return std::chrono::microseconds(std::llround(number * unit->microseconds));
+}
+
+std::string DurationWord(std::chrono::microseconds time) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.10gms", static_cast<double>(time.count()) / 1000);
+    return text;
 }
 
 std::optional<std::int64_t> ReadNumber(std::string_view word) {

@@ -35,6 +35,8 @@ const Placeholder* FindPlaceholder(std::string_view name);
 
 // "500ms", "1.5s", "3min"; not negative.
 std::optional<std::chrono::microseconds> ReadDuration(std::string_view word);
+// The word that ReadDuration reads as that time, in milliseconds.
+std::string DurationWord(std::chrono::microseconds time);
 // Reads the whole word: decimal, or hexadecimal after 0x.
 std::optional<std::int64_t> ReadNumber(std::string_view word);
 // Reads the whole word: decimal, with or without a point.

@@ -1,5 +1,6 @@
 #include "dvrsim/commands/dvr_commands.h"
 
+#include "control/words.h"
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
 
@@ -208,6 +209,37 @@ std::vector<DvrTable::Row> DvrFaultRows() {
         Row("fault dvr none", "Clears all faults of the DVR.",
             [](Faults& faults, const Values&) { faults = {}; }),
     };
+}
+
+std::vector<std::string> FaultCommands(const Faults& faults) {
+    std::vector<std::string> commands;
+    const auto add = [&](bool set, const std::string& command) {
+        if (set)
+            commands.push_back("fault dvr " + command);
+    };
+    const auto add_percent = [&](const char* name, const std::optional<std::uint8_t>& percent) {
+        if (percent)
+            add(true, name + (" " + std::to_string(*percent)));
+    };
+    add(faults.silent, "silent on");
+    add(faults.silent_card, "silent-card on");
+    add(faults.silent_version, "silent-version on");
+    add(faults.slow_factor != 1, "slow " + std::to_string(faults.slow_factor));
+    add(faults.indication_copies != 1, "copies " + std::to_string(faults.indication_copies));
+    if (faults.card_report_interval)
+        add(true, "repeat-card " + control::DurationWord(*faults.card_report_interval));
+    if (faults.reported_version)
+        add(true, "version " + control::QuoteWord(*faults.reported_version));
+    if (faults.reported_image_version)
+        add(true, "image-version " + control::QuoteWord(*faults.reported_image_version));
+    add_percent("stop-at", faults.stop_at_percent);
+    add_percent("stuck-at", faults.stuck_at_percent);
+    add_percent("fail-at", faults.fail_at_percent);
+    add_percent("reboot-at", faults.reboot_at_percent);
+    if (faults.jump_back)
+        add(true, "jump-back " + std::to_string(faults.jump_back->from) + " " +
+                      std::to_string(faults.jump_back->to));
+    return commands;
 }
 
 }  // namespace dvrsim

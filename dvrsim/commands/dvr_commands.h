@@ -15,6 +15,9 @@ using DvrTable = control::CommandTable<Dvr>;
 std::vector<DvrTable::Row> DvrRows();
 std::vector<DvrTable::Row> DvrFaultRows();
 
+// The commands that set these faults.
+std::vector<std::string> FaultCommands(const Faults& faults);
+
 // The same commands for a target that has a DVR. `reach(target)` returns a pointer to it, or null,
 // which refuses the command with `none`.
 template <class Target, class Reach>

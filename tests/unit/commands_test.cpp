@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -19,7 +20,9 @@ class Commands : public testing::Test {
   protected:
     Commands() { EXPECT_EQ(run_.RunScenario("wait button 'Power On' within 5s"), ""); }
 
-    control::Outcome Follow(const char* line) { return UnitCommands().Execute(run_.unit_operator(), line); }
+    control::Outcome Follow(const char* line) {
+        return UnitCommands().Execute(run_.unit_operator(), line);
+    }
 
     WizardRun run_;
 };
@@ -59,9 +62,6 @@ TEST_F(Commands, TellWhatTheyHaveDone) {
         {"line inject A55A20801100010001B1 to-unit", ""},
         {"battery 40 flag 2", ""},
         {"battery 30", ""},
-        {"fault driver SCA0: late 30s", ""},
-        {"fault driver DVR1: refuses times 2", ""},
-        {"fault dvr silent on", ""},
     };
     for (const auto& [line, text] : lines) {
         const control::Outcome outcome = Follow(line);
@@ -71,12 +71,46 @@ TEST_F(Commands, TellWhatTheyHaveDone) {
     run_.RunFor(1s);
     EXPECT_TRUE(run_.Logged("DVR_MODE_VIDEO"));
     EXPECT_EQ(run_.unit().supply().battery_flag, 2);
-    EXPECT_EQ(run_.unit().drivers().Faults(),
-              (std::vector<std::string>{"DVR1: refuses 2 times", "SCA0: appears late"}));
+}
+
+// `fault list` prints what is set as commands that set it again; `fault clear` ends all of it.
+TEST_F(Commands, ListFaultsAsTheCommandsThatSetThem) {
+    const char* const set[] = {
+        "fault call CreateFileW after 2 times 3 error 5",
+        "fault any-call always",
+        "fault driver DVR1: refuses code 0x881 error 170",
+        "fault driver DVR1: refuses error 31 times 2",
+        "fault driver SCA0: missing",
+        "fault hal refuses",
+        "fault battery-driver fails",
+        "fault line drop frames to-unit",
+        "fault dvr silent on",
+        "fault dvr silent-card on",
+        "fault dvr silent-version on",
+        "fault dvr slow 2",
+        "fault dvr copies 3",
+        "fault dvr repeat-card 1.5ms",
+        "fault dvr version 'a b'",
+        "fault dvr image-version x",
+        "fault dvr stop-at 1",
+        "fault dvr stuck-at 2",
+        "fault dvr fail-at 3",
+        "fault dvr reboot-at 4",
+        "fault dvr jump-back 5 6",
+    };
+    std::string expected;
+    for (const char* const line : set) {
+        EXPECT_TRUE(Follow(line).done) << line;
+        expected += (expected.empty() ? "" : "\n") + std::string(line);
+    }
+    std::ranges::replace(expected, '\'', '"');
+    EXPECT_EQ(Follow("fault list").text, expected);
     EXPECT_TRUE(Follow("fault clear").done);
-    EXPECT_TRUE(run_.unit().drivers().Faults().empty());
-    EXPECT_TRUE(run_.unit().dvr().faults().List().empty());
-    EXPECT_EQ(run_.unit().dvr().dvr()->GetFaults(), dvrsim::Faults());
+    EXPECT_EQ(Follow("fault list").text, "");
+    EXPECT_TRUE(Follow("fault driver SCA0: late 30s").done);
+    EXPECT_EQ(Follow("fault list").text, "fault driver SCA0: late 30000ms");
+    run_.RunFor(30s);
+    EXPECT_EQ(Follow("fault list").text, "");
 }
 
 TEST_F(Commands, FaultsHaveALimit) {

@@ -1,102 +1,99 @@
 #include "unit/board/driver_registry.h"
 
-#include <cstdio>
-
-#include "platform/kernel/text.h"
-#include "unit/board/watched_driver.h"
-
 namespace unit {
 
-namespace kernel = platform::kernel;
+using platform::device::Stream;
 using platform::device::StreamDriver;
 
-void DriverRegistry::Put(std::wstring name, std::shared_ptr<StreamDriver> driver) {
-    const std::scoped_lock lock(mutex_);
-    slots_[std::move(name)].driver = std::move(driver);
-}
+namespace {
+
+class WatchedStream final : public Stream {
+  public:
+    WatchedStream(EventHub& events, Faults& faults, std::wstring name,
+                  std::shared_ptr<Stream> stream)
+        : events_(events), faults_(faults), name_(std::move(name)), stream_(std::move(stream)) {}
+
+    DWORD Read(std::span<std::byte> buffer, DWORD& done) override {
+        return stream_->Read(buffer, done);
+    }
+    DWORD Write(std::span<const std::byte> bytes, DWORD& done) override {
+        return stream_->Write(bytes, done);
+    }
+
+    DWORD IoControl(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
+                    DWORD& returned) override {
+        DWORD error = faults_.TakeRefusal(name_, code);
+        if (error == ERROR_SUCCESS)
+            error = stream_->IoControl(code, input, output, returned);
+        events_.Publish(DriverCalled{
+            name_, DriverCalled::Call::kControl, code, {input.begin(), input.end()}, error});
+        return error;
+    }
+
+    void HandleClosed() override {
+        stream_->HandleClosed();
+        events_.Publish(DriverCalled{name_, DriverCalled::Call::kClose, 0, {}, ERROR_SUCCESS});
+    }
+
+  private:
+    EventHub& events_;
+    Faults& faults_;
+    const std::wstring name_;
+    const std::shared_ptr<Stream> stream_;
+};
+
+class WatchedDriver final : public StreamDriver {
+  public:
+    // Without `faults` the requests are neither published nor refused.
+    WatchedDriver(EventHub& events, Faults* faults, std::wstring name,
+                  std::shared_ptr<StreamDriver> driver)
+        : events_(events), faults_(faults), name_(std::move(name)), driver_(std::move(driver)) {}
+
+    DWORD Open(DWORD access, DWORD share_mode, std::shared_ptr<Stream>& stream) override {
+        const DWORD error = driver_->Open(access, share_mode, stream);
+        if (error == ERROR_SUCCESS && faults_)
+            stream = std::make_shared<WatchedStream>(events_, *faults_, name_, std::move(stream));
+        events_.Publish(DriverCalled{name_, DriverCalled::Call::kOpen, 0, {}, error});
+        return error;
+    }
+
+  private:
+    EventHub& events_;
+    Faults* const faults_;
+    const std::wstring name_;
+    const std::shared_ptr<StreamDriver> driver_;
+};
+
+}  // namespace
 
 void DriverRegistry::Load(std::wstring name, std::shared_ptr<StreamDriver> driver) {
-    auto watched = WatchDriver(*this, name, std::move(driver), true);
-    Put(std::move(name), std::move(watched));
+    const std::scoped_lock lock(mutex_);
+    drivers_[name] = std::make_shared<WatchedDriver>(events_, &faults_, name, std::move(driver));
 }
 
 void DriverRegistry::LoadSerial(std::wstring name, std::shared_ptr<StreamDriver> driver) {
-    auto watched = WatchDriver(*this, name, std::move(driver), false);
-    Put(std::move(name), std::move(watched));
+    const std::scoped_lock lock(mutex_);
+    drivers_[name] = std::make_shared<WatchedDriver>(events_, nullptr, name, std::move(driver));
 }
 
 std::shared_ptr<StreamDriver> DriverRegistry::Find(std::wstring_view name) {
-    {
+    if (!faults_.IsHidden(name)) {
         const std::scoped_lock lock(mutex_);
-        const auto slot = slots_.find(name);
-        if (slot != slots_.end() && slot->second.driver &&
-            kernel::Now() >= slot->second.hidden_until)
-            return slot->second.driver;
+        if (const auto driver = drivers_.find(name); driver != drivers_.end())
+            return driver->second;
     }
-    Tell({std::wstring(name), DriverCalled::Call::kOpen, 0, {}, ERROR_DEV_NOT_EXIST});
+    events_.Publish(
+        DriverCalled{std::wstring(name), DriverCalled::Call::kOpen, 0, {}, ERROR_DEV_NOT_EXIST});
     return nullptr;
 }
 
 std::vector<std::wstring> DriverRegistry::Names() const {
     const std::scoped_lock lock(mutex_);
     std::vector<std::wstring> names;
-    names.reserve(slots_.size());
-    for (const auto& [name, slot] : slots_)
+    names.reserve(drivers_.size());
+    for (const auto& [name, driver] : drivers_)
         names.push_back(name);
     return names;
-}
-
-void DriverRegistry::HideUntil(std::wstring_view name, kernel::Time time) {
-    const std::scoped_lock lock(mutex_);
-    if (const auto slot = slots_.find(name); slot != slots_.end())
-        slot->second.hidden_until = time;
-}
-
-void DriverRegistry::Refuse(std::wstring_view name, std::optional<DWORD> code, DWORD error,
-                            unsigned times) {
-    const std::scoped_lock lock(mutex_);
-    if (const auto slot = slots_.find(name); slot != slots_.end())
-        slot->second.refusing = Refusing{code, error, times};
-}
-
-void DriverRegistry::Clear() {
-    const std::scoped_lock lock(mutex_);
-    for (auto& [name, slot] : slots_) {
-        slot.hidden_until = {};
-        slot.refusing.reset();
-    }
-}
-
-std::vector<std::string> DriverRegistry::Faults() const {
-    const std::scoped_lock lock(mutex_);
-    std::vector<std::string> faults;
-    for (const auto& [name, slot] : slots_) {
-        const std::string driver = kernel::ToUtf8(name);
-        if (slot.hidden_until == kernel::kNever)
-            faults.push_back(driver + " missing");
-        else if (slot.hidden_until > kernel::Now())
-            faults.push_back(driver + " appears late");
-        if (slot.refusing && slot.refusing->times > 0) {
-            char code[24] = "";
-            if (slot.refusing->code)
-                std::snprintf(code, sizeof code, " 0x%X", *slot.refusing->code);
-            faults.push_back(driver + " refuses" + code + " " +
-                             std::to_string(slot.refusing->times) + " times");
-        }
-    }
-    return faults;
-}
-
-DWORD DriverRegistry::Refusal(const std::wstring& name, DWORD code) {
-    const std::scoped_lock lock(mutex_);
-    const auto slot = slots_.find(name);
-    if (slot == slots_.end() || !slot->second.refusing)
-        return ERROR_SUCCESS;
-    Refusing& refusing = *slot->second.refusing;
-    if (refusing.times == 0 || (refusing.code && *refusing.code != code))
-        return ERROR_SUCCESS;
-    --refusing.times;
-    return refusing.error;
 }
 
 }  // namespace unit

@@ -24,11 +24,11 @@ namespace {
 
 constexpr wchar_t kProgramPath[] = L"\\Tolvane\\Tolvane.exe";
 
-// The HAL's request to enter suspend, and the word that goes with it.
+// The HAL's request to enter suspend, and its argument.
 constexpr DWORD kEnterSuspend = 0x01012020;
 constexpr DWORD kSuspendWord = 0x5A5A;
 
-// How often a program that has not closed is asked again.
+// Interval between requests to close.
 constexpr auto kAskAgain = std::chrono::seconds(1);
 
 // How long the unit's other applications may take to end.
@@ -50,11 +50,11 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
     supply_.ac_line_status = options.external_power ? 1 : 0;
     scaler_ = std::make_shared<Scaler>([this] { ScreenChanged(); });
     dvr_ = std::make_unique<DvrPort>(
-        options.dvr, say_, [this](Direction direction, std::span<const std::uint8_t> bytes) {
+        options.dvr, faults_.shared_line(), say_,
+        [this](Direction direction, std::span<const std::uint8_t> bytes) {
             events_.Publish(LineBytes{direction, {bytes.begin(), bytes.end()}});
         });
-    dvr_->faults().OnApplied(
-        [this](const std::string& text) { events_.Publish(FaultApplied{text}); });
+    faults_.SetDvr(dvr_->dvr());
     LoadDrivers(options);
     log_.Listen([this](std::chrono::microseconds, const std::string& line) {
         events_.Publish(LineLogged{line});
@@ -88,7 +88,7 @@ void VirtualUnit::LoadDrivers(const Options& options) {
     for (const auto& [name, driver] : options.drivers)
         drivers_.LoadSerial(name, driver);
     for (const std::wstring& name : options.missing_drivers)
-        drivers_.HideUntil(name, kernel::kNever);
+        faults_.HideDriver(name, kernel::kNever);
 }
 
 void VirtualUnit::Start() {
@@ -121,7 +121,7 @@ bool VirtualUnit::Close(std::chrono::seconds limit) {
         on_closing_();
     CloseUntil(
         ProgramHost::CloseWindow, [this] { return !program_.running(); }, limit * time_scale_);
-    // An application that has only begun to start has no window to close yet: ask again.
+    // An application that is still starting has no window to close yet: ask again.
     const bool all_ended = CloseUntil(
         CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale_);
     power_coordinator_.LetGo();
@@ -196,10 +196,6 @@ bool VirtualUnit::external_power() const {
     return supply_.ac_line_status == 1;
 }
 
-void VirtualUnit::SetPlugged(bool plugged) {
-    dvr_->SetPlugged(plugged);
-}
-
 Picture VirtualUnit::TakePicture() {
     if (suspended_)
         return {
@@ -218,16 +214,6 @@ const platform::gdi::Surface& VirtualUnit::Screen() {
         composed_ = window::ComposeScreen();
     composed_version_ = version;
     return composed_;
-}
-
-void VirtualUnit::SetHalRefuses(bool refuses) {
-    hal_refuses_ = refuses;
-    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kHalRefuses, refuses});
-}
-
-void VirtualUnit::SetBatteryDriverFails(bool fails) {
-    battery_driver_fails_ = fails;
-    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
 }
 
 bool VirtualUnit::JumpClock(kernel::Duration forward) {
@@ -257,12 +243,12 @@ std::shared_ptr<platform::device::StreamDriver> VirtualUnit::FindDriver(std::wst
 bool VirtualUnit::ReadPowerSupply(platform::PowerSupply& supply) {
     const std::scoped_lock lock(mutex_);
     supply = supply_;
-    return !battery_driver_fails_;
+    return !faults_.battery_driver_fails();
 }
 
 DWORD VirtualUnit::HalRequest(DWORD code, std::span<const std::byte> input,
                               std::span<std::byte> output, DWORD&) {
-    if (code != kEnterSuspend || hal_refuses_)
+    if (code != kEnterSuspend || faults_.hal_refuses())
         return ERROR_NOT_SUPPORTED;
     DWORD word = 0;
     if (!output.empty() || ReadRecord(input, word) != ERROR_SUCCESS || word != kSuspendWord)

@@ -15,6 +15,7 @@
 #include "platform/window/screen.h"
 #include "unit/board/debug_log.h"
 #include "unit/board/driver_registry.h"
+#include "unit/board/faults.h"
 #include "unit/board/neighbours.h"
 #include "unit/board/power_coordinator.h"
 #include "unit/board/program_host.h"
@@ -26,54 +27,54 @@
 
 namespace unit {
 
-// The program as the unit knows it: its entry and the resources of its executable.
+// The program: its entry point and the resources of its executable.
 struct Program {
     ProgramHost::Entry entry;
     std::span<const std::byte> resources;
 };
 
-// The board with everything on it: the platform's drivers and power supply, the DVR in its port,
-// the task bar, and the program. Made, driven and destroyed on the hardware's thread, which is the
-// one that constructs it; what the platform calls (the Board part) comes on any thread.
+// The whole unit: the platform's drivers and power supply, the DVR, the task bar and the program.
+// Created, used and destroyed on the host thread, which is the thread that constructs it. The
+// platform calls the functions of Board on any thread.
 class VirtualUnit final : public platform::Board {
   public:
     struct Options {
         platform::kernel::Options kernel;
         DvrPort::Options dvr;
-        // Drivers that are missing ("COM9:", "DVR1:", "SCA0:") and pictures the program cannot
-        // load.
+        // Drivers that are missing ("COM9:", "DVR1:", "SCA0:") and pictures that cannot be loaded.
         std::vector<std::wstring> missing_drivers;
         std::vector<WORD> missing_bitmaps;
         bool external_power = true;
-        // Drivers that are loaded in place of the unit's own.
+        // Drivers that replace the unit's own.
         std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>> drivers;
     };
 
-    // `say` takes one line for the operator; `log` takes the program's debug output. Any thread.
+    // `say` is given one line for the operator, `log` the program's debug output. Any thread.
     VirtualUnit(const Options& options, Program program, DebugLog& log,
                 std::function<void(const std::string&)> say);
     ~VirtualUnit() override;
 
-    // Powers the unit's DVR on and starts the applications.
+    // Powers the DVR on and starts the applications.
     void Start();
 
-    // Closes the program's window, waits for the end of every application, the program's for
-    // `limit` (of host time when the unit runs faster than the host), and returns whether all
-    // ended. Afterwards only the destructor may be called.
+    // Closes the program's window and waits for all applications to end, for the program up to
+    // `limit` (of host time when the unit runs faster than the host). Returns whether all ended.
+    // Afterwards only the destructor may be called.
     bool Close(std::chrono::seconds limit);
 
-    // Called on the hardware's thread when Close begins. Set before.
+    // Called on the host thread when Close begins. Set before.
     void OnClosing(std::function<void()> begins) { on_closing_ = std::move(begins); }
 
-    // Everything that happens at the unit's edges. Any thread.
+    // Everything that happens at the unit's external interfaces. Any thread.
     EventHub& events() { return events_; }
+    Faults& faults() { return faults_; }
     DriverRegistry& drivers() { return drivers_; }
     PowerCoordinator& power_coordinator() { return power_coordinator_; }
     ProgramHost& program() { return program_; }
     DvrPort& dvr() { return *dvr_; }
     Scaler& scaler() { return *scaler_; }
 
-    // What hands do in the car.
+    // What the operator does.
     void Touch(platform::window::Touch touch, int x, int y);
     void InsertCard(const std::string& folder);
     void RemoveCard();
@@ -83,13 +84,12 @@ class VirtualUnit final : public platform::Board {
     void SetBattery(BYTE flag, BYTE percent);
     void SetSupply(const platform::PowerSupply& supply);
     platform::PowerSupply supply() const;
-    void SetPlugged(bool plugged);
     // Pulls the DVR's reset wire.
     void ResetDvr();
 
-    // What a person sees now.
+    // What the screen shows now.
     Picture TakePicture();
-    // The graphics plane now, composed anew only after a change; valid until the next call.
+    // The graphics plane now, composed only after a change; valid until the next call.
     const platform::gdi::Surface& Screen();
     // Grows with every change of the screen. Any thread.
     std::uint64_t screen_version() const { return screen_version_; }
@@ -100,9 +100,9 @@ class VirtualUnit final : public platform::Board {
         neighbours_ = std::move(neighbours);
     }
     bool suspended() const { return suspended_; }
-    // How many times as fast as the host's clock the unit runs, 1 at least; 1 in simulated time.
+    // The unit's speed relative to the host's clock, at least 1; 1 in simulated time.
     int time_scale() const { return time_scale_; }
-    // The unit's power button: wakes a suspended unit.
+    // Presses the unit's power button, which wakes a suspended unit.
     void WakeUp();
 
     // See kernel::JumpClock.
@@ -110,12 +110,8 @@ class VirtualUnit final : public platform::Board {
 
     void Say(const std::string& line) const { say_(line); }
 
-    // Handles, threads, windows and drawing objects left after Close, in one line; empty when none.
+    // Handles, threads, windows and drawing objects left after Close, in one line; empty if none.
     const std::string& leftovers() const { return leftovers_; }
-
-    // Faults of the board that tests and the workbench switch. Any thread.
-    void SetHalRefuses(bool refuses);
-    void SetBatteryDriverFails(bool fails);
 
     // platform::Board
     std::shared_ptr<platform::device::StreamDriver> FindDriver(std::wstring_view name) override;
@@ -143,14 +139,15 @@ class VirtualUnit final : public platform::Board {
     DebugLog& log_;
     const std::function<void(const std::string&)> say_;
     EventHub events_;
-    // A unit that runs faster than the host's clock leaves its threads less of the host's time.
+    // Host-time limits are multiplied by it.
     const int time_scale_;
     ProgramHost program_;
     std::shared_ptr<Neighbours> neighbours_;
     std::shared_ptr<Scaler> scaler_;
+    Faults faults_{events_};
     std::unique_ptr<DvrPort> dvr_;
 
-    DriverRegistry drivers_{events_};
+    DriverRegistry drivers_{events_, faults_};
     PowerCoordinator power_coordinator_{events_};
 
     mutable std::mutex mutex_;
@@ -162,8 +159,6 @@ class VirtualUnit final : public platform::Board {
                                      platform::window::kScreenHeight};
     VideoScene video_scene_;
     std::atomic<bool> suspended_{false};
-    std::atomic<bool> hal_refuses_{false};
-    std::atomic<bool> battery_driver_fails_{false};
     std::function<void()> on_screen_change_;
     std::function<void()> on_closing_;
     std::string leftovers_;

@@ -1,9 +1,8 @@
-#include "dvrsim/commands/dvr_commands.h"
-
 #include <algorithm>
 #include <iterator>
 
-#include "unit/commands/command_rows.h"
+#include "dvrsim/commands/dvr_commands.h"
+#include "unit/commands/unit_commands.h"
 
 namespace unit {
 namespace {
@@ -12,12 +11,23 @@ using control::Done;
 using control::Outcome;
 using control::Values;
 
-constexpr char kNotOurs[] =
-    "the DVR is not the simulated one of this unit; what is at the other end of the line takes its "
-    "commands there";
+constexpr char kNotSimulated[] =
+    "the DVR is not the simulated one of this unit; send the command to what is at the other end "
+    "of the line";
 
 Outcome Reset(Operator& op, const Values&) {
     op.unit().ResetDvr();
+    return Done();
+}
+
+Outcome Plug(Operator& op, const Values& values) {
+    op.unit().dvr().SetPlugged(values.Chose("plug"));
+    return Done();
+}
+
+Outcome Inject(Operator& op, const Values& values) {
+    op.unit().dvr().Inject(values.Chose("to-unit") ? Direction::kToUnit : Direction::kToDvr,
+                           values.Bytes("BYTES"));
     return Done();
 }
 
@@ -26,10 +36,14 @@ Outcome Reset(Operator& op, const Values&) {
 UnitRows DvrRows() {
     const auto dvr = [](Operator& op) { return op.unit().dvr().dvr(); };
     UnitRows rows = {
-        {"dvr reset", "Resets the DVR, as its reset wire does.", Reset},
+        {"dvr reset", "Resets the DVR through its reset wire.", Reset},
+        {"line unplug|plug", "Pulls out the DVR's serial plug, or plugs it in.", Plug},
+        {"line inject BYTES to-unit|to-dvr",
+         "Puts bytes on the line as if its other end had sent them; no fault applies to them.",
+         Inject},
     };
     for (const auto own : {dvrsim::DvrRows, dvrsim::DvrFaultRows})
-        std::ranges::move(dvrsim::RowsFor<Operator>(own(), dvr, kNotOurs),
+        std::ranges::move(dvrsim::RowsFor<Operator>(own(), dvr, kNotSimulated),
                           std::back_inserter(rows));
     return rows;
 }

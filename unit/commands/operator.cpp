@@ -17,21 +17,21 @@ std::optional<POINT> Operator::FindButton(const std::string& caption) {
     return caption == "close" ? screen.CloseButton() : screen.PlaceOf(kernel::FromUtf8(caption));
 }
 
-std::string Operator::WhatStands() {
+std::string Operator::TextsOnScreen() {
     std::string list;
     for (const std::wstring& text : ScreenReader(unit_.Screen()).Texts())
         list += (list.empty() ? "" : ", ") + control::QuoteWord(kernel::ToUtf8(text));
     return list.empty() ? "nothing" : list;
 }
 
-void Operator::Press(POINT place) {
-    finger_ = place;
-    unit_.Touch(Touch::kDown, place.x, place.y);
+void Operator::Press(POINT position) {
+    finger_ = position;
+    unit_.Touch(Touch::kDown, position.x, position.y);
 }
 
-void Operator::MoveFinger(POINT place) {
-    finger_ = place;
-    unit_.Touch(Touch::kMove, place.x, place.y);
+void Operator::MoveFinger(POINT position) {
+    finger_ = position;
+    unit_.Touch(Touch::kMove, position.x, position.y);
 }
 
 void Operator::Release() {
@@ -40,8 +40,8 @@ void Operator::Release() {
     finger_.reset();
 }
 
-void Operator::Tap(POINT place, std::chrono::microseconds time) {
-    Press(place);
+void Operator::Tap(POINT position, std::chrono::microseconds time) {
+    Press(position);
     tapping_ = true;
     kernel::After(time, [this] {
         Release();

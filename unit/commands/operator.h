@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "control/command_table.h"
 #include "dvrsim/card_folders.h"
@@ -11,33 +12,34 @@
 
 namespace unit {
 
-// The engineer at the unit: eyes, one finger, and the cards that lie ready. Commands are followed
-// through it, whether they come from a scenario, the control socket or the panel. Hardware's
-// thread; must outlive a tap that it began, and be gone before the unit is.
+// The person at the unit: reads the screen, has one finger and a set of SD cards. Commands from
+// scenarios, the control socket and the panel are executed through it. Host thread; must outlive a
+// tap that it began, and be destroyed before the unit.
 class Operator {
   public:
-    // `image_card` is the folder that "card in" puts into the slot; one with an update image is
-    // made when it is empty.
+    // `image_card` is the folder that "card in" inserts; if empty, a card with an update image is
+    // made.
     Operator(VirtualUnit& unit, std::string image_card);
 
     VirtualUnit& unit() { return unit_; }
     const std::string& image_card() { return cards_.ImageCard(); }
-    // A card whose update image has that version, or that holds none; made once.
+    // A card whose update image has that version, or without an image; made once.
     const std::string& MakeCard(const std::optional<std::string>& image_version) {
         return cards_.Make(image_version);
     }
 
-    // Where a button is on the screen now, by its caption ("Next"), or the close button ("close").
+    // The position of a button on the screen, by its caption ("Next"), or of the close button
+    // ("close").
     std::optional<POINT> FindButton(const std::string& caption);
-    // The captions and other texts that stand on the screen, for a refusal that tells them.
-    std::string WhatStands();
+    // The texts on the screen, for a refusal.
+    std::string TextsOnScreen();
 
-    void Press(POINT place);
-    void MoveFinger(POINT place);
+    void Press(POINT position);
+    void MoveFinger(POINT position);
     void Release();
-    // Presses and, after that time, releases.
-    void Tap(POINT place, std::chrono::microseconds time);
-    // Whether the finger is in the middle of a tap; it finishes by itself.
+    // Presses, and releases after that time.
+    void Tap(POINT position, std::chrono::microseconds time);
+    // True during a tap; it ends by itself.
     bool busy() const { return tapping_; }
     bool finger_down() const { return finger_.has_value(); }
 
@@ -50,5 +52,9 @@ class Operator {
 
 using UnitTable = control::CommandTable<Operator>;
 using UnitRows = std::vector<UnitTable::Row>;
+
+// The command for a power request, and the request that such a line names.
+inline constexpr char kRequestPattern[] = "request suspend|resume|off";
+const PowerRequest& PowerRequestIn(const control::Values& values);
 
 }  // namespace unit

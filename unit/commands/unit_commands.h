@@ -4,7 +4,13 @@
 
 namespace unit {
 
-// Everything that can be done to a unit, one table for all who do it.
+// The commands of a unit, in one table for panel, scenarios and control socket.
 const UnitTable& UnitCommands();
+
+// Its rows by subject.
+UnitRows
+OperatorRows();        // tap, press, move, release, card, power, battery, wake, request, texts...
+UnitRows DvrRows();    // dvr, fault dvr, line
+UnitRows FaultRows();  // calls, fault
 
 }  // namespace unit

@@ -31,9 +31,6 @@ const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
         {"watch [frames|broadcasts|log|all]",
          "Tells what happens from now on: frames and broadcasts unless told.",
          &ControlServer::StartWatch},
-        {"request suspend|resume|off",
-         "Raises that power request to all applications and waits for the acknowledgement.",
-         &ControlServer::StartRequest},
         {"run [FILE]", "Follows the scenario that was sent along.", &ControlServer::StartRun},
         {"help", "Lists the commands.", &ControlServer::StartHelp},
         {"complete [TEXT...]", "Lists the plain words that may follow those words.",
@@ -65,6 +62,8 @@ const control::Grammar& ControlServer::AllCommands() {
 }
 
 void ControlServer::Follow(const UnitTable::Row& row, const Job& job) {
+    if (row.pattern == kRequestPattern)
+        return RaiseRequest(row, job);
     const Outcome outcome = row.execute(operator_, job.values);
     if (!outcome.done || !operator_.busy())
         return job.answer->End(outcome);
@@ -119,28 +118,23 @@ void ControlServer::StartRun(const Job& job) {
     });
 }
 
-void ControlServer::StartRequest(const Job& job) {
-    Post([this, job] { RaiseRequest(job); });
-}
-
-void ControlServer::RaiseRequest(const Job& job) {
-    const auto request = std::ranges::find_if(
-        PowerRequests(), [&](const PowerRequest& known) { return job.values.Chose(known.name); });
-    // Listens before the request is raised: the answer may come at once.
+void ControlServer::RaiseRequest(const UnitTable::Row& row, const Job& job) {
+    const PowerRequest& request = PowerRequestIn(job.values);
+    // Subscribes before the request is raised: the acknowledgement may come at once.
     const auto heard = std::make_shared<std::atomic<std::int64_t>>(kNotHeard);
     const auto listening =
         std::make_shared<EventHub::Subscription>(operator_.unit().events().Subscribe(
-            [heard, name = request->acknowledgement](const TimedEvent& timed) {
+            [heard, name = request.acknowledgement](const TimedEvent& timed) {
                 const auto* const posted = std::get_if<BroadcastPosted>(&timed.event);
                 if (posted && posted->name == name)
                     *heard = timed.time.count();
             }));
-    const Outcome raised = UnitCommands().Execute(operator_, job.request.line);
+    const Outcome raised = row.execute(operator_, job.values);
     if (!raised.done)
         return job.answer->End(raised);
     EndWhen(
         job.answer,
-        [heard, listening, name = std::string(request->name)]() -> std::optional<Outcome> {
+        [heard, listening, name = std::string(request.name)]() -> std::optional<Outcome> {
             if (*heard == kNotHeard)
                 return std::nullopt;
             return Done(UnitTimeText(std::chrono::microseconds(*heard)) + "  " + name +
@@ -156,9 +150,7 @@ void ControlServer::StartHelp(const Job& job) {
     for (const OwnCommand& command : OwnCommands())
         tell(command.pattern, command.help);
     for (const UnitTable::Row& row : UnitCommands().rows())
-        if (std::ranges::find(OwnCommands(), row.pattern, &OwnCommand::pattern) ==
-            OwnCommands().end())
-            tell(row.pattern, row.help);
+        tell(row.pattern, row.help);
     job.answer->End(Done());
 }
 

@@ -82,7 +82,6 @@ class ControlServer {
     void StartWatch(const Job& job);
     void StartRun(const Job& job);
     void StartState(const Job& job);
-    void StartRequest(const Job& job);
     void StartHelp(const Job& job);
     void StartComplete(const Job& job);
     void StartFindObject(const Job& job);
@@ -90,7 +89,7 @@ class ControlServer {
     void StartHasWindow(const Job& job);
     void StartBringForward(const Job& job);
     void Follow(const UnitTable::Row& row, const Job& job);
-    void RaiseRequest(const Job& job);
+    void RaiseRequest(const UnitTable::Row& row, const Job& job);
 
     Operator& operator_;
     const std::string name_;

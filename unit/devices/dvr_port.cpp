@@ -7,8 +7,8 @@ namespace unit {
 
 namespace kernel = platform::kernel;
 
-DvrPort::DvrPort(const Options& options, std::function<void(const std::string&)> say,
-                 LineTap::Listener bytes)
+DvrPort::DvrPort(const Options& options, std::shared_ptr<LineFaults> faults,
+                 std::function<void(const std::string&)> say, LineTap::Observer observer)
     : say_(std::move(say)) {
     if (options.line == Line::kMemory || options.line == Line::kPseudoTerminal) {
         dvrsim::Host& host = *this;
@@ -18,7 +18,7 @@ DvrPort::DvrPort(const Options& options, std::function<void(const std::string&)>
         reset_command_ =
             std::make_unique<HostCommand>("the reset command", options.reset_command, say_);
     if (auto line = MakeLine(options))
-        tap_ = std::make_shared<LineTap>(std::move(line), faults_, std::move(bytes));
+        tap_ = std::make_shared<LineTap>(std::move(line), std::move(faults), std::move(observer));
 }
 
 DvrPort::~DvrPort() = default;
@@ -61,7 +61,7 @@ void DvrPort::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
 }
 
 void DvrPort::Receive(std::span<const std::uint8_t> bytes) {
-    // Those that were still on the wire when the plug was pulled are lost.
+    // Bytes that are on the wire when the plug is pulled are lost.
     if (plugged_)
         dvr_->Receive(bytes);
 }

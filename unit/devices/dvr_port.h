@@ -13,8 +13,8 @@
 
 namespace unit {
 
-// Where the DVR is attached: the simulated one on a memory line or behind a pseudo-terminal, a real
-// one on a tty of the host, or none. All on the hardware's thread, while the platform is booted.
+// The DVR port: the simulated DVR on a memory line or behind a pseudo-terminal, a real one on a tty
+// of the host, or nothing. Host thread, while the platform is booted.
 class DvrPort final : private dvrsim::Host {
   public:
     enum class Line { kMemory, kPseudoTerminal, kTty, kNone };
@@ -23,33 +23,32 @@ class DvrPort final : private dvrsim::Host {
         Line line = Line::kMemory;
         // For kTty.
         std::string tty;
-        // The host's command line that resets the DVR there; the operator is told to when empty.
+        // The host's command line that resets that DVR; if empty, the operator is asked to.
         std::string reset_command;
         dvrsim::Options dvr;
     };
 
-    // `bytes` hears the line as the program does; see LineTap.
-    DvrPort(const Options& options, std::function<void(const std::string&)> say,
-            LineTap::Listener bytes = {});
+    // `say` is given one line for the operator. `observer` sees the line as the program does; see
+    // LineTap.
+    DvrPort(const Options& options, std::shared_ptr<LineFaults> faults,
+            std::function<void(const std::string&)> say, LineTap::Observer observer);
     ~DvrPort() override;
 
-    // What the serial driver of "COM9:" drives; null when there is no DVR, or the host gave
-    // no pseudo-terminal.
+    // The line of the serial driver "COM9:"; null without a DVR, or when the host has no
+    // pseudo-terminal left.
     std::shared_ptr<platform::device::SerialLine> line() const { return tap_; }
 
-    // The simulated DVR, or null when another or none is attached.
+    // The simulated DVR, or null.
     dvrsim::Dvr* dvr() { return dvr_.get(); }
 
-    // The reset wire: resets the simulated DVR; for a real one the reset command is run, or the
-    // operator is told to.
+    // The reset wire: resets the simulated DVR, or runs the reset command of a real one, or asks
+    // the operator.
     void Reset();
 
-    // The faults of the line, simulated or real. Any thread.
-    LineFaults& faults() { return *faults_; }
-    // Puts bytes on the line beside what its ends send.
+    // Puts bytes on the line as if its other end had sent them.
     void Inject(Direction direction, std::span<const std::uint8_t> bytes);
 
-    // Pulls the DVR's serial plug or puts it back.
+    // Pulls out the DVR's serial plug, or plugs it in.
     void SetPlugged(bool plugged);
     bool plugged() const { return plugged_; }
 
@@ -65,7 +64,6 @@ class DvrPort final : private dvrsim::Host {
 
     const std::function<void(const std::string&)> say_;
     std::shared_ptr<MemoryLine> memory_line_;
-    const std::shared_ptr<LineFaults> faults_ = std::make_shared<LineFaults>();
     std::shared_ptr<LineTap> tap_;
     std::unique_ptr<dvrsim::Dvr> dvr_;
     std::unique_ptr<PtyPeer> pty_;

@@ -13,7 +13,7 @@ struct Range {
     std::size_t end;
 
     bool Holds(const ByteSlot& slot) const {
-        return slot.place && *slot.place >= first && *slot.place < end;
+        return slot.offset && *slot.offset >= first && *slot.offset < end;
     }
 };
 

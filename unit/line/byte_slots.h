@@ -10,29 +10,29 @@
 
 namespace unit {
 
-// A byte on its way through the rules.
+// A byte while the fault rules are applied to it.
 struct ByteSlot {
     std::uint8_t value;
-    // Where it stood in the frame that it came with; empty for bytes of no frame.
-    std::optional<std::size_t> place;
-    std::chrono::microseconds delay{};  // at least so long after its arrival
+    // Its offset in the frame that it arrived in; empty outside frames and for injected bytes.
+    std::optional<std::size_t> offset;
+    std::chrono::microseconds delay{};  // minimum, from its arrival
     std::chrono::microseconds pause{};  // after the byte before it
 };
 using ByteSlots = std::vector<ByteSlot>;
 
-// What bytes that come together become at most; the rest is lost. Rules that double, one after the
-// other, would not end otherwise.
+// Maximum output for each input chunk; the rest is lost. Guards against rules that double each
+// other's output.
 inline constexpr std::size_t kMaxSlots = std::size_t{16} * 1024;
 
 ByteSlots SlotsOf(std::span<const std::uint8_t> bytes, bool frame);
 
-// Whether the rule's part is there in a frame of `frame_size` bytes, of which some have been
-// faulted already.
+// True when a frame of `frame_size` bytes, after the rules applied so far, still has bytes of the
+// rule's part.
 bool HasPart(const FaultRule& rule, const ByteSlots& slots, std::size_t frame_size);
 
-// Does to the rule's part of a frame what the rule says.
+// Applies the rule to its part of a frame.
 void FaultFrame(const FaultRule& rule, ByteSlots& slots, std::size_t frame_size);
-// The same for one byte: what comes in its place.
+// Applies the rule to one byte and returns its replacement.
 ByteSlots FaultByte(const FaultRule& rule, const ByteSlot& slot);
 
 }  // namespace unit

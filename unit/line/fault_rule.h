@@ -15,34 +15,34 @@ namespace unit {
 
 enum class FramePart { kWhole, kSync, kType, kCode, kLength, kPayload, kChecksum };
 
-// Which frames a rule is about; what is left open matches all.
+// Which frames a rule applies to; an empty member matches all.
 struct FrameFilter {
     std::optional<std::uint16_t> command;  // its number, without the query bit
     std::optional<dvrsim::FrameType> type;
     std::optional<bool> query;
 
-    // `frame` is whole and undamaged.
+    // `frame` is complete and its checksum matches.
     bool Matches(std::span<const std::uint8_t> frame) const;
     bool operator==(const FrameFilter&) const = default;
 };
 
-// One fault of the line: what happens, to what, and how often.
+// One fault of the line: the action, its target and how often it applies.
 struct FaultRule {
     enum class Action {
         kDrop,
         kCorrupt,    // by xor with `bytes`, or by `bytes` as new values; repeated as needed
         kDuplicate,  // twice in a row
-        kDelay,      // by `duration` after its arrival; what follows keeps its place behind it
+        kDelay,      // by `duration` from its arrival; later bytes stay behind it
         kSplit,      // a pause of `duration` before the part, or in the middle of a whole frame
-        kInject,     // `bytes` before it or after it
+        kInject,     // `bytes` before or after it
     };
 
     Action action = Action::kDrop;
     bool to_unit = true;
     bool to_dvr = true;
 
-    // Empty: every single byte. Otherwise the part of these frames, or that one byte of the part;
-    // a frame that has no such part is no match.
+    // Empty: every byte. Otherwise the part of these frames, or one byte of the part; a frame
+    // without that part is no match.
     std::optional<FrameFilter> frames;
     FramePart part = FramePart::kWhole;
     std::optional<std::size_t> index;
@@ -52,15 +52,15 @@ struct FaultRule {
     bool after = false;     // kInject
     std::chrono::microseconds duration{};
 
-    // Of the matches: those after the first `skip`, of them every `every`-th, of them those that
-    // chance picks, of them the first `times`.
+    // Filters the matches in this order: after the first `skip`, every `every`-th, by chance, the
+    // first `times`.
     std::uint64_t skip = 0;
     std::uint64_t every = 1;
     double chance_percent = 100;
     std::uint32_t seed = 1;
     std::optional<std::uint64_t> times;
 
-    bool Concerns(Direction direction) const {
+    bool AppliesTo(Direction direction) const {
         return direction == Direction::kToUnit ? to_unit : to_dvr;
     }
     bool operator==(const FaultRule&) const = default;

@@ -10,7 +10,7 @@
 
 namespace unit {
 
-// How a fault rule is written:
+// The syntax of fault rules:
 //
 //     corrupt checksum of FW_Upgrade_Version indications to-unit
 //     drop bytes chance 1 seed 7
@@ -23,11 +23,11 @@ struct FaultPattern {
 };
 std::span<const FaultPattern> FaultPatterns();
 
-// The rule that a line of one of the patterns stands for. Empty with one line in `problem` when it
-// makes no sense.
+// Reads the rule from a line that matches one of the patterns. Empty, with one line in `problem`,
+// when the rule is meaningless.
 std::optional<FaultRule> ReadFaultRule(const control::Values& values, std::string& problem);
 
-// Reads the whole text, and says likewise what is wrong with it.
+// Reads a rule from text; empty, with one line in `problem`, when there is none.
 std::optional<FaultRule> ParseFaultRule(std::string_view text, std::string& problem);
 
 // The text that ParseFaultRule reads as this rule.

@@ -12,14 +12,14 @@
 
 namespace unit {
 
-// Something that passed on the line: a frame, whole or damaged, or a run of bytes of no frame.
+// What passed on the line: a frame, damaged or not, or a run of stray bytes.
 struct LineEntry {
-    std::chrono::microseconds time;  // of the unit, when its last byte came
+    std::chrono::microseconds time;  // unit time of its last byte
     Direction direction;
     Segment::Kind kind;
-    std::vector<std::uint8_t> bytes;  // as they passed
+    std::vector<std::uint8_t> bytes;
 
-    // Of a frame, whole or damaged.
+    // Only for frames, damaged or not.
     std::uint8_t type() const { return bytes[2]; }
     std::uint16_t code() const { return BigEndianAt(bytes, 3); }
     std::uint16_t command() const;  // its number, without the query bit
@@ -32,18 +32,18 @@ struct LineEntry {
     std::string Text() const;
 };
 
-// Turns the bytes of one direction into entries. It sees them as the program's parser does (see
-// FrameSplitter), and hides nothing. Not locked.
+// Turns the bytes of one direction into entries, split as FrameSplitter does; drops no byte. Not
+// locked.
 class FrameMonitor {
   public:
     explicit FrameMonitor(Direction direction) : direction_(direction) {}
 
-    // The entries that these bytes end, in order.
+    // Returns the entries that these bytes complete, in order.
     std::vector<LineEntry> Take(std::chrono::microseconds time,
                                 std::span<const std::uint8_t> bytes);
 
   private:
-    // The run of stray bytes that has ended because nothing came for 50 ms.
+    // Returns the run of stray bytes that ended because no byte came for 50 ms.
     std::optional<LineEntry> Settle(std::chrono::microseconds now);
     std::optional<LineEntry> EndStray();
 
@@ -53,7 +53,7 @@ class FrameMonitor {
     std::chrono::microseconds stray_time_{};
 };
 
-// The same for both directions.
+// A FrameMonitor for each direction.
 class LineMonitor {
   public:
     std::vector<LineEntry> Take(std::chrono::microseconds time, const LineBytes& chunk) {

@@ -12,31 +12,31 @@ namespace unit {
 inline constexpr std::size_t kFrameHeaderBytes = 7;
 inline constexpr std::size_t kFrameChecksumBytes = 2;
 
-// Bytes of one chunk follow each other more closely than this.
+// A gap of this length ends a run of stray bytes and gives up a frame that a fault rule holds.
 inline constexpr std::chrono::milliseconds kMaxGapInFrame{50};
 
-// A chunk of the line's byte stream.
+// A part of the line's byte stream.
 struct Segment {
     enum class Kind {
-        kFrame,    // whole, its checksum matches
+        kFrame,    // complete, and its checksum matches
         kDamaged,  // the checksum does not match, or (header only) the length is impossible
-        kStray,    // bytes that no frame begins with
+        kStray,    // bytes outside frames
     };
     Kind kind;
     std::vector<std::uint8_t> bytes;
 };
 
-// Cuts a byte stream into frames and what lies between them, just as the program's parser sees it:
-// after a damaged frame the search goes on behind its last byte, and a frame that has begun waits
-// for its rest however long. Not locked.
+// Splits a byte stream into frames and the bytes between them, exactly as the program's parser
+// does: after a damaged frame the search continues behind its last byte, and an incomplete frame
+// waits for the rest without a time limit. Not locked.
 class FrameSplitter {
   public:
-    // The chunk that this byte finishes, if it does.
+    // Returns the segment that this byte completes, if any.
     std::optional<Segment> Take(std::uint8_t byte);
 
-    // The bytes of a frame that has begun.
+    // The bytes of an incomplete frame.
     const std::vector<std::uint8_t>& held() const { return held_; }
-    // Gives up waiting for its rest.
+    // Returns and drops them.
     std::vector<std::uint8_t> GiveUp();
 
   private:
@@ -45,9 +45,9 @@ class FrameSplitter {
     std::vector<std::uint8_t> held_;
 };
 
-// Of a frame's bytes in wire order.
+// Reads from a frame's bytes in wire order.
 std::uint16_t BigEndianAt(std::span<const std::uint8_t> bytes, std::size_t offset);
-// What the checksum of those bytes, checksum not included, must be.
+// The checksum for a frame's bytes without the checksum.
 std::uint16_t ChecksumOf(std::span<const std::uint8_t> bytes);
 
 }  // namespace unit

@@ -10,8 +10,8 @@
 namespace unit {
 namespace {
 
-// Of bytes that come together; ever more rules could apply to each.
-constexpr std::size_t kMostTold = 10'000;
+// For each input chunk.
+constexpr std::size_t kMaxReports = 10'000;
 
 }  // namespace
 
@@ -43,21 +43,21 @@ std::vector<LineFaults::Entry> LineFaults::List() const {
     return entries;
 }
 
-bool LineFaults::Concern(Direction direction) const {
+bool LineFaults::ApplyTo(Direction direction) const {
     const std::scoped_lock lock(mutex_);
     return std::ranges::any_of(rules_, [direction](const Active& active) {
-        return active.entry.rule.Concerns(direction);
+        return active.entry.rule.AppliesTo(direction);
     });
 }
 
-bool LineFaults::WantFrames(Direction direction) const {
+bool LineFaults::NeedFrames(Direction direction) const {
     const std::scoped_lock lock(mutex_);
     return std::ranges::any_of(rules_, [direction](const Active& active) {
-        return active.entry.rule.frames && active.entry.rule.Concerns(direction);
+        return active.entry.rule.frames && active.entry.rule.AppliesTo(direction);
     });
 }
 
-// Whether this match is one to fault.
+// Counts a match and returns whether the rule applies to it.
 bool LineFaults::Active::Fires() {
     const FaultRule& rule = entry.rule;
     const std::uint64_t match = ++entry.matches;
@@ -66,7 +66,7 @@ bool LineFaults::Active::Fires() {
     if (rule.times && entry.applied >= *rule.times)
         return false;
     constexpr double kAllNumbers = 4294967296.0;
-    // Not a distribution of the library: those may give other numbers elsewhere.
+    // Not a library distribution: their numbers differ between implementations.
     if (rule.chance_percent < 100 &&
         static_cast<double>(random()) >= kAllNumbers * rule.chance_percent / 100)
         return false;
@@ -74,9 +74,9 @@ bool LineFaults::Active::Fires() {
     return true;
 }
 
-void LineFaults::Tell(const Entry& entry, const std::string& what,
-                      std::vector<std::string>& lines) const {
-    if (hear_ && lines.size() < kMostTold)
+void LineFaults::Report(const Entry& entry, const std::string& what,
+                        std::vector<std::string>& lines) const {
+    if (report_ && lines.size() < kMaxReports)
         lines.push_back("fault " + std::to_string(entry.number) + " (" + ToText(entry.rule) +
                         "): " + what + ", " + std::to_string(entry.applied) + " so far");
 }
@@ -92,7 +92,7 @@ void LineFaults::ApplyToBytes(Active& active, ByteSlots& slots,
             continue;
         }
         const std::uint8_t value[] = {slot.value};
-        Tell(active.entry, "byte " + HexText(value), lines);
+        Report(active.entry, "byte " + HexText(value), lines);
         const ByteSlots faulted = FaultByte(active.entry.rule, slot);
         result.insert(result.end(), faulted.begin(), faulted.end());
     }
@@ -106,7 +106,7 @@ ByteSlots LineFaults::Apply(Direction direction, std::span<const std::uint8_t> b
         const std::scoped_lock lock(mutex_);
         for (Active& active : rules_) {
             const FaultRule& rule = active.entry.rule;
-            if (!rule.Concerns(direction))
+            if (!rule.AppliesTo(direction))
                 continue;
             if (!rule.frames) {
                 ApplyToBytes(active, slots, lines);
@@ -115,12 +115,12 @@ ByteSlots LineFaults::Apply(Direction direction, std::span<const std::uint8_t> b
             if (!frame || !rule.frames->Matches(bytes) || !HasPart(rule, slots, bytes.size()) ||
                 !active.Fires())
                 continue;
-            Tell(active.entry, FrameName(bytes), lines);
+            Report(active.entry, FrameName(bytes), lines);
             FaultFrame(rule, slots, bytes.size());
         }
     }
     for (const std::string& line : lines)
-        hear_(line);
+        report_(line);
     return slots;
 }
 

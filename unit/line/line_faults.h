@@ -13,11 +13,11 @@
 
 namespace unit {
 
-// The faults of a serial line: rules that apply in the order in which they were added, each to what
-// the ones before it left. Any thread.
+// The faults of a serial line. Rules apply in the order in which they were added, each to the
+// output of the one before. Any thread.
 class LineFaults {
   public:
-    // The number that the rule goes by from now on; never given twice.
+    // Returns the rule's number, which is never used again.
     int Add(FaultRule rule);
     // False when there is no such rule.
     bool Remove(int number);
@@ -26,20 +26,20 @@ class LineFaults {
     struct Entry {
         int number;
         FaultRule rule;
-        std::uint64_t matches;  // what the rule is about came so often
-        std::uint64_t applied;  // and was faulted so often
+        std::uint64_t matches;
+        std::uint64_t applied;  // of the matches
     };
     std::vector<Entry> List() const;
 
-    // Hears one line for every fault as it is applied. Called on any thread, without locks of the
-    // kernel; it must not call the line. Set before the line is used.
-    void OnApplied(std::function<void(const std::string&)> hear) { hear_ = std::move(hear); }
+    // `report` is given one line for each fault that is applied, on any thread, without the
+    // kernel's lock; it must not call the line. Set before the line is used.
+    void OnApplied(std::function<void(const std::string&)> report) { report_ = std::move(report); }
 
-    // For the tap in the line.
-    bool Concern(Direction direction) const;
-    // Whether a rule needs to know where frames begin and end.
-    bool WantFrames(Direction direction) const;
-    // What the bytes become: a whole undamaged frame, or bytes of none.
+    // For the tap. True when a rule applies to this direction.
+    bool ApplyTo(Direction direction) const;
+    // True when a rule applies to frames of this direction.
+    bool NeedFrames(Direction direction) const;
+    // Applies the rules to a complete undamaged frame, or to bytes outside frames.
     ByteSlots Apply(Direction direction, std::span<const std::uint8_t> bytes, bool frame);
 
   private:
@@ -51,12 +51,12 @@ class LineFaults {
     };
 
     void ApplyToBytes(Active& active, ByteSlots& slots, std::vector<std::string>& lines) const;
-    void Tell(const Entry& entry, const std::string& what, std::vector<std::string>& lines) const;
+    void Report(const Entry& entry, const std::string& what, std::vector<std::string>& lines) const;
 
     mutable std::mutex mutex_;
     std::vector<Active> rules_;
     int last_number_ = 0;
-    std::function<void(const std::string&)> hear_;
+    std::function<void(const std::string&)> report_;
 };
 
 }  // namespace unit

@@ -11,19 +11,19 @@ namespace kernel = platform::kernel;
 
 namespace {
 
-// On their way in one direction, as a fault holds them back; more are lost.
-constexpr std::size_t kMostWaiting = std::size_t{256} * 1024;
+// Bytes of one direction that faults delay; more are lost.
+constexpr std::size_t kMaxWaiting = std::size_t{256} * 1024;
 
 }  // namespace
 
 LineTap::LineTap(std::shared_ptr<SerialLine> line, std::shared_ptr<LineFaults> faults,
-                 Listener listener)
-    : line_(std::move(line)), faults_(std::move(faults)), listener_(std::move(listener)) {
+                 Observer observer)
+    : line_(std::move(line)), faults_(std::move(faults)), observer_(std::move(observer)) {
     line_->OnWritable([this] { Writable(); });
 }
 
 LineTap::~LineTap() {
-    // Its reader calls this object.
+    // The line's reader calls this object.
     line_->Close();
 }
 
@@ -31,7 +31,7 @@ void LineTap::SetPlugged(bool plugged) {
     const std::scoped_lock lock(mutex_);
     plugged_ = plugged;
     if (!plugged)
-        Forget();
+        DropWaiting();
 }
 
 void LineTap::Inject(Direction direction, std::span<const std::uint8_t> bytes) {
@@ -59,14 +59,13 @@ void LineTap::Close() {
     {
         const std::scoped_lock lock(mutex_);
         port_ = nullptr;
-        Forget();
+        DropWaiting();
     }
-    // Without the lock: the line's reader, which this waits for, may want it.
+    // Without the lock: Close waits for the line's reader, which may wait for the lock.
     line_->Close();
 }
 
-// Everything that is on its way.
-void LineTap::Forget() {
+void LineTap::DropWaiting() {
     full_ = false;
     for (Channel* channel : {&to_unit_, &to_dvr_}) {
         channel->splitter.GiveUp();
@@ -92,15 +91,15 @@ void LineTap::Arrive(std::span<const std::uint8_t> bytes) {
         Pass(to_unit_, bytes);
         return;
     }
-    if (listener_)
-        listener_(Direction::kToUnit, bytes);
+    if (observer_)
+        observer_(Direction::kToUnit, bytes);
     port_(bytes);
 }
 
-// Nothing delays or changes what comes now.
+// True when nothing delays or changes the bytes that come now.
 bool LineTap::IsFree(const Channel& channel) const {
     return channel.waiting.empty() && channel.splitter.held().empty() &&
-           !faults_->Concern(channel.direction);
+           !faults_->ApplyTo(channel.direction);
 }
 
 std::size_t LineTap::Transmit(std::span<const std::uint8_t> bytes) {
@@ -109,11 +108,11 @@ std::size_t LineTap::Transmit(std::span<const std::uint8_t> bytes) {
     if (full_)
         return 0;
     const bool free = IsFree(to_dvr_);
-    // The port itself waits until the line is writable when nothing is in between.
+    // The port waits until the line is writable; the tap does so only for bytes that it holds.
     if (plugged_ && free)
         taken = line_->Transmit(bytes);
-    if (listener_ && taken > 0)
-        listener_(Direction::kToDvr, bytes.first(taken));
+    if (observer_ && taken > 0)
+        observer_(Direction::kToDvr, bytes.first(taken));
     if (plugged_ && !free)
         Pass(to_dvr_, bytes);
     return taken;
@@ -139,7 +138,7 @@ void LineTap::Writable() {
 
 void LineTap::Pass(Channel& channel, std::span<const std::uint8_t> bytes) {
     channel.last_arrival = kernel::Now();
-    if (faults_->WantFrames(channel.direction)) {
+    if (faults_->NeedFrames(channel.direction)) {
         for (const std::uint8_t byte : bytes)
             if (const auto segment = channel.splitter.Take(byte))
                 PassSegment(channel, segment->bytes, segment->kind == Segment::Kind::kFrame);
@@ -157,7 +156,7 @@ void LineTap::PassSegment(Channel& channel, std::span<const std::uint8_t> bytes,
 
 void LineTap::Queue(Channel& channel, const ByteSlots& slots) {
     for (const ByteSlot& slot : slots) {
-        if (channel.waiting_bytes == kMostWaiting)
+        if (channel.waiting_bytes == kMaxWaiting)
             return;
         ++channel.waiting_bytes;
         const kernel::Time due =
@@ -175,14 +174,14 @@ void LineTap::Release(Channel& channel) {
             return;
         channel.waiting.pop_front();
     }
-    LookAgain(channel);
+    ScheduleCheck(channel);
 }
 
 // False when the line is full before the end of the chunk.
 bool LineTap::Deliver(Channel& channel, Chunk& chunk) {
     if (channel.direction == Direction::kToUnit) {
-        if (listener_)
-            listener_(Direction::kToUnit, chunk.bytes);
+        if (observer_)
+            observer_(Direction::kToUnit, chunk.bytes);
         channel.waiting_bytes -= chunk.bytes.size();
         port_(chunk.bytes);
         return true;
@@ -197,8 +196,8 @@ bool LineTap::Deliver(Channel& channel, Chunk& chunk) {
     return !full_;
 }
 
-// Sees to it that the hardware comes by when something is due.
-void LineTap::LookAgain(Channel& channel) {
+// Schedules a check for when something is due.
+void LineTap::ScheduleCheck(Channel& channel) {
     kernel::Time due = channel.waiting.empty() ? kernel::kNever : channel.waiting.front().due;
     if (!channel.splitter.held().empty())
         due = std::min(due, channel.last_arrival + kMaxGapInFrame);

@@ -16,31 +16,30 @@
 
 namespace unit {
 
-// A plug in the middle of a serial line, of any kind: everything between the program's port and the
-// line passes through here, in both directions, and can be listened to, faulted and cut off. Any
-// thread.
+// Sits between the program's port and a line of any kind: observes the bytes of both directions,
+// applies faults and pulls the plug. Any thread.
 //
 // Without faults a chunk passes at once, on the thread that brings it. A rule about frames holds
-// the beginning of a frame back until its rest has come, or 50 ms have passed without another byte.
-// What a fault delays is delivered by the hardware's thread, and is lost when the port closes or
-// the plug is pulled meanwhile. The faults add no wire time of their own.
+// the start of a frame until the rest arrives, or until 50 ms pass without a byte. The host thread
+// delivers what a fault delays; it is lost when the port closes or the plug is pulled before.
+// Faults add no wire time.
 class LineTap final : public platform::device::SerialLine,
                       public std::enable_shared_from_this<LineTap> {
   public:
-    // Hears what the program is given, after the faults, and what it sends, before them, in the
-    // order of the line. Called on any thread with the tap's lock held, never with the kernel's: it
-    // must not call the tap.
-    using Listener = std::function<void(Direction, std::span<const std::uint8_t>)>;
+    // Sees what the program receives, after the faults, and what it sends, before them, in the
+    // order of the line. Called on any thread with the tap's lock, without the kernel's: it must
+    // not call the tap.
+    using Observer = std::function<void(Direction, std::span<const std::uint8_t>)>;
 
     LineTap(std::shared_ptr<SerialLine> line, std::shared_ptr<LineFaults> faults,
-            Listener listener);
+            Observer observer);
     ~LineTap() override;
 
-    // Pulls the plug or puts it back. While it is out, nothing passes; what the program sends then
-    // is heard here and lost.
+    // Pulls out the plug or plugs it in. While it is out, nothing passes; what the program sends is
+    // observed and lost.
     void SetPlugged(bool plugged);
 
-    // Puts bytes on the line as if its other end had sent them now; no rule applies to them.
+    // Puts bytes on the line as if its other end had sent them now; no fault applies to them.
     void Inject(Direction direction, std::span<const std::uint8_t> bytes);
 
     DWORD Open(Receiver receiver) override;
@@ -63,10 +62,10 @@ class LineTap final : public platform::device::SerialLine,
         const Direction direction;
         FrameSplitter splitter;
         platform::kernel::Time last_arrival{};
-        std::deque<Chunk> waiting;  // in order of time
+        std::deque<Chunk> waiting;  // by due time
         std::size_t waiting_bytes = 0;
         platform::kernel::Time last_due{};
-        // When the hardware looks next, for `waiting` or for bytes held back too long.
+        // When `waiting` and the held bytes are checked next.
         platform::kernel::Time alarm = platform::kernel::kNever;
     };
 
@@ -84,19 +83,19 @@ class LineTap final : public platform::device::SerialLine,
     void Queue(Channel& channel, const ByteSlots& slots);
     void Release(Channel& channel);
     bool Deliver(Channel& channel, Chunk& chunk);
-    void LookAgain(Channel& channel);
-    void Forget();
+    void ScheduleCheck(Channel& channel);
+    void DropWaiting();
 
     const std::shared_ptr<SerialLine> line_;
     const std::shared_ptr<LineFaults> faults_;
-    const Listener listener_;
-    // Guards what follows, and keeps the chunks of a direction in order; the kernel lock may be
-    // taken under it, never the other way round.
+    const Observer observer_;
+    // Guards the members below and keeps the chunks of a direction in order. Taken before the
+    // kernel lock, never after it.
     std::mutex mutex_;
     Receiver port_;
     std::function<void()> on_writable_;
     bool plugged_ = true;
-    // The line took less than it was given and has not become writable since.
+    // The line refused bytes and has not become writable since.
     bool full_ = false;
     Channel to_unit_{Direction::kToUnit};
     Channel to_dvr_{Direction::kToDvr};

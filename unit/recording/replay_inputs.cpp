@@ -68,9 +68,9 @@ void ReplayInputs::Add(const Input& when, const Moment& moment) {
                 add({}, [&] { unit.WakeUp(); });
         } else if constexpr (std::is_same_v<Kind, BoardFaultSwitched>) {
             if (input.fault == BoardFaultSwitched::Fault::kHalRefuses)
-                add({}, [&] { unit.SetHalRefuses(input.on); });
+                add({}, [&] { unit.faults().SetHalRefuses(input.on); });
             else
-                add({}, [&] { unit.SetBatteryDriverFails(input.on); });
+                add({}, [&] { unit.faults().SetBatteryDriverFails(input.on); });
         } else if constexpr (std::is_same_v<Kind, ClockJumped>) {
             add({}, [&] { unit.JumpClock(input.forward); });
         } else if constexpr (std::is_same_v<Kind, PowerRequested>) {

@@ -173,7 +173,7 @@ void ScenarioRun::Fail(const std::string& why) {
     const bool behind = position_ == scenario_.steps.size();
     const Step& step = scenario_.steps[behind ? position_ - 1 : position_];
     problem_ = step.Place() + ": " + step.text + ": " + why + "\n    on the screen stand " +
-               stage_.op.WhatStands();
+               stage_.op.TextsOnScreen();
     Finish();
     if (!stage_.out.empty())
         problem_ += "\n    " + SaveFailure(stage_, problem_);

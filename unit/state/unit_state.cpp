@@ -99,9 +99,9 @@ Json PowerState(VirtualUnit& unit) {
             {"suspended", unit.suspended()}};
 }
 
-Json LineFaultsNow(DvrPort& port) {
+Json LineFaultsNow(LineFaults& faults) {
     Json list = Json::array();
-    for (const LineFaults::Entry& entry : port.faults().List())
+    for (const LineFaults::Entry& entry : faults.List())
         list.push_back({{"number", entry.number},
                         {"rule", ToText(entry.rule)},
                         {"applied", entry.applied},
@@ -111,7 +111,7 @@ Json LineFaultsNow(DvrPort& port) {
 
 Json CallFaultsNow() {
     Json list = Json::array();
-    for (const kernel::CallFault& fault : kernel::PendingCallFaults())
+    for (const kernel::CallFault& fault : Faults::calls())
         list.push_back({{"call", fault.call}, {"skip", fault.skip}, {"times", fault.times}});
     return list;
 }
@@ -127,8 +127,8 @@ std::string StateJson(VirtualUnit& unit) {
                         {"scaler", ScalerNow(unit.scaler())},
                         {"power", PowerState(unit)},
                         {"faults",
-                         {{"drivers", unit.drivers().Faults()},
-                          {"line", LineFaultsNow(unit.dvr())},
+                         {{"list", unit.faults().List()},
+                          {"line", LineFaultsNow(unit.faults().line())},
                           {"calls", CallFaultsNow()}}}};
     // Texts come from anywhere, the DVR included: what is no UTF-8 is replaced, not fatal.
     return state.dump(2, ' ', false, Json::error_handler_t::replace);

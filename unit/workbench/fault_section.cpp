@@ -73,7 +73,7 @@ void FaultSection::DrawLine(PanelContext& context) {
          {"Delay acknowledgements", "fault line delay 500ms acknowledgements"},
          {"Duplicate indications", "fault line duplicate indications"},
          {"Clear", "fault line clear"}});
-    for (const LineFaults::Entry& entry : context.unit.dvr().faults().List()) {
+    for (const LineFaults::Entry& entry : context.unit.faults().line().List()) {
         ImGui::PushID(entry.number);
         RowLabel(context, "");
         CommandButton(context, "x", "fault line clear " + std::to_string(entry.number));
@@ -102,13 +102,14 @@ void FaultSection::DrawDrivers(PanelContext& context) {
                              {"Late", fault + "late 5s"},
                              {"Refuses", fault + "refuses"},
                              {"Loaded", fault + "loaded"}});
-    for (const std::string& line : context.unit.drivers().Faults())
-        Field(context, "", line, color::kWarning);
     RowLabel(context, "HAL");
     CommandButtons(context, {{"Refuses", "fault hal refuses"}, {"Works", "fault hal works"}});
     RowLabel(context, "Battery driver");
     CommandButtons(context, {{"Fails", "fault battery-driver fails"},
                              {"Works", "fault battery-driver works"}});
+    for (const std::string& command : context.unit.faults().List())
+        if (!command.starts_with("fault line ") && !command.starts_with("fault dvr "))
+            Field(context, "", command, color::kWarning);
 }
 
 void FaultSection::DrawCalls(PanelContext& context) {
