@@ -62,7 +62,7 @@ void CloseDevice() {
     g_hScalerDevice = nullptr;
 }
 
-// Returns the attempt's last error: 0, or whatever the driver left there, on success.
+// Returns the attempt's last error, which a driver may set in a success too.
 DWORD OpenDevice() {
     CloseDevice();
     SetLastError(ERROR_SUCCESS);

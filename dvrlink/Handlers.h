@@ -9,8 +9,8 @@
 // and the progress of an update to the wizard.
 using Handler = void(DvrFrame frame);
 
-// The first part of a handler: logs the command, and whether it answers a query. FALSE, with a log
-// line, when the frame is not of the handler's type.
+// The first part of a handler: logs the command, and whether it is a query. FALSE, with a log line,
+// when the frame is not of the handler's type.
 BOOL AcceptFrame(const DvrFrame& frame, FrameType type, const char* handler);
 
 #define DVR_HANDLER_PLAIN(handler, type)    \

@@ -1,4 +1,4 @@
-// The frames on their way out and in: building, sending, the sum, the parser.
+// Frames: building, sending, the sum, the parser.
 #include <algorithm>
 #include <iterator>
 #include <numeric>

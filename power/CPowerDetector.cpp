@@ -28,7 +28,7 @@ constexpr DWORD kRetryMilliseconds = 100;
 
 constexpr int kWakeAttempts = 100;
 constexpr DWORD kWakeInterval = 10;
-// For a thread that could not be woken but may have ended of itself.
+// For a thread that could not be woken; it may end for another reason.
 constexpr DWORD kUnwokenThreadLimit = 1000;
 
 UINT RegisterMessage(const wchar_t* name, LogSource source = std::source_location::current()) {
@@ -271,14 +271,14 @@ void CPowerDetector::BroadcastPowerStatus() {
 
 DWORD CPowerDetector::ThreadProc_PowerCommonCtrl() {
     LogEntry(kCommonCtrl);
-    // In the order of answering: of several requests at once, a wait reports the first.
+    // Of several requests at once a wait reports the first.
     const struct {
         HANDLE event;
         UINT acknowledge;
     } requests[] = {{m_hPowerSuspendRequest, m_uMsgSuspendAck},
                     {m_hPowerResumeRequest, m_uMsgResumeAck},
                     {m_hPowerOffRequest, m_uMsgOffAck}};
-    // One missing event would fail every wait.
+    // A missing event is left out: every wait would fail.
     HANDLE waits[std::size(requests) + 1] = {};
     UINT acknowledges[std::size(requests)] = {};
     DWORD count = 0;

@@ -1,6 +1,6 @@
 #include "res/program_resources.h"
 
-// Where program_resources.S puts the compiled resources.
+// Defined in program_resources.S.
 extern "C" const std::byte tolvane_resources_begin[];
 extern "C" const std::byte tolvane_resources_end[];
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Names of the program's resources; read by the resource compiler too.
+// The program's resources. The resource compiler reads this header too.
 #define IDR_MAINFRAME 128
 #define IDD_NOTIFY 130
 #define IDB_CLOSE 202

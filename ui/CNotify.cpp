@@ -9,7 +9,7 @@
 
 namespace {
 
-// The lines that the failure lines name.
+// The fixed line numbers of the failure lines.
 constexpr LogSource kLoadImageSource("CNotify.cpp", 45);
 constexpr LogSource kMemoryDCSource("CNotify.cpp", 138);
 constexpr LogSource kBitmapSource("CNotify.cpp", 140);
@@ -139,7 +139,7 @@ LRESULT CNotify::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
     return 0;
 }
 
-// A frame that has begun to close is not read; the notice then keeps its last form.
+// A frame that has begun to close is not read; the notice then stays as it is.
 void CNotify::ReadStep() {
     if (const CMainFrame* const frame = g_pMainFrame)
         m_nStep = frame->m_nStep;

@@ -18,7 +18,7 @@ class CDrawButton : public CTextCtrl {
     // Shows the strip and owns it; NULL changes nothing. Call it once, right after construction: an
     // earlier strip is not deleted.
     void SetImage(HBITMAP strip);
-    // Shows a strip that somebody else owns, who must keep it longer than the button.
+    // Shows a strip of another owner, which must outlive the button.
     void SetSharedImage(HBITMAP strip);
 
     BOOL Draw(HDC hdc, int x, int y) override;

@@ -31,8 +31,8 @@ class CDrawCtrl {
     // A positive format replaces the DrawTextW format; a text that is not NULL is copied. Returns
     // the copied length, 0 for NULL or, with the old text kept, without memory for the copy.
     virtual int SetText(LPCWSTR text, int format);
-    // Average character width and cell height in pixels, the weight from 0 to 1000, as LOGFONTW has
-    // them. FALSE, and the font stays, when the face is missing or the font cannot be created.
+    // Average width and height of a character cell in pixels, the weight from 0 to 1000, as in
+    // LOGFONTW. FALSE, and the font stays, when the face is missing or the font cannot be created.
     virtual BOOL SetFont(LPCWSTR face, int width, int height, int weight, int charSet);
     // Returns the previous colour.
     virtual COLORREF SetTextColor(COLORREF color);

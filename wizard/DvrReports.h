@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-// Where the serial link hands over what the DVR reports, on the receive thread. Nothing is changed,
-// and the result is FALSE, while there is no main frame: before it exists, and from the start of
-// its destruction.
+// The serial link passes the DVR's reports to the wizard here, on the receive thread. The result is
+// FALSE, and nothing changes, while there is no main frame: before its creation, and from the start
+// of its destruction.
 BOOL DvrReport_RunningState(BYTE state);
 BOOL DvrReport_StorageCard(BYTE status, BYTE percent);
 BOOL DvrReport_UpdatePercent(BYTE percent);

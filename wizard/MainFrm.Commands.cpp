@@ -18,7 +18,7 @@ void PollUntil(Condition condition, int polls) {
 }  // namespace
 
 LRESULT CMainFrame::OnXCommand(UINT, WPARAM id, LPARAM, BOOL&) {
-    // Other applications' messages are still sent to a window that waits for its threads to end.
+    // While the window waits for its threads to end, it still receives sent messages.
     if (!IsAlive())
         return 0;
     switch (id) {

@@ -68,7 +68,7 @@ void CMainFrame::OnDvrNormal(int step) {
     }
 }
 
-// The returning AC line may restart the wizard at any moment here; the restart must stand.
+// The returning AC line may restart the wizard at the same time; the restart must stand.
 void CMainFrame::ShowResult() {
     SetVisible(m_pBtnNext, FALSE);
     SetVisible(m_pBtnUpdate, FALSE);
@@ -103,8 +103,7 @@ int CMainFrame::StorageCardStatus(BYTE status, BYTE percent) {
     return 0;
 }
 
-// Neither report may wait for the window's thread at step -1: there that thread waits for the
-// report.
+// At step -1 the window's thread waits for a card report: no report may wait for that thread then.
 void CMainFrame::OnCardOut() {
     switch (m_nStep) {
         case STEP_CHECK_CARD:

@@ -1,4 +1,4 @@
-// What is on the screen: the controls, the settings of each screen, and the painting.
+// The controls, their settings on each screen, and the painting.
 #include <iterator>
 #include <new>
 #include <optional>
@@ -114,7 +114,7 @@ struct CMainFrame::Screens {
         {&F::m_pLblLine3, L"", kLeft},
         {&F::m_pLblLine4, L"      \"Next\" ボタンを押下して下さい。", kLeft},
     };
-    // Line 2 says how the update ended.
+    // The text of line 2 is kSuccess or kFailure.
     static constexpr ControlRow kResult[] = {
         {&F::m_pLblLine1, L"", kLeft},
         {&F::m_pLblLine2, nullptr, 0, {{15, 44, 600}}, kWhite},

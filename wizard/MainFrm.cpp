@@ -1,5 +1,5 @@
-// The frame's life, and what it does through the platform: power detector, images, version, DVR
-// reset, suspend, composite video.
+// The frame's creation and destruction, and its use of the platform: images, version, DVR reset,
+// suspend, composite video.
 #include "wizard/MainFrm.h"
 
 #include <pkfuncs.h>
@@ -214,7 +214,7 @@ LRESULT CMainFrame::OnFileNew(WORD, WORD, HWND, BOOL&) {
     return 0;
 }
 
-// The resources hold no about box.
+// The resources contain no about box.
 LRESULT CMainFrame::OnAppAbout(WORD, WORD, HWND, BOOL&) {
     return 0;
 }

@@ -4,8 +4,8 @@
 
 #include <source_location>
 
-// The lines of the debug output. Each format stands literally at the call that writes it, so that a
-// search for a logged line finds the call. "%s" takes wide text, "%S" narrow text. A line without a
+// The lines of the debug output. Each call contains its format literally, so that a search for a
+// logged line finds the call. "%s" takes wide text, "%S" narrow text. A line without a
 // helper here is written with NKDbgPrintfW itself.
 
 // The prefix of every line.
@@ -17,8 +17,7 @@ struct LogSource {
     char module[40] = {};
     int line;
 
-    // A module is the source file with the same first name: UART.cpp and UART.Frames.cpp are both
-    // "UART.cpp".
+    // The module of UART.cpp and of UART.Frames.cpp is "UART.cpp".
     constexpr LogSource(const char* path, int line_number) : line(line_number) {
         const char* name = path;
         for (const char* character = path; *character != '\0'; ++character)

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// A thread that was asked to end and has a reason to wake up: far longer than it needs.
+// Far longer than a thread that was woken needs to end.
 inline constexpr DWORD kThreadEndLimit = 20000;
 
 // Waits up to so many milliseconds until a thread of the program has ended. FALSE when that is not

@@ -22,14 +22,14 @@ void DrawNormal(Canvas& canvas, const Rectangle& frame) {
         Shading(frame.y, bottom).Stop(0, kGrey).Stop(0.5, kMiddleGrey).Stop(1, kBlack));
     canvas.Fill();
 
-    // A rim that keeps the lower edge from melting into a black screen.
+    // A rim separates the lower edge from a black screen.
     canvas.RoundedRectangle(frame.Inset(0.5), kRadius - 0.5);
     canvas.SetSource(Shading(frame.y, bottom)
                          .Stop(0, {255, 252, 250, 0.04})
                          .Stop(0.5, {255, 252, 250, 0.12})
                          .Stop(1, {255, 252, 250, 0.17}));
     canvas.Stroke(1);
-    // Light from above catches the edge just inside the rim.
+    // A highlight from above, just inside the rim.
     canvas.RoundedRectangle(frame.Inset(1.5), kRadius - 1.5);
     canvas.SetSource(
         Shading(frame.y, frame.y + 14).Stop(0, {255, 252, 250, 0.14}).Stop(1, {255, 252, 250, 0}));

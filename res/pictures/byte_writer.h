@@ -10,7 +10,7 @@ namespace pictures {
 // Appends little-endian numbers.
 class ByteWriter {
   public:
-    void Byte(unsigned value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
+    void Byte(unsigned value) { m_aBytes.push_back(static_cast<std::uint8_t>(value)); }
 
     void Word(unsigned value) {
         Byte(value & 0xFF);
@@ -23,19 +23,19 @@ class ByteWriter {
     }
 
     void PadTo(std::size_t multiple) {
-        while (bytes_.size() % multiple != 0)
+        while (m_aBytes.size() % multiple != 0)
             Byte(0);
     }
 
     void Append(const std::vector<std::uint8_t>& bytes) {
-        bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+        m_aBytes.insert(m_aBytes.end(), bytes.begin(), bytes.end());
     }
 
-    std::size_t size() const { return bytes_.size(); }
-    std::vector<std::uint8_t> Take() { return std::move(bytes_); }
+    std::size_t size() const { return m_aBytes.size(); }
+    std::vector<std::uint8_t> Take() { return std::move(m_aBytes); }
 
   private:
-    std::vector<std::uint8_t> bytes_;
+    std::vector<std::uint8_t> m_aBytes;
 };
 
 }  // namespace pictures

@@ -6,18 +6,18 @@
 namespace pictures {
 
 Shading::Shading(double top, double bottom)
-    : pattern_(cairo_pattern_create_linear(0, top, 0, bottom), cairo_pattern_destroy) {}
+    : m_pPattern(cairo_pattern_create_linear(0, top, 0, bottom), cairo_pattern_destroy) {}
 
 Shading& Shading::Stop(double position, const Colour& colour) {
-    cairo_pattern_add_color_stop_rgba(pattern_.get(), position, colour.red / 255.0,
+    cairo_pattern_add_color_stop_rgba(m_pPattern.get(), position, colour.red / 255.0,
                                       colour.green / 255.0, colour.blue / 255.0, colour.opacity);
     return *this;
 }
 
 Canvas::Canvas(int width, int height)
-    : surface_(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height),
-               cairo_surface_destroy),
-      cairo_(cairo_create(surface_.get()), cairo_destroy) {
+    : m_pSurface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height),
+                 cairo_surface_destroy),
+      m_pCairo(cairo_create(m_pSurface.get()), cairo_destroy) {
     cairo_set_antialias(cairo(), CAIRO_ANTIALIAS_BEST);
 }
 
@@ -54,11 +54,11 @@ void Canvas::Stroke(double line_width) {
 }
 
 Raster Canvas::Finish() {
-    cairo_surface_flush(surface_.get());
-    Raster raster(cairo_image_surface_get_width(surface_.get()),
-                  cairo_image_surface_get_height(surface_.get()));
-    const unsigned char* row = cairo_image_surface_get_data(surface_.get());
-    const int stride = cairo_image_surface_get_stride(surface_.get());
+    cairo_surface_flush(m_pSurface.get());
+    Raster raster(cairo_image_surface_get_width(m_pSurface.get()),
+                  cairo_image_surface_get_height(m_pSurface.get()));
+    const unsigned char* row = cairo_image_surface_get_data(m_pSurface.get());
+    const int stride = cairo_image_surface_get_stride(m_pSurface.get());
     for (int y = 0; y < raster.height; ++y, row += stride)
         std::memcpy(&raster.At(0, y), row, static_cast<std::size_t>(raster.width) * 4);
     return raster;

@@ -28,26 +28,26 @@ struct Rectangle {
 class Shading {
   public:
     Shading(double top, double bottom);
-    // `position` runs from 0 at the top to 1 at the bottom.
+    // `position` is 0 at the top and 1 at the bottom.
     Shading& Stop(double position, const Colour& colour);
 
-    cairo_pattern_t* pattern() const { return pattern_.get(); }
+    cairo_pattern_t* pattern() const { return m_pPattern.get(); }
 
   private:
-    std::unique_ptr<cairo_pattern_t, decltype(&cairo_pattern_destroy)> pattern_;
+    std::unique_ptr<cairo_pattern_t, decltype(&cairo_pattern_destroy)> m_pPattern;
 };
 
-// A picture in the making; it starts fully transparent. Drawing is antialiased; a coordinate names
-// the corner of a pixel, so that (0.5, 0.5) is the middle of the first.
+// A picture to draw on, transparent at first. Drawing is antialiased; whole coordinates are the
+// corners of pixels, so that (0.5, 0.5) is the middle of the first one.
 class Canvas {
   public:
     Canvas(int width, int height);
 
-    cairo_t* cairo() const { return cairo_.get(); }
+    cairo_t* cairo() const { return m_pCairo.get(); }
 
     void SetSource(const Colour& colour);
     void SetSource(const Shading& shading);
-    // Makes a path of it.
+    // Sets the path.
     void RoundedRectangle(const Rectangle& rectangle, double radius);
     void Fill();
     void Stroke(double line_width);
@@ -55,8 +55,8 @@ class Canvas {
     Raster Finish();
 
   private:
-    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
-    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> cairo_;
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> m_pSurface;
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> m_pCairo;
 };
 
 }  // namespace pictures

@@ -58,7 +58,7 @@ void DrawNormal(Canvas& canvas, const Rectangle& frame) {
 
 void DrawPressed(Canvas& canvas, const Rectangle& frame) {
     DrawFace(canvas, frame, kDarkRed);
-    // Pushed in: the edge above throws a shadow on the face.
+    // The upper edge casts a shadow on the pressed face.
     for (const double inset : {0.5, 1.5, 2.5}) {
         canvas.RoundedRectangle(frame.Inset(inset), kRadius - inset);
         canvas.SetSource(Shading(frame.y, frame.y + frame.height / 2)

@@ -5,7 +5,7 @@
 namespace pictures {
 
 // Both strips hold two frames, one above the other: normal, then pressed. A frame fills its
-// rectangle; black stands outside the rounded face.
+// rectangle; outside the rounded face it is black.
 constexpr int kButtonWidth = 168;
 constexpr int kButtonHeight = 66;
 Raster DrawButtonStrip();
@@ -14,8 +14,8 @@ constexpr int kCloseWidth = 75;
 constexpr int kCloseHeight = 36;
 Raster DrawCloseStrip();
 
-// The program's icon, transparent outside its shape. The small one is a drawing of its own, with
-// less in it.
+// The program's icon, transparent outside its shape. The small one is a separate drawing with less
+// detail.
 Raster DrawLargeIcon();
 Raster DrawSmallIcon();
 

@@ -11,7 +11,7 @@ constexpr double kTurn = 2 * std::numbers::pi;
 constexpr Colour kGold{184, 131, 12};
 constexpr Colour kBrightGold{232, 186, 70};
 
-// The measures of one drawing, in pixels.
+// The sizes of one drawing, in pixels.
 struct Measures {
     int size;
     double corner;
@@ -33,7 +33,7 @@ void DrawBody(Canvas& canvas, const Measures& measures) {
     const Rectangle body{0, 0, static_cast<double>(measures.size),
                          static_cast<double>(measures.size)};
     canvas.RoundedRectangle(body, measures.corner);
-    // Sixteen colours would turn a shaded face into bands.
+    // In sixteen colours a shaded face would show bands.
     canvas.SetSource({40, 39, 38});
     canvas.Fill();
     canvas.RoundedRectangle(body.Inset(0.5), measures.corner - 0.5);
@@ -51,10 +51,10 @@ void DrawLens(Canvas& canvas, const Measures& measures) {
                measures.pupil * 0.42, {255, 255, 255});
 }
 
-// An arrow that runs around the lens: the update.
+// An arrow around the lens stands for the update.
 void DrawArrow(Canvas& canvas, const Measures& measures) {
     const double middle = measures.size / 2.0;
-    // Ends straight above the lens, so that the arrow's head stands square to the pixels.
+    // The end is exactly above the lens, so that the arrow's head is aligned with the pixels.
     const double start = 0.98 * kTurn;
     const double end = 1.75 * kTurn;
     canvas.SetSource(Shading(0, measures.size).Stop(0, kBrightGold).Stop(1, kGold));

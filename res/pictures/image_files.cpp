@@ -13,7 +13,7 @@ constexpr std::size_t kFileHeaderSize = 14;
 constexpr std::size_t kInfoHeaderSize = 40;
 constexpr unsigned kIconDirectoryEntrySize = 16;
 
-// What the icons are drawn in; the first is the colour of their transparent pixels.
+// The icons' palette; transparent pixels have the first colour.
 constexpr std::array<std::uint32_t, 16> kIconColours = {
     0x000000, 0x121212, 0x282726, 0x3E3D3C, 0x595756, 0x82807E, 0xB4B2B0, 0xFFFFFF,
     0x3C2B04, 0x6E4E08, 0xB8830C, 0xD09E28, 0xE8BA46, 0x142238, 0x26466E, 0x93A2B6,
@@ -29,7 +29,7 @@ void InfoHeader(ByteWriter& out, int width, int height, unsigned bits_per_pixel)
     out.Dword(static_cast<std::size_t>(height));
     out.Word(1);
     out.Word(bits_per_pixel);
-    // Uncompressed, sizes and counts left to be derived.
+    // Uncompressed; readers derive the sizes and counts.
     for (int field = 0; field < 6; ++field)
         out.Dword(0);
 }
@@ -58,7 +58,7 @@ unsigned NearestIconColour(std::uint32_t pixel) {
 
 Bytes EncodeIconImage(const Raster& image) {
     ByteWriter out;
-    // The height counts the mask's rows too.
+    // The height includes the mask's rows.
     InfoHeader(out, image.width, 2 * image.height, 4);
     for (const std::uint32_t colour : kIconColours)
         out.Dword(colour);

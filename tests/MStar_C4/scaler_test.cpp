@@ -31,7 +31,7 @@ class Scaler : public testing::Test {
     Platform platform_{{.start = 5s}};
 };
 
-// Every byte of the record another, flags and padding not to be sent.
+// Every byte of the record differs; its flags and padding must not be sent.
 BOOL SetWindow() {
     MstarScalerWindow window{};
     auto* const bytes = reinterpret_cast<BYTE*>(&window);
@@ -40,7 +40,7 @@ BOOL SetWindow() {
     return Mstar_C4_Scaler_SetWindow(&window);
 }
 
-// The values of which the wizard sends others, or none.
+// With other values than the wizard sends.
 TEST_F(Scaler, SendsRequestsByteByByte) {
     const struct {
         BOOL (*call)();
@@ -81,9 +81,9 @@ TEST_F(Scaler, SendsRequestsByteByByte) {
     });
 }
 
-// While the system starts nothing is tried again. Whatever the refusal, a driver that comes late is
-// taken when it comes. One that opens and yet reports itself absent is opened again.
-TEST_F(Scaler, IsOpenedUntilItIsThere) {
+// While the system starts, nothing is tried again. A driver that comes late is opened when it
+// comes, after any error. A driver that opens and still reports itself absent is opened again.
+TEST_F(Scaler, IsOpenedAgainUntilItIsPresent) {
     const struct {
         int refusals;
         DWORD refusal;
@@ -122,7 +122,7 @@ TEST_F(Scaler, HoldsItsEventWhileItIsOpen) {
         EXPECT_EQ(ProgramLog(platform_.board)[5],
                   "\tMstar_C4_Scaler_Init, CreateEvent() fail!!!, ErroCode(1234), "
                   "MStar_C4_Scaler.cpp(#)");
-        // The second time the first handle goes before the second comes.
+        // The second round closes the first handle before it opens another one.
         for (int round = 0; round < 2; ++round) {
             EXPECT_TRUE(Mstar_C4_Scaler_Init());
             const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"AtscNotify");

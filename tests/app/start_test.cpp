@@ -12,12 +12,12 @@ using platform::window::TopLevelWindows;
 
 constexpr wchar_t kName[] = L"Tolvane";
 
-// The first copy is another process: what it has, and when that changes.
-TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
+// The first copy is another process.
+TEST(SecondCopy, BringsTheFirstForwardOrRuns) {
     const struct {
-        std::chrono::milliseconds window_after;  // 0 at once, -1 never
-        std::chrono::milliseconds ends_after;    // -1 never
-        std::chrono::milliseconds answer_after;  // of the second copy
+        std::chrono::milliseconds window_after;   // 0 at once, -1 never
+        std::chrono::milliseconds ends_after;     // -1 never
+        std::chrono::milliseconds decides_after;  // the second copy
         bool runs;
     } rows[] = {
         {0ms, -1ms, 0ms, false},        // the window is there
@@ -38,9 +38,9 @@ TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
         harness.RunFor(1us);
 
         harness.Start();  // takes 20 ms itself
-        harness.RunFor(row.answer_after - 40ms);
+        harness.RunFor(row.decides_after - 40ms);
         EXPECT_EQ(TopLevelWindows().size(), 0U);
-        EXPECT_EQ(harness.Ended(), row.answer_after == 0ms);
+        EXPECT_EQ(harness.Ended(), row.decides_after == 0ms);
         harness.RunFor(60ms);
         EXPECT_EQ(harness.Ended(), !row.runs);
         EXPECT_EQ(first.brought_forward, row.runs ? 0 : 1);
@@ -56,7 +56,7 @@ TEST(SecondProcess, LetsTheFirstOneGoBeforeIt) {
     }
 }
 
-TEST(Start, EndsBeforeAnythingElseWhenItCannotBeTheOne) {
+TEST(Start, EndsAtOnceWithoutTheNameTheMutexOrTheWindow) {
     const auto fails = [](const char* call) {
         return [call](WizardHarness&) { platform::kernel::AddCallFault({.call = call}); };
     };
@@ -85,7 +85,7 @@ TEST(Start, EndsBeforeAnythingElseWhenItCannotBeTheOne) {
     }
 }
 
-TEST(Start, MakesTheOneWindowAndEndsWithTheQuitCode) {
+TEST(Start, CreatesOneWindowAndEndsWithTheQuitCode) {
     WizardHarness harness;
     harness.Start();
     const auto windows = TopLevelWindows();

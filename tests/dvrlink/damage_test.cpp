@@ -6,20 +6,21 @@ namespace {
 
 using model::Frame;
 
-// The program must find exactly the frames that are in the bytes by the rule.
-class Damage : public testing::Test {
+// The program must handle exactly the frames that the reference model finds in the bytes.
+class DamagedStream : public testing::Test {
   protected:
-    // In two parts; nothing is left for the next trial: more zeros follow than any frame has bytes.
+    // In two chunks. The zeros at the end, more than any frame has bytes, end a frame that has
+    // begun.
     void Try(Bytes bytes, std::size_t split = 1) {
         ++trials_;
         bytes.resize(bytes.size() + 80);
-        const auto cut = bytes.begin() + static_cast<std::ptrdiff_t>(split);
-        LinkFixture::Parse({bytes.begin(), cut});
-        LinkFixture::Parse({cut, bytes.end()});
+        const auto second = bytes.begin() + static_cast<std::ptrdiff_t>(split);
+        LinkFixture::Parse({bytes.begin(), second});
+        LinkFixture::Parse({second, bytes.end()});
         const std::wstring output = link_.platform.board.debug_output();
         link_.platform.board.ClearOutput();
         ASSERT_EQ(std::string(output.begin(), output.end()), model::HandlerLog(bytes))
-            << testing::PrintToString(bytes) << " in parts from " << split;
+            << testing::PrintToString(bytes) << " split at " << split;
     }
 
     // Every split, and every change, loss and insertion of one byte.
@@ -44,7 +45,7 @@ class Damage : public testing::Test {
     std::size_t trials_ = 0;
 };
 
-TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
+TEST_F(DamagedStream, LosesTheSameFramesAsTheReferenceModel) {
     // Every command once as an acknowledgement and once as an indication.
     std::vector<Bytes> frames;
     for (unsigned command = 0x10; command <= 0x2E; ++command) {
@@ -52,9 +53,9 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
         frames.push_back(Frame(0x20, 0x8000 | command, Bytes{number}));
         frames.push_back(Frame(0x80, command, Bytes(command % 3, number)));
     }
-    // Payloads that are decoded, look like frames themselves, or are the longest; one shows what
-    // was left of the one before.
-    const Bytes within = Frame(0x20, 0x8013, Bytes{7});
+    // Payloads that are decoded, contain a frame or a sync pair, or are the longest; the last one
+    // must not show the payload before it.
+    const Bytes inner_frame = Frame(0x20, 0x8013, Bytes{7});
     const struct {
         std::uint8_t type;
         unsigned command;
@@ -64,7 +65,7 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
                 {0x80, 0x002E, "\6Z"},
                 {0x80, 0x0022, "10012345"},
                 {0x80, 0x0019, "\xA5\x5A"},
-                {0x80, 0x0012, {within.begin(), within.end()}},
+                {0x80, 0x0012, {inner_frame.begin(), inner_frame.end()}},
                 {0x80, 0x001F, "2014090112000"},
                 {0x80, 0x0017, "\1"},
                 {0x80, 0x001F, Repeat(64, "\xA5")},
@@ -74,7 +75,7 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
             Frame(row.type, row.command, Bytes(row.payload.begin(), row.payload.end())));
 
     link_.Run([&] {
-        // Three to a stream.
+        // Three frames a stream.
         ASSERT_EQ(frames.size() % 3, 0U);
         for (auto frame = frames.begin(); frame != frames.end(); frame += 3) {
             Bytes stream = frame[0];
@@ -86,7 +87,7 @@ TEST_F(Damage, LosesExactlyTheFramesThatTheRuleLoses) {
     EXPECT_GT(trials_, 340'000U);
 }
 
-TEST_F(Damage, WhenThereIsNoneEveryHandlerLogsWhatItDecodes) {
+TEST_F(DamagedStream, UndamagedLogsWhatEveryHandlerDecodes) {
     std::vector<Bytes> payloads;
     for (const std::size_t length : {12, 13, 16, 17, 64})
         payloads.emplace_back(length, std::uint8_t{'5'});

@@ -6,7 +6,7 @@ namespace {
 
 const std::string kRefused = ", Invalid Arguments!!!, ErrorCode(0), ";
 
-TEST(ParseData, RefusesNothingWithoutLosingItsPlace) {
+TEST(ParseData, KeepsAFrameThatHasBegunOverARefusal) {
     LinkFixture link;
     const Bytes frame = Hex(kVolume);
     link.Run([&] {
@@ -21,7 +21,7 @@ TEST(ParseData, RefusesNothingWithoutLosingItsPlace) {
     EXPECT_EQ(link.TakeLog(), refusal + refusal + kVolumeLine);
 }
 
-// What the dispatcher never does to them.
+// The dispatcher calls no handler like this.
 TEST(Handlers, RefuseNoFrameAndAFrameOfTheOtherType) {
     const std::pair<Handler*, std::string> rows[] = {
         {Video_Resolution_ACK, "Video_Resolution_ACK"},
@@ -47,7 +47,7 @@ void Send(WORD command, const Bytes& payload) {
                      static_cast<WORD>(payload.size()));
 }
 
-TEST(SendCommand, SendsWholeFramesAndRefusesWhatIsNone) {
+TEST(SendCommand, SendsWholeFramesAndRefusesInvalidArguments) {
     const struct {
         WORD command;
         Bytes payload;

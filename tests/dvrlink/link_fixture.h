@@ -23,7 +23,7 @@ namespace kernel = platform::kernel;
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The bytes that pairs of hexadecimal digits stand for, grouped by spaces as a test likes.
+// The bytes of pairs of hexadecimal digits; spaces are ignored.
 inline Bytes Hex(std::string digits) {
     std::erase(digits, ' ');
     Bytes bytes;
@@ -39,15 +39,15 @@ inline std::string Repeat(std::size_t count, const std::string& text) {
     return repeated;
 }
 
-// A platform with a DVR's end of "COM9:".
+// A platform whose "COM9:" is a simulated line with the test at its other end.
 struct LinkFixture {
     explicit LinkFixture(const kernel::Options& options = {}) : platform(options) {
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
-        // The parser is the program's and remembers the part of a frame that an earlier test left.
+        // The parser may still hold the part of a frame from an earlier test.
         Parse(Bytes(80));
     }
 
-    // A body with the link's locks, and a while for the line to carry what it sends.
+    // Runs the body with the link's locks, and lets the line carry what it sent.
     template <typename Body>
     void Run(Body body) {
         platform.Run([&] {
@@ -63,7 +63,7 @@ struct LinkFixture {
         UART_ParseData(bytes.data(), static_cast<DWORD>(bytes.size()));
     }
 
-    // The program's lines since the last call, a line feed between them.
+    // The log lines since the last call, joined by line feeds.
     std::string TakeLog() {
         std::string joined;
         for (const std::string& logged : ProgramLog(platform.board))
@@ -84,7 +84,7 @@ struct LinkFixture {
         });
 };
 
-// A report of the DVR that a plain handler takes, and its line.
+// An indication with a plain handler, and its log line.
 inline const std::string kVolume = "A55A 80 0019 0001 07 01A0";
 inline const std::string kVolumeLine = "\tPlay_Volume_IND, (0x0019)";
 

@@ -11,7 +11,7 @@ const std::string kOpeningQueries =
     "A55A 10 8010 0001 00 01A0 A55A 10 8011 0001 00 01A1"
     "A55A 10 802E 0001 00 01BE A55A 10 8026 0001 00 01B6";
 
-TEST(Link, OpensTheConversationAndHearsTheDvr) {
+TEST(Link, SendsItsQueriesAndReceives) {
     LinkFixture link;
     kernel::After(1s, [&] { link.line->Send(Hex(kVolume)); });
     link.platform.Run([&] {
@@ -63,8 +63,8 @@ TEST(Link, StartsOnceAndAgainAfterAStop) {
     EXPECT_EQ(link.received_by_dvr, Hex(kOpeningQueries + kOpeningQueries));
 }
 
-// A read that finds nothing takes 100 ms and one that fails none; 1 ms of rest follows either. One
-// read and two pauses of 10 ms is what a stop takes, also when the DVR talks without an end.
+// An empty read takes 100 ms and a failed one no time; a pause of 1 ms follows either. A stop takes
+// one read and two pauses of 10 ms, also while the DVR sends without a break.
 TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
     const struct {
         const char* line;
@@ -82,7 +82,7 @@ TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
             } else if (*row.line == 'f') {
                 kernel::After(100ms, [&] { link.line->Send(Hex(Repeat(4000, kVolume))); });
             }
-            Sleep(101);  // until the read that waits has ended
+            Sleep(101);  // the current read ends
             const std::uint64_t before = kernel::CallCount("ReadFile");
             Sleep(row.milliseconds);
             EXPECT_NEAR(static_cast<double>(kernel::CallCount("ReadFile") - before), row.reads,
@@ -96,9 +96,9 @@ TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
     }
 }
 
-// The receive thread asks its opening questions while this one sends and the DVR talks: with the
-// processor changing hands at every call, and in earnest for the sanitizers' eyes.
-TEST(Link, FramesOfTwoThreadsStayWhole) {
+// The receive thread sends its queries while this one sends and the DVR sends: with a switch of
+// threads between any two calls, and once free running, for the sanitizers.
+TEST(Link, KeepsTheFramesOfTwoThreadsWhole) {
     const Bytes frame = Hex("A55A 10 0012 0028" + Repeat(40, "22") + "0699");
     const Bytes queries = Hex(kOpeningQueries + kOpeningQueries);
     for (std::uint64_t seed = 0; seed <= 30; ++seed) {
@@ -107,7 +107,7 @@ TEST(Link, FramesOfTwoThreadsStayWhole) {
                              : kernel::Options{.seed = seed, .preempt = true});
         link.platform.Run([&] {
             ASSERT_TRUE(UART_Init());
-            // Only an open port hears the DVR.
+            // Only an open port receives.
             for (int report = 1; report <= 20; ++report)
                 kernel::After(report * 20ms, [&] { link.line->Send(Hex(kVolume)); });
             for (int count = 0; count < 20; ++count)
@@ -135,9 +135,9 @@ TEST(Link, FramesOfTwoThreadsStayWhole) {
     }
 }
 
-// One call fails while the link starts. Without the port there is no link, without the thread the
-// link still sends.
-TEST(Link, DoesWithoutWhatCannotBeHad) {
+// One call fails while the link starts or stops. Without the port there is no link, without the
+// thread the link still sends.
+TEST(Link, StartsWithoutWhatFails) {
     const struct {
         const char* call;
         std::string failures;

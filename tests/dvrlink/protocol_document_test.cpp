@@ -4,12 +4,12 @@
 #include "link_fixture.h"
 #include "tests/model/link_model.h"
 
-// docs/protocol.md against the program: its examples go in as bytes or come out as bytes.
+// docs/protocol.md against the program: its examples are received or sent.
 
 namespace tests {
 namespace {
 
-// The cells of the document's table rows whose first cell begins so.
+// The columns of the document's table rows whose first column begins so.
 std::vector<std::vector<std::string>> Rows(const std::string& first) {
     std::ifstream document(TOLVANE_PROTOCOL_DOCUMENT);
     EXPECT_TRUE(document.is_open()) << TOLVANE_PROTOCOL_DOCUMENT;
@@ -20,13 +20,13 @@ std::vector<std::vector<std::string>> Rows(const std::string& first) {
         std::erase(line, '`');
         std::istringstream rest(line.substr(1));
         rows.emplace_back();
-        for (std::string cell; std::getline(rest, cell, '|');)
-            rows.back().push_back(cell.substr(1, cell.find_last_not_of(' ')));
+        for (std::string column; std::getline(rest, column, '|');)
+            rows.back().push_back(column.substr(1, column.find_last_not_of(' ')));
     }
     return rows;
 }
 
-TEST(ProtocolDocument, ExamplesAreWhatTheProgramLogsAndSends) {
+TEST(ProtocolDocument, HasExamplesAsTheProgramLogsAndSendsThem) {
     LinkFixture link;
     const auto to_unit = Rows("to unit");
     const auto to_dvr = Rows("to DVR");
@@ -37,7 +37,7 @@ TEST(ProtocolDocument, ExamplesAreWhatTheProgramLogsAndSends) {
         for (const auto& row : to_unit) {
             LinkFixture::Parse(Hex(row[2]));
             std::string log = link.TakeLog();
-            // A dump comes in pieces, each with a blank behind it, and an empty line at its end.
+            // A hex dump has a space after each byte, and an empty line at its end.
             log.erase(log.find_last_not_of(" \n") + 1);
             for (std::size_t at = 0; (at = log.find("\n\t")) != std::string::npos;)
                 log.replace(at, 2, "<br>");

@@ -10,13 +10,13 @@ namespace {
 
 constexpr std::uint8_t kAck = 0x20, kInd = 0x80;
 
-// How often each comes, by chance alone.
+// The frequency of each kind in AnyEvent.
 constexpr unsigned kWeights[] = {8, 12, 5, 3, 4, 4, 4, 6, 6, 19, 3, 3, 3, 3, 4, 4, 6, 0};
 static_assert(std::size(kWeights) == static_cast<std::size_t>(Kind::kCount));
 
-// Few, because the platform remembers how the last texts look.
+// Few, because the platform caches the shapes of the latest texts.
 constexpr unsigned kPercents[] = {0, 0, 1, 7, 50, 99, 100, 100, 100, 101, 255};
-// Of the shown ones, after the tenth character, the second and the fifth tell that there is one.
+// A version counts as known by its second and fifth character after the tenth.
 constexpr std::string_view kVersions[] = {"14.09.01.V1.02.03",
                                           "14.04.25.V0.01.00",
                                           "14.04.25.V9",
@@ -49,6 +49,28 @@ Event Command(unsigned id) {
 
 }  // namespace
 
+const char* NameOf(Kind kind) {
+    constexpr const char* kNames[] = {"running", "card",  "percent", "image",  "version", "report",
+                                      "noise",   "press", "release", "post",   "notice",  "power",
+                                      "supply",  "paint", "hold",    "driver", "pass",    "close"};
+    static_assert(std::size(kNames) == static_cast<std::size_t>(Kind::kCount));
+    return kNames[static_cast<std::size_t>(kind)];
+}
+
+std::string ToText(const Sequence& sequence) {
+    std::string text = Text("start %d ac %d link %d\n", sequence.start_milliseconds,
+                            sequence.world.ac_line, sequence.world.has_link ? 1 : 0);
+    for (const Event& event : sequence.events) {
+        text += Text("%d %s %llu %llu ", event.milliseconds, NameOf(event.kind),
+                     static_cast<unsigned long long>(event.a),
+                     static_cast<unsigned long long>(event.b));
+        for (const unsigned byte : event.bytes)
+            text += Text("%02X", byte);
+        text += "\n";
+    }
+    return text;
+}
+
 Sequence Generator::Begin() {
     constexpr int kStarts[] = {20000, 20000, 20000, 1000, 11500};
     Sequence sequence;
@@ -72,10 +94,10 @@ Event Generator::Next(const WizardModel& wizard) {
         pending_.pop_back();
         return event;
     }
-    // Some waits run to their end.
+    // Let some waits run to their end.
     if (wizard.busy() && OneIn(6))
         return {Between(2000, 4499)};
-    Event event = OneIn(2) ? Further(wizard) : Whatever();
+    Event event = OneIn(2) ? NextStep(wizard) : AnyEvent();
     if (event.milliseconds == 0)
         event.milliseconds = Delay();
     return event;
@@ -87,7 +109,7 @@ Event Generator::Last() {
     return event;
 }
 
-// A few answers to an order, and a few queries of the DVR, which nobody sends.
+// With a few acknowledgements of orders, and a few queries from the DVR, which no DVR sends.
 Event Generator::Report(Kind kind, std::uint8_t type, unsigned number, Bytes payload) {
     const bool query = OneIn(8) != (type == kAck);
     return {0, kind, 0, 0, Frame(type, (query ? 0x8000 : 0) | number, payload)};
@@ -118,8 +140,7 @@ Bytes Generator::AnyText(unsigned most) {
     return text;
 }
 
-// A frame of any type and number with one byte changed, or as it is, of which the rest may never
-// come, and a good one.
+// A frame of any type and number, with one byte changed or without, whole or cut, and a good frame.
 Bytes Generator::Noise() {
     Bytes bytes = Frame(static_cast<std::uint8_t>(OneIn(2) ? kInd : Below(256)),
                         OneIn(2) ? 0x26 : Below(0x10000), Bytes(Below(4), 1));
@@ -132,7 +153,7 @@ Bytes Generator::Noise() {
     return bytes;
 }
 
-// A touch of a few milliseconds.
+// A press, and the release a few milliseconds later.
 Event Generator::Tap(Control control) {
     const ControlRow& row = Controls()[control];
     Event event{0, Kind::kPress, static_cast<std::uint64_t>((row.left + row.right) / 2),
@@ -141,7 +162,7 @@ Event Generator::Tap(Control control) {
     return event;
 }
 
-// On a control or at its edge more often than beside all of them.
+// On a control or at its edge more often than elsewhere.
 Event Generator::Press(Kind kind) {
     const ControlRow& row =
         Controls()[OneIn(3) ? Below(kAllControls) : kSuspend + Below(kOk - kSuspend + 1)];
@@ -153,7 +174,7 @@ Event Generator::Press(Kind kind) {
             static_cast<std::uint64_t>(std::max(y, 0L))};
 }
 
-Event Generator::Further(const WizardModel& wizard) {
+Event Generator::NextStep(const WizardModel& wizard) {
     const Event pass{Between(500, 3199)};
     const unsigned choice = Below(8);
     if (wizard.busy())
@@ -161,7 +182,7 @@ Event Generator::Further(const WizardModel& wizard) {
                : choice == 0 ? Card(0)
                : choice == 1 ? Percent()
                : choice == 2 ? Running(Below(5))
-               : choice < 6  ? Whatever()
+               : choice < 6  ? AnyEvent()
                              : pass;
     if (wizard.notice_up())
         return Tap(kOk);
@@ -208,7 +229,7 @@ Event Generator::Further(const WizardModel& wizard) {
     }
 }
 
-Event Generator::Whatever() {
+Event Generator::AnyEvent() {
     std::size_t row = 0;
     for (unsigned at = Below(std::accumulate(std::begin(kWeights), std::end(kWeights), 0U));
          at >= kWeights[row]; ++row)

@@ -7,16 +7,16 @@
 
 namespace tests::model {
 
-// Makes events for a wizard in this state: about half of them take it further.
+// Generates events for a wizard; about half of them lead to its next step.
 class Generator {
   public:
-    // `choose` gives a number below the one that it is given.
+    // `choose` returns a number below its argument.
     explicit Generator(std::function<unsigned(unsigned limit)> choose)
         : choose_(std::move(choose)) {}
 
     Sequence Begin();
     Event Next(const WizardModel& wizard);
-    // One that closes the window.
+    // An event that closes the window.
     Event Last();
 
   private:
@@ -28,8 +28,8 @@ class Generator {
         return values[Below(kCount)];
     }
     int Delay();
-    Event Further(const WizardModel& wizard);
-    Event Whatever();
+    Event NextStep(const WizardModel& wizard);
+    Event AnyEvent();
     Event Tap(Control control);
     Event Press(Kind kind);
     Event Report(Kind kind, std::uint8_t type, unsigned number, Bytes payload);
@@ -40,7 +40,7 @@ class Generator {
     Bytes AnyText(unsigned most);
 
     std::function<unsigned(unsigned limit)> choose_;
-    std::vector<Event> pending_;  // to follow, the next one last
+    std::vector<Event> pending_;  // comes next, the last one first
 };
 
 }  // namespace tests::model

@@ -5,8 +5,6 @@
 #include <numeric>
 #include <utility>
 
-#include "tests/model/text.h"
-
 namespace tests::model {
 namespace {
 
@@ -14,7 +12,7 @@ constexpr std::size_t kHeader = 7;
 constexpr std::size_t kSum = 2;
 constexpr std::size_t kLongestPayload = 64;
 
-// From command 0x0010 on.
+// In the order of their codes, from 0x0010 on.
 // clang-format off
 constexpr const char* kCommands[] = {
     "DVR_RunningState", "DVR_Mode", "Video_Resolution", "Video_TimeStamp", "Video_CycleTime",
@@ -41,7 +39,7 @@ std::string PayloadText(const Report& report, std::size_t from) {
     return text;
 }
 
-// Of two characters; what is no digit ends it.
+// The number in two characters; the first that is not a digit ends it.
 int Decimal(const Report& report, std::size_t at) {
     int number = 0;
     for (const std::size_t end = at + 2; at < end; ++at) {
@@ -70,12 +68,13 @@ std::string HexDump(const Report& report) {
     return dump;
 }
 
-// What a handler that decodes says after its command line.
-std::vector<std::string> DecodedLines(unsigned number, bool ack, const Report& report, bool told) {
+// The lines of a decoding handler after its command line.
+std::vector<std::string> DecodedLines(unsigned number, bool ack, const Report& report,
+                                      bool has_frame) {
     const bool empty = report.payload.empty();
     switch (number) {
         case 0x10:
-            if (ack ? report.query() && told && empty : empty || !told)
+            if (ack ? report.query() && has_frame && empty : empty || !has_frame)
                 return {kBadLength};
             return {};
         case 0x11:
@@ -106,7 +105,7 @@ std::vector<std::string> DecodedLines(unsigned number, bool ack, const Report& r
     }
 }
 
-// Some say nothing but what they decode.
+// Some handlers log only what they decode.
 bool HasCommandLine(unsigned number, bool ack) {
     return number != 0x1F && !(number == 0x11 && ack) && !(number == 0x22 && !ack);
 }
@@ -146,7 +145,7 @@ std::optional<Report> FrameFinder::Add(std::uint8_t byte) {
                   Bytes(whole.begin() + kHeader, whole.begin() + std::ptrdiff_t(end))};
 }
 
-std::string HandlerLog(const Report& report, bool told) {
+std::string HandlerLog(const Report& report, bool has_frame) {
     const bool ack = report.type == 0x20;
     const unsigned number = report.command & ~kQuery;
     if ((!ack && report.type != 0x80) || number < kFirstCommand ||
@@ -157,7 +156,7 @@ std::string HandlerLog(const Report& report, bool told) {
     std::string log;
     if (HasCommandLine(number, ack))
         log += begin + Text("(0x%04X)%s\r\n", report.command, report.query() ? ", Query" : "");
-    for (const std::string& line : DecodedLines(number, ack, report, told))
+    for (const std::string& line : DecodedLines(number, ack, report, has_frame))
         log += begin + line + "\r\n";
     return log;
 }

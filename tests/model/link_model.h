@@ -1,15 +1,25 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-// The receiving half of the link, told a second time for tests to compare with. It shares nothing
-// with the program's: it looks at the bytes as they lie, not at one after the other.
+// The reference model of the link's receiving half. It shares nothing with the program: it looks
+// for whole frames in the bytes, where the program takes one byte after the other.
 namespace tests::model {
+
+// Formats as printf does, up to 200 characters.
+template <typename... Values>
+std::string Text(const char* format, Values... values) {
+    std::array<char, 200> text{};
+    std::snprintf(text.data(), text.size(), format, values...);
+    return text.data();
+}
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -18,7 +28,7 @@ struct Report {
     unsigned command = 0;
     Bytes payload;
 
-    // 0 past the end, as the program's record of a frame has it.
+    // 0 past the end, as in the program's record of a frame.
     std::uint8_t byte(std::size_t index) const {
         return index < payload.size() ? payload[index] : 0;
     }
@@ -26,25 +36,25 @@ struct Report {
     bool operator==(const Report&) const = default;
 };
 
-// What is on the wire for a frame of the DVR.
+// The bytes on the wire of a frame of the DVR.
 Bytes Frame(std::uint8_t type, unsigned command, std::span<const std::uint8_t> payload);
 
-// Finds the frames in a stream. A frame begins with the first sync pair after the one before, is
-// over where its length says, and counts when its sum is right; a length beyond any frame's drops
+// Finds the frames in a stream. A frame begins with the first sync pair after the previous frame,
+// ends where its length says, and counts when its sum is right; a length beyond the maximum drops
 // the header alone.
 class FrameFinder {
   public:
-    // The frame that this byte ends.
+    // Returns the frame that this byte ends.
     std::optional<Report> Add(std::uint8_t byte);
 
   private:
-    Bytes pending_;  // empty, or what may be the beginning of a frame
+    Bytes pending_;  // empty, or the possible beginning of a frame
 };
 
-// What the program writes to the debug output for a report, with its line ends, up to where the
-// wizard is told; `told` is whether there is a main frame to tell.
-std::string HandlerLog(const Report& report, bool told);
-// The same for all reports in the bytes, while there is none.
+// What the link's handlers log for a report, with line ends; `has_frame`: there is a main frame to
+// report to.
+std::string HandlerLog(const Report& report, bool has_frame);
+// The same for all reports in the bytes, without a main frame.
 std::string HandlerLog(std::span<const std::uint8_t> bytes);
 
 }  // namespace tests::model

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,9 +16,9 @@ namespace tests::model {
 
 using Time = std::chrono::microseconds;
 
-// What stands around the wizard.
+// The wizard's environment.
 struct World {
-    // 0, or the error with which a driver refuses to be opened, or a request.
+    // 0, or the error with which a driver refuses an open or a request.
     unsigned reset_open = 0, reset_request = 0;    // "DVR1:"
     unsigned scaler_open = 0, scaler_request = 0;  // "SCA0:"
     unsigned hal = 0;
@@ -27,52 +26,51 @@ struct World {
     std::uint8_t ac_line = 1;
 };
 
-// Where what is compared went, or what it is.
+// What is compared.
 // clang-format off
 enum Channel {
     kLog, kFrames, kResetRequests, kResetOpens, kScalerRequests, kScalerOpens, kHalCodes,
     kPowerStates, kView, kChannels
 };
-// Of windows; also what may be posted to the wizard's window or its notice. The power message
-// stands for one that is registered.
+// Window messages. The power message stands for the registered one.
 enum Message : unsigned {
     kCloseMessage = 0x10, kMenuMessage = 0x111, kTimerMessage = 0x113, kCommandMessage = 2024,
     kPowerMessage = 0xC000
 };
 // clang-format on
-// What went out since it was taken last, opens that failed too, and what can be seen now.
-using Account = std::array<std::string, kChannels>;
+// By channel: the output since the last comparison, failed opens included, and the state now.
+using Output = std::array<std::string, kChannels>;
 
-// What can be seen of the wizard, but for its screen.
+// The wizard's state as text, without its screen.
 std::string ViewText(int step, int percent, int image_version, int running_state,
                      const std::string& dvr_version, const std::map<std::uint64_t, Time>& timers,
                      bool notice_up);
 
-// A text on the screen, and within which place its middle lies.
+// A text on the screen, and the rectangle that holds its middle.
 struct Shown {
     std::wstring text;
     unsigned color;
     long left, top, right, bottom;
 };
 
-// The wizard, told a second time: the window's thread with its messages, timers and waits, and the
-// receive thread, from outside in. Events come in at the time that the clock was set to last.
+// The reference model of the wizard: the window's thread with its messages, timers and waits, and
+// the receive thread. Events come at the model's current time.
 class WizardModel {
   public:
-    WizardModel(const World& around, Time start);
+    WizardModel(const World& environment, Time start);
 
     World world;
-    Account output;
+    Output output;
 
-    // Lets time pass up to then, with all that comes of itself.
+    // Lets time pass, with all timers and ends of waits until then.
     void RunTo(Time time);
     Time now() const { return now_; }
-    // When something comes of itself next; never before now().
+    // The next timer or end of a wait; never before now().
     Time NextDeadline() const;
-    // When the receive thread began to read.
+    // The start of the receive thread's current read.
     Time reading_since() const { return reading_since_; }
 
-    // Events. Each is followed by Settle() once all of one moment are in.
+    // Events. Call Settle() after all events of one time.
     void Receive(std::span<const std::uint8_t> bytes);
     void Touch(bool down, int x, int y) { touches_.push_back({down, x, y}); }
     void Post(unsigned message, std::uint64_t wparam = 0, std::uint64_t lparam = 0);
@@ -83,9 +81,10 @@ class WizardModel {
     void SetPercent(int percent) { percent_ = static_cast<std::uint8_t>(percent); }
     void Settle() { RunThread(); }
 
-    std::string Look() const;
+    std::string View() const;
     std::vector<Shown> screen() const;
-    // At the place of the close button: X, pressed x, or what lies behind, black b or the key k.
+    // At the place of the close button: X, pressed x, or the background, black b or the key colour
+    // k.
     char close_place() const { return main_.close_place; }
     int step() const { return step_; }
     bool closed() const { return closed_; }
@@ -95,13 +94,10 @@ class WizardModel {
     bool busy() const { return !stack_.empty() && !AtNotice(); }
     bool visible(Control control) const { return controls_[control].visible; }
 
-    // Which rules, and which moves of the step, no model of the process has taken.
-    static std::string NeverTaken();
-
   private:
     enum class Trigger { kCommand, kTimer, kRunningState, kCard, kPower };
     struct Activation;
-    // One thing that is done, at once or in a while.
+    // One operation of a rule: done at once, or a wait.
     struct Op {
         using Act = void (WizardModel::*)(int);
         using Wait = bool (WizardModel::*)(Activation&);
@@ -111,20 +107,20 @@ class WizardModel {
         int value = 0;
         Wait wait = nullptr;  // false while it waits
     };
-    // The first that fits is the one that counts.
+    // What an event does; the first rule that fits counts.
     struct Rule {
         Trigger trigger;
-        unsigned id;  // command, timer, or the value that was reported
+        unsigned id;  // command, timer, or reported value
         int step;
         bool (WizardModel::*guard)() const;
         std::vector<Op> ops;
     };
     static std::span<const Rule> Rules();
-    // A rule that is carried out, at one of its operations.
+    // A rule in execution, at one of its operations.
     struct Activation {
         const std::vector<Op>* ops;
         std::size_t at = 0;
-        int stage = 0;  // of an operation that waits
+        int phase = 0;  // of an operation that waits
         Time wake{};
     };
     struct ControlState {
@@ -136,7 +132,7 @@ class WizardModel {
     struct Window {
         bool exists = false;
         bool invalid = false;
-        bool asked = false;  // another thread wants it painted at once
+        bool requested = false;  // another thread wants it painted at once
         std::map<int, std::pair<std::wstring, unsigned>> drawn;
         char close_place = 'b';
     };
@@ -160,7 +156,7 @@ class WizardModel {
     bool IsAt100Percent() const { return percent_ == 100; }
     bool WasOffline() const { return was_offline_; }
 
-    void ToStep(int step);
+    void ToStep(int step) { step_ = step; }
     void ToStepIfImage(int step);
     void ForgetVersion(int = 0) { version_ = {}; }
     void ForgetCardReport(int) { card_report_ = false; }
@@ -193,12 +189,12 @@ class WizardModel {
     // The window's thread.
     bool AtNotice() const;
     void RunThread();
-    bool GoOn();
+    bool Continue();
     void Take(Trigger trigger, unsigned id);
     bool DispatchNext();
     bool DispatchInput();
     bool DispatchTimer();
-    bool PaintNext(bool asked);
+    bool PaintNext(bool requested);
     void Dispatch(const Posted& posted);
     void DispatchToNotice(const Posted& posted);
     void DispatchTouch(const TouchInput& touch);
@@ -231,7 +227,7 @@ class WizardModel {
 
     Time now_;
     Time reading_since_;
-    bool receiving_ = false;  // the receive thread is at work, not the window's
+    bool receiving_ = false;  // the receive thread runs, not the window's
     bool closed_ = false;
 
     int step_ = -1;
@@ -253,12 +249,9 @@ class WizardModel {
     std::deque<Posted> posted_;
     std::deque<TouchInput> touches_;
     std::vector<TimerState> timers_;
-    std::uint64_t fired_ = 0;     // the timer that fired last
-    bool rest_has_turn_ = false;  // after a paint that was asked for
+    std::uint64_t fired_ = 0;        // the timer that fired last
+    bool others_have_turn_ = false;  // after a requested painting
     FrameFinder finder_;
-
-    static std::set<const Rule*> rules_taken_;
-    static std::set<std::pair<int, int>> moves_;
 };
 
 }  // namespace tests::model

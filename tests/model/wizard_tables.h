@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-// The wizard in numbers and texts: its controls, and what each of its screens sets.
+// The wizard's controls and the settings of its screens.
 namespace tests::model {
 
 // clang-format off
@@ -13,7 +13,7 @@ enum Step {
     kPowerOn = -1, kCheckCard, kInsertCard, kUpdating, kWait, kRemoveCard, kResult, kReopen,
     kAnyStep = 99
 };
-// In the order of their making, which is that of drawing and of offering touches.
+// In the order of creation, which is the order of drawing and of offering touches.
 enum Control {
     kTitle, kWarning, kToolVersion, kDvrLine, kLine1, kLine2, kLine3, kLine4, kNotice, kSuspend,
     kNext, kUpdate, kClose, kWizardControls, kOk = kWizardControls, kUpper, kLower, kAllControls
@@ -32,7 +32,7 @@ inline constexpr unsigned kWhite = 0xFFFFFF;
 inline constexpr unsigned kRed = 0x0000FF;
 inline constexpr unsigned kBlue = 0xFF0000;
 
-// What a screen sets; everything else stays as it was.
+// What a screen sets; everything else stays.
 struct Setting {
     Control control;
     const wchar_t* text;  // nullptr: stays
@@ -41,12 +41,12 @@ struct Setting {
 };
 struct ScreenRow {
     Screen screen;
-    std::array<const wchar_t*, 4> lines;  // the texts of kLine1 and the next; nullptr: stays
+    std::array<const wchar_t*, 4> lines;  // the texts from kLine1 on; nullptr: stays
     std::vector<Setting> others;
 };
 std::span<const ScreenRow> Screens();
 
-// A control as it is made.
+// A control at its creation.
 struct ControlRow {
     long left, top, right, bottom;
     unsigned id;  // 0: a label

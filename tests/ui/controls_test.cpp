@@ -8,7 +8,7 @@
 #include "ui/DrawButton.h"
 #include "ui/DrawLabel.h"
 
-// What the wizard makes of its own controls is seen by the comparison with its model.
+// The comparison with the reference model covers the wizard's use of the controls.
 
 namespace tests {
 namespace {
@@ -28,7 +28,7 @@ void Fill(HDC dc, const RECT& place, COLORREF color) {
     DeleteObject(brush);
 }
 
-// An owner window of 100 x 60 that notes commands.
+// An owner window of 100 x 60 that records commands.
 class Owner {
   public:
     Owner() {
@@ -98,13 +98,13 @@ void OnPlatform(const std::function<void(Owner&)>& body) {
 }
 
 // "d" and "u" press and release inside, "D" and "U" outside, "h" and "s" hide and show.
-TEST(Control, TakesPressesAndReleasesByItsKind) {
+TEST(Control, TakesPressesAndReleasesByItsMode) {
     constexpr UINT kLabel = 100;
     struct {
         UINT mode;
         int frames;
         const char* events;
-        const char* taken;  // 1 for each event that was
+        const char* taken;  // 1 for each event that was taken
         int frame;
         std::size_t commands;
     } const rows[] = {
@@ -149,12 +149,12 @@ TEST(Control, TakesPressesAndReleasesByItsKind) {
     });
 }
 
-// A smoothed text keeps a trace of what is under it.
+// Smoothed text mixes with the colour under it.
 bool IsReddish(COLORREF color) {
     return GetRValue(color) > 200 && GetGValue(color) < 50 && GetBValue(color) < 50;
 }
 
-TEST(Control, TextFontAndColourAreKeptAndAnswered) {
+TEST(Control, KeepsTextFontAndColourAndReturnsThem) {
     constexpr COLORREF kRed = RGB(255, 0, 0);
     struct {
         const wchar_t* text;

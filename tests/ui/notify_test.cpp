@@ -8,12 +8,12 @@
 namespace tests {
 namespace {
 
-// One call fails: what is told, in lines that name the places that the notice has always named, and
-// the notice is shown over the whole screen all the same, and its button closes it.
-TEST(Notify, LogsWhatFailsAndIsUsableAllTheSame) {
+// One call fails: the log line, with its fixed line number. The notice still covers the screen, and
+// its button closes it.
+TEST(Notify, LogsAFailureAndStaysUsable) {
     const struct {
         const char* call;
-        std::wstring told;
+        std::wstring report;
     } rows[] = {
         {"LoadImageW", L"OnInitDialog, LoadImage() fail!!!, ErrorCode(1813), CNotify.cpp(45)"},
         {"CreateCompatibleDC", L"OnPaint, Invalid Arguments!!!, CNotify.cpp(138)"},
@@ -37,12 +37,12 @@ TEST(Notify, LogsWhatFailsAndIsUsableAllTheSame) {
         EXPECT_FALSE(harness.Shows("OK"));
         EXPECT_EQ(harness.Step(), 4);
         EXPECT_EQ(std::ranges::count(harness.platform.board.lines(),
-                                     L"[Tolvane.exe] \tCNotify::" + row.told),
-                  row.told.empty() ? 0 : 1);
+                                     L"[Tolvane.exe] \tCNotify::" + row.report),
+                  row.report.empty() ? 0 : 1);
     }
 }
 
-TEST(Notify, ThatCannotStartIsPassedOver) {
+TEST(Notify, IsSkippedWithoutItsTemplate) {
     WizardHarness harness;
     harness.Start();
     harness.Hide(RT_DIALOG, 130);

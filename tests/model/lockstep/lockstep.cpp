@@ -3,12 +3,12 @@
 #include <pm.h>
 
 #include <algorithm>
+#include <numeric>
 #include <sstream>
 
 #include "platform/kernel/clock.h"
 #include "platform/kernel/text.h"
 #include "platform/powermgr/power_notifications.h"
-#include "tests/model/text.h"
 #include "wizard/MainFrm.h"
 
 namespace tests::model {
@@ -16,12 +16,12 @@ namespace {
 
 namespace kernel = platform::kernel;
 
-// Rows enough to see the background and the close button.
+// Enough rows for the background and the close button.
 constexpr int kRows = 13;
 constexpr int kCloseX = 725, kCloseY = 12;
 
-// How near nothing may come of itself when an event comes: who of two threads goes first at one
-// moment is open.
+// No timer, wait or read may end so soon after an event: the order of two threads at one time is
+// open.
 constexpr Time kApart = 3ms;
 
 kernel::Options StartingAt(int milliseconds) {
@@ -34,19 +34,17 @@ HWND Notice() {
     return FindWindowW(L"Dialog", nullptr);
 }
 
-// The lines in an order of their own, where threads end side by side.
+// Sorted lines: threads that end side by side log in any order.
 std::string Sorted(const std::string& log) {
     std::istringstream text(log);
-    std::multiset<std::string> lines;
+    std::vector<std::string> lines;
     for (std::string line; std::getline(text, line);)
-        lines.insert(line + "\n");
-    std::string sorted;
-    for (const std::string& line : lines)
-        sorted += line;
-    return sorted;
+        lines.push_back(line + "\n");
+    std::ranges::sort(lines);
+    return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
-std::string Differ(const Account& program, const Account& model) {
+std::string Differ(const Output& program, const Output& model) {
     constexpr std::array<const char*, kChannels> kNames = {"log",
                                                            "frames",
                                                            "requests to DVR1:",
@@ -66,11 +64,6 @@ std::string Differ(const Account& program, const Account& model) {
 
 }  // namespace
 
-std::set<std::tuple<int, Situation, Kind>>& Lockstep::Covered() {
-    static std::set<std::tuple<int, Situation, Kind>> covered;
-    return covered;
-}
-
 Lockstep::Lockstep(const World& world, int start_milliseconds)
     : harness_(StartingAt(start_milliseconds), WizardHarness::Pace::kAtOnce),
       model_(world, StartingAt(start_milliseconds).start) {
@@ -81,7 +74,7 @@ Lockstep::Lockstep(const World& world, int start_milliseconds)
     harness_.Start();
     model_.RunTo(kernel::Now());
     window_ = FindWindowW(L"Tolvane", nullptr);
-    // What is said on the way is other tests' matter; what is asked is not.
+    // Other tests check the log of the start; the frames and requests are compared.
     harness_.platform.board.ClearOutput();
     model_.output[kLog].clear();
 }
@@ -94,16 +87,11 @@ std::string Lockstep::Apply(const Event& event) {
     MoveTo(event);
     if (model_.closed())
         return {};
-    Covered().insert({model_.step(),
-                      model_.busy()        ? Situation::kBusy
-                      : model_.notice_up() ? Situation::kNotice
-                                           : Situation::kIdle,
-                      event.kind});
     Deliver(event);
     model_.Settle();
     model_.RunTo(model_.now() + 1us);
     harness_.RunFor(1us);
-    // What the threads say at their ends comes in its time.
+    // The threads log their ends in their own time.
     return model_.closed() ? std::string() : Compare();
 }
 
@@ -111,7 +99,7 @@ std::string Lockstep::End() {
     while (!model_.closed())
         model_.RunTo(model_.NextDeadline());
     harness_.WaitForEnd();
-    Account program = TakeOutput();
+    Output program = TakeOutput();
     for (std::string* const log : {&program[kLog], &model_.output[kLog]})
         *log = Sorted(*log);
     return Differ(program, model_.output);
@@ -121,7 +109,7 @@ void Lockstep::MoveTo(const Event& event) {
     Time target = model_.now() + (event.milliseconds == 0
                                       ? Time(300us)
                                       : Time(std::chrono::milliseconds(event.milliseconds)));
-    constexpr Time kRound = 101ms;  // a read that finds nothing, and the pause after it
+    constexpr Time kRound = 101ms;  // an empty read and the pause after it
     for (;; target += kApart) {
         model_.RunTo(target - 1us);
         if (model_.closed())
@@ -201,16 +189,16 @@ void Lockstep::Deliver(const Event& event) {
     }
 }
 
-// The log as the model writes it: "#" for a source and its line, "?" for the error of a refused
-// argument, which is whatever failed last.
-Account Lockstep::TakeOutput() {
+// The log as the model writes it: "#" for a source and its line, "?" for the error of refused
+// arguments, which is the thread's last error.
+Output Lockstep::TakeOutput() {
     PlainBoard& board = harness_.platform.board;
-    Account output;
+    Output output;
     std::string& log = output[kLog];
     for (const wchar_t character : board.debug_output())
         log += static_cast<char>(character);
     board.ClearOutput();
-    const auto blank = [&log](const std::string& mark, std::size_t from_end, char by) {
+    const auto mask = [&log](const std::string& mark, std::size_t from_end, char by) {
         for (std::size_t at = 0; (at = log.find(mark, at)) != log.npos; ++at) {
             const std::size_t begin = from_end == 0 ? at + mark.size() : log.rfind(' ', at) + 1;
             const std::size_t end = log.find(')', at) + from_end;
@@ -218,8 +206,8 @@ Account Lockstep::TakeOutput() {
             at = begin;
         }
     };
-    blank(".cpp(", 1, '#');
-    blank("Invalid Arguments!!!, ErroCode(", 0, '?');
+    mask(".cpp(", 1, '#');
+    mask("Invalid Arguments!!!, ErroCode(", 0, '?');
     for (const unsigned command : std::exchange(harness_.frames, {}))
         output[kFrames] += Text("%04X; ", command);
     for (const std::string& request : std::exchange(harness_.reset->requests, {}))
@@ -236,7 +224,7 @@ Account Lockstep::TakeOutput() {
 }
 
 std::string Lockstep::Compare() {
-    Account program = TakeOutput();
+    Output program = TakeOutput();
     const auto running = platform::window::RunningTimers(window_);
     const std::map<std::uint64_t, Time> timers(running.begin(), running.end());
     const bool notice_up = Notice() != nullptr;
@@ -244,17 +232,17 @@ std::string Lockstep::Compare() {
         program[kView] = ViewText(frame->m_nStep, frame->m_byUpdatePercent, frame->m_byBinVersion,
                                   frame->m_byRunningState, frame->m_szDvrVersion.Load().data(),
                                   timers, notice_up);
-    Account model = std::exchange(model_.output, {});
-    model[kView] = model_.Look();
+    Output model = std::exchange(model_.output, {});
+    model[kView] = model_.View();
     return Differ(program, model) + CompareScreen();
 }
 
-// Which texts in which colours, and that the middle of each lies in its place.
+// The texts, their colours, and the place of the middle of each.
 std::string Lockstep::CompareScreen() const {
     const platform::gdi::Surface screen = harness_.Screen();
     std::vector<Shown> missing = model_.screen();
     std::string difference;
-    const auto tell = [&](const char* who, const std::wstring& text, unsigned color) {
+    const auto add = [&](const char* who, const std::wstring& text, unsigned color) {
         difference +=
             Text("on the %s's screen alone, in %06X: ", who, color) + kernel::ToUtf8(text) + "\n";
     };
@@ -266,12 +254,12 @@ std::string Lockstep::CompareScreen() const {
             return text == shown.text && color == shown.color && PtInRect(&place, middle);
         });
         if (found == missing.end())
-            tell("program", text, color);
+            add("program", text, color);
         else
             missing.erase(found);
     }
     for (const Shown& shown : missing)
-        tell("model", shown.text, shown.color);
+        add("model", shown.text, shown.color);
     const std::uint32_t pixel = screen.row(kCloseY)[kCloseX];
     const char close = pixel == 0xE70010 ? 'X' : pixel == 0x001000 ? 'k' : pixel == 0 ? 'b' : 'x';
     if (!model_.notice_up() && close != model_.close_place())

@@ -2,20 +2,15 @@
 
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
-#include <tuple>
 
 #include "tests/harness/wizard_harness.h"
 #include "tests/model/event.h"
 
 namespace tests::model {
 
-// What the wizard was doing when an event came.
-enum class Situation { kIdle, kNotice, kBusy };
-
-// The program and its model side by side: each event goes to both, and whatever can be seen of one
-// must be seen of the other.
+// The program and the reference model side by side: each event goes to both, and both must show the
+// same afterwards.
 class Lockstep {
   public:
     Lockstep(const World& world, int start_milliseconds);
@@ -23,14 +18,12 @@ class Lockstep {
     Lockstep(const Lockstep&) = delete;
     Lockstep& operator=(const Lockstep&) = delete;
 
-    // The first difference after the event, in words; empty when there is none.
+    // Returns the first difference after the event, as text; empty when there is none.
     std::string Apply(const Event& event);
-    // To be called once the window has been told to close: lets the program end.
+    // Lets the program end, after the event that closes the window.
     std::string End();
 
     const WizardModel& model() const { return model_; }
-    // At which step and when which events came, in all runs of the process.
-    static std::set<std::tuple<int, Situation, Kind>>& Covered();
 
   private:
     void MoveTo(const Event& event);
@@ -38,7 +31,7 @@ class Lockstep {
     void DeliverSupply(std::uint64_t line, std::uint64_t battery);
     void SetDriver(std::uint64_t driver, unsigned error);
     std::string Compare();
-    Account TakeOutput();
+    Output TakeOutput();
     std::string CompareScreen() const;
 
     WizardHarness harness_;
@@ -46,11 +39,11 @@ class Lockstep {
     HWND window_ = nullptr;
 };
 
-// The program and its model from the sequence's beginning on, with the events that `next` gives.
-// When there is none the window is closed. The first difference; empty when there is none.
+// Runs both from the sequence's start with the events that `next` gives; without an event the
+// window is closed. Returns the first difference; empty when there is none.
 std::string RunBoth(const Sequence& sequence,
                     const std::function<std::optional<Event>(const WizardModel&)>& next);
-// With the sequence's own events.
+// The same with the sequence's own events.
 std::string Replay(const Sequence& sequence);
 
 }  // namespace tests::model

@@ -1,8 +1,7 @@
-#include "tests/model/wizard_model.h"
-
+// The window's messages and its painting.
 #include <algorithm>
 
-#include "tests/model/text.h"
+#include "tests/model/wizard_model.h"
 
 namespace tests::model {
 namespace {
@@ -21,12 +20,12 @@ bool IsButton(int control) {
 // The next message, in the order of the API: posted messages, touches, paintings, timers. Paintings
 // that another thread requested come first, in turn with the others.
 bool WizardModel::DispatchNext() {
-    if (!rest_has_turn_ && PaintNext(true)) {
-        rest_has_turn_ = true;
+    if (!others_have_turn_ && PaintNext(true)) {
+        others_have_turn_ = true;
         return true;
     }
     if (DispatchInput() || PaintNext(false) || DispatchTimer()) {
-        rest_has_turn_ = false;
+        others_have_turn_ = false;
         return true;
     }
     return PaintNext(true);
@@ -57,9 +56,9 @@ bool WizardModel::DispatchTimer() {
     return true;
 }
 
-bool WizardModel::PaintNext(bool asked) {
+bool WizardModel::PaintNext(bool requested) {
     for (Window* const window : {&notice_, &main_}) {
-        if (window->exists && window->invalid && window->asked == asked) {
+        if (window->exists && window->invalid && window->requested == requested) {
             Paint(*window);
             return true;
         }
@@ -164,6 +163,111 @@ void WizardModel::OnPower(std::uint64_t wparam, std::uint64_t lparam) {
     if (ac_line_ <= 1)
         Line(Text("\tCMainFrame::OnPowerStatus, AC_LINE_%s", ac_line_ == 1 ? "ONLINE" : "OFFLINE"));
     Take(Trigger::kPower, ac_line_);
+}
+
+void WizardModel::Apply(Screen screen) {
+    const ScreenRow& row = *std::ranges::find(Screens(), screen, &ScreenRow::screen);
+    for (std::size_t line = 0; line < row.lines.size(); ++line)
+        if (row.lines[line])
+            controls_[kLine1 + line].text = row.lines[line];
+    for (const Setting& setting : row.others) {
+        ControlState& control = controls_[setting.control];
+        if (setting.text)
+            control.text = setting.text;
+        control.color = setting.color.value_or(control.color);
+        control.visible = setting.visible.value_or(control.visible);
+    }
+}
+
+void WizardModel::Paint(Window& window) {
+    window.invalid = window.requested = false;
+    if (&window == &notice_)
+        PaintNotice();
+    else
+        PaintWizard();
+}
+
+void WizardModel::PaintNotice() {
+    Line(Text("\tCNotify::OnPaint, nStep:%d ", step_));
+    if (step_ > 0)
+        Apply(Screen::kNoticeAfterUpdate);
+    notice_.drawn.clear();
+    for (int control = kWizardControls; control < kAllControls; ++control)
+        Redraw(control);
+}
+
+void WizardModel::PaintWizard() {
+    if (step_ != kUpdating && step_ != kWait && percent_ != 0) {
+        Arm(kVideoTimer, 100);
+        controls_[kNext].text = L"Next";
+        ToStep(kUpdating);
+        Hide(kNext);
+    }
+    const char background = step_ == kPowerOn ? 'b' : 'k';
+    if (ac_line_ != 0)
+        PaintStep();
+    main_.drawn.clear();
+    for (int control = 0; control < kWizardControls; ++control)
+        if (controls_[control].visible)
+            Redraw(control);
+    if (!controls_[kClose].visible)
+        main_.close_place = background;
+}
+
+void WizardModel::PaintStep() {
+    std::wstring& dvr = controls_[kDvrLine].text;
+    dvr = L"DVR :";
+    if (step_ == kCheckCard || step_ == kInsertCard || step_ == kResult || step_ == kReopen) {
+        const std::string known = version_.data();
+        dvr += VersionKnown() ? L" V" + std::wstring(known.begin(), known.end()) : L" 読み込み中";
+    } else if (step_ != kRemoveCard) {
+        ForgetVersion();
+    }
+    switch (step_) {
+        case kPowerOn:
+            return Apply(Screen::kPowerOn);
+        case kCheckCard:
+            return Apply(card_report_ ? Screen::kCheckCard : Screen::kNoCardReport);
+        case kInsertCard:
+            return Apply(Screen::kInsertCard);
+        case kUpdating:
+            if (percent_ == 0) {
+                Apply(Screen::kImageMissing);
+                ToStep(kInsertCard);
+                return Repaint();
+            }
+            Apply(Screen::kUpdating);
+            controls_[kLine2].text = L"Update Percent : " + std::to_wstring(percent_) + L"%";
+            if (percent_ >= 100) {
+                ToStep(kWait);
+                main_.invalid = true;
+            }
+            return;
+        case kWait:
+            Apply(Screen::kWait);
+            if (percent_ >= 100) {
+                Arm(kNotifyTimer, 3000);
+                percent_ = 0;
+            }
+            return;
+        case kRemoveCard:
+            Apply(Screen::kRemoveCard);
+            return Arm(kNotifyTimer, 1000);
+        case kResult:
+            Apply(Screen::kResult);
+            return Apply(VersionKnown() ? Screen::kSuccess : Screen::kFailure);
+        default:
+            return Apply(Screen::kReopen);
+    }
+}
+
+// Draws one control onto its window.
+void WizardModel::Redraw(int control) {
+    const ControlState& state = controls_[static_cast<std::size_t>(control)];
+    Window& window = control < kWizardControls ? main_ : notice_;
+    window.drawn[control] = {state.text, state.color};
+    if (control == kClose)
+        window.close_place = state.pressed ? 'x' : 'X';
 }
 
 }  // namespace tests::model
