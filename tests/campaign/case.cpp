@@ -24,6 +24,7 @@ const Flow kFlows[] = {
     {"silent", End::kError, "fault dvr silent on"},
     {"update-hangs", End::kStandstill, "fault dvr jump-back off\nfault dvr stop-at 40"},
     {"indication-flood", End::kSuccess, "fault dvr repeat-card 200ms"},
+    {"waiting-repaints", End::kSuccess, "start with waiting repaints\nfault dvr repeat-card 200ms"},
     {"power-lost", End::kSuccess, "", "card out\npower off\nwait 2s\ndvr reset\npower on\nwait 4s"},
     {"dvr-reboots", End::kSuccess, "", "dvr reboot"},
     {"power-off-at-start", End::kSuccess, "start without external power\nwait 3s\npower on"},
