@@ -47,7 +47,8 @@ TEST_F(PanelTest, ButtonsAndKeysExecuteValidCommands) {
     for (const char* const line :
          {"fault dvr none", "fault dvr silent on", "fault dvr fail-at 57",
           "fault dvr jump-back 57 20", "fault dvr version 1.2.3", "fault dvr copies 3",
-          "fault line drop frames", "fault driver SCA0: missing", "card in", "power off"}) {
+          "fault line drop frames", "fault driver SCA0: missing", "card in", "line unplug",
+          "power off"}) {
         commands_.Execute(line);
         EXPECT_TRUE(commands_.entries().back().done) << commands_.entries().back().reply;
         Draw();

@@ -41,8 +41,8 @@ TEST(History, SortsEventsForThePanel) {
     ASSERT_EQ(history.percents().count(), 1U);
     EXPECT_EQ(history.percents().entries()[0].percent, 57);
     EXPECT_EQ(history.card_folder(), "/somewhere");
-    EXPECT_EQ(history.words().entries().at(0).text, "suspend request");
-    EXPECT_EQ(history.words().entries().at(1).text, "suspend acknowledged");
+    EXPECT_EQ(history.power_messages().entries().at(0).text, "suspend request");
+    EXPECT_EQ(history.power_messages().entries().at(1).text, "suspend acknowledged");
     // Between two calls of Update it keeps 50,000 events.
     for (int i = 0; i < 60'000; ++i)
         hub.Publish(unit::LineLogged{"more"});

@@ -10,7 +10,7 @@ namespace {
 
 using platform::kernel::ToUtf8;
 
-// Notes beyond that are lost while nobody files them.
+// The limit for events between two calls of Update; later ones are dropped.
 constexpr std::size_t kMostNotes = 50'000;
 
 constexpr std::uint16_t kUpgradeVersion = 0x002E;
@@ -51,9 +51,9 @@ void History::File(const TimedEvent& event) {
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {
         card_folder_ = card->in ? card->folder : std::string();
     } else if (const auto* request = std::get_if<PowerRequested>(&event.event)) {
-        words_.Add({event.time, true, ReadablePowerName(ToUtf8(request->event_name))});
+        power_messages_.Add({event.time, true, ReadablePowerName(ToUtf8(request->event_name))});
     } else if (const auto* broadcast = std::get_if<BroadcastPosted>(&event.event)) {
-        words_.Add({event.time, false, ReadableBroadcast(*broadcast)});
+        power_messages_.Add({event.time, false, ReadableBroadcast(*broadcast)});
     }
 }
 

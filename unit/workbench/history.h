@@ -12,7 +12,7 @@
 
 namespace unit {
 
-// The latest entries of something that never ends.
+// The latest entries of an endless list.
 template <class Entry, std::size_t kMost>
 class Latest {
   public:
@@ -29,9 +29,9 @@ class Latest {
     }
 
     const std::deque<Entry>& entries() const { return entries_; }
-    // How many came before the first one here.
+    // The number of entries before the first one here.
     std::uint64_t dropped() const { return dropped_; }
-    // How many there ever were.
+    // The number of all entries so far.
     std::uint64_t count() const { return dropped_ + entries_.size(); }
 
   private:
@@ -39,8 +39,8 @@ class Latest {
     std::uint64_t dropped_ = 0;
 };
 
-// What has happened at the unit's edges, as the panel shows it. Notes come on any thread; the rest
-// is the hardware's thread's.
+// What happened at the unit's external interfaces, sorted for the panel. Events come on any thread;
+// everything else is for the host thread.
 class History {
   public:
     struct Line {
@@ -52,30 +52,30 @@ class History {
         std::chrono::microseconds time;
         int percent;
     };
-    // What the unit's other applications said and heard.
-    struct Word {
+    // A power request of the unit's other applications, or a broadcast of the program.
+    struct PowerMessage {
         std::chrono::microseconds time;
-        bool request;  // raised by us; else a broadcast of the program
+        bool is_request;
         std::string text;
     };
 
     explicit History(EventHub& events);
 
-    // Files what has been noted since the last call; false when there was nothing.
+    // Sorts the events since the last call; false when there were none.
     bool Update();
 
     const Latest<Line, 10'000>& log() const { return log_; }
     const Latest<LineEntry, 10'000>& traffic() const { return traffic_; }
     const Latest<Percent, 10'000>& percents() const { return percents_; }
-    const Latest<Word, 200>& words() const { return words_; }
+    const Latest<PowerMessage, 200>& power_messages() const { return power_messages_; }
 
-    // The folder that acts as the card that is in; empty when none is.
+    // The folder that acts as the inserted card; empty without a card.
     const std::string& card_folder() const { return card_folder_; }
 
     void ClearLog() { log_.Clear(); }
     void ClearTraffic() { traffic_.Clear(); }
 
-    // The latest line for the operator; empty when there is none.
+    // The latest message for the operator; empty when there is none.
     const std::string& message() const { return message_; }
     void DismissMessage() { message_.clear(); }
 
@@ -90,7 +90,7 @@ class History {
     Latest<Line, 10'000> log_;
     Latest<LineEntry, 10'000> traffic_;
     Latest<Percent, 10'000> percents_;
-    Latest<Word, 200> words_;
+    Latest<PowerMessage, 200> power_messages_;
     std::string message_;
     std::string card_folder_;
     EventHub::Subscription subscription_;

@@ -58,17 +58,18 @@ void DrawFlag(PanelContext& context, const platform::PowerSupply& supply) {
     ImGui::EndCombo();
 }
 
-void DrawWords(PanelContext& context) {
-    const auto& words = context.history.words().entries();
-    const std::size_t first = words.size() > kShownMessages ? words.size() - kShownMessages : 0;
-    for (std::size_t index = first; index < words.size(); ++index) {
-        const History::Word& word = words[index];
-        ColoredText(color::kDim, ReadableTime(word.time));
+void DrawPowerMessages(PanelContext& context) {
+    const auto& messages = context.history.power_messages().entries();
+    const std::size_t first =
+        messages.size() > kShownMessages ? messages.size() - kShownMessages : 0;
+    for (std::size_t index = first; index < messages.size(); ++index) {
+        const History::PowerMessage& message = messages[index];
+        ColoredText(color::kDim, ReadableTime(message.time));
         ImGui::SameLine(kValueColumn * context.scale);
-        ColoredText(word.request ? color::kAccent : color::kGood,
-                    (word.request ? "> " : "< ") + word.text);
+        ColoredText(message.is_request ? color::kAccent : color::kGood,
+                    (message.is_request ? "> " : "< ") + message.text);
     }
-    if (words.empty())
+    if (messages.empty())
         ColoredText(color::kDim, "No requests or broadcasts yet.");
 }
 
@@ -133,7 +134,7 @@ void PowerSection::Draw(PanelContext& context) {
     CommandButtons(context, {{"Suspend", "request suspend"},
                              {"Resume", "request resume"},
                              {"Power off", "request off"}});
-    DrawWords(context);
+    DrawPowerMessages(context);
 }
 
 void DrawScalerSection(PanelContext& context) {
