@@ -1,28 +1,33 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
+#include "dvrsim/card_folders.h"
 #include "dvrsim/commands/dvr_commands.h"
 #include "dvrsim/commands/dvr_state.h"
+#include "dvrsim/frame_codec.h"
 
 namespace dvrsim {
 namespace {
 
 using namespace std::chrono_literals;
 
-// A host whose time stands still: it keeps the actions and never runs them.
+// A host whose time stands still. RunNext() runs the oldest action, whatever its delay.
 class StoppedHost final : public Host {
   public:
     std::chrono::microseconds Now() const override { return {}; }
-    std::uint64_t After(std::chrono::microseconds, std::function<void()>) override {
-        actions.insert(++last_id_);
+    std::uint64_t After(std::chrono::microseconds delay, std::function<void()> action) override {
+        last_delay = delay;
+        actions[++last_id_] = std::move(action);
         return last_id_;
     }
     void Cancel(std::uint64_t id) override { actions.erase(id); }
     void Transmit(std::span<const std::uint8_t>) override { ++frames; }
+    void RunNext() { actions.extract(actions.begin()).mapped()(); }
 
-    std::set<std::uint64_t> actions;
+    std::map<std::uint64_t, std::function<void()>> actions;
+    std::chrono::microseconds last_delay{};
     int frames = 0;
 
   private:
@@ -117,6 +122,51 @@ TEST(Dvr, CancelsItsActionsAtItsEnd) {
         EXPECT_EQ(host.actions.size(), 2U);
     }
     EXPECT_TRUE(host.actions.empty());
+}
+
+TEST(Dvr, KeepsNothingButItsVersionOverAPowerCycle) {
+    StoppedHost host;
+    Dvr dvr(host);
+    const auto request = [&](unsigned code, std::uint8_t value) {
+        const std::uint8_t payload[] = {value};
+        dvr.Receive(EncodeFrame(FrameType::kRequest, static_cast<std::uint16_t>(code), payload));
+    };
+    const auto boot = [&] {
+        dvr.PowerOn();
+        while (dvr.GetState() != Dvr::State::kNormal)
+            host.RunNext();
+        EXPECT_TRUE(dvr.Recording());
+    };
+    dvr.InsertCard("/dev");
+    boot();
+    request(0x0022, 0);
+    request(0x0011, 2);
+    while (dvr.GetMode() != Mode::kPlay)
+        host.RunNext();
+    for (int i = 0; i < 100; ++i)
+        request(0x8010, 0);
+    dvr.PowerOff();
+    EXPECT_FALSE(dvr.HasPicture());
+    EXPECT_EQ(StateOf(dvr)["running_state"], "initializing");
+    EXPECT_EQ(StateOf(dvr)["mode"], "video");
+    boot();
+    const std::size_t actions = host.actions.size();
+    request(0x8010, 0);
+    EXPECT_EQ(host.actions.size(), actions + 1) << "no request is pending";
+    EXPECT_LE(host.last_delay, 12ms) << "the processor is not busy";
+}
+
+TEST(Dvr, ReportsEachPercentOfAnUpdateOnce) {
+    const TemporaryCard card;
+    StoppedHost host;
+    Dvr dvr(host);
+    dvr.InsertCard(card.path());
+    dvr.PowerOn();
+    while (dvr.GetState() != Dvr::State::kUpdateFinished)
+        host.RunNext();
+    while (!host.actions.empty())
+        host.RunNext();
+    EXPECT_EQ(host.frames, 102) << "INITIALIZING, the card, and 100 reports";
 }
 
 }  // namespace
