@@ -5,6 +5,7 @@
 #include "platform/kernel/scheduler.h"
 #include "tests/support/program_log.h"
 #include "tests/support/recording_driver.h"
+#include "unit/devices/scaler.h"
 
 namespace tests {
 namespace {
@@ -132,6 +133,30 @@ TEST_F(Scaler, HoldsItsEventWhileItIsOpen) {
         Mstar_C4_Scaler_DeInit();
         EXPECT_EQ(OpenEventW(EVENT_ALL_ACCESS, FALSE, L"AtscNotify"), nullptr);
     });
+}
+
+// The unit's scaler refuses an output of another size than the client's.
+TEST(UnitScaler, KeepsItsStateOnARefusedRequest) {
+    const struct {
+        DWORD code;
+        std::size_t input, output;
+    } rows[] = {{0x80012068, 4, 0}, {0x8001206C, 4, 0}, {0x80012070, 4, 0},
+                {0x80012078, 8, 0}, {0x800120B0, 4, 0}, {0x001B001B, 28, 4}};
+    const auto scaler =
+        std::make_shared<unit::Scaler>([] { ADD_FAILURE() << "the picture changes"; });
+    const std::vector<std::byte> input(28, std::byte{1});
+    std::vector<std::byte> output(4);
+    for (const auto& row : rows) {
+        DWORD returned = 0;
+        EXPECT_EQ(scaler->Request(row.code, std::span(input).first(row.input),
+                                  std::span(output).first(row.output), returned),
+                  DWORD{ERROR_INVALID_PARAMETER});
+    }
+    const unit::ScalerState state = scaler->state(), initial;
+    EXPECT_EQ(std::tuple(state.scaler_path, state.alpha, state.key_enabled, state.key_color,
+                         state.selector, state.window.x),
+              std::tuple(initial.scaler_path, initial.alpha, initial.key_enabled, initial.key_color,
+                         initial.selector, initial.window.x));
 }
 
 }  // namespace

@@ -72,7 +72,6 @@ TEST(PowerDetector, AcknowledgesEveryRequestAndBroadcastsEveryChangeOfTheSupply)
             EXPECT_EQ(TakeBroadcasts(), "") << "the events reset themselves";
             for (const HANDLE event : events)
                 CloseHandle(event);
-            // Three notifications wait while the detector waits for its turn.
             for (const DWORD event : {PBT_POWERSTATUSCHANGE, PBT_RESUME, PBT_POWERSTATUSCHANGE})
                 Notify(event);
             EXPECT_EQ(TakeBroadcasts(), "3(255,128)3(255,128)");
@@ -178,16 +177,20 @@ TEST(PowerDetectorFailures, OfEveryWakeUpLeaveTheThreadsBehind) {
     });
 }
 
-// A record that can never be read wakes the detector again and again.
+// A record that cannot be read wakes the detector again and again. The queue holds three of them.
 TEST(PowerDetectorFailures, OfEveryReadAreLoggedTenTimesASecond) {
     Platform platform;
+    ObserveBroadcasts();
     platform.Run([&] {
         CPowerDetector detector;
         ASSERT_TRUE(detector.Init());
         kernel::AddCallFault({.call = "ReadMsgQueue", .times = kernel::kForEver});
-        Notify(PBT_POWERSTATUSCHANGE);
+        for (int record = 0; record < 4; ++record)
+            Notify(PBT_POWERSTATUSCHANGE);
         Sleep(2000);
         EXPECT_NEAR(static_cast<double>(FailureLines(platform.board).size()), 20, 1);
+        kernel::ClearCallFaults();
+        EXPECT_EQ(TakeBroadcasts(), "3(1,1)3(1,1)3(1,1)");
     });
 }
 
