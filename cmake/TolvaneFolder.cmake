@@ -7,7 +7,7 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 add_library(tolvane_flags INTERFACE)
-# Only the warnings of the compiler that builds what is used are errors.
+# Warnings are errors only with the compiler that builds the commands.
 target_compile_options(tolvane_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     -Wno-sign-conversion $<$<CXX_COMPILER_ID:GNU>:-Werror> -fno-strict-aliasing)
 # Hardening, which tools/check-hardening looks for in the commands that were built.
@@ -21,14 +21,14 @@ target_link_options(tolvane_flags INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecst
 set(CMAKE_SKIP_RPATH ON)
 # GCC 12, optimising, warns of overlaps in the library's own text + text where there are none.
 target_compile_options(tolvane_flags INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
-# As the libraries want it too: what was precompiled without it they could not read.
+# The libraries need it too, and a precompiled header must have the same options.
 target_compile_options(tolvane_flags INTERFACE -pthread)
 target_link_options(tolvane_flags INTERFACE -pthread)
 if(TOLVANE_SANITIZE)
     target_compile_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE}
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    # Of the undefined behaviour that clang can look for, what makes a quarter of the code and is
-    # seen by the address sanitizer, or by the other compiler in the asan preset.
+    # These checks make a quarter of clang's code; the address sanitizer, or the other compiler in the
+    # asan preset, finds the same.
     target_compile_options(tolvane_flags INTERFACE $<$<CXX_COMPILER_ID:Clang>:
         -fno-sanitize=vptr,null,alignment,object-size,function>)
     target_link_options(tolvane_flags INTERFACE -fsanitize=${TOLVANE_SANITIZE})
@@ -37,8 +37,8 @@ else()
         $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=3>)
 endif()
 
-# What most folders include is read once for all where a folder's sources are compiled together. Not
-# where they are optimised: GCC 12 then warns of the library's own code, once it is precompiled.
+# Precompiles what most folders include, where a folder's sources are compiled together; not where they
+# are optimised, since GCC 12 then warns of the library's own code.
 if(CMAKE_UNITY_BUILD AND CMAKE_BUILD_TYPE STREQUAL "Debug")
     file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/standard_headers.cpp" CONTENT "")
     add_library(tolvane_standard_headers STATIC "${CMAKE_BINARY_DIR}/standard_headers.cpp")
@@ -66,6 +66,9 @@ function(tolvane_folder folder)
     foreach(excluded IN LISTS ARG_EXCLUDE)
         list(REMOVE_ITEM sources "${CMAKE_SOURCE_DIR}/${folder}/${excluded}")
     endforeach()
+    if(TOLVANE_REVERSE_SOURCES)
+        list(REVERSE sources)
+    endif()
     tolvane_view(${folder} view)
     if(sources)
         add_library(${target} STATIC ${sources})
@@ -82,8 +85,8 @@ function(tolvane_folder folder)
     endif()
 endfunction()
 
-# tolvane_executable(dvrsim dvrsim/program/main.cpp LIBRARIES ...): a command that people start; all of
-# them lie in one folder of the build tree, so that they find each other. Its target has its name, or
+# tolvane_executable(dvrsim dvrsim/program/main.cpp LIBRARIES ...): a command for users; all of them are
+# in one folder of the build tree, so that they find each other. Its target has its name, or
 # NAME_command where a folder has that.
 function(tolvane_executable name source)
     cmake_parse_arguments(ARG "" "" "LIBRARIES" ${ARGN})

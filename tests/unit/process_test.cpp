@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 class Tolvane : public tests::UnitProcess {};
 
-TEST_F(Tolvane, WalksTheUpdateByItselfWithAPictureOfEveryScreen) {
+TEST_F(Tolvane, RunsTheUpdateByItselfWithAPictureOfEveryScreen) {
     EXPECT_EQ(Run(TOLVANE_BINARY, {"--auto", "--screens", Path("screens"), "--log", Path("log")}),
               0);
     EXPECT_EQ(Read("err"), "");
