@@ -1,6 +1,7 @@
 #include "platform/window/paint.h"
 
 #include "platform/kernel/api_call.h"
+#include "platform/kernel/kernel.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/procedure.h"
 #include "platform/window/rectangle.h"
