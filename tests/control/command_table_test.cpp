@@ -53,10 +53,11 @@ TEST(CommandTable, ExecutesOrReportsWhatIsAllowed) {
          {"fault call CALL [after SKIP] [times COUNT]", "", Describe},
          {"sleep DURATION", "", Describe},
          {"send BYTES", "", Describe},
+         {"mark [SKIP] COUNT", "", Describe},
          {"say TEXT...", "", Describe}});
     const std::pair<const char*, const char*> done[] = {
         {"card in", "in:"},
-        {"card in \"my folder\"", "in:my folder"},
+        {"card in \"my folder\"", "in:/home/my folder"},
         {"power off", "off"},
         {"fault call CloseHandle", ""},
         {"fault call CloseHandle times 0x10", "times16"},
@@ -64,12 +65,17 @@ TEST(CommandTable, ExecutesOrReportsWhatIsAllowed) {
         {"sleep 1.5s", "1500000"},
         {"sleep 2min", "120000000"},
         {"send \"A5 5a\"", "**"},
+        {"mark 5", "times5"},
+        {"mark 5 6", "skip5times6"},
+        {"card in /absolute", "in:/absolute"},
+        {"card in relative", "in:/home/relative"},
         {"say it 'loud and' clear", "it \"loud and\" clear"},
         {"  # nothing", ""},
     };
     constexpr char kDuration[] = "DURATION (a number with ms, s or min, such as 500ms)";
     const std::pair<const char*, std::string> refused[] = {
-        {"crad in", "'crad' is not allowed; allowed is card, power, fault, sleep, send or say"},
+        {"crad in",
+         "'crad' is not allowed; allowed is card, power, fault, sleep, send, mark or say"},
         {"card", "something is missing after 'card'; allowed is in or out"},
         {"card up", NotAllowed("up", "card", "in or out")},
         {"card out now", "'now' is not expected after 'card out'"},
@@ -85,7 +91,7 @@ TEST(CommandTable, ExecutesOrReportsWhatIsAllowed) {
     };
     const auto check = [&table](const char* line, const std::string& text, bool is_done) {
         std::string target;
-        const Outcome outcome = table.Execute(target, line);
+        const Outcome outcome = table.Execute(target, line, "/home");
         EXPECT_EQ(outcome.done, is_done) << line;
         EXPECT_EQ(outcome.text, text) << line;
     };

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "control/socket_client.h"
 #include "tests/support/process.h"
 
 namespace control {
@@ -94,6 +95,9 @@ TEST_F(Runtime, ANameIsFreeOnlyWhenItsProcessIsDead) {
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
     ASSERT_TRUE(fs::exists(folder_ + "/unit.sock"));
+    bool not_running = false;
+    EXPECT_FALSE(SocketClient::Connect("unit", {}, not_running, problem_));
+    EXPECT_TRUE(not_running);
     for (int round = 0; round < 2; ++round) {
         EXPECT_TRUE(Claim()) << problem_;
         EXPECT_FALSE(fs::exists(folder_ + "/unit.sock"));

@@ -139,6 +139,8 @@ TEST(Dvr, KeepsNothingButItsVersionOverAPowerCycle) {
     };
     dvr.InsertCard("/dev");
     boot();
+    dvr.PowerOn();
+    EXPECT_EQ(dvr.GetState(), Dvr::State::kNormal) << "it has power already";
     request(0x0022, 0);
     request(0x0011, 2);
     while (dvr.GetMode() != Mode::kPlay)

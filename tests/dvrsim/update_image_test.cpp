@@ -32,24 +32,24 @@ TEST(UpdateImage, ReadsOnlyAWellFormedHeader) {
     }
 }
 
-TEST(UpdateImage, PassesOverWhatIsNoFile) {
+TEST(UpdateImage, IgnoresWhatIsNotAFile) {
     const TemporaryCard card(std::nullopt);
     EXPECT_FALSE(WriteImage(card.path() + "/missing", kNewVersion));
     EXPECT_FALSE(WriteImage(card.path(), "1.02.03"));
     EXPECT_EQ(ReadImageVersion(card.path()), std::nullopt);
-    // A pipe nobody writes to would block a plain open for ever.
+    // Opening a pipe without a writer would block for ever.
     ASSERT_EQ(mkfifo((card.path() + "/gp_cardvr_upgrade.bin").c_str(), 0600), 0);
     EXPECT_TRUE(WriteImage(card.path(), kNewVersion, "gp_card_upgrade.bin"));
     EXPECT_EQ(ReadImageVersion(card.path()), kNewVersion);
 }
 
-TEST(CardFolders, IsFullSometimeAndKeepsOnlyCardsThatCanBe) {
-    CardFolders box;
-    EXPECT_EQ(box.Make("1.2"), "");
+TEST(CardFolders, KeepsOnlyValidCardsUpToTheLimit) {
+    CardFolders cards;
+    EXPECT_EQ(cards.Make("1.2"), "");
     for (std::size_t made = 0; made < CardFolders::kMaxMade; ++made)
-        EXPECT_NE(box.Make("14.09.01.V1.02.03." + std::to_string(made)), "");
-    EXPECT_EQ(box.Make(kNewVersion), "");
-    EXPECT_EQ(ReadImageVersion(box.Make("14.09.01.V1.02.03.7")), "14.09.01.V1.02.03.7");
+        EXPECT_NE(cards.Make("14.09.01.V1.02.03." + std::to_string(made)), "");
+    EXPECT_EQ(cards.Make(kNewVersion), "");
+    EXPECT_EQ(ReadImageVersion(cards.Make("14.09.01.V1.02.03.7")), "14.09.01.V1.02.03.7");
 }
 
 }  // namespace
