@@ -25,8 +25,27 @@ struct PowerSupply {
 // The kinds of kernel objects that have names; there is one name space for all of them.
 enum class NamedKind { kNone, kEvent, kMutex, kMessageQueue };
 
-// A top-level window of another process as that process numbers it; 0 is none.
-using NeighbourWindow = std::uint64_t;
+// A top-level window of another process, by that process's own number; 0 is none.
+using OtherProcessWindow = std::uint64_t;
+
+// The other processes of the unit: programs that share names and the screen with this one. Any
+// thread, host threads included, without any lock of the platform. A call may take a round trip to
+// the other process; a process that has ended or does not reply has nothing.
+class OtherProcesses {
+  public:
+    virtual ~OtherProcesses() = default;
+
+    // The kind of the object that another process has under that name.
+    virtual NamedKind FindObject(std::wstring_view name) = 0;
+
+    // The highest window with that class and that title; upper and lower case are the same, and
+    // either may be left open.
+    virtual OtherProcessWindow FindWindow(std::optional<std::wstring_view> class_name,
+                                          std::optional<std::wstring_view> title) = 0;
+
+    // Brings a window forward, on request with the windows that it owns; false when it is gone.
+    virtual bool BringForward(OtherProcessWindow window, bool with_owned) = 0;
+};
 
 // What a board gives the platform. Every call may come on any thread of the platform and returns
 // soon; none of them may call the API.
@@ -47,34 +66,14 @@ class Board {
     // SetSystemPowerState; returns ERROR_SUCCESS or an error.
     virtual DWORD ChangeSystemPower(DWORD state_flags, DWORD options) = 0;
 
-    // One piece of debug output as the program printed it, line ends included.
+    // Debug output as the program printed it, line ends included.
     virtual void DebugOutput(std::wstring_view text) = 0;
 
     // Something on the graphics plane changed since the last call.
     virtual void ScreenChanged() = 0;
 
-    // The neighbours: programs that run as processes of their own on the same unit and share names
-    // and the screen with this one. Asked on the thread that made the call, the hardware's too,
-    // without any lock of the platform; an answer may take a round trip to the other process. A
-    // neighbour that is gone or does not answer has nothing.
-
-    // What a neighbour has under that name.
-    virtual NamedKind FindNeighbourObject(std::wstring_view /*name*/) { return NamedKind::kNone; }
-
-    // The highest window of a neighbour with that class and that title, case not counting; either
-    // may be left open.
-    virtual NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> /*class_name*/,
-                                                std::optional<std::wstring_view> /*title*/) {
-        return 0;
-    }
-
-    // Whether a window that was found before is still there.
-    virtual bool NeighbourWindowExists(NeighbourWindow /*window*/) { return false; }
-
-    // Brings it forward, with the windows that it owns if asked to; false when it is gone.
-    virtual bool BringNeighbourForward(NeighbourWindow /*window*/, bool /*with_owned*/) {
-        return false;
-    }
+    // Null when this process is the only one.
+    virtual OtherProcesses* other_processes() { return nullptr; }
 };
 
 }  // namespace platform

@@ -5,8 +5,6 @@
 #define MSGQUEUE_NOPRECOMMIT 0x00000001U
 #define MSGQUEUE_ALLOW_BROKEN 0x00000002U
 
-#define MSGQUEUE_MSGALERT 0x00000001U
-
 struct MSGQUEUEOPTIONS_OS {
     DWORD dwSize;
     DWORD dwFlags;
@@ -22,12 +20,10 @@ static_assert(sizeof(MSGQUEUEOPTIONS) == 20);
 
 extern "C" {
 
+// For reading only: ERROR_CALL_NOT_IMPLEMENTED without bReadAccess. The system writes to the queue.
 HANDLE WINAPI CreateMsgQueue(LPCWSTR lpszName, LPMSGQUEUEOPTIONS lpOptions);
-HANDLE WINAPI OpenMsgQueue(HANDLE hSrcProc, HANDLE hMsgQ, LPMSGQUEUEOPTIONS lpOptions);
 BOOL WINAPI ReadMsgQueue(HANDLE hMsgQ, LPVOID lpBuffer, DWORD cbBufferSize,
                          LPDWORD lpNumberOfBytesRead, DWORD dwTimeout, DWORD* pdwFlags);
-BOOL WINAPI WriteMsgQueue(HANDLE hMsgQ, LPVOID lpBuffer, DWORD cbDataSize, DWORD dwTimeout,
-                          DWORD dwFlags);
 BOOL WINAPI CloseMsgQueue(HANDLE hMsgQ);
 
 }  // extern "C"

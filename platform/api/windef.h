@@ -113,16 +113,12 @@ using HGDIOBJ = void*;
 using HGLOBAL = HANDLE;
 using HLOCAL = HANDLE;
 
-#define MAKEWORD(low, high)                                                                    \
-    ((WORD)(((BYTE)(((DWORD_PTR)(low)) & 0xFF)) | ((WORD)((BYTE)(((DWORD_PTR)(high)) & 0xFF))) \
-                                                      << 8))
 #define MAKELONG(low, high)                         \
     ((LONG)(((WORD)(((DWORD_PTR)(low)) & 0xFFFF)) | \
             ((DWORD)((WORD)(((DWORD_PTR)(high)) & 0xFFFF))) << 16))
 #define LOWORD(value) ((WORD)(((DWORD_PTR)(value)) & 0xFFFF))
 #define HIWORD(value) ((WORD)((((DWORD_PTR)(value)) >> 16) & 0xFFFF))
 #define LOBYTE(value) ((BYTE)(((DWORD_PTR)(value)) & 0xFF))
-#define HIBYTE(value) ((BYTE)((((DWORD_PTR)(value)) >> 8) & 0xFF))
 
 struct tagPOINT {
     LONG x;

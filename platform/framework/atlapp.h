@@ -4,8 +4,8 @@
 
 #include "atlbase.h"
 
-// What a loop could ask about each message, and while it has none. No loop here does: the program
-// enters neither, and every message reaches its window.
+// Interfaces of a message loop's filters and idle handlers. The loop calls neither: the program
+// adds none.
 class CMessageFilter {
   public:
     virtual BOOL PreTranslateMessage(MSG* pMsg) = 0;
@@ -45,22 +45,25 @@ class CAppModule : public CComModule {
   public:
     // Forgets the module and the calling thread's loop.
     void Term() {
-        t_pLoop = nullptr;
+        CurrentLoop() = nullptr;
         CComModule::Term();
     }
 
-    // Enters the loop as the calling thread's; FALSE when the thread has one already. Not owned.
+    // Registers the calling thread's loop; FALSE when the thread has one already. Not owned.
     BOOL AddMessageLoop(CMessageLoop* pLoop) {
-        if (t_pLoop != nullptr)
+        if (CurrentLoop() != nullptr)
             return FALSE;
-        t_pLoop = pLoop;
+        CurrentLoop() = pLoop;
         return TRUE;
     }
 
-    BOOL RemoveMessageLoop() { return std::exchange(t_pLoop, nullptr) != nullptr; }
+    BOOL RemoveMessageLoop() { return std::exchange(CurrentLoop(), nullptr) != nullptr; }
 
   private:
-    static inline thread_local CMessageLoop* t_pLoop = nullptr;
+    static CMessageLoop*& CurrentLoop() {
+        thread_local CMessageLoop* loop = nullptr;
+        return loop;
+    }
 };
 
 // Defined once by the program; the framework's windows find their module through it.

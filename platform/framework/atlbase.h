@@ -4,11 +4,11 @@
 
 #include <vector>
 
-// What a process has once: its module and the windows that are just being created.
+// The state of a process: its module and the windows that are just being created.
 //
-// A window is created without a creation parameter of its own, so the object behind it waits here
-// until the window procedure sees the first message. Each thread has a waiting list of its own;
-// the creation functions touch the calling thread's.
+// A window is created without a creation parameter, so the object behind it waits here until the
+// window procedure receives the first message. Each thread has its own list of waiting objects,
+// which the creation functions use.
 class CComModule {
   public:
     CComModule() = default;
@@ -26,24 +26,29 @@ class CComModule {
     HINSTANCE GetModuleInstance() const { return m_hInst; }
     HINSTANCE GetResourceInstance() const { return m_hInst; }
 
-    void AddCreateWndData(void* pObject) { t_creations.push_back(pObject); }
+    void AddCreateWndData(void* pObject) { Creations().push_back(pObject); }
 
-    // Takes the latest entry; NULL when there is none.
+    // Removes and returns the latest entry; NULL when there is none.
     void* ExtractCreateWndData() {
-        if (t_creations.empty())
+        std::vector<void*>& creations = Creations();
+        if (creations.empty())
             return nullptr;
-        void* const latest = t_creations.back();
-        t_creations.pop_back();
+        void* const latest = creations.back();
+        creations.pop_back();
         return latest;
     }
 
-    // Takes back the entry of a window that never came to life.
-    void RemoveCreateWndData(const void* pObject) { std::erase(t_creations, pObject); }
+    // Removes the entry of a window whose creation failed.
+    void RemoveCreateWndData(const void* pObject) { std::erase(Creations(), pObject); }
 
   protected:
     ~CComModule() = default;
 
   private:
+    static std::vector<void*>& Creations() {
+        thread_local std::vector<void*> creations;
+        return creations;
+    }
+
     HINSTANCE m_hInst = nullptr;
-    static inline thread_local std::vector<void*> t_creations;
 };

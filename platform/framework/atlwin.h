@@ -1,12 +1,13 @@
 #pragma once
 
-#include <map>
+#include <algorithm>
+#include <functional>
+#include <vector>
 
 #include "atlapp.h"
 #include "atlmsgmap.h"
 
-// A window handle, not owned. Operations are the API's own functions on m_hWnd: members of the same
-// names would only hide them.
+// A window handle, not owned. Use the API's functions on m_hWnd.
 class CWindow {
   public:
     explicit CWindow(HWND hWnd = nullptr) : m_hWnd(hWnd) {}
@@ -28,10 +29,10 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
     CWindowImplRoot(const CWindowImplRoot&) = delete;
     CWindowImplRoot& operator=(const CWindowImplRoot&) = delete;
 
-    // A window that outlives its object is left to the default processing.
+    // A window that outlives its object gets the default processing.
     virtual ~CWindowImplRoot() {
         if (m_hWnd != nullptr)
-            t_objects.erase(m_hWnd);
+            Forget();
     }
 
   protected:
@@ -41,17 +42,18 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
     // waits for a window on this thread. NULL when the window has none.
     template <typename TImpl>
     static TImpl* FromWindow(HWND hWnd) {
-        if (const auto known = t_objects.find(hWnd); known != t_objects.end())
-            return static_cast<TImpl*>(known->second);
+        const auto place = Find(hWnd);
+        if (place != Objects().end() && place->window == hWnd)
+            return static_cast<TImpl*>(place->object);
         auto* const impl = static_cast<TImpl*>(_Module.ExtractCreateWndData());
         if (impl != nullptr) {
             impl->m_hWnd = hWnd;
-            t_objects[hWnd] = impl;
+            Objects().insert(place, {hWnd, impl});
         }
         return impl;
     }
 
-    // Lets the object wait for its window while the scope lasts.
+    // The object waits for its window within this scope.
     class CreationScope {
       public:
         explicit CreationScope(void* object) : object_(object) { _Module.AddCreateWndData(object); }
@@ -65,22 +67,41 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
 
     void EnterMessage() { ++m_nesting; }
 
-    // TRUE when the window is gone and none of its messages is being handled any more; the object
-    // has then let go of the window.
+    // TRUE when the window is destroyed and none of its messages is being handled any more; the
+    // object no longer refers to the window then.
     bool LeaveMessage(UINT uMsg) {
         m_destroyed = m_destroyed || uMsg == WM_NCDESTROY;
         if (--m_nesting != 0 || !m_destroyed)
             return false;
-        t_objects.erase(m_hWnd);
+        Forget();
         m_hWnd = nullptr;
         m_destroyed = false;
         return true;
     }
 
   private:
-    // The objects behind the thread's windows. Not kept in the windows themselves: what a message
-    // is for must be found even while calls of the system fail.
-    static inline thread_local std::map<HWND, void*> t_objects;
+    struct Entry {
+        HWND window;
+        void* object;
+    };
+
+    // The objects behind the thread's windows, sorted by window. Not kept in the windows: a message
+    // must find its object even while calls of the system fail.
+    static std::vector<Entry>& Objects() {
+        thread_local std::vector<Entry> objects;
+        return objects;
+    }
+
+    // The entry of a window, or where it belongs.
+    static std::vector<Entry>::iterator Find(HWND hWnd) {
+        return std::ranges::lower_bound(Objects(), hWnd, std::less<HWND>{}, &Entry::window);
+    }
+
+    void Forget() {
+        const auto entry = Find(m_hWnd);
+        if (entry != Objects().end() && entry->window == m_hWnd)
+            Objects().erase(entry);
+    }
 
     int m_nesting = 0;
     bool m_destroyed = false;
@@ -88,7 +109,7 @@ class CWindowImplRoot : public CWindow, public CMessageMap {
 
 class CWindowImplBase : public CWindowImplRoot {
   public:
-    // What every message of the window goes through.
+    // Receives every message of the window.
     virtual WNDPROC GetWindowProc() { return WindowProc; }
 
     // The last call for a window; the object may delete itself here.
@@ -134,18 +155,18 @@ class CDialogImplBase : public CWindowImplRoot {
         LRESULT result = 0;
         self->EnterMessage();
         const BOOL handled = self->ProcessWindowMessage(hWnd, uMsg, wParam, lParam, result);
-        if (handled && !IsAnsweredDirectly(uMsg))
+        if (handled && !ReturnsDirectly(uMsg))
             SetWindowLongPtrW(hWnd, DWLP_MSGRESULT, result);
         if (self->LeaveMessage(uMsg))
             self->OnFinalMessage(hWnd);
         if (!handled)
             return FALSE;
-        return IsAnsweredDirectly(uMsg) ? static_cast<INT_PTR>(result) : TRUE;
+        return ReturnsDirectly(uMsg) ? static_cast<INT_PTR>(result) : TRUE;
     }
 
   private:
     // Messages whose result is the dialog procedure's own return value (DialogProc).
-    static constexpr bool IsAnsweredDirectly(UINT uMsg) {
+    static constexpr bool ReturnsDirectly(UINT uMsg) {
         switch (uMsg) {
             case WM_INITDIALOG:
             case WM_CHARTOITEM:

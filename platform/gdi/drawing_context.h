@@ -11,11 +11,11 @@
 
 namespace platform::gdi {
 
-// What a HDC stands for; guarded by the GDI lock.
+// The object behind an HDC; guarded by the GDI lock.
 struct DrawingContext {
     std::shared_ptr<Surface> surface;
     RECT clip{};
-    // A window's: told of every drawing. Empty for a memory device context.
+    // A window's: called after every drawing. Empty for a memory device context.
     std::function<void()> drawn{};
     bool of_window = false;
 
@@ -23,10 +23,9 @@ struct DrawingContext {
     HGDIOBJ brush = nullptr;
     HGDIOBJ font = nullptr;
     COLORREF text_color = RGB(0, 0, 0);
-    COLORREF background_color = RGB(255, 255, 255);
     int background_mode = OPAQUE;
 
-    // Where it can draw at all.
+    // The part of the surface that it can draw on.
     RECT Drawable() const;
 };
 
@@ -34,19 +33,22 @@ struct DrawingContext {
 
 HDC AddContext(DrawingContext context);
 
-// Null, with the last error set, when there is none of that value.
+// Fills the visible part of a rectangle.
+void Fill(DrawingContext& context, const RECT& rectangle, std::uint32_t pixel);
+
+// Null, with the last error set, when the handle is invalid.
 std::shared_ptr<DrawingContext> FindContext(HDC dc);
 
-// Ends one of the kind that is meant; false, with the last error set, when it is none.
+// Ends a window's or a memory device context; false, with the last error set, when it is none.
 bool RemoveContext(HDC dc, bool of_window);
 
 void DropContexts();
 
-// One call of the API on a device context: enters GDI, finds the context, and on its way out, with
-// the lock given back, tells the window of what was drawn.
+// One call of the API on a device context: takes the GDI lock, finds the context, and at its end,
+// without the lock, reports the drawing to the window.
 class ContextCall {
   public:
-    // When there is no such context, the last error is set and the call finds nothing.
+    // Sets the last error when there is no such context.
     explicit ContextCall(HDC dc);
     ~ContextCall();
     ContextCall(const ContextCall&) = delete;

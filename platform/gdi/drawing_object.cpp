@@ -1,10 +1,14 @@
 #include "platform/gdi/drawing_object.h"
 
+#include "platform/gdi/gdi.h"
+
+#include <windows.h>
+
 #include <iterator>
 #include <map>
 #include <string_view>
 
-#include "platform/gdi/device_context.h"
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/handle_table.h"
 
 namespace platform::gdi {
@@ -12,7 +16,8 @@ namespace {
 
 struct Objects {
     kernel::HandleTable<DrawingObject> table{kernel::kGdiObjects};
-    std::map<int, HGDIOBJ> stock;
+    HGDIOBJ brush = nullptr;
+    HGDIOBJ font = nullptr;
     std::map<int, HGDIOBJ> system_brushes;
     HGDIOBJ bitmap = nullptr;
 };
@@ -33,27 +38,6 @@ Font SystemFont() {
     font.description.lfWeight = FW_BOLD;
     kFace.copy(font.description.lfFaceName, kFace.size());
     return font;
-}
-
-HGDIOBJ MakeStockObject(int index) {
-    switch (index) {
-        case WHITE_BRUSH:
-            return AddStock(Brush{RGB(255, 255, 255)});
-        case LTGRAY_BRUSH:
-            return AddStock(Brush{RGB(192, 192, 192)});
-        case GRAY_BRUSH:
-            return AddStock(Brush{RGB(128, 128, 128)});
-        case DKGRAY_BRUSH:
-            return AddStock(Brush{RGB(64, 64, 64)});
-        case BLACK_BRUSH:
-            return AddStock(Brush{RGB(0, 0, 0)});
-        case NULL_BRUSH:
-            return AddStock(Brush{.hollow = true});
-        case SYSTEM_FONT:
-            return AddStock(SystemFont());
-        default:
-            return nullptr;
-    }
 }
 
 }  // namespace
@@ -84,17 +68,17 @@ bool RemoveObject(HGDIOBJ handle) {
     return true;
 }
 
-DWORD TypeOfObject(HGDIOBJ handle) {
-    constexpr DWORD kTypes[] = {OBJ_BITMAP, OBJ_BRUSH, OBJ_FONT};
-    static_assert(std::size(kTypes) == std::variant_size_v<decltype(DrawingObject::content)>);
-    const auto object = FindObject(handle);
-    return object ? kTypes[object->content.index()] : 0;
+HGDIOBJ StockBrush() {
+    HGDIOBJ& object = TheObjects().brush;
+    if (!object)
+        object = AddStock(Brush{RGB(255, 255, 255)});
+    return object;
 }
 
-HGDIOBJ StockObject(int index) {
-    HGDIOBJ& object = TheObjects().stock[index];
+HGDIOBJ StockFont() {
+    HGDIOBJ& object = TheObjects().font;
     if (!object)
-        object = MakeStockObject(index);
+        object = AddStock(SystemFont());
     return object;
 }
 
@@ -126,6 +110,48 @@ std::size_t DrawingObjectCount() {
         count += object->stock ? 0 : 1;
     });
     return count;
+}
+
+namespace {
+
+// By index, COLOR_SCROLLBAR first.
+constexpr COLORREF kSystemColors[] = {
+    RGB(192, 192, 192),  // scroll bar
+    RGB(58, 110, 165),   // background
+    RGB(10, 36, 106),    // active caption
+    RGB(128, 128, 128),  // inactive caption
+    RGB(192, 192, 192),  // menu
+    RGB(255, 255, 255),  // window
+    RGB(0, 0, 0),        // window frame
+    RGB(0, 0, 0),        // menu text
+    RGB(0, 0, 0),        // window text
+    RGB(255, 255, 255),  // caption text
+    RGB(192, 192, 192),  // active border
+    RGB(192, 192, 192),  // inactive border
+    RGB(128, 128, 128),  // application workspace
+    RGB(10, 36, 106),    // highlight
+    RGB(255, 255, 255),  // highlighted text
+    RGB(192, 192, 192),  // button face
+    RGB(128, 128, 128),  // button shadow
+    RGB(128, 128, 128),  // grey text
+    RGB(0, 0, 0),        // button text
+    RGB(192, 192, 192),  // inactive caption text
+    RGB(255, 255, 255),  // button highlight
+    RGB(0, 0, 0),        // dark shadow
+    RGB(224, 224, 224),  // light
+    RGB(0, 0, 0),        // tool tip text
+    RGB(255, 255, 225),  // tool tip background
+};
+static_assert(std::size(kSystemColors) == (COLOR_INFOBK & ~SYS_COLOR_INDEX_FLAG) + 1);
+
+}  // namespace
+
+bool SystemColor(int index, COLORREF& color) {
+    const int plain = index & ~SYS_COLOR_INDEX_FLAG;
+    if (plain < 0 || plain >= static_cast<int>(std::size(kSystemColors)))
+        return false;
+    color = kSystemColors[plain];
+    return true;
 }
 
 }  // namespace platform::gdi

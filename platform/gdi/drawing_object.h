@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <variant>
 
@@ -10,7 +11,7 @@
 
 namespace platform::gdi {
 
-// What a HGDIOBJ stands for. All of it is guarded by the GDI lock.
+// The objects behind HGDIOBJ handles. Guarded by the GDI lock.
 
 // Every bitmap has the 32 bits a pixel of the display.
 struct Bitmap {
@@ -19,7 +20,6 @@ struct Bitmap {
 
 struct Brush {
     COLORREF color = 0;
-    bool hollow = false;
 };
 
 struct Font {
@@ -29,7 +29,7 @@ struct Font {
 struct DrawingObject {
     std::variant<Bitmap, Brush, Font> content;
     bool stock = false;
-    // Device contexts it is selected into.
+    // How many device contexts it is selected into.
     int selections = 0;
 };
 
@@ -37,11 +37,15 @@ struct DrawingObject {
 
 HGDIOBJ AddObject(DrawingObject object);
 
-// Null, with the last error set, when there is none of that value.
+// A new bitmap object with those pixels (0x00RRGGBB, rows from the top; null: black). Null with the
+// last error set when there can be no bitmap of that size.
+HBITMAP AddBitmap(int width, int height, const std::uint32_t* pixels);
+
+// Null, with the last error set, when the handle is invalid.
 std::shared_ptr<DrawingObject> FindObject(HGDIOBJ handle);
 
-// False, with the last error set, when there is none or it is selected into a device context. A
-// stock object stays.
+// False, with the last error set, when there is none or it is selected into a device context. Does
+// not remove a stock object.
 bool RemoveObject(HGDIOBJ handle);
 
 // FindObject for one kind of object.
@@ -56,12 +60,9 @@ std::shared_ptr<Kind> FindObjectOfKind(HGDIOBJ handle) {
     return nullptr;
 }
 
-// What GetObjectType answers, or 0 with the last error set.
-DWORD TypeOfObject(HGDIOBJ handle);
-
-// Null for an index that is not supported.
-HGDIOBJ StockObject(int index);
-// The bitmap that a memory device context starts with.
+// The objects that a device context starts with; the bitmap is for memory device contexts.
+HGDIOBJ StockBrush();
+HGDIOBJ StockFont();
 HGDIOBJ StockBitmap();
 // Null for an index without a colour.
 HGDIOBJ SystemColorBrush(int index);
@@ -69,7 +70,8 @@ HGDIOBJ SystemColorBrush(int index);
 // A system colour by its index; false when there is none.
 bool SystemColor(int index, COLORREF& color);
 
-// Forgets every object, and gives up the stock objects.
+// Remove every object, stock objects included, and every icon and cursor.
 void DropObjects();
+void DropIcons();
 
 }  // namespace platform::gdi

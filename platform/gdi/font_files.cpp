@@ -32,7 +32,7 @@ bool FindFontFiles(const std::filesystem::path& directory,
         for (const FontFileRow& row : kFontFiles) {
             if (entry->path().filename() != row.name)
                 continue;
-            // Of several copies always the same one, whatever the order of the directory.
+            // Of several copies always the same one, in any order of the directory.
             const auto [file, added] = files.try_emplace(row.typeface, entry->path());
             if (!added && entry->path() < file->second)
                 file->second = entry->path();

@@ -1,8 +1,8 @@
 #include "platform/gdi/font_library.h"
 
+#include <hb.h>
 #include <pango/pangofc-font.h>
 #include <pango/pangofc-fontmap.h>
-
 #include <map>
 
 #include "platform/gdi/font_files.h"
@@ -28,8 +28,8 @@ constexpr char kConfiguration[] = R"(<?xml version="1.0"?>
 </fontconfig>
 )";
 
-// Makes it the process's current one: Pango initialises that one on a thread of its own, and would
-// read the machine's if there were none.
+// Makes the configuration the process's current one: Pango initialises the current one on a thread
+// of its own, and would otherwise read the machine's.
 bool Configure(const std::map<Typeface, std::filesystem::path>& files, std::string& problem) {
     FcConfig* const config = FcConfigCreate();
     const auto* text = reinterpret_cast<const FcChar8*>(kConfiguration);
@@ -53,7 +53,7 @@ Owned<PangoContext> MakeContext(PangoFontMap* map) {
     Owned<PangoContext> context(pango_font_map_create_context(map));
     pango_context_set_language(context.get(), pango_language_from_string("ja"));
     pango_context_set_base_dir(context.get(), PANGO_DIRECTION_LTR);
-    // Text is stretched after it is measured: whole pixels are ours to choose.
+    // Text is stretched after measuring: rounding to pixels comes later.
     pango_context_set_round_glyph_positions(context.get(), FALSE);
     cairo_font_options_t* const options = cairo_font_options_create();
     cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
@@ -86,7 +86,7 @@ constexpr Face kFaces[] = {
 }  // namespace
 
 FontLibrary::~FontLibrary() {
-    // Pango does not give the configuration back by itself.
+    // Pango does not release the configuration by itself.
     if (map_)
         pango_fc_font_map_set_config(PANGO_FC_FONT_MAP(map_.get()), nullptr);
     context_.reset();
@@ -130,6 +130,32 @@ Owned<PangoFont> FontLibrary::Load(const PangoFontDescription* description) cons
 
 bool FontLibrary::IsJapanese(PangoFont* font) const {
     return FileOf(font) == japanese_file_;
+}
+
+namespace {
+
+// Of the OS/2 table; big-endian.
+constexpr unsigned kAverageWidthOffset = 2;  // xAvgCharWidth
+constexpr unsigned kAscentOffset = 74;       // usWinAscent
+constexpr unsigned kDescentOffset = 76;      // usWinDescent
+
+double NumberAt(hb_blob_t* table, unsigned offset) {
+    unsigned length = 0;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(hb_blob_get_data(table, &length));
+    return offset + 2 <= length ? bytes[offset] * 256 + bytes[offset + 1] : 0;
+}
+
+}  // namespace
+
+FontDesign DesignOf(PangoFont* font) {
+    hb_face_t* const face = hb_font_get_face(pango_font_get_hb_font(font));
+    hb_blob_t* const table = hb_face_reference_table(face, HB_TAG('O', 'S', '/', '2'));
+    const double em = hb_face_get_upem(face);
+    const FontDesign design{.average_width = NumberAt(table, kAverageWidthOffset) / em,
+                            .ascent = NumberAt(table, kAscentOffset) / em,
+                            .descent = NumberAt(table, kDescentOffset) / em};
+    hb_blob_destroy(table);
+    return design;
 }
 
 }  // namespace platform::gdi

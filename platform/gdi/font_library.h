@@ -15,8 +15,8 @@ struct Unreference {
 template <typename Object>
 using Owned = std::unique_ptr<Object, Unreference>;
 
-// The platform's font files as Pango sees them: under a font configuration of our own, so that
-// nothing that the machine or a user has set takes part.
+// The platform's font files as Pango sees them: under a separate font configuration, so that no
+// setting of the machine or a user applies.
 class FontLibrary {
   public:
     FontLibrary() = default;
@@ -30,7 +30,7 @@ class FontLibrary {
 
     PangoContext* context() const { return context_.get(); }
     Owned<PangoFont> Load(const PangoFontDescription* description) const;
-    // Whether a font is the one for what the Latin ones do not have.
+    // Whether a font is the Japanese one.
     bool IsJapanese(PangoFont* font) const;
 
   private:
@@ -39,6 +39,17 @@ class FontLibrary {
     Owned<PangoFontMap> map_;
     Owned<PangoContext> context_;
 };
+
+// Measures of a font's OS/2 table, as fractions of the em. The API's text metrics derive from them.
+struct FontDesign {
+    double average_width;
+    double ascent;
+    double descent;
+
+    double cell() const { return ascent + descent; }
+};
+
+FontDesign DesignOf(PangoFont* font);
 
 inline constexpr const char* kSansFamily = "Liberation Sans";
 inline constexpr const char* kMonoFamily = "Liberation Mono";

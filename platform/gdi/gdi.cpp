@@ -2,7 +2,6 @@
 
 #include "platform/gdi/drawing_context.h"
 #include "platform/gdi/drawing_object.h"
-#include "platform/gdi/icon.h"
 #include "platform/gdi/text_engine.h"
 
 namespace platform::gdi {

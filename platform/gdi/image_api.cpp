@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/gdi/bitmap.h"
-#include "platform/gdi/icon.h"
+#include "platform/gdi/drawing_object.h"
+#include "platform/gdi/gdi.h"
 #include "platform/gdi/surface.h"
 #include "platform/kernel/api_call.h"
 #include "platform/kernel/handle_table.h"
@@ -15,7 +15,7 @@
 namespace platform::gdi {
 namespace {
 
-// Icons and cursors. The unit shows neither: it has no pointer and its windows have no captions.
+// Icons and cursors. The unit shows neither: it has no pointer and no captions.
 struct Icon {
     resource::DecodedImage image;
     bool system = false;
@@ -95,7 +95,7 @@ void DropIcons() {
 using namespace platform;
 using namespace platform::gdi;
 
-// Neither stretched nor monochrome bitmaps nor files: those fail with ERROR_NOT_SUPPORTED.
+// Stretched or monochrome bitmaps and files are not supported: ERROR_NOT_SUPPORTED.
 HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
     const kernel::ApiCall call("LoadImageW");
     if (call.Fails())
@@ -114,22 +114,7 @@ HANDLE LoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int width, int heig
     return nullptr;
 }
 
-BOOL DestroyIcon(HICON handle) {
-    const kernel::ApiCall call("DestroyIcon");
-    if (call.Fails())
-        return FALSE;
-    const auto lock = LockGdi();
-    const auto value = reinterpret_cast<std::uintptr_t>(handle);
-    const auto icon = TheIcons().table.Find(value);
-    if (!icon || icon->system) {
-        SetLastError(icon ? ERROR_ACCESS_DENIED : ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    TheIcons().table.Remove(value);
-    return TRUE;
-}
-
-// The system's cursors, which nothing shows. A program has none of its own.
+// System cursors only; nothing shows them.
 HCURSOR LoadCursorW(HINSTANCE module, LPCWSTR name) {
     const kernel::ApiCall call("LoadCursorW");
     if (call.Fails())

@@ -5,11 +5,11 @@
 namespace platform::gdi {
 namespace {
 
-// Of the marks that JIS X 4051 keeps from the beginning of a line, those that the Unicode line
-// breaking algorithm lets begin one.
+// Marks that JIS X 4051 keeps from the beginning of a line but the Unicode line breaking algorithm
+// does not.
 constexpr std::wstring_view kNeverFirst = L"～―";
 
-bool IsBlank(wchar_t character) {
+bool IsSpace(wchar_t character) {
     return character == L' ' || character == L'\t' || character == L'\u3000';
 }
 
@@ -18,14 +18,13 @@ bool IsLetter(wchar_t character) {
     return g_unichar_isalnum(code) && !g_unichar_iswide(code);
 }
 
-std::size_t WithoutBlanks(std::wstring_view text, std::size_t begin, std::size_t end) {
-    while (end > begin && IsBlank(text[end - 1]))
+std::size_t WithoutTrailingSpaces(std::wstring_view text, std::size_t begin, std::size_t end) {
+    while (end > begin && IsSpace(text[end - 1]))
         --end;
     return end;
 }
 
-// Where the line that starts at `begin` ends at best: the last place that fits; `begin` when none
-// does.
+// The last place where the line that starts at `begin` can end; `begin` when none fits.
 std::size_t EndThatFits(std::wstring_view text, std::span<const LineStart> starts,
                         std::span<const double> edges, std::size_t begin, double width,
                         LineStart weakest) {
@@ -33,8 +32,8 @@ std::size_t EndThatFits(std::wstring_view text, std::span<const LineStart> start
     for (std::size_t index = begin + 1; index <= text.size(); ++index) {
         if (index < text.size() && starts[index] < weakest)
             continue;
-        const std::size_t visible = WithoutBlanks(text, begin, index);
-        // Blanks at the beginning stay with what follows them.
+        const std::size_t visible = WithoutTrailingSpaces(text, begin, index);
+        // Leading spaces stay with the characters that follow them.
         if (visible == begin && index < text.size())
             continue;
         if (edges[visible] - edges[begin] > width)
@@ -53,7 +52,7 @@ std::size_t EndOfLine(std::wstring_view text, std::span<const LineStart> starts,
     }
     std::size_t end = begin + 1;
     while (end < text.size() &&
-           (starts[end] == LineStart::kNever || WithoutBlanks(text, begin, end) == begin))
+           (starts[end] == LineStart::kNever || WithoutTrailingSpaces(text, begin, end) == begin))
         ++end;
     return end;
 }
@@ -77,7 +76,7 @@ std::vector<LineOfText> BreakLines(std::wstring_view text, std::span<const LineS
     do {
         const std::size_t next = EndOfLine(text, starts, edges, begin, width);
         const bool last = next >= text.size();
-        lines.push_back({begin, last ? text.size() : WithoutBlanks(text, begin, next)});
+        lines.push_back({begin, last ? text.size() : WithoutTrailingSpaces(text, begin, next)});
         begin = next;
     } while (begin < text.size());
     return lines;

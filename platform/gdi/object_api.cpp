@@ -7,24 +7,49 @@
 #include "platform/gdi/text_font.h"
 #include "platform/kernel/api_call.h"
 
+namespace platform::gdi {
+namespace {
+
+// More than any picture of this screen needs; the size in bytes still fits an int.
+constexpr int kLargestSide = 16384;
+constexpr int kLargestArea = 64 * 1024 * 1024;
+
+}  // namespace
+
+HBITMAP AddBitmap(int width, int height, const std::uint32_t* pixels) {
+    if (width < 1 || height < 1) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (width > kLargestSide || height > kLargestSide || width > kLargestArea / height) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return nullptr;
+    }
+    // An image is only read: it keeps all rows.
+    auto surface = pixels ? std::make_shared<Surface>(width, height, Surface::kAllRows)
+                          : std::make_shared<Surface>(width, height);
+    if (pixels) {
+        std::uint32_t* target = surface->row(0);
+        for (std::size_t i = 0; i < surface->pixels().size(); ++i)
+            target[i] = pixels[i] & 0xFFFFFF;
+    }
+    return static_cast<HBITMAP>(AddObject({.content = Bitmap{std::move(surface)}}));
+}
+
+}  // namespace platform::gdi
+
 using namespace platform::gdi;
 
 namespace {
 
-HGDIOBJ* SelectedOfType(DrawingContext& context, DWORD type) {
-    switch (type) {
-        case OBJ_BITMAP:
-            return &context.bitmap;
-        case OBJ_BRUSH:
-            return &context.brush;
-        case OBJ_FONT:
-            return &context.font;
-        default:
-            return nullptr;
-    }
+// The object of the same kind that is selected now.
+HGDIOBJ& SelectedLike(DrawingContext& context, const DrawingObject& object) {
+    if (std::holds_alternative<Bitmap>(object.content))
+        return context.bitmap;
+    return std::holds_alternative<Brush>(object.content) ? context.brush : context.font;
 }
 
-// A memory device context draws on its bitmap, and no other one may at the same time.
+// A memory device context draws on its bitmap; a bitmap is in one device context at a time.
 bool Attach(DrawingContext& context, HGDIOBJ handle, const DrawingObject& object) {
     const bool elsewhere = !object.stock && object.selections != 0 && context.bitmap != handle;
     if (context.of_window || elsewhere) {
@@ -47,7 +72,7 @@ BITMAP Describe(const Bitmap& bitmap) {
 }
 
 LOGBRUSH Describe(const Brush& brush) {
-    return {.lbStyle = brush.hollow ? BS_HOLLOW : BS_SOLID, .lbColor = brush.color, .lbHatch = 0};
+    return {.lbStyle = BS_SOLID, .lbColor = brush.color, .lbHatch = 0};
 }
 
 LOGFONTW Describe(const Font& font) {
@@ -80,17 +105,6 @@ HFONT CreateFontIndirectW(const LOGFONTW* description) {
     return static_cast<HFONT>(AddObject({.content = font}));
 }
 
-HGDIOBJ GetStockObject(int index) {
-    const platform::kernel::ApiCall call("GetStockObject");
-    if (call.Fails())
-        return nullptr;
-    const auto lock = LockGdi();
-    const HGDIOBJ object = StockObject(index);
-    if (!object)
-        SetLastError(ERROR_NOT_SUPPORTED);
-    return object;
-}
-
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
     const platform::kernel::ApiCall call("SelectObject");
     if (call.Fails())
@@ -103,37 +117,10 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ handle) {
         return nullptr;
     if (std::holds_alternative<Bitmap>(object->content) && !Attach(*context, handle, *object))
         return nullptr;
-    HGDIOBJ& selected = *SelectedOfType(*context, TypeOfObject(handle));
+    HGDIOBJ& selected = SelectedLike(*context, *object);
     ++object->selections;
     --FindObject(selected)->selections;
     return std::exchange(selected, handle);
-}
-
-HGDIOBJ GetCurrentObject(HDC dc, UINT type) {
-    const platform::kernel::ApiCall call("GetCurrentObject");
-    if (call.Fails())
-        return nullptr;
-    const ContextCall context(dc);
-    if (!context)
-        return nullptr;
-    const HGDIOBJ* selected = SelectedOfType(*context, type);
-    if (!selected || !*selected) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return *selected;
-}
-
-DWORD GetObjectType(HGDIOBJ handle) {
-    const platform::kernel::ApiCall call("GetObjectType");
-    if (call.Fails())
-        return 0;
-    const auto lock = LockGdi();
-    const DWORD last_error = GetLastError();
-    if (const auto context = FindContext(static_cast<HDC>(handle)))
-        return context->of_window ? OBJ_DC : OBJ_MEMDC;
-    SetLastError(last_error);
-    return TypeOfObject(handle);
 }
 
 int GetObjectW(HGDIOBJ handle, int size, LPVOID buffer) {
@@ -166,4 +153,17 @@ BOOL DeleteObject(HGDIOBJ handle) {
         return FALSE;
     const auto lock = LockGdi();
     return RemoveObject(handle);
+}
+
+HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) {
+    const platform::kernel::ApiCall call("CreateCompatibleBitmap");
+    if (call.Fails())
+        return nullptr;
+    const ContextCall context(dc);
+    if (!context)
+        return nullptr;
+    // By the API a side of 0 means a bitmap of one pixel.
+    if (width == 0 || height == 0)
+        width = height = 1;
+    return AddBitmap(width, height, nullptr);
 }

@@ -39,7 +39,7 @@ inline bool Contains(const RECT& outer, const RECT& inner) {
 }
 
 inline RECT Moved(const RECT& rectangle, int dx, int dy) {
-    // Like the API's own, wrapping rather than undefined for coordinates nobody can see.
+    // Wraps instead of overflowing, for coordinates far off the screen.
     const auto add = [](LONG a, LONG b) { return LONG(ULONG(a) + ULONG(b)); };
     return {add(rectangle.left, dx), add(rectangle.top, dy), add(rectangle.right, dx),
             add(rectangle.bottom, dy)};

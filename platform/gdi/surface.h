@@ -11,33 +11,37 @@
 
 namespace platform::gdi {
 
-// A text as it stands on a surface: what a reader of the picture would find there. Drawn by
-// DrawTextW, moved along by blits, gone once its box is painted over wholly.
+// A COLORREF has red in its lowest byte, a pixel of a surface has blue there.
+constexpr std::uint32_t PixelOf(COLORREF color) {
+    return ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
+}
+
+// A text that can be read on a surface. DrawTextW adds it, blits move it, painting over its whole
+// box removes it.
 struct PlacedText {
     std::wstring text;
     RECT box;  // of the ink, in the surface's pixels
     COLORREF color;
 };
 
-// Pixels, 0x00RRGGBB each, rows top-down without padding, and the texts that stand on them.
-// Guarded by LockGdi().
+// Pixels, 0x00RRGGBB each, rows top-down without padding, and the texts on them. Guarded by
+// LockGdi().
 class Surface {
   public:
     static constexpr int kAllRows = std::numeric_limits<int>::max();
 
     // All black.
     Surface(int width, int height) : Surface(width, height, RowsToKeep()) {}
-    // Keeps the pixels of so many rows at its top alone: drawing below them leaves its texts and
-    // nothing else.
+    // Keeps the pixels of that many rows at its top only: drawing below them leaves only texts.
     Surface(int width, int height, int rows);
 
-    // What surfaces keep that are to be drawn on and are made from now on. For whoever looks at
-    // texts only; painting then costs a tenth.
+    // How many rows new surfaces keep that can be drawn on. Few rows make painting ten times as
+    // fast for a caller that only reads texts.
     static void KeepRows(int rows);
 
     int width() const { return width_; }
     int height() const { return height_; }
-    // Where there are pixels; what row() gives lies within.
+    // The rectangle of the kept rows; row() is valid within it.
     RECT kept() const { return {0, 0, width_, kept_rows_}; }
     std::uint32_t* row(int y) { return pixels_.data() + std::size_t(y) * std::size_t(width_); }
     const std::uint32_t* row(int y) const {
@@ -48,7 +52,7 @@ class Surface {
     const std::vector<PlacedText>& texts() const { return texts_; }
     // A text drawn over itself counts once.
     void AddText(PlacedText text);
-    // The rectangle was painted over: texts wholly inside go.
+    // The rectangle was painted over: removes the texts that lie wholly inside.
     void CoverTexts(const RECT& rectangle);
 
     // Copies a rectangle with its pixels and texts, clipped to both surfaces.

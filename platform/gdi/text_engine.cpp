@@ -13,7 +13,7 @@
 namespace platform::gdi {
 namespace {
 
-// All that an update shows, every percent of its progress included: a few megabytes at most.
+// Enough for everything that an update shows, each percent included: a few megabytes at most.
 constexpr std::size_t kCachedLines = 256;
 constexpr std::size_t kCachedFonts = 64;
 

@@ -14,8 +14,8 @@
 
 namespace platform::gdi {
 
-// The font files, the fonts made from them, and the lines of text drawn last: a screen that is
-// painted again costs no more than copying. With the GDI lock held.
+// The font files, the fonts made from them, and a cache of the lines of text that were drawn last:
+// painting a screen again costs no more than copying. With the GDI lock held.
 class TextEngine {
   public:
     // Null, with one line about what is wrong in `problem`, when a font file is missing.
@@ -37,12 +37,11 @@ class TextEngine {
     FontLibrary library_;
     std::map<FontKey, std::shared_ptr<const TextFont>> fonts_;
     std::map<LineKey, CachedLine> lines_;
-    // Last used first.
+    // The most recently used first.
     std::list<const LineKey*> uses_;
 };
 
-// The engine, started when it is first asked for; null, with the last error set, when it does not
-// start.
+// The engine, started at the first call; null, with the last error set, when it does not start.
 TextEngine* Texts();
 
 // One line of text in a font of Texts().

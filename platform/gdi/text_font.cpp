@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "platform/gdi/font_design.h"
-
 namespace platform::gdi {
 
 TextFont::TextFont(const FontKey& key, const FontLibrary& library)

@@ -9,8 +9,8 @@
 
 namespace platform::gdi {
 
-// What of a LOGFONTW tells one font from another. Never 0 is `height`, negative for the height of
-// the characters instead of the cell; a width of 0 stands for natural proportions.
+// The values of a LOGFONTW that distinguish fonts. `height` is never 0; it is negative for the
+// height of the characters instead of the cell. A `width` of 0 means natural proportions.
 struct FontKey {
     bool monospaced = false;
     bool bold = false;
@@ -25,27 +25,27 @@ struct FontKey {
     }
 };
 
-// Two font files as one font of a certain size: the Latin one, and the Japanese one for what the
-// first does not have. Both stand on one base line and have the same height; a given width
-// stretches each of them sideways. A full-width character is twice as wide as the width, and one
-// pixel more when it is bold, which the Japanese file has no design of its own for.
+// Two font files as one font of a certain size: the Latin file, and the Japanese file for
+// characters that the first does not have. Both share a base line and a height; a given width
+// stretches each of them horizontally. A full-width character is twice as wide as `width`, and one
+// pixel wider in bold, for which the Japanese file has no design.
 class TextFont {
   public:
     TextFont(const FontKey& key, const FontLibrary& library);
 
     const FontKey& key() const { return key_; }
     const FontLibrary& library() const { return library_; }
-    // Of the cell, which is also the distance of two lines.
+    // Of the cell, which is also the line spacing.
     int height() const { return height_; }
     int ascent() const { return ascent_; }
 
-    // What to shape text with, before it is stretched.
+    // For shaping text before it is stretched.
     const PangoFontDescription* description() const { return description_.get(); }
     // In pixels.
     double em_height() const { return em_height_; }
     double em_width(bool japanese) const { return em_height_ * Stretch(japanese); }
     double Stretch(bool japanese) const { return japanese ? japanese_stretch_ : latin_stretch_; }
-    // The pixels from one character to the next, of those before stretching.
+    // The stretched pixels from one character to the next.
     double StretchedAdvance(double advance, bool japanese) const;
 
   private:
@@ -63,9 +63,9 @@ class TextFont {
     double japanese_stretch_ = 1;
 };
 
-// The font a description asks for, made once; null, with the last error set, when it cannot be had:
-// an escapement, italics, lines under or through the text, a size that no screen shows, or a
-// missing font file. With the GDI lock held.
+// The font of a description, created once; null, with the last error set, for what is not supported
+// (an escapement, italics, underline, strikeout, an absurd size) or when a font file is missing.
+// With the GDI lock held.
 std::shared_ptr<const TextFont> FindTextFont(const LOGFONTW& description);
 
 }  // namespace platform::gdi

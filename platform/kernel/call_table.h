@@ -20,7 +20,6 @@ struct FailableCall {
 #define PLATFORM_FAILABLE_CALLS(CALL)                            \
     CALL(BeginPaint, ERROR_INVALID_WINDOW_HANDLE)                \
     CALL(BitBlt, ERROR_INVALID_HANDLE)                           \
-    CALL(ClientToScreen, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(CloseHandle, ERROR_INVALID_HANDLE)                      \
     CALL(CloseMsgQueue, ERROR_INVALID_HANDLE)                    \
     CALL(CoInitializeEx, ERROR_OUTOFMEMORY)                      \
@@ -36,12 +35,10 @@ struct FailableCall {
     CALL(CreateWindowExW, ERROR_NOT_ENOUGH_MEMORY)               \
     CALL(DeleteDC, ERROR_INVALID_HANDLE)                         \
     CALL(DeleteObject, ERROR_INVALID_HANDLE)                     \
-    CALL(DestroyIcon, ERROR_INVALID_HANDLE)                      \
     CALL(DestroyWindow, ERROR_INVALID_WINDOW_HANDLE)             \
     CALL(DeviceIoControl, ERROR_GEN_FAILURE)                     \
     CALL(DialogBoxIndirectParamW, ERROR_NOT_ENOUGH_MEMORY)       \
     CALL(DrawTextW, ERROR_INVALID_HANDLE)                        \
-    CALL(EnableWindow, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(EndDialog, ERROR_INVALID_WINDOW_HANDLE)                 \
     CALL(EndPaint, ERROR_INVALID_HANDLE)                         \
     CALL(FillRect, ERROR_INVALID_HANDLE)                         \
@@ -52,28 +49,15 @@ struct FailableCall {
     CALL(GetCommMask, ERROR_GEN_FAILURE)                         \
     CALL(GetCommState, ERROR_GEN_FAILURE)                        \
     CALL(GetCommTimeouts, ERROR_GEN_FAILURE)                     \
-    CALL(GetCurrentObject, ERROR_INVALID_HANDLE)                 \
     CALL(GetDC, ERROR_INVALID_WINDOW_HANDLE)                     \
-    CALL(GetExitCodeThread, ERROR_INVALID_HANDLE)                \
     CALL(GetFileVersionInfoSizeW, ERROR_RESOURCE_TYPE_NOT_FOUND) \
     CALL(GetFileVersionInfoW, ERROR_RESOURCE_TYPE_NOT_FOUND)     \
     CALL(GetMessageW, ERROR_INVALID_WINDOW_HANDLE)               \
     CALL(GetModuleFileNameW, ERROR_MOD_NOT_FOUND)                \
-    CALL(GetModuleHandleW, ERROR_MOD_NOT_FOUND)                  \
-    CALL(GetObjectType, ERROR_INVALID_HANDLE)                    \
     CALL(GetObjectW, ERROR_INVALID_HANDLE)                       \
-    CALL(GetPixel, ERROR_INVALID_HANDLE)                         \
-    CALL(GetStockObject, ERROR_NOT_SUPPORTED)                    \
-    CALL(GetSysColorBrush, ERROR_INVALID_PARAMETER)              \
     CALL(GetSystemMetrics, ERROR_INVALID_PARAMETER)              \
     CALL(GetSystemPowerStatusEx2, ERROR_GEN_FAILURE)             \
-    CALL(GetTextExtentPoint32W, ERROR_INVALID_HANDLE)            \
-    CALL(GetThreadPriority, ERROR_INVALID_HANDLE)                \
-    CALL(GetUpdateRect, ERROR_INVALID_WINDOW_HANDLE)             \
-    CALL(GetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
-    CALL(GetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(GetWindowRect, ERROR_INVALID_WINDOW_HANDLE)             \
-    CALL(GetWindowThreadProcessId, ERROR_INVALID_WINDOW_HANDLE)  \
     CALL(InitCommonControlsEx, ERROR_NOT_ENOUGH_MEMORY)          \
     CALL(InvalidateRect, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(KernelIoControl, ERROR_NOT_SUPPORTED)                   \
@@ -85,23 +69,16 @@ struct FailableCall {
     CALL(LoadStringW, ERROR_RESOURCE_NAME_NOT_FOUND)             \
     CALL(LockResource, ERROR_INVALID_HANDLE)                     \
     CALL(MsgWaitForMultipleObjects, ERROR_INVALID_HANDLE)        \
-    CALL(MsgWaitForMultipleObjectsEx, ERROR_INVALID_HANDLE)      \
     CALL(OpenEventW, ERROR_FILE_NOT_FOUND)                       \
-    CALL(OpenMsgQueue, ERROR_OUTOFMEMORY)                        \
     CALL(PostMessageW, ERROR_NOT_ENOUGH_QUOTA)                   \
-    CALL(PostThreadMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
     CALL(ReadFile, ERROR_GEN_FAILURE)                            \
     CALL(ReadMsgQueue, ERROR_PIPE_NOT_CONNECTED)                 \
     CALL(RegisterClassW, ERROR_NOT_ENOUGH_MEMORY)                \
     CALL(RegisterWindowMessageW, ERROR_NOT_ENOUGH_MEMORY)        \
     CALL(ReleaseDC, ERROR_DC_NOT_FOUND)                          \
-    CALL(ReleaseMutex, ERROR_NOT_OWNER)                          \
     CALL(RequestPowerNotifications, ERROR_OUTOFMEMORY)           \
-    CALL(ResetEvent, ERROR_INVALID_HANDLE)                       \
     CALL(SelectObject, ERROR_INVALID_HANDLE)                     \
     CALL(SendMessageW, ERROR_INVALID_WINDOW_HANDLE)              \
-    CALL(SendNotifyMessageW, ERROR_NOT_ENOUGH_QUOTA)             \
-    CALL(SetBkColor, ERROR_INVALID_HANDLE)                       \
     CALL(SetBkMode, ERROR_INVALID_HANDLE)                        \
     CALL(SetCommMask, ERROR_GEN_FAILURE)                         \
     CALL(SetCommState, ERROR_GEN_FAILURE)                        \
@@ -113,20 +90,16 @@ struct FailableCall {
     CALL(SetThreadPriority, ERROR_INVALID_HANDLE)                \
     CALL(SetTimer, ERROR_NOT_ENOUGH_MEMORY)                      \
     CALL(SetWindowLongPtrW, ERROR_INVALID_WINDOW_HANDLE)         \
-    CALL(SetWindowLongW, ERROR_INVALID_WINDOW_HANDLE)            \
     CALL(SetWindowPos, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(ShowWindow, ERROR_INVALID_WINDOW_HANDLE)                \
-    CALL(SizeofResource, ERROR_INVALID_HANDLE)                   \
     CALL(StopPowerNotifications, ERROR_INVALID_HANDLE)           \
     CALL(TranslateAcceleratorW, ERROR_INVALID_ACCEL_HANDLE)      \
     CALL(TransparentImage, ERROR_INVALID_HANDLE)                 \
     CALL(UpdateWindow, ERROR_INVALID_WINDOW_HANDLE)              \
-    CALL(ValidateRect, ERROR_INVALID_WINDOW_HANDLE)              \
     CALL(VerQueryValueW, ERROR_RESOURCE_TYPE_NOT_FOUND)          \
     CALL(WaitForMultipleObjects, ERROR_INVALID_HANDLE)           \
     CALL(WaitForSingleObject, ERROR_INVALID_HANDLE)              \
-    CALL(WriteFile, ERROR_GEN_FAILURE)                           \
-    CALL(WriteMsgQueue, ERROR_PIPE_NOT_CONNECTED)
+    CALL(WriteFile, ERROR_GEN_FAILURE)
 
 inline constexpr FailableCall kFailableCalls[] = {
 #define PLATFORM_ROW(name, error) {#name, error},
@@ -139,39 +112,24 @@ inline constexpr FailableCall kFailableCalls[] = {
 // order of the names.
 inline constexpr std::string_view kCallsThatCannotFail[] = {
     "CoUninitialize",
-    "DefDlgProcW",
     "DefWindowProcW",
     "DeleteCriticalSection",
     "DispatchMessageW",
     "EnterCriticalSection",
     "EqualRect",
     "GetActiveWindow",
-    "GetCurrentProcess",
-    "GetCurrentProcessId",
     "GetCurrentThread",
-    "GetCurrentThreadId",
-    "GetFocus",
-    "GetForegroundWindow",
     "GetLastError",
-    "GetSysColor",
     "GetTickCount",
     "InitializeCriticalSection",
-    "IsRectEmpty",
-    "IsWindow",
-    "IsWindowEnabled",
-    "IsWindowVisible",
     "LeaveCriticalSection",
     "NKDbgPrintfW",
-    "OffsetRect",
     "PeekMessageW",
     "PostQuitMessage",
     "PtInRect",
     "SetLastError",
-    "SetRect",
-    "SetRectEmpty",
     "Sleep",
     "TranslateMessage",
-    "TryEnterCriticalSection",
     "lstrlenW",
     "wsprintfW",
     "wvsprintfW",

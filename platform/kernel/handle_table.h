@@ -100,7 +100,7 @@ enum HandleKind : unsigned {
     kDeviceContexts = 3,
     kGdiObjects = 4,
     kIcons = 5,
-    kNeighbourWindows = 6,
+    kOtherProcessWindows = 6,
 };
 
 }  // namespace platform::kernel

@@ -15,9 +15,9 @@ struct Options {
     Mode mode = Mode::kSimulated;
     // Free running: how many times as fast as the host's clock.
     double speed = 1.0;
-    // Simulated: who runs among equals.
+    // Simulated: decides which of several ready threads runs.
     std::uint64_t seed = 1;
-    // Simulated: let the seed also take the processor from a thread at any call of the platform.
+    // Simulated: at any call of the platform the seed may also preempt the thread.
     bool preempt = false;
     // UpdateWindow on another thread's window waits until that thread has painted.
     bool waiting_repaints = false;
@@ -25,25 +25,25 @@ struct Options {
     Time start = std::chrono::seconds(20);
 };
 
-// One platform a process at a time. The thread that boots it is the hardware's thread.
+// One platform a process at a time. The thread that boots it becomes the host thread.
 void Boot(const Options& options, Board& board);
 
-// What was left at the end; all zero after a clean run.
+// What the program left behind; all zero after a clean run.
 struct Leftovers {
     std::size_t threads = 0;
     std::size_t handles = 0;
 };
 
-// To be called on the hardware's thread once the threads of the platform have ended: those that
-// have not are counted and left alone. Handles still open are closed.
+// Called on the host thread once the threads of the platform have ended; counts those that have not
+// and leaves them running. Closes open handles.
 Leftovers Shutdown();
 
 bool Booted();
 const Options& CurrentOptions();
 Board& CurrentBoard();
 
-// What this process has under that name, which is what it answers a neighbour that asks. A stand-in
-// for a neighbour's object counts: it keeps the name as any handle does. Any thread.
+// The kind of the object that this process has under that name; the reply to another process's
+// OtherProcesses::FindObject. A stand-in counts: it keeps the name as any handle does. Any thread.
 NamedKind FindNamedKind(const std::wstring& name);
 
 // Counts for tests and the unit's state dump. Any thread.

@@ -1,3 +1,5 @@
+#include "platform/kernel/message_queue.h"
+
 #include <msgqueue.h>
 
 #include <algorithm>
@@ -9,72 +11,54 @@
 #include "platform/kernel/scheduler.h"
 
 namespace platform::kernel {
-namespace {
 
-struct Message {
-    std::vector<std::byte> bytes;
-    DWORD flags;
-};
-
-// The queue that both ends share. Guarded by the kernel lock.
+// Guarded by the kernel lock.
 class MessageQueue final : public Object {
   public:
     explicit MessageQueue(const MSGQUEUEOPTIONS& options)
-        : flags(options.dwFlags),
+        : needs_writer((options.dwFlags & MSGQUEUE_ALLOW_BROKEN) == 0),
           capacity(options.dwMaxMessages),
           message_size(options.cbMaxMessage) {}
 
     NamedKind Kind() const override { return NamedKind::kMessageQueue; }
-
-    bool Full() const { return capacity != 0 && messages.size() >= capacity; }
-    // Without MSGQUEUE_ALLOW_BROKEN an end that is alone is told so.
-    bool MayBeAlone() const { return (flags & MSGQUEUE_ALLOW_BROKEN) != 0; }
-
-    const DWORD flags;
-    const DWORD capacity;
-    const DWORD message_size;
-    std::deque<Message> messages;
-    WORD readers = 0;
-    WORD writers = 0;
-};
-
-// One handle on a queue: its read end or its write end.
-class QueueEnd final : public Object {
-  public:
-    QueueEnd(std::shared_ptr<MessageQueue> shared, bool reads)
-        : queue(std::move(shared)), read_access(reads) {
-        ++(read_access ? queue->readers : queue->writers);
-    }
-
     bool Waitable() const override { return true; }
-    bool Signalled(const Thread&) const override {
-        return read_access ? !queue->messages.empty() : !queue->Full();
-    }
+    bool Signalled(const Thread&) const override { return !messages.empty(); }
 
-    void HandleClosed() override {
-        KernelLock lock = LockKernel();
-        --(read_access ? queue->readers : queue->writers);
-        Wake(lock);
-    }
+    // Reading an empty queue fails, unless its creator allowed it to be without a writer.
+    bool IsBroken() const { return needs_writer && writers == 0; }
 
-    const std::shared_ptr<MessageQueue> queue;
-    const bool read_access;
+    const bool needs_writer;
+    const DWORD capacity;  // 0: no limit
+    const DWORD message_size;
+    std::deque<std::vector<std::byte>> messages;
+    unsigned writers = 0;
 };
 
-std::shared_ptr<QueueEnd> FindEnd(HANDLE handle, bool read_access) {
-    std::shared_ptr<QueueEnd> end = FindObjectAs<QueueEnd>(handle);
-    if (end && end->read_access != read_access) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return nullptr;
-    }
-    return end;
+QueueWriter::QueueWriter(std::shared_ptr<MessageQueue> queue) : queue_(std::move(queue)) {
+    KernelLock lock = LockKernel();
+    ++queue_->writers;
 }
 
-bool ValidOptions(const MSGQUEUEOPTIONS* options) {
-    return options && options->dwSize == sizeof(MSGQUEUEOPTIONS) && options->cbMaxMessage != 0;
+QueueWriter::~QueueWriter() {
+    KernelLock lock = LockKernel();
+    --queue_->writers;
+    Wake(lock);
 }
 
-}  // namespace
+std::unique_ptr<QueueWriter> QueueWriter::Open(HANDLE handle) {
+    auto queue = FindObjectAs<MessageQueue>(handle);
+    return queue ? std::unique_ptr<QueueWriter>(new QueueWriter(std::move(queue))) : nullptr;
+}
+
+void QueueWriter::Write(std::span<const std::byte> message) {
+    KernelLock lock = LockKernel();
+    const bool full = queue_->capacity != 0 && queue_->messages.size() >= queue_->capacity;
+    if (full || message.size() > queue_->message_size)
+        return;
+    queue_->messages.emplace_back(message.begin(), message.end());
+    Wake(lock);
+}
+
 }  // namespace platform::kernel
 
 using namespace platform::kernel;
@@ -83,34 +67,19 @@ HANDLE CreateMsgQueue(LPCWSTR name, LPMSGQUEUEOPTIONS options) {
     const ApiCall call("CreateMsgQueue");
     if (call.Fails())
         return nullptr;
-    if (!ValidOptions(options)) {
+    if (!options || options->dwSize != sizeof *options || options->cbMaxMessage == 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
+    if (!options->bReadAccess) {
+        SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
+        return nullptr;
+    }
     KernelLock lock = LockKernel();
-    std::shared_ptr<Object> object = CreateNamed(lock, name, NamedKind::kMessageQueue, [&] {
+    std::shared_ptr<Object> queue = CreateNamed(lock, name, NamedKind::kMessageQueue, [&] {
         return std::make_shared<MessageQueue>(*options);
     });
-    if (!object)
-        return nullptr;
-    if (auto queue = std::dynamic_pointer_cast<MessageQueue>(object))
-        object = std::make_shared<QueueEnd>(std::move(queue), options->bReadAccess != 0);
-    return OpenHandle(lock, std::move(object));
-}
-
-HANDLE OpenMsgQueue(HANDLE, HANDLE handle, LPMSGQUEUEOPTIONS options) {
-    const ApiCall call("OpenMsgQueue");
-    if (call.Fails())
-        return nullptr;
-    if (!options || options->dwSize != sizeof(MSGQUEUEOPTIONS)) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    const std::shared_ptr<QueueEnd> end = FindObjectAs<QueueEnd>(handle);
-    if (!end)
-        return nullptr;
-    KernelLock lock = LockKernel();
-    return OpenHandle(lock, std::make_shared<QueueEnd>(end->queue, options->bReadAccess != 0));
+    return queue ? OpenHandle(lock, std::move(queue)) : nullptr;
 }
 
 BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD timeout,
@@ -118,71 +87,33 @@ BOOL ReadMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, LPDWORD read, DWORD 
     const ApiCall call("ReadMsgQueue");
     if (call.Fails())
         return FALSE;
-    const std::shared_ptr<QueueEnd> end = FindEnd(handle, true);
-    if (!end)
+    const std::shared_ptr<MessageQueue> queue = FindObjectAs<MessageQueue>(handle);
+    if (!queue)
         return FALSE;
     if (!buffer || !read || !flags) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    MessageQueue& queue = *end->queue;
     const Time deadline = DeadlineAfter(timeout);
     KernelLock lock = LockKernel();
-    const auto alone = [&] { return queue.writers == 0 && !queue.MayBeAlone(); };
     if (!Block(
-            lock, [&] { return !queue.messages.empty() || alone(); }, deadline)) {
+            lock, [&] { return !queue->messages.empty() || queue->IsBroken(); }, deadline)) {
         SetLastError(ERROR_TIMEOUT);
         return FALSE;
     }
-    if (queue.messages.empty()) {
+    if (queue->messages.empty()) {
         SetLastError(ERROR_PIPE_NOT_CONNECTED);
         return FALSE;
     }
-    const Message message = std::move(queue.messages.front());
-    queue.messages.pop_front();
-    Wake(lock);
-    *read = static_cast<DWORD>(std::min<std::size_t>(size, message.bytes.size()));
-    *flags = message.flags;
-    std::copy_n(message.bytes.begin(), *read, static_cast<std::byte*>(buffer));
-    if (*read < message.bytes.size()) {
+    const std::vector<std::byte> message = std::move(queue->messages.front());
+    queue->messages.pop_front();
+    *read = static_cast<DWORD>(std::min<std::size_t>(size, message.size()));
+    *flags = 0;
+    std::copy_n(message.begin(), *read, static_cast<std::byte*>(buffer));
+    if (*read < message.size()) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return FALSE;
     }
-    return TRUE;
-}
-
-BOOL WriteMsgQueue(HANDLE handle, LPVOID buffer, DWORD size, DWORD timeout, DWORD flags) {
-    const ApiCall call("WriteMsgQueue");
-    if (call.Fails())
-        return FALSE;
-    const std::shared_ptr<QueueEnd> end = FindEnd(handle, false);
-    if (!end)
-        return FALSE;
-    MessageQueue& queue = *end->queue;
-    if (!buffer || size > queue.message_size) {
-        SetLastError(buffer ? ERROR_INSUFFICIENT_BUFFER : ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    const Time deadline = DeadlineAfter(timeout);
-    KernelLock lock = LockKernel();
-    const auto alone = [&] { return queue.readers == 0 && !queue.MayBeAlone(); };
-    if (!Block(
-            lock, [&] { return !queue.Full() || alone(); }, deadline)) {
-        SetLastError(ERROR_TIMEOUT);
-        return FALSE;
-    }
-    if (alone()) {
-        SetLastError(ERROR_PIPE_NOT_CONNECTED);
-        return FALSE;
-    }
-    const auto* bytes = static_cast<const std::byte*>(buffer);
-    const Message message{{bytes, bytes + size}, flags};
-    // An alert goes before everything that waits.
-    if ((flags & MSGQUEUE_MSGALERT) != 0)
-        queue.messages.push_front(message);
-    else
-        queue.messages.push_back(message);
-    Wake(lock);
     return TRUE;
 }
 
@@ -191,8 +122,9 @@ BOOL CloseMsgQueue(HANDLE handle) {
     if (call.Fails())
         return FALSE;
     const std::shared_ptr<Object> object = FindObject(handle);
-    const bool stands_in = object && object->Kind() == NamedKind::kMessageQueue;
-    if (!stands_in && !FindObjectAs<QueueEnd>(handle))
+    if (!object || object->Kind() != NamedKind::kMessageQueue) {
+        SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
+    }
     return CloseHandle(handle);
 }

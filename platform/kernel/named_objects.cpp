@@ -29,9 +29,10 @@ std::shared_ptr<Object> FindNamedAnywhere(KernelLock& lock, const std::wstring& 
     if (std::shared_ptr<Object> own = FindNamed(lock, name))
         return own;
     lock.unlock();
-    const NamedKind kind = CurrentBoard().FindNeighbourObject(name);
+    OtherProcesses* const others = CurrentBoard().other_processes();
+    const NamedKind kind = others ? others->FindObject(name) : NamedKind::kNone;
     lock.lock();
-    // Another thread may have been faster.
+    // Another thread may have made one meanwhile.
     std::shared_ptr<Object> own = FindNamed(lock, name);
     if (own || kind == NamedKind::kNone)
         return own;

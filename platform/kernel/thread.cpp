@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/kernel_state.h"
 
 namespace platform::kernel {
 namespace {
 
 thread_local std::shared_ptr<Thread> t_current;
+thread_local DWORD t_last_error = ERROR_SUCCESS;
 
 DWORD RunToTheEnd(const Thread::Entry& entry) {
     const DWORD exit_code = entry();
@@ -52,7 +54,7 @@ std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority, ProcessId
         KernelLock inner = LockKernel();
         State().scheduler->Enter(inner, *thread);
         inner.unlock();
-        // What the entry holds goes with it, while the thread still counts as running.
+        // Destroys what the entry holds while the thread still counts as running.
         const DWORD exit_code = RunToTheEnd(std::exchange(entry, {}));
         inner.lock();
         thread->exit_code = exit_code;
@@ -83,3 +85,51 @@ void ReapThreads() {
 }
 
 }  // namespace platform::kernel
+
+using namespace platform::kernel;
+
+HANDLE CreateThread(LPSECURITY_ATTRIBUTES, DWORD, LPTHREAD_START_ROUTINE start, LPVOID parameter,
+                    DWORD flags, LPDWORD thread_id) {
+    const ApiCall call("CreateThread");
+    if (call.Fails())
+        return nullptr;
+    // Suspended threads are not supported; the stack size is the host's business.
+    if (!start || (flags & CREATE_SUSPENDED) != 0) {
+        SetLastError(start ? ERROR_CALL_NOT_IMPLEMENTED : ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    std::shared_ptr<Thread> thread = StartThread([start, parameter] { return start(parameter); });
+    if (thread_id)
+        *thread_id = thread->id;
+    return OpenHandle(std::move(thread));
+}
+
+BOOL SetThreadPriority(HANDLE handle, int priority) {
+    const ApiCall call("SetThreadPriority");
+    if (call.Fails())
+        return FALSE;
+    const std::shared_ptr<Thread> thread = FindObjectAs<Thread>(handle);
+    if (!thread)
+        return FALSE;
+    if (priority < THREAD_PRIORITY_TIME_CRITICAL || priority > THREAD_PRIORITY_IDLE) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    KernelLock lock = LockKernel();
+    thread->priority = priority;
+    Wake(lock);
+    return TRUE;
+}
+
+DWORD GetTickCount() {
+    SchedulingPoint();
+    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(Now()).count());
+}
+
+DWORD GetLastError() {
+    return t_last_error;
+}
+
+void SetLastError(DWORD error) {
+    t_last_error = error;
+}

@@ -1,9 +1,14 @@
-#include "platform/kernel/wide_format.h"
+#include <windows.h>
 
 #include <algorithm>
+#include <cstdarg>
 #include <cstdint>
+#include <cwchar>
+#include <string>
 #include <string_view>
 
+#include "platform/kernel/kernel.h"
+#include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
 
 namespace platform::kernel {
@@ -13,8 +18,6 @@ enum class Size { kDefault, kNarrow, kWide, kLong64 };
 
 struct Conversion {
     bool left = false;
-    bool plus = false;
-    bool blank = false;
     bool alternate = false;
     bool zero = false;
     int width = 0;
@@ -23,6 +26,10 @@ struct Conversion {
     wchar_t type = 0;
 };
 
+// The format language that the API documents for its wide formatters: in a wide format %s and %c
+// are wide, %S and %C narrow, %ls and %hs always wide and narrow; l is 32 bits and I64 is 64. Flags
+// - # 0, width and precision, types d i u x X c C s S p %. Anything else is copied as it stands. A
+// null text prints as "(null)".
 class Formatter {
   public:
     Formatter(const wchar_t* format, va_list& arguments) : at_(format), arguments_(arguments) {}
@@ -47,10 +54,6 @@ class Formatter {
         Conversion conversion;
         ParseFlags(conversion);
         conversion.width = ParseNumber();
-        if (conversion.width < 0) {
-            conversion.left = true;
-            conversion.width = -conversion.width;
-        }
         if (*at_ == L'.') {
             ++at_;
             conversion.precision = ParseNumber();
@@ -68,12 +71,6 @@ class Formatter {
                 case L'-':
                     conversion.left = true;
                     break;
-                case L'+':
-                    conversion.plus = true;
-                    break;
-                case L' ':
-                    conversion.blank = true;
-                    break;
                 case L'#':
                     conversion.alternate = true;
                     break;
@@ -87,10 +84,6 @@ class Formatter {
     }
 
     int ParseNumber() {
-        if (*at_ == L'*') {
-            ++at_;
-            return std::clamp(va_arg(arguments_, int), -kLongest, kLongest);
-        }
         int number = 0;
         for (; *at_ >= L'0' && *at_ <= L'9'; ++at_)
             number = std::min(number * 10 + static_cast<int>(*at_ - L'0'), kLongest);
@@ -124,9 +117,6 @@ class Formatter {
                 return true;
             case L'u':
                 PutUnsigned(conversion, 10, false);
-                return true;
-            case L'o':
-                PutUnsigned(conversion, 8, false);
                 return true;
             case L'x':
                 PutUnsigned(conversion, 16, false);
@@ -168,7 +158,7 @@ class Formatter {
     }
 
     void PutText(const Conversion& conversion) {
-        // At most `precision` characters are looked at: the text may have no terminator.
+        // Reads `precision` characters at most: the text may have no terminator.
         const std::size_t most = conversion.precision < 0
                                      ? std::wstring::npos
                                      : static_cast<std::size_t>(conversion.precision);
@@ -198,11 +188,7 @@ class Formatter {
             value = static_cast<std::int16_t>(value);
         const std::uint64_t magnitude =
             value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-        const wchar_t* sign = value < 0          ? L"-"
-                              : conversion.plus  ? L"+"
-                              : conversion.blank ? L" "
-                                                 : L"";
-        Pad(conversion, sign, Digits(conversion, magnitude, 10, false), true);
+        Pad(conversion, value < 0 ? L"-" : L"", Digits(conversion, magnitude, 10, false), true);
     }
 
     void PutUnsigned(const Conversion& conversion, unsigned base, bool capitals) {
@@ -213,10 +199,7 @@ class Formatter {
         const wchar_t* prefix = L"";
         if (conversion.alternate && base == 16 && value != 0)
             prefix = capitals ? L"0X" : L"0x";
-        std::wstring digits = Digits(conversion, value, base, capitals);
-        if (conversion.alternate && base == 8 && !digits.starts_with(L'0'))
-            digits.insert(0, 1, L'0');
-        Pad(conversion, prefix, digits, true);
+        Pad(conversion, prefix, Digits(conversion, value, base, capitals), true);
     }
 
     void PutPointer(Conversion conversion) {
@@ -263,9 +246,42 @@ class Formatter {
 };
 
 }  // namespace
+}  // namespace platform::kernel
 
-std::wstring FormatWide(const wchar_t* format, va_list& arguments) {
-    return Formatter(format, arguments).Run();
+using namespace platform::kernel;
+
+void NKDbgPrintfW(LPCWSTR format, ...) {
+    SchedulingPoint();
+    const DWORD last_error = GetLastError();
+    va_list arguments;
+    va_start(arguments, format);
+    const std::wstring text = Formatter(format, arguments).Run();
+    va_end(arguments);
+    CurrentBoard().DebugOutput(text);
+    SetLastError(last_error);
 }
 
-}  // namespace platform::kernel
+int wvsprintfW(LPWSTR out, LPCWSTR format, va_list arguments) {
+    // The API's own limit: 1024 characters with the terminator.
+    constexpr std::size_t kMost = 1023;
+    va_list copy;
+    va_copy(copy, arguments);
+    const std::wstring text = Formatter(format, copy).Run();
+    va_end(copy);
+    const std::size_t length = std::min(text.size(), kMost);
+    std::wmemcpy(out, text.data(), length);
+    out[length] = 0;
+    return static_cast<int>(length);
+}
+
+int wsprintfW(LPWSTR out, LPCWSTR format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = wvsprintfW(out, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+int lstrlenW(LPCWSTR text) {
+    return text ? static_cast<int>(std::wcslen(text)) : 0;
+}

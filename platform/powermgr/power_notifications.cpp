@@ -1,54 +1,52 @@
 #include "platform/powermgr/power_notifications.h"
 
-#include <msgqueue.h>
 #include <pm.h>
 
-#include <algorithm>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "platform/kernel/api_call.h"
+#include "platform/kernel/message_queue.h"
 #include "platform/kernel/object.h"
 
 namespace platform::powermgr {
 namespace {
 
-// What RequestPowerNotifications returns a handle of: the write end of the asker's queue.
+// The object behind a handle of RequestPowerNotifications.
 class Request final : public kernel::Object {
   public:
-    Request(HANDLE queue, DWORD flags) : queue_(queue), flags_(flags) {}
-    ~Request() override { CloseMsgQueue(queue_); }
-    Request(const Request&) = delete;
-    Request& operator=(const Request&) = delete;
+    Request(std::unique_ptr<kernel::QueueWriter> queue, DWORD flags)
+        : queue_(std::move(queue)), flags_(flags) {}
 
     void Deliver(DWORD message) const {
         if ((flags_ & message) == 0)
             return;
         POWER_BROADCAST record{};
         record.Message = message;
-        WriteMsgQueue(queue_, &record, sizeof record, 0, 0);
+        queue_->Write(std::as_bytes(std::span(&record, 1)));
     }
 
   private:
-    const HANDLE queue_;
+    const std::unique_ptr<kernel::QueueWriter> queue_;
     const DWORD flags_;
 };
 
-// Guarded by the kernel lock; an entry goes stale with the last reference of its request.
+// Guarded by the kernel lock.
 std::vector<std::weak_ptr<Request>> g_requests;
 
 }  // namespace
 
 void Notify(DWORD message) {
-    std::vector<std::shared_ptr<Request>> listeners;
+    std::vector<std::shared_ptr<Request>> requests;
     {
         kernel::KernelLock lock = kernel::LockKernel();
-        for (const std::weak_ptr<Request>& request : g_requests)
-            if (std::shared_ptr<Request> listener = request.lock())
-                listeners.push_back(std::move(listener));
+        for (const std::weak_ptr<Request>& entry : g_requests)
+            if (std::shared_ptr<Request> request = entry.lock())
+                requests.push_back(std::move(request));
     }
-    for (const std::shared_ptr<Request>& listener : listeners)
-        listener->Deliver(message);
+    for (const std::shared_ptr<Request>& request : requests)
+        request->Deliver(message);
 }
 
 }  // namespace platform::powermgr
@@ -64,13 +62,10 @@ HANDLE RequestPowerNotifications(HANDLE queue, DWORD flags) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    MSGQUEUEOPTIONS options{};
-    options.dwSize = sizeof options;
-    options.bReadAccess = FALSE;
-    const HANDLE write_end = OpenMsgQueue(GetCurrentThread(), queue, &options);
-    if (!write_end)
+    auto writer = kernel::QueueWriter::Open(queue);
+    if (!writer)
         return nullptr;
-    const auto request = std::make_shared<Request>(write_end, flags);
+    const auto request = std::make_shared<Request>(std::move(writer), flags);
     kernel::KernelLock lock = kernel::LockKernel();
     std::erase_if(powermgr::g_requests,
                   [](const std::weak_ptr<Request>& entry) { return entry.expired(); });

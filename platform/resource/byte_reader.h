@@ -8,8 +8,8 @@
 
 namespace platform::resource {
 
-// Reads little-endian numbers off the front of some bytes. Reading past their end gives 0 and
-// makes the reader false for good, so that a caller may read on and ask once.
+// Reads little-endian numbers from bytes. Reading past their end gives 0 and makes the reader false
+// permanently, so that a caller can check once at the end.
 class ByteReader {
   public:
     explicit ByteReader(std::span<const std::byte> bytes) : bytes_(bytes) {}
@@ -32,7 +32,7 @@ class ByteReader {
         return bytes_.subspan(position_ - count, count);
     }
 
-    // UTF-16 units up to a terminator, which is taken too.
+    // UTF-16 units up to a terminator, which it consumes too.
     std::u16string Text() {
         std::u16string text;
         for (char16_t unit = Word(); unit != 0; unit = Word())
@@ -40,7 +40,7 @@ class ByteReader {
         return text;
     }
 
-    // Skips to a multiple of four; what the end of the bytes cuts off of that is not missed.
+    // Skips to a multiple of four, or to the end of the bytes if that comes first.
     void Align() { position_ = std::min((position_ + 3) & ~std::size_t{3}, bytes_.size()); }
 
   private:

@@ -8,11 +8,11 @@
 
 namespace platform::resource {
 
-// A bitmap in memory: BITMAPINFOHEADER, colours, rows. Errors as in DecodeBitmap. Any input is
-// safe, and asks for no more than 32 bytes of memory for each of its own.
+// Decodes a bitmap in memory: BITMAPINFOHEADER, colours, rows. Errors as in DecodeBitmap. Any input
+// is safe and takes at most 32 times its size in memory, which guards against decompression bombs.
 std::optional<DecodedImage> DecodeDib(std::span<const std::byte> bytes);
 
-// The same of an icon, whose header counts the rows of the mask too, as 0xAARRGGBB.
+// The same for an icon, as 0xAARRGGBB; its header counts the rows of the mask too.
 std::optional<DecodedImage> DecodeIconDib(std::span<const std::byte> bytes);
 
 }  // namespace platform::resource

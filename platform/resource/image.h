@@ -16,13 +16,13 @@ struct DecodedImage {
     std::vector<std::uint32_t> pixels;
 };
 
-// A bitmap of the program's resources as 0x00RRGGBB. Without it, the last error is the one of
-// FindResourceW, ERROR_INVALID_DATA when it is damaged, or ERROR_NOT_SUPPORTED when its form is
-// not known (1, 4, 8, 16, 24 and 32 bits a pixel are, uncompressed). Any thread.
+// A bitmap of the program's resources as 0x00RRGGBB. Nothing with the last error of FindResourceW,
+// ERROR_INVALID_DATA when it is damaged, or ERROR_NOT_SUPPORTED for another form than 1, 4, 8, 16,
+// 24 or 32 bits a pixel, uncompressed. Any thread.
 std::optional<DecodedImage> DecodeBitmap(LPCWSTR name);
 
-// The image nearest to that size from a group icon, as 0xAARRGGBB, not premultiplied; it is not
-// scaled. A size of 0 stands for that of the group's first image. Errors as for bitmaps.
+// The image of a group icon that is nearest to that size, as 0xAARRGGBB, neither premultiplied nor
+// scaled. A size of 0 means the size of the group's first image. Errors as for bitmaps.
 std::optional<DecodedImage> DecodeIcon(LPCWSTR name, int width, int height);
 
 }  // namespace platform::resource

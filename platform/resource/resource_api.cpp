@@ -61,7 +61,7 @@ HGLOBAL LoadResource(HMODULE module, HRSRC handle) {
     return found ? const_cast<std::byte*>(found->data.data()) : nullptr;
 }
 
-// A resource is always in memory: its handle is its address.
+// Resources are always in memory: the handle is the address.
 LPVOID LockResource(HGLOBAL data) {
     const platform::kernel::ApiCall call("LockResource");
     if (call.Fails())
@@ -71,22 +71,12 @@ LPVOID LockResource(HGLOBAL data) {
     return data;
 }
 
-DWORD SizeofResource(HMODULE module, HRSRC handle) {
-    const platform::kernel::ApiCall call("SizeofResource");
-    if (call.Fails())
-        return 0;
-    if (!resource::IsProgram(module))
-        return 0;
-    const resource::Resource* found = resource::EntryOf(handle);
-    return found ? static_cast<DWORD>(found->data.size()) : 0;
-}
-
 int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
     const platform::kernel::ApiCall call("LoadStringW");
     if (call.Fails())
         return 0;
-    // Without room, the device returns a pointer to the resource's own text in an int. Neither the
-    // pointer nor that text of 16-bit units has the program's form here.
+    // Without a buffer the device returns a pointer to the resource's own text in an int. Here
+    // neither the pointer fits an int nor is that 16-bit text a WCHAR text.
     if (!buffer || size <= 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -101,7 +91,7 @@ int LoadStringW(HINSTANCE module, UINT id, LPWSTR buffer, int size) {
     return static_cast<int>(copied);
 }
 
-// Accelerator tables are not supported: one that is there is refused.
+// Accelerator tables are not supported.
 HACCEL LoadAcceleratorsW(HINSTANCE module, LPCWSTR name) {
     const platform::kernel::ApiCall call("LoadAcceleratorsW");
     if (call.Fails())
@@ -111,4 +101,24 @@ HACCEL LoadAcceleratorsW(HINSTANCE module, LPCWSTR name) {
     SetLastError(resource::FindEntry(RT_ACCELERATOR, name) ? ERROR_NOT_SUPPORTED
                                                            : ERROR_RESOURCE_NAME_NOT_FOUND);
     return nullptr;
+}
+
+DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size) {
+    const platform::kernel::ApiCall call("GetModuleFileNameW");
+    if (call.Fails())
+        return 0;
+    if (!resource::IsProgram(module))
+        return 0;
+    if (!buffer || size == 0) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    const std::wstring path = resource::ProgramPath();
+    const DWORD copied = std::min(static_cast<DWORD>(path.size()), size - 1);
+    path.copy(buffer, copied);
+    buffer[copied] = L'\0';
+    if (copied == path.size())
+        return copied;
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return size;
 }

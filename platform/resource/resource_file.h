@@ -18,8 +18,8 @@ struct Resource {
     std::span<const std::byte> data;
 };
 
-// The resources of a compiled script (.res), in its order. `data` points into `file`. Damaged: no
-// value, and `problem` says what is wrong at which byte. Any input is safe.
+// The resources of a compiled script (.res), in its order. `data` points into `file`. Nothing when
+// it is damaged; `problem` then names the byte and the reason. Any input is safe.
 std::optional<std::vector<Resource>> ReadResourceFile(std::span<const std::byte> file,
                                                       std::string& problem);
 

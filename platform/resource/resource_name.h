@@ -7,14 +7,14 @@
 
 namespace platform::resource {
 
-// The type or the name of a resource: a number, or a text in which case does not count.
+// The type or the name of a resource: a number, or a text that ignores case.
 class ResourceName {
   public:
     ResourceName() = default;
     explicit ResourceName(WORD number) : number_(number) {}
     explicit ResourceName(std::wstring_view text);
 
-    // What the API's calls mean: MAKEINTRESOURCE, a text, or "#" and the number in decimal.
+    // From an argument of the API: MAKEINTRESOURCE, a text, or "#" and the number in decimal.
     static ResourceName FromApi(LPCWSTR name);
 
     bool operator==(const ResourceName&) const = default;
@@ -24,7 +24,7 @@ class ResourceName {
     std::wstring text_;
 };
 
-// Texts alike but for the case of their letters.
+// Compares texts without regard to case.
 bool SameText(std::wstring_view left, std::wstring_view right);
 
 }  // namespace platform::resource

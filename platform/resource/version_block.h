@@ -10,8 +10,8 @@
 
 namespace platform::resource {
 
-// The version block as GetFileVersionInfoW hands it out: the tree of the resource, its texts made
-// of WCHAR, each node as
+// The version block that GetFileVersionInfoW returns: the tree of the resource with WCHAR texts,
+// each node as
 //     DWORD length of the whole node in bytes, a multiple of 4
 //     DWORD length of its value, in characters with the terminator for a text, else in bytes
 //     DWORD 1 when the value is a text, else 0
@@ -26,8 +26,8 @@ struct VersionValue {
     UINT length = 0;
 };
 
-// The value of the node that `path` ("\StringFileInfo\040904B0\FileVersion") leads to from the
-// root; nothing when there is none. `block` begins with the root of a block made above.
+// The value of the node at `path` ("\StringFileInfo\040904B0\FileVersion") from the root; nothing
+// when there is none. `block` is a block of ConvertVersionBlock.
 std::optional<VersionValue> QueryVersionBlock(const std::byte* block, std::wstring_view path);
 
 }  // namespace platform::resource

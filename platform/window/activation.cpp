@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/window/procedure.h"
 #include "platform/window/z_order.h"
@@ -14,7 +15,8 @@ bool CanTakeOver(const Window& window) {
            (window.extended_style & WS_EX_NOACTIVATE) == 0;
 }
 
-// Who comes after a window that leaves: its owner, else the highest of its thread, else of all.
+// The window that takes over from one that leaves: its owner, else the highest window of its
+// thread, else the highest of all.
 HWND Successor(kernel::KernelLock& lock, const Window& leaving) {
     const auto owner = leaving.owner ? FindWindowObject(lock, leaving.owner) : nullptr;
     if (owner && CanTakeOver(*owner))
@@ -31,7 +33,7 @@ HWND Successor(kernel::KernelLock& lock, const Window& leaving) {
     return of_any_thread;
 }
 
-// Moves the calling thread's focus; NULL takes it away.
+// Moves the calling thread's focus; NULL: no window has it.
 void MoveFocus(const std::shared_ptr<MessageQueue>& queue, HWND window) {
     HWND previous = NULL;
     {
@@ -90,8 +92,7 @@ void Activate(HWND window, UINT how) {
     const auto target = FindWindowObject(lock, window);
     const bool can_focus = target && target->enabled();
     lock.unlock();
-    if (can_focus)
-        MoveFocus(queue, window);
+    MoveFocus(queue, can_focus ? window : NULL);
 }
 
 }  // namespace
@@ -170,3 +171,12 @@ void DropFocus(HWND window) {
 }
 
 }  // namespace platform::window
+
+using namespace platform;
+using namespace platform::window;
+
+HWND GetActiveWindow() {
+    const kernel::ApiCall call;
+    kernel::KernelLock lock = kernel::LockKernel();
+    return CurrentQueue(lock)->active;
+}

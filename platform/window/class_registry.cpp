@@ -1,9 +1,9 @@
 #include "platform/window/class_registry.h"
 
 #include <algorithm>
-#include <cwctype>
 
 #include "platform/kernel/api_call.h"
+#include "platform/resource/resource_name.h"
 
 namespace platform::window {
 namespace {
@@ -27,23 +27,17 @@ void Add(kernel::KernelLock& lock, const WNDCLASSW& settings, std::wstring name,
 
 }  // namespace
 
-bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](wchar_t x, wchar_t y) {
-        return std::towlower(static_cast<wint_t>(x)) == std::towlower(static_cast<wint_t>(y));
-    });
-}
-
 std::shared_ptr<WindowClass> FindClass(kernel::KernelLock& lock, LPCWSTR name) {
     const auto& classes = TheDesktop(lock).classes;
     const auto found = std::find_if(classes.begin(), classes.end(), [&](const auto& entry) {
-        return IsAtom(name) ? entry->atom == LOWORD(name) : EqualIgnoringCase(entry->name, name);
+        return IsAtom(name) ? entry->atom == LOWORD(name) : resource::SameText(entry->name, name);
     });
     return found == classes.end() ? nullptr : *found;
 }
 
 void RegisterSystemClasses(kernel::KernelLock& lock) {
     WNDCLASSW dialog{};
-    dialog.lpfnWndProc = DefDlgProcW;
+    dialog.lpfnWndProc = DialogClassProcedure;
     dialog.cbWndExtra = DWLP_USER + static_cast<int>(sizeof(LONG_PTR));
     dialog.hbrBackground = reinterpret_cast<HBRUSH>(INT_PTR{COLOR_BTNFACE + 1});
     Add(lock, dialog, L"Dialog", kDialogClass);
@@ -64,7 +58,7 @@ ATOM RegisterClassW(const WNDCLASSW* settings) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    // Menus and class bytes have no use here.
+    // Menus and class bytes are not supported.
     if (settings->lpszMenuName || settings->cbClsExtra != 0) {
         SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
         return 0;

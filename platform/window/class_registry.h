@@ -3,23 +3,20 @@
 #include <windows.h>
 
 #include <memory>
-#include <string_view>
 
 #include "platform/window/desktop.h"
 
 namespace platform::window {
 
-// The class that the API's class argument (a name, or an atom as MAKEINTRESOURCE makes it) means,
-// or null.
+// The class that a class argument of the API names (a text, or an atom as MAKEINTRESOURCE makes
+// it), or null.
 std::shared_ptr<WindowClass> FindClass(kernel::KernelLock& lock, LPCWSTR name);
 
-// The class of dialogs, whose procedure is DefDlgProcW, has this atom.
+// The class of dialogs: its atom and its procedure (dialog.cpp), which calls the dialog procedure.
 inline constexpr ATOM kDialogClass = 0x8002;
+LRESULT CALLBACK DialogClassProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
 
-// The classes that exist before any is registered.
+// Registers the classes that exist by themselves.
 void RegisterSystemClasses(kernel::KernelLock& lock);
-
-// Names of classes and windows match so.
-bool EqualIgnoringCase(std::wstring_view a, std::wstring_view b);
 
 }  // namespace platform::window

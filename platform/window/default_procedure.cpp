@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "platform/gdi/drawing_object.h"
 #include "platform/kernel/api_call.h"
 #include "platform/window/desktop.h"
 #include "platform/window/procedure.h"
@@ -9,8 +10,12 @@ using namespace platform::window;
 
 namespace {
 
-// A class's brush may be a system colour's number plus one, with or without the flag that Windows
-// CE has in those numbers.
+HBRUSH SystemColorBrush(int index) {
+    const auto lock = gdi::LockGdi();
+    return static_cast<HBRUSH>(gdi::SystemColorBrush(index));
+}
+
+// A class's brush may be a system colour's index plus one, with or without Windows CE's index flag.
 HBRUSH ClassBrush(HWND handle) {
     HBRUSH brush = NULL;
     {
@@ -21,7 +26,7 @@ HBRUSH ClassBrush(HWND handle) {
     constexpr UINT_PTR kHighestColor = 0x1F;
     const UINT_PTR value = reinterpret_cast<UINT_PTR>(brush);
     const bool is_color = (value & ~UINT_PTR{SYS_COLOR_INDEX_FLAG}) <= kHighestColor;
-    return brush && is_color ? GetSysColorBrush(static_cast<int>(value) - 1) : brush;
+    return brush && is_color ? SystemColorBrush(static_cast<int>(value) - 1) : brush;
 }
 
 LRESULT FillBackground(HWND window, HDC dc) {
@@ -32,7 +37,7 @@ LRESULT FillBackground(HWND window, HDC dc) {
     return FillRect(dc, &client, brush) != 0;
 }
 
-LRESULT TellSizeAndPlace(HWND window, const WINDOWPOS& position) {
+LRESULT NotifyMoveAndSize(HWND window, const WINDOWPOS& position) {
     if ((position.flags & SWP_NOMOVE) == 0)
         CallProcedure(window, WM_MOVE, 0, MAKELPARAM(position.x, position.y));
     if ((position.flags & SWP_NOSIZE) == 0)
@@ -59,7 +64,7 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) 
         case WM_ERASEBKGND:
             return FillBackground(window, reinterpret_cast<HDC>(wparam));
         case WM_WINDOWPOSCHANGED:
-            return lparam ? TellSizeAndPlace(window, *reinterpret_cast<WINDOWPOS*>(lparam)) : 0;
+            return lparam ? NotifyMoveAndSize(window, *reinterpret_cast<WINDOWPOS*>(lparam)) : 0;
         default:
             return 0;
     }

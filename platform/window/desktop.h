@@ -4,7 +4,6 @@
 
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,20 +17,20 @@
 
 namespace platform::window {
 
-// A touch that no thread has fetched yet. Which window it is for is decided when it is fetched.
+// A touch that no thread has fetched yet. The fetch decides which window it is for.
 struct TouchInput {
     Touch touch;
     POINT position;
     DWORD time;
 };
 
-// Everything the window manager holds; guarded by the kernel lock.
+// The state of the window manager; guarded by the kernel lock.
 struct Desktop {
     kernel::HandleTable<Window> windows{kernel::kWindows};
-    kernel::HandleTable<NeighbourWindow> neighbours{kernel::kNeighbourWindows};
+    // Apart from finding them and bringing them forward, nothing can be done to these.
+    kernel::HandleTable<OtherProcessWindow> other_process_windows{kernel::kOtherProcessWindows};
     std::vector<std::shared_ptr<Window>> z_order;  // topmost first
     std::vector<std::shared_ptr<WindowClass>> classes;
-    std::map<DWORD, std::shared_ptr<MessageQueue>> queues;  // by thread
     std::deque<TouchInput> touches;
     POINT touch_position{};
     HWND foreground = NULL;
@@ -40,7 +39,7 @@ struct Desktop {
     UINT_PTR last_timer = 0;
 };
 
-// The lock is the proof that the caller may look.
+// The lock parameter ensures that the caller holds it.
 Desktop& TheDesktop(kernel::KernelLock& lock);
 
 // The window behind a handle, or null.
@@ -52,7 +51,7 @@ std::shared_ptr<Window> RequireWindow(kernel::KernelLock& lock, HWND handle);
 // Whether the calling thread made the window.
 bool IsOwn(kernel::KernelLock& lock, const Window& window);
 
-// Tells the board that the picture changed. Without locks.
+// Reports to the board that the picture changed. Without locks.
 void ScreenChanged();
 
 }  // namespace platform::window

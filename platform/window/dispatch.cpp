@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <algorithm>
 
 #include "platform/kernel/api_call.h"
@@ -9,7 +11,7 @@ using namespace platform::window;
 
 namespace {
 
-// A WM_TIMER may lie about its procedure, or its timer may be gone by now.
+// Null when the message's procedure belongs to no running timer: it may be made up or outdated.
 TIMERPROC LiveTimerProcedure(const MSG& message) {
     kernel::KernelLock lock = kernel::LockKernel();
     for (const Timer& timer : CurrentQueue(lock)->timers)
@@ -51,4 +53,13 @@ LRESULT DispatchMessageW(const MSG* message) {
 BOOL TranslateMessage(const MSG*) {
     const kernel::ApiCall call;
     return FALSE;
+}
+
+// Without a keyboard no table can match.
+int TranslateAcceleratorW(HWND, HACCEL, LPMSG) {
+    const kernel::ApiCall call("TranslateAcceleratorW");
+    if (call.Fails())
+        return 0;
+    SetLastError(ERROR_INVALID_HANDLE);
+    return 0;
 }

@@ -15,22 +15,11 @@ void Lose(SentMessage& sent) {
 
 }  // namespace
 
-std::shared_ptr<MessageQueue> CurrentQueue(kernel::KernelLock& lock) {
+std::shared_ptr<MessageQueue> CurrentQueue(kernel::KernelLock&) {
     kernel::Thread& thread = kernel::CurrentThread();
-    if (!thread.message_queue) {
-        auto queue = std::make_shared<MessageQueue>();
-        queue->thread_id = thread.id;
-        queue->process_id = thread.process;
-        TheDesktop(lock).queues[thread.id] = queue;
-        thread.message_queue = std::move(queue);
-    }
+    if (!thread.message_queue)
+        thread.message_queue = std::make_shared<MessageQueue>();
     return std::static_pointer_cast<MessageQueue>(thread.message_queue);
-}
-
-std::shared_ptr<MessageQueue> FindQueue(kernel::KernelLock& lock, DWORD thread_id) {
-    const auto& queues = TheDesktop(lock).queues;
-    const auto entry = queues.find(thread_id);
-    return entry == queues.end() ? nullptr : entry->second;
 }
 
 void CloseCurrentQueue(kernel::KernelLock& lock) {
@@ -43,7 +32,6 @@ void CloseCurrentQueue(kernel::KernelLock& lock) {
     for (const auto& sent : queue->handled)
         Lose(*sent);
     queue->sent.clear();
-    TheDesktop(lock).queues.erase(thread.id);
     thread.message_queue = nullptr;
     kernel::Wake(lock);
 }
@@ -68,7 +56,7 @@ void ForgetMessages(kernel::KernelLock& lock, MessageQueue& queue, HWND window) 
     std::erase_if(queue.posted, [&](const MSG& entry) { return entry.hwnd == window; });
     std::erase_if(queue.timers, [&](const Timer& timer) { return timer.window == window; });
     std::erase_if(queue.sent, [&](const std::shared_ptr<SentMessage>& sent) {
-        if (sent->action || sent->window != window)
+        if (sent->window != window)
             return false;
         Lose(*sent);
         return true;

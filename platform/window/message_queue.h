@@ -15,16 +15,16 @@ namespace platform::window {
 
 struct Window;
 
-// A message on its way from one thread to another one's window procedure, or an action that has to
-// run on that other thread.
+// A message from one thread to the window procedure of another thread, or an action to run on that
+// thread.
 struct SentMessage {
-    enum class State { kPending, kAnswered, kLost };
+    enum class State { kPending, kHandled, kLost };
 
-    HWND window = NULL;
+    HWND window = NULL;  // NULL: an action that no window's end cancels
     UINT message = 0;
     WPARAM wparam = 0;
     LPARAM lparam = 0;
-    // Storage for the lParam of a notice that nobody waits for.
+    // Storage for the lParam of a notification without a waiting sender.
     std::optional<WINDOWPOS> position;
     // Instead of the message, when set.
     std::function<void()> action;
@@ -34,8 +34,8 @@ struct SentMessage {
     LRESULT result = 0;
 };
 
-// A timer's WM_TIMER is not stored: it is due while `due` has passed, so that arming it anew also
-// takes back a message that nobody has fetched.
+// WM_TIMER is not stored: the timer is due once `due` has passed. So arming it again also cancels a
+// message that no thread has fetched.
 struct Timer {
     HWND window = NULL;
     UINT_PTR id = 0;
@@ -44,11 +44,8 @@ struct Timer {
     kernel::Time due{};
 };
 
-// What one thread has to do with windows. Guarded by the kernel lock.
+// The message queue of one thread. Guarded by the kernel lock.
 struct MessageQueue {
-    DWORD thread_id = 0;
-    DWORD process_id = 0;
-
     std::deque<std::shared_ptr<SentMessage>> sent;
     // Being handled now, the innermost last.
     std::vector<std::shared_ptr<SentMessage>> handled;
@@ -64,23 +61,20 @@ struct MessageQueue {
     HWND focus = NULL;
 };
 
-// A queue takes no more posted messages than these (ERROR_NOT_ENOUGH_QUOTA).
+// The limit of posted messages in a queue (ERROR_NOT_ENOUGH_QUOTA).
 inline constexpr std::size_t kMaxPosted = 10000;
 
-// The calling thread's queue, made at its first need.
+// The calling thread's queue, created at the first call.
 std::shared_ptr<MessageQueue> CurrentQueue(kernel::KernelLock& lock);
 
-// The queue of a thread that has one, else null.
-std::shared_ptr<MessageQueue> FindQueue(kernel::KernelLock& lock, DWORD thread_id);
-
-// Ends the calling thread's queue: whoever waits for an answer from it learns that none will come.
+// Ends the calling thread's queue: senders that wait for it stop waiting.
 void CloseCurrentQueue(kernel::KernelLock& lock);
 
 // Appends a posted message; false when the queue is full.
 bool Post(kernel::KernelLock& lock, MessageQueue& queue, HWND window, UINT message, WPARAM wparam,
           LPARAM lparam);
 
-// Takes every message of a window out of its queue; senders that wait learn it.
+// Removes every message of a window from its queue; senders that wait for it stop waiting.
 void ForgetMessages(kernel::KernelLock& lock, MessageQueue& queue, HWND window);
 
 // The clock as messages and timer procedures carry it.

@@ -6,11 +6,11 @@
 
 namespace platform::window {
 
-// Adds a part of a window (null: all of it) to what must be painted. A hidden window has nothing to
-// paint: it is painted whole when it is shown.
+// Adds a part of a window (null: all of it) to its update rectangle. Does nothing for a hidden
+// window: showing it invalidates all of it.
 void Invalidate(kernel::KernelLock& lock, Window& window, const RECT* part, bool erase);
 
-// Nothing must be painted any more.
+// Empties the update rectangle and drops any request for a paint.
 void Validate(Window& window);
 
 }  // namespace platform::window

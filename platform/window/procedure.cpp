@@ -9,14 +9,14 @@
 namespace platform::window {
 namespace {
 
-// A notice that nobody waits for may be refused, so that no flood of them grows without bound.
-bool HandOver(kernel::KernelLock& lock, MessageQueue& queue, std::shared_ptr<SentMessage> sent) {
-    const bool refusable = !sent->sender_waits && !sent->action;
-    if (refusable && queue.sent.size() >= kMaxPosted)
-        return false;
+// Drops a notification without a waiting sender when too many wait: a flood must not grow without
+// bound.
+void HandOver(kernel::KernelLock& lock, MessageQueue& queue, std::shared_ptr<SentMessage> sent) {
+    const bool droppable = !sent->sender_waits && !sent->action;
+    if (droppable && queue.sent.size() >= kMaxPosted)
+        return;
     queue.sent.push_back(std::move(sent));
     kernel::Wake(lock);
-    return true;
 }
 
 // Handles messages sent to the calling thread meanwhile.
@@ -46,22 +46,22 @@ LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     return procedure(window, message, wparam, lparam);
 }
 
-bool Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+void Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     kernel::KernelLock lock = kernel::LockKernel();
     const auto target = FindWindowObject(lock, window);
     if (!target)
-        return true;
+        return;
     if (IsOwn(lock, *target)) {
         lock.unlock();
         CallProcedure(window, message, wparam, lparam);
-        return true;
+        return;
     }
     auto sent = std::make_shared<SentMessage>();
     sent->window = window;
     sent->message = message;
     sent->wparam = wparam;
     sent->lparam = lparam;
-    return HandOver(lock, *target->queue, std::move(sent));
+    HandOver(lock, *target->queue, std::move(sent));
 }
 
 void NotifyPosition(const WINDOWPOS& position) {
@@ -94,11 +94,12 @@ void RunOn(const std::shared_ptr<MessageQueue>& queue, std::function<void()> act
     HandOver(lock, *queue, std::move(sent));
 }
 
-void RunOnAndWait(kernel::KernelLock& lock, MessageQueue& queue, std::function<void()> action) {
+void RunOnAndWait(kernel::KernelLock& lock, const Window& window, std::function<void()> action) {
     const auto sent = std::make_shared<SentMessage>();
+    sent->window = window.handle;
     sent->action = std::move(action);
     sent->sender_waits = true;
-    HandOver(lock, queue, sent);
+    HandOver(lock, *window.queue, sent);
     WaitForReply(lock, *sent);
 }
 
@@ -117,7 +118,7 @@ bool HandleSentMessage(kernel::KernelLock& lock, MessageQueue& queue) {
     lock.lock();
     queue.handled.pop_back();
     if (sent->state == SentMessage::State::kPending) {
-        sent->state = SentMessage::State::kAnswered;
+        sent->state = SentMessage::State::kHandled;
         sent->result = result;
     }
     kernel::Wake(lock);

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "platform/window/message_queue.h"
+#include "platform/window/window.h"
 
 namespace platform::window {
 
@@ -13,26 +14,26 @@ namespace platform::window {
 // Calls the procedure of a window of the calling thread; 0 when the window is gone.
 LRESULT CallProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
-// Tells a window of any thread about a change that has happened already. Its own thread calls the
-// procedure; another thread hands the message over and does not wait. False when the window's
-// thread has let too many such messages pile up.
-bool Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+// Sends a message about a change that has happened already to a window of any thread. Its own
+// thread calls the procedure; another thread does not wait. Drops the message when the window's
+// thread has kMaxPosted of them waiting.
+void Notify(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 // WM_WINDOWPOSCHANGED.
 void NotifyPosition(const WINDOWPOS& position);
 
 // Runs `action` on the queue's thread: at once if that is the calling thread, otherwise when that
 // thread next handles sent messages.
 void RunOn(const std::shared_ptr<MessageQueue>& queue, std::function<void()> action);
-// The same, and waits until the action has run or the queue's thread has ended. Handles messages
-// sent to the calling thread meanwhile.
-void RunOnAndWait(kernel::KernelLock& lock, MessageQueue& queue, std::function<void()> action);
+// The same on a window's thread, not the calling one, and waits until the action has run or the
+// window is gone. Handles messages sent to the calling thread meanwhile.
+void RunOnAndWait(kernel::KernelLock& lock, const Window& window, std::function<void()> action);
 
 // Handles the first of the messages sent to the calling thread. False when there is none.
 bool HandleSentMessage(kernel::KernelLock& lock, MessageQueue& queue);
 
-// Sends to a window of any thread and waits for the answer, handling messages sent to the calling
-// thread meanwhile. False with ERROR_INVALID_WINDOW_HANDLE when none comes: there is no such
-// window, or it went before it could answer.
+// Sends to a window of any thread and waits for the result, handling messages sent to the calling
+// thread meanwhile. False with ERROR_INVALID_WINDOW_HANDLE when there is no such window, or it is
+// destroyed before it has handled the message.
 bool SendAndWait(HWND window, UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
 
 }  // namespace platform::window

@@ -4,10 +4,12 @@
 
 #include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
+#include "platform/kernel/wait.h"
 #include "platform/window/activation.h"
 #include "platform/window/procedure.h"
 
 namespace platform::window {
+
 namespace {
 
 std::optional<MSG> NextPosted(MessageQueue& queue, const MessageFilter& filter, bool remove) {
@@ -23,7 +25,7 @@ std::optional<MSG> NextPosted(MessageQueue& queue, const MessageFilter& filter, 
     return message;
 }
 
-// Quitting passes every filter of windows and numbers.
+// WM_QUIT passes every filter of windows and numbers.
 std::optional<MSG> NextQuit(kernel::KernelLock& lock, MessageQueue& queue,
                             const MessageFilter& filter, bool remove) {
     if (!queue.quit_code || (filter.kinds & QS_POSTMESSAGE) == 0)
@@ -42,7 +44,7 @@ bool NamesNoWindow(kernel::KernelLock& lock, const MessageFilter& filter) {
     return filter.window != NULL && !FindWindowObject(lock, filter.window);
 }
 
-// A press brings its window forward before the window learns of it.
+// A press brings its window forward before the window receives it.
 void ActivateByTouch(const MSG& message) {
     if (message.message == WM_LBUTTONDOWN)
         ActivateTouched(message.hwnd);
@@ -160,7 +162,7 @@ BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT flags)
 
     kernel::KernelLock lock = kernel::LockKernel();
     const std::shared_ptr<MessageQueue> queue = CurrentQueue(lock);
-    // Those that wait now; a peer that sends without end must not keep the caller here.
+    // Only those that wait now: a thread that keeps sending must not keep the caller here.
     for (std::size_t waiting = queue->sent.size(); waiting > 0; --waiting)
         HandleSentMessage(lock, *queue);
     if (NamesNoWindow(lock, filter)) {
@@ -175,4 +177,46 @@ BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT flags)
     if (remove)
         ActivateByTouch(*message);
     return TRUE;
+}
+
+// Waits for any object only. Returns while such messages wait, even those that the caller has seen
+// already: it must not sleep through one that it looked at with PM_NOREMOVE.
+DWORD MsgWaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL wait_all,
+                                DWORD milliseconds, DWORD wake_mask) {
+    const kernel::ApiCall call("MsgWaitForMultipleObjects");
+    if (call.Fails())
+        return WAIT_FAILED;
+    if (wait_all || count >= MAXIMUM_WAIT_OBJECTS) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return WAIT_FAILED;
+    }
+    std::vector<std::shared_ptr<kernel::Object>> objects;
+    if (!kernel::CollectWaitObjects(handles, count, true, objects))
+        return WAIT_FAILED;
+    const kernel::Time deadline = kernel::DeadlineAfter(milliseconds);
+    MessageFilter filter;
+    filter.kinds = wake_mask;
+
+    kernel::KernelLock lock = kernel::LockKernel();
+    const std::shared_ptr<MessageQueue> queue = CurrentQueue(lock);
+    const auto message_waits = [&] {
+        if ((wake_mask & QS_SENDMESSAGE) != 0 && !queue->sent.empty())
+            return true;
+        return NextMessage(lock, *queue, filter, false).has_value();
+    };
+    kernel::Time until = deadline;
+    // A timer that was armed meanwhile may be due before the wait would end.
+    const auto interrupted = [&] {
+        return message_waits() || NextTimed(lock, *queue, filter) < until;
+    };
+    for (;;) {
+        until = std::min(deadline, NextTimed(lock, *queue, filter));
+        const DWORD result = kernel::WaitForAny(lock, objects, interrupted, until);
+        if (result != WAIT_TIMEOUT && result != WAIT_OBJECT_0 + count)
+            return result;
+        if (message_waits())
+            return WAIT_OBJECT_0 + count;
+        if (kernel::Now() >= deadline)
+            return WAIT_TIMEOUT;
+    }
 }

@@ -18,11 +18,10 @@ namespace platform::window {
 inline constexpr int kScreenWidth = 800;
 inline constexpr int kScreenHeight = 480;
 
-// The board's side of the window manager. All of it may be called on any thread, the hardware's
-// included, without locks held.
+// The board's side of the window manager. Any thread, host threads included, without locks held.
 
-// To be called after kernel::Boot and before the first window; and once after the last thread has
-// ended. End returns how many windows were left.
+// Start must be called after kernel::Boot and before the first window, End once after the last
+// thread has ended. End returns how many windows were left.
 void Start();
 std::size_t End();
 
@@ -30,36 +29,37 @@ std::size_t End();
 gdi::Surface ComposeScreen();
 
 // A finger on the screen: becomes WM_LBUTTONDOWN, WM_MOUSEMOVE and WM_LBUTTONUP of the highest
-// visible window under it, unless that one is disabled. Which window it is, is decided when the
-// message is fetched: a touch made while the program was busy meets what the program shows then.
+// visible window under it, unless that window is disabled. The window is chosen when a thread
+// fetches the message: a touch made while the program was busy goes to what the program shows then.
 // Points outside the screen are ignored.
 enum class Touch { kDown, kMove, kUp };
 void TouchScreen(Touch touch, int x, int y);
 
-// What an application of the unit's other processes would do to a window of this one.
+// Posts to all windows of this process, as another application's broadcast does.
 void PostToAll(UINT message, WPARAM wparam, LPARAM lparam);
 
-// What this process answers a neighbour that asks for a window: the highest one with that class and
-// that title (case does not count, either may be left open), 0 for none; whether it is still there;
-// and to bring it forward, with the windows that it owns if asked to, false when it is gone. A
-// number stands for one window only, for as long as the process lives.
-NeighbourWindow FindOwnWindow(const std::optional<std::wstring_view>& class_name,
-                              const std::optional<std::wstring_view>& title);
-bool HasWindow(NeighbourWindow window);
-bool BringOwnForward(NeighbourWindow window, bool with_owned);
+// The calls of platform::OtherProcesses that other processes make of this one. A number stands for
+// one window only, for as long as the process lives.
+OtherProcessWindow FindOwnWindow(const std::optional<std::wstring_view>& class_name,
+                                 const std::optional<std::wstring_view>& title);
+bool BringOwnForward(OtherProcessWindow window, bool with_owned);
 
-// The state of a top-level window, topmost first.
 struct WindowState {
+    HWND handle;
     std::wstring class_name;
     std::wstring title;
     RECT rectangle;
+    DWORD style;
+    DWORD extended_style;
     bool visible;
     bool enabled;
     bool topmost;
+    bool foreground;
 };
+// From the top of the z-order to its bottom.
 std::vector<WindowState> TopLevelWindows();
 
-// The timers that run for a window, by their ids.
+// A window's running timers: id and due time.
 std::map<UINT_PTR, kernel::Time> RunningTimers(HWND window);
 
 // Observes broadcasts (messages posted to HWND_BROADCAST): called on the posting thread without

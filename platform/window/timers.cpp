@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "platform/gdi/rectangle.h"
 #include "platform/kernel/api_call.h"
 #include "platform/kernel/scheduler.h"
-#include "platform/window/rectangle.h"
 #include "platform/window/retrieval.h"
 
 namespace platform::window {
@@ -43,7 +43,7 @@ kernel::Time NextTimed(kernel::KernelLock& lock, const MessageQueue& queue,
         if (Passes(filter, timer))
             next = std::min(next, timer.due);
     for (const auto& window : TheDesktop(lock).z_order)
-        if (window->queue.get() == &queue && !IsEmpty(window->update.rectangle) &&
+        if (window->queue.get() == &queue && !gdi::IsEmpty(window->update.rectangle) &&
             window->update.again > kernel::Now() &&
             filter.Accepts(QS_PAINT, window->handle, WM_PAINT))
             next = std::min(next, window->update.again);

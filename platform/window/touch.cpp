@@ -1,13 +1,12 @@
 #include <algorithm>
 
 #include "platform/kernel/scheduler.h"
-#include "platform/window/rectangle.h"
 #include "platform/window/retrieval.h"
 
 namespace platform::window {
 namespace {
 
-// Touches that nobody fetches are dropped beyond this.
+// Further touches are dropped until a thread fetches some.
 constexpr std::size_t kMaxTouches = 256;
 
 UINT MessageOf(Touch touch) {
@@ -20,6 +19,11 @@ UINT MessageOf(Touch touch) {
             break;
     }
     return WM_MOUSEMOVE;
+}
+
+bool Contains(const RECT& rectangle, POINT point) {
+    return point.x >= rectangle.left && point.x < rectangle.right && point.y >= rectangle.top &&
+           point.y < rectangle.bottom;
 }
 
 std::shared_ptr<Window> WindowAt(kernel::KernelLock& lock, POINT position) {

@@ -48,8 +48,6 @@ struct Window {
     DWORD extended_style = 0;
     WNDPROC procedure = nullptr;
     HINSTANCE instance = NULL;
-    LONG_PTR identifier = 0;
-    LONG_PTR user_data = 0;
     std::vector<std::byte> extra;
 
     RECT rectangle{};  // on the screen; the client area is all of it

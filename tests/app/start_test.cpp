@@ -28,7 +28,7 @@ TEST(SecondCopy, BringsTheFirstForwardOrRuns) {
     };
     for (const auto& row : rows) {
         WizardHarness harness;
-        Neighbour& first = harness.platform.board.neighbour;
+        OtherProcess& first = harness.platform.board.other_process;
         first.objects[kName] = NamedKind::kMutex;
         first.window_class = kName;
         if (row.window_after >= 0ms)
@@ -65,7 +65,7 @@ TEST(Start, EndsAtOnceWithoutTheNameTheMutexOrTheWindow) {
         DWORD exit;
     } rows[] = {
         {[](WizardHarness& harness) {
-             harness.platform.board.neighbour.objects[kName] = NamedKind::kMessageQueue;
+             harness.platform.board.other_process.objects[kName] = NamedKind::kMessageQueue;
          },
          0x80070057},
         {[](WizardHarness& harness) { harness.Hide(RT_STRING, 128 / 16 + 1); }, 0x80004005},
@@ -95,10 +95,8 @@ TEST(Start, CreatesOneWindowAndEndsWithTheQuitCode) {
     const RECT screen{0, 0, 800, 480};
     EXPECT_TRUE(EqualRect(&windows[0].rectangle, &screen));
 
-    const HWND window = FindWindowW(kName, nullptr);
-    EXPECT_EQ(static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)),
-              DWORD{WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_VISIBLE});
-    EXPECT_EQ(GetWindowLongW(window, GWL_EXSTYLE), 0);
+    EXPECT_EQ(windows[0].style, DWORD{WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_VISIBLE});
+    EXPECT_EQ(windows[0].extended_style, 0U);
     WNDCLASSW info{};
     ASSERT_TRUE(GetClassInfoW(nullptr, kName, &info));
     EXPECT_EQ(info.style, 0U);

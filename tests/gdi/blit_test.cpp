@@ -65,12 +65,12 @@ TEST_F(Blits, ASurfaceCanBeCopiedOntoItself) {
     }
 }
 
-TEST_F(Blits, ATextStandsUntilItIsPaintedOverWholly) {
+TEST_F(Blits, TextRemainsUntilItsWholeBoxIsPaintedOver) {
     canvas.UseFont({5, 20, 500});
     Write(L"国", 10);
     Write(L"国", 10);
     Write(L"国", 40);
-    ASSERT_EQ(canvas.Texts(), (Strings{L"国", L"国"})) << "drawn twice it stands once";
+    ASSERT_EQ(canvas.Texts(), (Strings{L"国", L"国"})) << "a text drawn twice counts once";
     canvas.FillWith(RGB(0, 0, 0), {30, 0, 100, 80});
     const RECT box = canvas.surface->texts()[0].box;
     const RECT ink = canvas.InkBox();
@@ -85,18 +85,15 @@ TEST_F(Blits, ATextStandsUntilItIsPaintedOverWholly) {
 }
 
 TEST_F(Blits, FillsAreClippedAndSystemColoursAreBrushes) {
-    const auto fill = [&](const RECT& place, HGDIOBJ brush) {
-        EXPECT_TRUE(FillRect(canvas.dc, &place, static_cast<HBRUSH>(brush)));
-    };
-    fill({-50, -50, 500, 500}, (HBRUSH)(std::uintptr_t)(COLOR_WINDOW + 1));
-    fill({-50, -50, 500, 500}, GetStockObject(NULL_BRUSH));
+    const RECT everything{-50, -50, 500, 500};
+    EXPECT_TRUE(FillRect(canvas.dc, &everything, (HBRUSH)(std::uintptr_t)(COLOR_WINDOW + 1)));
     EXPECT_TRUE(canvas.AllPixels() == Pixels(100 * 80, 0xFFFFFF));
-    fill({-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 1}, GetStockObject(BLACK_BRUSH));
+    canvas.FillWith(RGB(0, 0, 0), {-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 1});
     EXPECT_EQ(canvas.At(99, 0), 0u);
     EXPECT_EQ(canvas.At(99, 1), 0xFFFFFFu);
 }
 
-TEST_F(Blits, TransparentPixelsLeaveWhatIsUnderThemTextsToo) {
+TEST_F(Blits, TransparentPixelsKeepPixelsAndTextsBelow) {
     Canvas image(8, 8);
     image.FillWith(kMagenta);
     image.FillWith(kRed, {2, 2, 6, 6});
@@ -117,14 +114,14 @@ TEST_F(Blits, TransparentPixelsLeaveWhatIsUnderThemTextsToo) {
     EXPECT_EQ(canvas.Texts(), Strings{});
 }
 
-TEST_F(Blits, TheWindowIsToldWithoutALockHeld) {
-    bool told = false;
+TEST_F(Blits, DrawingIsReportedToTheWindowWithoutALock) {
+    bool reported = false;
     const HDC dc = gdi::CreateWindowDC(canvas.surface, {0, 0, 10, 10}, [&] {
         const auto lock = gdi::LockGdi();
-        told = true;
+        reported = true;
     });
     BitBlt(dc, 0, 0, 5, 5, canvas.dc, 0, 0, SRCCOPY);
-    EXPECT_TRUE(told);
+    EXPECT_TRUE(reported);
     EXPECT_TRUE(gdi::DestroyWindowDC(dc));
 }
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/gdi/device_context.h"
+#include "platform/gdi/drawing_object.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/surface.h"
 #include "tests/support/platform_test.h"
@@ -30,20 +30,19 @@ inline HFONT MakeFont(const FontSize& size, std::wstring_view face = L"Arial", B
     return CreateFontIndirectW(&description);
 }
 
-// A surface and a device context that draws on it, as a window has them; text is white.
+// A surface and its device context, as a window has them; text is white.
 class Canvas {
   public:
     Canvas(int width, int height)
         : surface(std::make_shared<gdi::Surface>(width, height)),
-          dc(gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] { ++drawn; })),
-          stock_font_(GetCurrentObject(dc, OBJ_FONT)) {
+          dc(gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] { ++drawn; })) {
         SetBkMode(dc, TRANSPARENT);
         SetTextColor(dc, RGB(255, 255, 255));
     }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
     ~Canvas() {
-        DeleteObject(SelectObject(dc, stock_font_));
+        DeleteObject(SelectObject(dc, StockFont()));
         gdi::DestroyWindowDC(dc);
     }
 
@@ -64,9 +63,10 @@ class Canvas {
         return DrawTextW(dc, text.c_str(), -1, &rectangle, format);
     }
     int WidthOf(const std::wstring& text) {
-        SIZE size{};
-        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-        return size.cx;
+        RECT rectangle{};
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &rectangle,
+                  DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+        return rectangle.right;
     }
 
     Strings Texts() const {
@@ -92,7 +92,10 @@ class Canvas {
     HDC dc;
 
   private:
-    HGDIOBJ stock_font_;
+    static HGDIOBJ StockFont() {
+        const auto lock = gdi::LockGdi();
+        return gdi::StockFont();
+    }
 };
 
 }  // namespace tests

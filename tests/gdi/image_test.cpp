@@ -1,4 +1,4 @@
-#include "platform/gdi/icon.h"
+#include "platform/gdi/gdi.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "res/resource.h"
@@ -7,7 +7,7 @@
 namespace tests {
 namespace {
 
-PLATFORM_TEST(Images, WhatIsNotThereHasTheLastErrorOfTheResource) {
+PLATFORM_TEST(Images, LoadOrFailWithTheLastErrorOfTheResource) {
     std::string problem;
     ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\Tolvane.exe", problem));
     const auto expect = [](DWORD error, WORD id, UINT type, int width = 0, UINT flags = 0,
@@ -25,12 +25,9 @@ PLATFORM_TEST(Images, WhatIsNotThereHasTheLastErrorOfTheResource) {
     expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_BITMAP, 0, LR_LOADFROMFILE);
     expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_CURSOR);
     EXPECT_EQ(gdi::DrawingObjectCount(), 0u);
-    // An icon of the program's own is destroyed once.
-    const auto icon = static_cast<HICON>(
-        LoadImageW(nullptr, MAKEINTRESOURCEW(IDR_MAINFRAME), IMAGE_ICON, 16, 16, 0));
+    EXPECT_NE(LoadImageW(nullptr, MAKEINTRESOURCEW(IDR_MAINFRAME), IMAGE_ICON, 16, 16, 0), nullptr);
     EXPECT_EQ(gdi::IconCount(), 1u);
-    EXPECT_TRUE(DestroyIcon(icon));
-    ExpectFails(ERROR_INVALID_HANDLE, [&] { return DestroyIcon(icon); });
+    gdi::EndProgram();
     EXPECT_EQ(gdi::IconCount(), 0u);
 }
 

@@ -20,7 +20,7 @@ PLATFORM_TEST(LineBreak, ComesWhereAReaderExpectsIt) {
     const std::tuple<LPCWSTR, int, LPCWSTR> cases[] = {
         {L"あいうえお", 50, L"あいうえお"},
         {L"あいうえおか", 50, L"あいうえお\nか"},
-        // What never begins a line, and never ends one.
+        // Characters that never begin or never end a line.
         {L"あいうえお、か", 50, L"あいうえ\nお、か"},
         {L"カカカアデータ", 50, L"カカカア\nデータ"},
         {L"ああ「ああ」あ", 50, L"ああ「あ\nあ」あ"},
@@ -29,17 +29,17 @@ PLATFORM_TEST(LineBreak, ComesWhereAReaderExpectsIt) {
         // Words stay whole.
         {L"ああRESETああ", 40, L"ああ\nRESETあ\nあ"},
         {L"to the end", 35, L"to the\nend"},
-        // Blanks go at the break and stay where a line begins, but are no line alone.
+        // Spaces disappear at a break and stay at the beginning of a line, but are no line alone.
         {L"to   end", 20, L"to\nend"},
         {L"  ab cd", 20, L"  ab\ncd"},
         {L" ああああ", 12, L" あ\nあ\nあ\nあ"},
         {L"   ", 5, L"   "},
         {L"", 5, L""},
-        // What is wider than a line comes apart, or sticks out.
+        // A word wider than a line is broken, or is wider than its line.
         {L"a wonder b", 20, L"a\nwond\ner b"},
         {L"(wonder)", 15, L"(wo\nnde\nr)"},
         {L"あ」。い", 20, L"あ」。\nい"},
-        // Quotes cling to their neighbours.
+        // Quotes stay with the characters beside them.
         {L"ああ\"ab\"ああ", 40, L"あ\nあ\"ab\"あ\nあ"},
         {L"あああ“ab”あ", 40, L"ああ\nあ“ab”あ"},
     };

@@ -34,7 +34,7 @@ TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     const RECT at_origin = canvas.InkBox();
     const auto expect = [&](UINT format, int x, int y) {
         canvas.FillWith(RGB(0, 0, 0));
-        canvas.Draw(L"国", {100, 100, 300, 200}, format);
+        EXPECT_EQ(canvas.Draw(L"国", {100, 100, 300, 200}, format), y + 30 - 100) << format;
         const RECT ink = canvas.InkBox();
         EXPECT_EQ(ink.left - at_origin.left, x) << format;
         EXPECT_EQ(ink.top - at_origin.top, y) << format;
@@ -48,7 +48,7 @@ TEST_F(Text, PlacesTheTextAsTheFormatSays) {
     expect(DT_BOTTOM | DT_SINGLELINE, 100, 170);
 }
 
-TEST_F(Text, DrawsAsManyCharactersAsItIsToldWithoutPrefixMarks) {
+TEST_F(Text, DrawsTheGivenNumberOfCharactersWithoutPrefixMarks) {
     RECT rectangle{0, 60, 400, 86};
     EXPECT_EQ(DrawTextW(canvas.dc, L"国国国", 2, &rectangle, 0), 26);
     EXPECT_LE(canvas.InkBox().right, 36);
@@ -59,7 +59,7 @@ TEST_F(Text, DrawsAsManyCharactersAsItIsToldWithoutPrefixMarks) {
     EXPECT_EQ(canvas.Texts(), (Strings{L"国国", L"ab & c", L"a&b && c"}));
 }
 
-TEST_F(Text, RefusesWhatItCannotDraw) {
+TEST_F(Text, InvalidArgumentsAreErrors) {
     const auto draw = [&](const wchar_t* text, int count, RECT rectangle, UINT format) {
         return DrawTextW(canvas.dc, text, count, &rectangle, format);
     };
@@ -74,7 +74,7 @@ TEST_F(Text, RefusesWhatItCannotDraw) {
     EXPECT_EQ(canvas.drawn, 0);
 }
 
-TEST_F(Text, ManyDifferentTextsStayRight) {
+TEST_F(Text, CacheOfManyTextsKeepsWidths) {
     const int width = canvas.WidthOf(L"Update Percent : 7%");
     for (int i = 0; i < 1000; ++i)
         canvas.Draw(L"国" + std::to_wstring(i % 500), {0, 0, 400, 26});

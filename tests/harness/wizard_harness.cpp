@@ -11,7 +11,7 @@
 
 #include "dvrlink/UART.h"
 #include "platform/device/serial_port.h"
-#include "platform/gdi/device_context.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/text.h"
 #include "platform/powermgr/power_notifications.h"
 #include "res/program_resources.h"
@@ -99,7 +99,7 @@ void WizardHarness::GoTo(int step) {
         },
         [&] { Command(IDC_BTN_SUSPEND); },
     };
-    const DWORD answer = std::exchange(platform.board.hal_answer, ERROR_NOT_SUPPORTED);
+    const DWORD answer = std::exchange(platform.board.hal_result, ERROR_NOT_SUPPORTED);
     for (int at = -1; at <= step; ++at) {
         flows[at + 1]();
         EXPECT_TRUE(Until([&] { return Step() == at; }, 300s)) << "never at " << at;
@@ -109,7 +109,7 @@ void WizardHarness::GoTo(int step) {
             Card(0);
         RunFor(50ms);
     }
-    platform.board.hal_answer = answer;
+    platform.board.hal_result = answer;
     platform.board.ClearOutput();
 }
 

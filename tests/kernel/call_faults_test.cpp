@@ -11,34 +11,30 @@ bool SetFails() {
     return SetEvent(nullptr) == FALSE && GetLastError() == 77;
 }
 
-TEST(CallFaults, StrikeNobodyButTheProgram) {
+TEST(CallFaults, ApplyOnlyToTheProgram) {
     Platform platform;
     ASSERT_EQ(kernel::AddCallFault({"SetEvent", 0, kernel::kForEver, 77}), "");
-    EXPECT_FALSE(SetFails()) << "the hardware's thread";
-    DWORD code = 9;
-    const auto expect_failures = [&](HANDLE thread, DWORD failures) {
-        EXPECT_EQ(WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
-        EXPECT_TRUE(GetExitCodeThread(thread, &code) && code == failures);
-        CloseHandle(thread);
-    };
-    constexpr auto kOnce = [](LPVOID) -> DWORD { return SetFails() ? 1 : 0; };
-    const auto neighbour = kernel::StartThread([&] { return kOnce(nullptr); },
-                                               THREAD_PRIORITY_NORMAL, kernel::kProgramProcess + 4);
+    EXPECT_FALSE(SetFails()) << "the host thread";
+    const auto other_process = kernel::StartThread(
+        [] { return DWORD{SetFails()}; }, THREAD_PRIORITY_NORMAL, kernel::kProgramProcess + 4);
     platform.Run([&] {
-        expect_failures(CreateThread(nullptr, 0, kOnce, nullptr, 0, nullptr), 1);
-        expect_failures(kernel::OpenHandle(neighbour), 0);
+        const HANDLE other = kernel::OpenHandle(other_process);
+        EXPECT_EQ(WaitForSingleObject(other, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(other_process->exit_code, 0U);
+        CloseHandle(other);
+        Crew([] { EXPECT_TRUE(SetFails()) << "another thread of the program"; });
     });
     EXPECT_EQ(kernel::CallCount("SetEvent"), 1U);
 }
 
-// What a window procedure calls is the program's call, however deep in the platform it is called;
-// what the platform calls by itself (here DestroyWindow) is not.
+// Calls of a window procedure are calls of the program at any depth of the platform; calls of the
+// platform itself (here DestroyWindow) are not.
 PLATFORM_TEST(CallFaults, CountWhatTheProgramItselfCalls) {
     WNDCLASSW settings{};
     settings.lpszClassName = L"counted";
     settings.lpfnWndProc = [](HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (message == WM_PAINT)
-            ValidateRect(window, nullptr);
+            InvalidateRect(window, nullptr, FALSE);
         return DefWindowProcW(window, message, wparam, lparam);
     };
     RegisterClassW(&settings);
@@ -48,10 +44,10 @@ PLATFORM_TEST(CallFaults, CountWhatTheProgramItselfCalls) {
     SendMessageW(window, WM_CLOSE, 0, 0);
     using Counts = std::vector<std::pair<std::string_view, std::uint64_t>>;
     EXPECT_EQ(kernel::CallCounts(), (Counts{{"CreateWindowExW", 1},
+                                            {"InvalidateRect", 1},
                                             {"RegisterClassW", 1},
                                             {"SendMessageW", 1},
-                                            {"UpdateWindow", 1},
-                                            {"ValidateRect", 1}}));
+                                            {"UpdateWindow", 1}}));
 }
 
 PLATFORM_TEST(CallFaults, CountDownAndAreClearedByName) {
@@ -62,7 +58,7 @@ PLATFORM_TEST(CallFaults, CountDownAndAreClearedByName) {
                                            {"SetEvent", 0, kernel::kForEver, 78},
                                            {"", 2, 1, 79}})
         ASSERT_EQ(kernel::AddCallFault(fault), "");
-    ResetEvent(nullptr);
+    CloseHandle(nullptr);
     for (const DWORD error : {78, 78, 77, 77})
         ExpectFails(error, [] { return SetEvent(nullptr); });
     const auto pending = kernel::PendingCallFaults();
@@ -70,14 +66,14 @@ PLATFORM_TEST(CallFaults, CountDownAndAreClearedByName) {
     EXPECT_EQ(pending[0].skip, 0U);
     EXPECT_EQ(pending[0].times, 1U);
     EXPECT_EQ(pending[1].times, kernel::kForEver);
-    EXPECT_EQ(kernel::ClearCallFaults(""), 1U) << "the one that another went before";
+    EXPECT_EQ(kernel::ClearCallFaults(""), 1U) << "another fault came first";
     EXPECT_EQ(kernel::ClearCallFaults("SetEvent"), 2U);
     ExpectFails(ERROR_INVALID_HANDLE, [] { return SetEvent(nullptr); });
     EXPECT_EQ(kernel::FailedCalls().back().number_of_all, 5U);
 }
 
-// A program that tries again at once does not stop the clock, and one failure takes no time.
-PLATFORM_TEST(CallFaults, LetTheClockGetOn) {
+// A program that retries at once does not stop the clock; one failure takes no time.
+PLATFORM_TEST(CallFaults, LetTheClockAdvance) {
     ASSERT_EQ(kernel::AddCallFault({.call = "SetEvent", .times = kernel::kForEver}), "");
     const DWORD start = GetTickCount();
     SetEvent(nullptr);
@@ -90,7 +86,7 @@ PLATFORM_TEST(CallFaults, LetTheClockGetOn) {
 
 EVERY_MODE_SUITE(CallFaultsOfThreads);
 
-// Exactly so many, however the threads meet, a fault that comes meanwhile included.
+// The number is exact for any interleaving of threads, also with a fault that is added meanwhile.
 EVERY_MODE_TEST(CallFaultsOfThreads, AreExact) {
     constexpr std::uint64_t kFaults = 400;
     ASSERT_EQ(kernel::AddCallFault({"SetEvent", 700, 300, 77}), "");
@@ -105,7 +101,7 @@ EVERY_MODE_TEST(CallFaultsOfThreads, AreExact) {
             }
         });
     Sleep(1);
-    // So far from now that it does not meet the other one.
+    // Far enough from now not to overlap with the first.
     ASSERT_EQ(kernel::AddCallFault({"SetEvent", 5000, 100, 77}), "");
     crew.Join();
     EXPECT_EQ(failures, kFaults);

@@ -116,7 +116,7 @@ TEST(PowerDetectorFailures, AreLoggedAndLeaveTheRestAlone) {
         {"RequestPowerNotifications", 0, FALSE, "Init, RequestPowerNotifications()", "", 0},
         {"ReadMsgQueue", 0, TRUE, "ThreadProc_PowerDetector, ReadMsgQueue()", "0(0,0)3(1,1)", 0},
         {"ReadMsgQueue", 0, TRUE, "", "0(0,0)3(1,1)", 0, ERROR_TIMEOUT},
-        {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 2},
+        {"StopPowerNotifications", 0, TRUE, "DeInit, StopPowerNotifications()", "0(0,0)3(1,1)", 1},
         {"CloseMsgQueue", 0, TRUE, "DeInit, CloseMsgQueue()", "0(0,0)3(1,1)", 1},
         // After the one of the request: those that wake the threads to their end.
         {"SetEvent", 1, TRUE, "DeInit, SetEvent()", "0(0,0)3(1,1)", 0},

@@ -9,7 +9,7 @@ namespace {
 
 using Pixels = std::vector<std::uint32_t>;
 
-// Two by two pixels: the lower row stands first.
+// Two by two pixels; the lower row comes first.
 TEST(Image, Bitmaps) {
     const Pixels rgbw = {0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF};
     constexpr auto kTopDown = static_cast<std::uint32_t>(-2);
@@ -30,9 +30,9 @@ TEST(Image, Bitmaps) {
         {"32 bits from the top, the highest byte unused", Dib(2, kTopDown, 32).Dwords({0x77FF0000, 0x0000FF00, 0x000000FF, 0x99FFFFFF}), rgbw},
         {"run-length encoded", Dib(2, 2, 8, 1).Add(none), {}, ERROR_NOT_SUPPORTED},
         {"2 bits", Dib(2, 2, 2).Add(none), {}, ERROR_NOT_SUPPORTED},
-        {"no width", Dib(0, 2, 24).Add(none), {}, ERROR_INVALID_DATA},
-        {"no height", Dib(2, 0, 24).Add(none), {}, ERROR_INVALID_DATA},
-        {"the least height", Dib(2, 0x80000000, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"width 0", Dib(0, 2, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"height 0", Dib(2, 0, 24).Add(none), {}, ERROR_INVALID_DATA},
+        {"the most negative height", Dib(2, 0x80000000, 24).Add(none), {}, ERROR_INVALID_DATA},
         {"far too wide", Dib(0x7FFFFFFF, 2, 24).Add(none), {}, ERROR_INVALID_DATA},
         {"one pixel short", Dib(1, 2, 32).Add(none), {}, ERROR_INVALID_DATA},
         {"more colours than bytes", Dib(1, 1, 24, 0, 0xFFFFFFFF).Add(none), {}, ERROR_INVALID_DATA},
@@ -60,7 +60,7 @@ Bytes TwoIcons(std::uint32_t pixel) {
     return ResFile({ResEntry(3, 7, plain), ResEntry(3, 8, deep), ResEntry(14, 1, group)});
 }
 
-TEST(Image, IconTakesItsOpacityFromItsPixelsElseFromItsMask) {
+TEST(Image, IconOpacityComesFromThePixelsOrElseFromTheMask) {
     const std::pair<std::uint32_t, Pixels> cases[] = {
         {0x80010203, Pixels(4, 0x80010203)},
         {0x00010203, {0x00010203, 0xFF010203, 0xFF010203, 0x00010203}}};
@@ -77,12 +77,13 @@ TEST(Image, IconTakesItsOpacityFromItsPixelsElseFromItsMask) {
     }
 }
 
-// The size that is asked for and the one that is nearest; without a size, the first.
-TEST(Image, TheProgramsIconIsTheNearestInSize) {
+// The requested and the nearest size; size 0 means the first image.
+TEST(Image, IconOfTheProgramIsTheNearestInSize) {
     UseModule(res::ProgramResources());
-    for (const auto& [asked, size] : {std::pair(32, 32), {16, 16}, {20, 16}, {0, 32}}) {
-        const auto icon = resource::DecodeIcon(MAKEINTRESOURCEW(IDR_MAINFRAME), asked, asked);
-        EXPECT_TRUE(icon && icon->width == size && icon->height == size) << asked;
+    for (const auto& [requested, size] : {std::pair(32, 32), {16, 16}, {20, 16}, {0, 32}}) {
+        const auto icon =
+            resource::DecodeIcon(MAKEINTRESOURCEW(IDR_MAINFRAME), requested, requested);
+        EXPECT_TRUE(icon && icon->width == size && icon->height == size) << requested;
     }
 }
 

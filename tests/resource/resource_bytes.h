@@ -21,7 +21,7 @@ inline void UseModule(std::span<const std::byte> file) {
     ASSERT_TRUE(resource::SetModule(file, kProgramPath, problem)) << problem;
 }
 
-// Little-endian bytes written down one field after the other.
+// Builds little-endian bytes field by field.
 class ByteList {
   public:
     ByteList& Byte(unsigned value) {
@@ -75,7 +75,7 @@ inline Bytes ResFile(const std::vector<Bytes>& entries) {
     return file;
 }
 
-// A BITMAPINFOHEADER, to be followed by colours and bits.
+// A BITMAPINFOHEADER; colours and bits follow it.
 inline ByteList Dib(std::uint32_t width, std::uint32_t height, unsigned bits_per_pixel,
                     std::uint32_t compression = 0, std::uint32_t colours = 0) {
     return ByteList()

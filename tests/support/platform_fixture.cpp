@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/gdi/device_context.h"
 #include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/thread.h"

@@ -16,30 +16,55 @@
 
 namespace tests {
 
-// A process beside the one under test: what it has under which name, its window, and how often it
-// was asked to bring that forward, the owned ones with it.
-struct Neighbour {
+// Another process of the unit: its objects by name, its window, and how often the window was
+// brought forward with its owned windows.
+struct OtherProcess final : platform::OtherProcesses {
     std::map<std::wstring, platform::NamedKind, std::less<>> objects;
     std::wstring window_class;
     std::wstring title;
-    platform::NeighbourWindow window = 0;
+    platform::OtherProcessWindow window = 0;
     int brought_forward = 0;
     int questions = 0;
+
+    platform::NamedKind FindObject(std::wstring_view name) override {
+        CountQuestion();
+        const auto object = objects.find(name);
+        return object == objects.end() ? platform::NamedKind::kNone : object->second;
+    }
+    platform::OtherProcessWindow FindWindow(
+        std::optional<std::wstring_view> wanted_class,
+        std::optional<std::wstring_view> wanted_title) override {
+        CountQuestion();
+        const bool matches = wanted_class.value_or(window_class) == window_class &&
+                             wanted_title.value_or(title) == title;
+        return matches ? window : 0;
+    }
+    bool BringForward(platform::OtherProcessWindow wanted, bool with_owned) override {
+        CountQuestion();
+        brought_forward += with_owned ? 1 : 0;
+        return wanted == window;
+    }
+
+  private:
+    // Hangs when the question comes with the kernel lock held.
+    void CountQuestion() {
+        platform::kernel::HandleCount();
+        ++questions;
+    }
 };
 
-// The plainest board: drivers by name, a power supply, a neighbour, and an ear for the debug
-// output.
+// A minimal board: drivers by name, a power supply, another process, and the recorded debug output.
 class PlainBoard final : public platform::Board {
   public:
     std::map<std::wstring, std::shared_ptr<platform::device::StreamDriver>, std::less<>> drivers;
     platform::PowerSupply supply;
     bool supply_readable = true;
-    DWORD hal_answer = ERROR_SUCCESS;
+    DWORD hal_result = ERROR_SUCCESS;
     std::vector<DWORD> hal_codes;
     std::function<void(std::span<const std::byte> input)> on_hal_request;
     std::vector<DWORD> power_states;
     std::vector<DWORD> power_options;  // one for each
-    Neighbour neighbour;
+    OtherProcess other_process;
 
     std::wstring debug_output() const {
         const std::scoped_lock lock(mutex_);
@@ -65,7 +90,7 @@ class PlainBoard final : public platform::Board {
         hal_codes.push_back(code);
         if (on_hal_request)
             on_hal_request(input);
-        return hal_answer;
+        return hal_result;
     }
     DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override {
         power_states.push_back(state_flags);
@@ -77,40 +102,14 @@ class PlainBoard final : public platform::Board {
         output_ += text;
     }
     void ScreenChanged() override {}
-    platform::NamedKind FindNeighbourObject(std::wstring_view name) override {
-        CountQuestion();
-        const auto object = neighbour.objects.find(name);
-        return object == neighbour.objects.end() ? platform::NamedKind::kNone : object->second;
-    }
-    platform::NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> class_name,
-                                                  std::optional<std::wstring_view> title) override {
-        CountQuestion();
-        const bool fits = class_name.value_or(neighbour.window_class) == neighbour.window_class &&
-                          title.value_or(neighbour.title) == neighbour.title;
-        return fits ? neighbour.window : 0;
-    }
-    bool NeighbourWindowExists(platform::NeighbourWindow window) override {
-        CountQuestion();
-        return window == neighbour.window;
-    }
-    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override {
-        CountQuestion();
-        neighbour.brought_forward += with_owned ? 1 : 0;
-        return window == neighbour.window;
-    }
+    platform::OtherProcesses* other_processes() override { return &other_process; }
 
   private:
-    // Hangs when the question comes with the kernel's lock held.
-    void CountQuestion() {
-        platform::kernel::HandleCount();
-        ++neighbour.questions;
-    }
-
     mutable std::mutex mutex_;
     std::wstring output_;
 };
 
-// A platform for the length of a test. The test's thread is the hardware's.
+// A platform for the duration of a test. The test's thread is the host thread.
 class Platform {
   public:
     explicit Platform(const platform::kernel::Options& options = {});
@@ -119,15 +118,15 @@ class Platform {
 
     PlainBoard board;
 
-    // Runs `body` on a thread of the program, and the hardware until it has ended. Fails the test
-    // when it does not end within `limit` of unit time.
+    // Runs `body` on a thread of the program, and the host thread's actions until it has ended.
+    // Fails the test when it does not end within `limit` of unit time.
     void Run(std::function<void()> body,
              platform::kernel::Duration limit = std::chrono::minutes(10));
 
     // Lets unit time pass.
     void RunFor(platform::kernel::Duration time);
 
-    // Handles that a test means to leave open.
+    // Handles that a test leaves open on purpose.
     void AllowHandles(std::size_t count) { allowed_handles_ = count; }
 
   private:

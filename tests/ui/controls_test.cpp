@@ -2,7 +2,8 @@
 
 #include <memory>
 
-#include "platform/gdi/device_context.h"
+#include "platform/gdi/drawing_context.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/call_faults.h"
 #include "tests/support/platform_fixture.h"
 #include "ui/DrawButton.h"
@@ -53,7 +54,12 @@ class Owner {
         commands.clear();
         Fill(dc, {0, 0, 100, 60}, kUnder);
     }
-    COLORREF At(int x, int y) const { return GetPixel(dc, x, y); }
+    COLORREF At(int x, int y) const {
+        const std::uint32_t pixel = Context().surface->row(y)[x];
+        return RGB((pixel >> 16) & 0xFF, (pixel >> 8) & 0xFF, pixel & 0xFF);
+    }
+    HGDIOBJ Font() const { return Context().font; }
+    const platform::gdi::DrawingContext& Context() const { return *platform::gdi::FindContext(dc); }
 
     std::unique_ptr<CDrawButton> MakeButton(UINT id, UINT mode, int frames = 0) const {
         auto button =
@@ -181,12 +187,12 @@ TEST(Control, KeepsTextFontAndColourAndReturnsThem) {
                 owner.Clear();
                 SetTextColor(owner.dc, RGB(9, 9, 9));
                 SetBkMode(owner.dc, OPAQUE);
-                const HGDIOBJ font = GetCurrentObject(owner.dc, OBJ_FONT);
+                const HGDIOBJ font = owner.Font();
                 EXPECT_TRUE(control->Draw(owner.dc, 10, 10));
                 EXPECT_EQ(IsReddish(owner.At(30, 20)), row.shows);
                 EXPECT_EQ(SetTextColor(owner.dc, 0), RGB(9, 9, 9));
                 EXPECT_EQ(SetBkMode(owner.dc, OPAQUE), OPAQUE);
-                EXPECT_EQ(GetCurrentObject(owner.dc, OBJ_FONT), font);
+                EXPECT_EQ(owner.Font(), font);
             }
             EXPECT_EQ(control->SetVisible(FALSE), TRUE);
             EXPECT_EQ(control->SetVisible(TRUE), FALSE);

@@ -3,7 +3,7 @@
 namespace tests {
 namespace {
 
-// A full-screen notice as a resource compiler writes it: a caption that DS_CONTROL takes away.
+// A full-screen notice as a resource compiler writes it: DS_CONTROL removes the caption.
 constexpr DWORD kNoticeStyle =
     WS_POPUP | WS_CHILD | WS_VISIBLE | WS_CAPTION | WS_SYSMENU | DS_CONTROL | DS_SETFONT;
 
@@ -17,7 +17,7 @@ std::vector<WORD> MakeTemplate(DWORD style = kNoticeStyle, WORD controls = 0, WO
 
 using DialogHandler = std::function<void(HWND, UINT)>;
 
-// The handler of the dialog that runs; dialogs of these tests are made one at a time.
+// The handler of the dialog that runs; these tests run one dialog at a time.
 DialogHandler g_handler;
 
 INT_PTR RunDialog(HWND owner, DialogHandler handler,
@@ -61,7 +61,7 @@ TEST(Dialog, EndsInManyWays) {
                 RECT client{};
                 GetClientRect(handle, &client);
                 EXPECT_TRUE(client.right == 281 && client.bottom == 166);
-                EXPECT_FALSE(each.owned && IsWindowEnabled(owner));
+                EXPECT_FALSE(each.owned && StateOf(owner)->enabled);
                 SetTimer(handle, 1, 100, NULL);
             }
             if (message == WM_TIMER) {
@@ -71,8 +71,9 @@ TEST(Dialog, EndsInManyWays) {
         };
         EXPECT_EQ(RunDialog(each.owned ? owner.handle() : NULL, handler), each.expected);
         const bool usable = each.owner_left && each.owner_style != kDisabled;
-        EXPECT_EQ(IsWindow(owner), each.owner_left);
-        EXPECT_EQ(IsWindowEnabled(owner), usable);
+        const auto state = StateOf(owner);
+        EXPECT_EQ(state.has_value(), each.owner_left);
+        EXPECT_EQ(state && state->enabled, usable);
         EXPECT_TRUE(!usable || GetActiveWindow() == owner.handle());
         EXPECT_EQ(window::TopLevelWindows().size(), each.owner_left ? 1U : 0U);
         MSG message{};

@@ -1,10 +1,9 @@
-#include "platform/gdi/device_context.h"
 #include "tests/window/test_window.h"
 
 namespace tests {
 namespace {
 
-// A shown window that paints by BeginPaint and keeps what it was told.
+// A shown window that paints by BeginPaint and records its update rectangles.
 class Painter : public TestWindow {
   public:
     explicit Painter(LRESULT erased = 1, DWORD takes = 0)
@@ -20,13 +19,21 @@ class Painter : public TestWindow {
               return std::optional(LRESULT{0});
           }) {
         Show();
+        HandleWaiting();
+        painted.clear();
+        Forget();
     }
 
     std::vector<RECT> painted;
     BOOL left_to_erase = FALSE;
 };
 
-TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
+void RequestPaint(HWND target) {
+    InvalidateRect(target, NULL, FALSE);
+    UpdateWindow(target);
+}
+
+TEST(Paint, CoversTheInvalidatedRectangle) {
     const auto show = [](int how) { return [=](HWND h) { ShowWindow(h, how); }; };
     const auto move = [](int x, int cx, int cy) {
         return [=](HWND h) { SetWindowPos(h, NULL, x, 0, cx, cy, SWP_NOZORDER); };
@@ -35,7 +42,6 @@ TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
     const auto add = [](const RECT& part) {
         return [=](HWND h) { InvalidateRect(h, &part, FALSE); };
     };
-    const auto remove = [](const RECT& part) { return [=](HWND h) { ValidateRect(h, &part); }; };
     const struct {
         const char* name;
         std::vector<std::function<void(HWND)>> steps;
@@ -43,48 +49,37 @@ TEST(Paint, CoversWhatWasInvalidatedAndNotValidated) {
     } cases[] = {
         {"nothing", {}, {}},
         {"all", {all}, {0, 0, 100, 100}},
-        {"a part", {add({10, 20, 30, 40})}, {10, 20, 30, 40}},
-        {"their box", {add({10, 20, 30, 40}), add({50, 10, 60, 30})}, {10, 10, 60, 40}},
+        {"two parts: their bounding box",
+         {add({10, 20, 30, 40}), add({50, 10, 60, 30})},
+         {10, 10, 60, 40}},
         {"outside", {add({200, 200, 300, 300})}, {}},
         {"clipped", {add({90, 90, 200, 200})}, {90, 90, 100, 100}},
-        {"validated", {all, [](HWND h) { ValidateRect(h, NULL); }}, {}},
-        {"half validated", {all, remove({0, 0, 100, 60})}, {0, 60, 100, 100}},
-        {"a hole validated", {all, remove({10, 20, 30, 40})}, {0, 0, 100, 100}},
         {"all windows", {[=](HWND) { all(NULL); }}, {0, 0, 100, 100}},
         {"hidden", {show(SW_HIDE), all}, {}},
         {"shown again", {show(SW_HIDE), show(SW_SHOW)}, {0, 0, 100, 100}},
-        {"larger", {move(0, 120, 80)}, {0, 0, 120, 80}},
-        {"moved alone", {move(7, 100, 100)}, {}},
+        {"wider and lower", {move(0, 120, 80)}, {100, 0, 120, 80}},
+        {"larger", {move(0, 120, 130)}, {0, 0, 120, 130}},
+        {"smaller", {move(0, 50, 50)}, {}},
+        {"moved only", {move(7, 100, 100)}, {}},
     };
     OnPlatformForEach(cases, [](const auto& each) {
         Painter target;
-        HandleWaiting();
-        target.painted.clear();
         for (const auto& step : each.steps)
             step(target);
-        const bool paints = each.expected.right != 0;
-        RECT update{};
-        EXPECT_EQ(GetUpdateRect(target, &update, FALSE), paints);
-        EXPECT_TRUE(EqualRect(&update, &each.expected));
         HandleWaiting();
+        const bool paints = each.expected.right != 0;
         ASSERT_EQ(target.painted.size(), paints ? 1U : 0U);
         EXPECT_TRUE(!paints || EqualRect(&target.painted[0], &each.expected));
     });
 }
 
-PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentMessages) {
+PLATFORM_TEST(Paint, RequestOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentMessages) {
     Painter target;
-    HandleWaiting();
-    target.Forget();
     const Numbers interesting{WM_PAINT, kPosted, kSent};
-    const auto update = [&] {
-        InvalidateRect(target, NULL, TRUE);
-        UpdateWindow(target);
-    };
     PostMessageW(target, kPosted, 0, 0);
     bool returned = false;
     const Crew peer([&] {
-        update();
+        RequestPaint(target);
         returned = true;
         SendMessageW(target, kSent, 0, 0);
     });
@@ -94,24 +89,92 @@ PLATFORM_TEST(Paint, UpdateOfAnotherThreadReturnsAtOnceAndComesBeforeAllButSentM
     HandleWaiting();
     EXPECT_EQ(target.Order(interesting), (Numbers{kSent, WM_PAINT, kPosted}));
 
-    // Painted meanwhile: nothing is left of the request.
-    Crew{update};
+    // Painted meanwhile, the window has no request left.
+    Crew([&] { RequestPaint(target); });
     UpdateWindow(target);
     target.Forget();
+    InvalidateRect(target, NULL, FALSE);
     PostMessageW(target, kPosted, 0, 0);
     HandleWaiting();
-    EXPECT_EQ(target.Order(interesting), Numbers{kPosted});
+    EXPECT_EQ(target.Order(interesting), (Numbers{kPosted, WM_PAINT}));
 }
 
-TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
-    const auto expect = [](BOOL asked, LRESULT answer, const Numbers& seen) {
+// A window that does not validate gets WM_PAINT again, but the request counts once.
+PLATFORM_TEST(Paint, RequestEndsWithItsFirstMessage) {
+    TestWindow target(On(WM_PAINT, [](HWND, WPARAM) { return 0; }));
+    target.Show();
+    Crew([&] { RequestPaint(target); });
+    const auto next = [&] {
+        MSG message{};
+        GetMessageW(&message, NULL, 0, 0);
+        return message.message;
+    };
+    EXPECT_EQ(next(), WM_PAINT);
+    for (int round = 0; round < 2; ++round) {
+        PostMessageW(target, kPosted, 0, 0);
+        PostMessageW(target, kPosted, 0, 0);
+        Sleep(2);
+        EXPECT_EQ(next(), kPosted);
+        EXPECT_EQ(next(), kPosted);
+        EXPECT_EQ(next(), WM_PAINT);
+    }
+}
+
+TEST(Paint, RequestWaitsWhenSetUntilTheWindowIsPaintedOrGone) {
+    const struct {
+        const char* name;
+        std::size_t paints;
+        void (*act)(HWND target, HWND of_waiting_thread);
+    } cases[] = {
+        {"painted", 1, [](HWND, HWND) { HandleWaiting(); }},
+        {"painted before", 1,
+         [](HWND target, HWND) {
+             UpdateWindow(target);
+             HandleWaiting();
+         }},
+        {"destroyed", 0,
+         [](HWND target, HWND) {
+             DestroyWindow(target);
+             Sleep(10);
+         }},
+        {"its thread ends", 0, [](HWND, HWND) {}},
+        {"sends to the waiting thread", 1,
+         [](HWND, HWND of_waiting_thread) {
+             SendMessageW(of_waiting_thread, kSent, 0, 0);
+             HandleWaiting();
+         }},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.name);
+        const auto run = [&] {
+            const TestWindow own;
+            std::size_t paints = 0;
+            HWND target = NULL;
+            const DWORD start = GetTickCount();
+            const Crew owner([&] {
+                const Painter painter;
+                target = painter;
+                Sleep(100);
+                each.act(painter, own);
+                paints = painter.painted.size();
+            });
+            Sleep(50);
+            RequestPaint(target);
+            EXPECT_EQ(GetTickCount() - start, 100U);
+            Sleep(50);
+            EXPECT_EQ(paints, each.paints);
+        };
+        OnPlatform(run, {.waiting_repaints = true});
+    }
+}
+
+TEST(Paint, ErasesOnlyOnRequestAndReportsWhetherEraseIsLeft) {
+    const auto expect = [](BOOL requested, LRESULT result, const Numbers& seen) {
         OnPlatform([&] {
-            Painter target(answer);
-            HandleWaiting();
-            target.Forget();
-            InvalidateRect(target, NULL, asked);
+            Painter target(result);
+            InvalidateRect(target, NULL, requested);
             UpdateWindow(target);
-            EXPECT_EQ(target.left_to_erase, answer == 0);
+            EXPECT_EQ(target.left_to_erase, result == 0);
             UpdateWindow(target);
             HandleWaiting();
             EXPECT_EQ(target.Order({WM_ERASEBKGND, WM_PAINT}), seen);
@@ -122,22 +185,21 @@ TEST(Paint, ErasesOnlyWhenAskedAndTellsWhoIsLeftToDoIt) {
     expect(TRUE, 0, {WM_PAINT, WM_ERASEBKGND});
 }
 
-// Another thread asks for paintings faster than the window can paint; posted messages and timers
-// have their turns between.
-PLATFORM_TEST(Paint, AskedForWithoutEndLetsPostedMessagesAndTimersThrough) {
+// Another thread requests paints faster than the window can paint; posted messages and timers take
+// turns with them.
+PLATFORM_TEST(Paint, FloodOfRequestsLetsPostedMessagesAndTimersThrough) {
     std::atomic<bool> closed = false;
     Painter target(1, 5);
     SetTimer(target, 1, 20, NULL);
+    const DWORD start = GetTickCount();
     const Crew flood([&] {
         for (int count = 0; count < 1000 && !closed; ++count) {
-            InvalidateRect(target, NULL, FALSE);
-            UpdateWindow(target);
+            RequestPaint(target);
             if (count == 200)
                 PostMessageW(target, kPosted, 0, 0);
             Sleep(1);
         }
     });
-    const DWORD start = GetTickCount();
     MSG message{};
     while (GetMessageW(&message, NULL, 0, 0) > 0 && message.message != kPosted)
         DispatchMessageW(&message);

@@ -11,9 +11,9 @@ std::string Stack() {
     return stack;
 }
 
-TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
-    // A step is a window and where it goes: to the top (^), the bottom (_), the topmost (*), no
-    // longer topmost (-), behind a window, to the foreground alone (!) or with what it owns (|).
+TEST(Stacking, ChangesBySetWindowPosAndForeground) {
+    // A step is a window and its new place: top (^), bottom (_), topmost (*), no longer topmost
+    // (-), behind another window, foreground without (!) or with its owned windows (|).
     const struct {
         const char* name;
         std::string steps;
@@ -64,7 +64,7 @@ TEST(Stacking, FollowsSetWindowPosAndTheForeground) {
     });
 }
 
-PLATFORM_TEST(TouchRouting, AThreadThatSleepsHoldsUpItsOwnTouchesOnly) {
+PLATFORM_TEST(TouchRouting, SleepingThreadDelaysOnlyItsOwnTouches) {
     int pressed = 0;
     const WindowThread other({.place = {100, 0, 200, 100}},
                              On(WM_LBUTTONDOWN, [&](HWND, WPARAM) { return ++pressed; }));
@@ -80,7 +80,7 @@ PLATFORM_TEST(TouchRouting, AThreadThatSleepsHoldsUpItsOwnTouchesOnly) {
     const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE};
     EXPECT_EQ(own.Order(all), Numbers());
     HandleWaiting();
-    EXPECT_EQ(own.Order(all), all) << "moves that nobody fetched are one";
+    EXPECT_EQ(own.Order(all), all) << "moves in a row are one message";
 }
 
 PLATFORM_TEST(Positioning, OfAnotherThreadsWindowDoesNotWait) {
@@ -100,8 +100,7 @@ PLATFORM_TEST(Activation, MovesWithShowingHidingAndDestroying) {
     const Numbers interesting{WM_ACTIVATE, WM_SETFOCUS, WM_KILLFOCUS};
     const auto expect_active = [](HWND expected) {
         EXPECT_EQ(GetActiveWindow(), expected);
-        EXPECT_EQ(GetForegroundWindow(), expected);
-        EXPECT_EQ(GetFocus(), expected);
+        EXPECT_EQ(Foreground(), expected);
     };
     TestWindow first, second;
     first.Show();
@@ -119,8 +118,15 @@ PLATFORM_TEST(Activation, MovesWithShowingHidingAndDestroying) {
     SetForegroundWindow(second);
     DestroyWindow(second);
     expect_active(first);
-    EnableWindow(first, FALSE);
-    EXPECT_EQ(GetFocus(), nullptr);
+    // A disabled window becomes active without the focus, which no other window keeps.
+    const TestWindow disabled(TestWindow::Options{.style = WS_POPUP | WS_DISABLED});
+    first.Forget();
+    SetForegroundWindow(disabled);
+    ShowWindow(disabled, SW_SHOW);
+    expect_active(disabled);
+    EXPECT_EQ(first.Order(interesting), (Numbers{WM_ACTIVATE, WM_KILLFOCUS}));
+    EXPECT_EQ(disabled.Order(interesting), Numbers{WM_ACTIVATE});
+    ShowWindow(disabled, SW_HIDE);
     DestroyWindow(first);
     expect_active(NULL);
 }
@@ -130,7 +136,7 @@ PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
     own.Show();
     own.Forget();
     const WindowThread other({});
-    EXPECT_EQ(GetForegroundWindow(), HWND{other});
+    EXPECT_EQ(Foreground(), HWND{other});
     EXPECT_EQ(own.Count(WM_ACTIVATE), 0U);
     HandleWaiting();
     EXPECT_EQ(own.Count(WM_ACTIVATE), 1U);
@@ -138,7 +144,7 @@ PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
     EXPECT_TRUE(SetForegroundWindow(own));
     EXPECT_EQ(GetActiveWindow(), own.handle());
     Crew([&] { EXPECT_TRUE(SetForegroundWindow(other)); });
-    EXPECT_EQ(GetForegroundWindow(), HWND{other});
+    EXPECT_EQ(Foreground(), HWND{other});
     other.Stop();
     Sleep(10);
     HandleWaiting();
@@ -147,7 +153,6 @@ PLATFORM_TEST(Activation, BetweenThreadsDoesNotWait) {
 
 TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
     const auto nothing = [](HWND) {};
-    const auto disable = [](HWND upper) { EnableWindow(upper, FALSE); };
     const auto hide = [](HWND upper) {
         ShowWindow(upper, SW_HIDE);
         SetWindowPos(upper, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -158,18 +163,20 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         std::function<void(HWND upper)> prepare;
         char to;
         LPARAM seen = 0;
+        DWORD upper_style = 0;
     } cases[] = {
         {"lower alone", 10, 20, nothing, 'l', MAKELPARAM(10, 20)},
         {"both", 120, 130, nothing, 'u', MAKELPARAM(20, 30)},
         {"upper's last pixel", 299, 299, nothing, 'u', MAKELPARAM(199, 199)},
         {"beside upper", 300, 299, nothing, '-'},
-        {"upper disabled", 120, 130, disable, '-'},
+        {"upper disabled", 120, 130, nothing, '-', 0, WS_DISABLED},
         {"upper hidden", 120, 130, hide, 'l', MAKELPARAM(120, 130)},
         {"off the screen", -1, 20, nothing, '-'},
     };
     OnPlatformForEach(cases, [](const auto& each) {
         TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
-            upper(TestWindow::Options{.place = {100, 100, 300, 300}});
+            upper(TestWindow::Options{.place = {100, 100, 300, 300},
+                                      .style = WS_POPUP | each.upper_style});
         lower.Show();
         upper.Show();
         each.prepare(upper);
@@ -183,7 +190,7 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         for (const TestWindow* target : {&lower, &upper}) {
             const bool touched = each.to == (target == &lower ? 'l' : 'u');
             EXPECT_EQ(target->Order(all), touched ? all : Numbers());
-            EXPECT_TRUE(!touched || GetForegroundWindow() == *target);
+            EXPECT_TRUE(!touched || Foreground() == *target);
             for (const MSG& seen : target->seen())
                 EXPECT_TRUE(seen.message != WM_LBUTTONDOWN ||
                             (seen.lParam == each.seen && seen.wParam == MK_LBUTTON));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <map>
 #include <optional>
 
 #include "platform/window/screen.h"
@@ -9,9 +10,9 @@
 
 namespace tests {
 
-// Messages of the tests' own.
 inline constexpr UINT kPosted = WM_USER + 1;
 inline constexpr UINT kSent = WM_USER + 2;
+inline constexpr UINT kStop = WM_USER + 3;
 
 inline const HWND kNoWindow = reinterpret_cast<HWND>(UINT_PTR{0x1248});
 
@@ -19,7 +20,23 @@ namespace window = platform::window;
 using window::Touch;
 using Numbers = std::vector<UINT>;
 
-// A window that notes what it is told and lets a handler answer. Made and destroyed on one thread.
+// The state of a window; nothing when there is none.
+inline std::optional<window::WindowState> StateOf(HWND handle) {
+    for (const auto& state : window::TopLevelWindows())
+        if (state.handle == handle)
+            return state;
+    return std::nullopt;
+}
+
+inline HWND Foreground() {
+    for (const auto& state : window::TopLevelWindows())
+        if (state.foreground)
+            return state.handle;
+    return NULL;
+}
+
+// A window that records its messages and lets a handler process them. Created and destroyed on one
+// thread.
 class TestWindow {
   public:
     using Handler = std::function<std::optional<LRESULT>(HWND, UINT, WPARAM)>;
@@ -41,16 +58,19 @@ class TestWindow {
         settings.lpfnWndProc = Procedure;
         settings.lpszClassName = kClass;
         RegisterClassW(&settings);
+        t_creating = this;
         const auto& [left, top, right, bottom] = options.place;
         handle_ =
             CreateWindowExW(options.extended_style, kClass, options.title, options.style, left, top,
-                            right - left, bottom - top, options.owner, NULL, NULL, this);
+                            right - left, bottom - top, options.owner, NULL, NULL, NULL);
+        t_creating = nullptr;
     }
     TestWindow(const TestWindow&) = delete;
     TestWindow& operator=(const TestWindow&) = delete;
     ~TestWindow() {
-        if (IsWindow(handle_))
+        if (StateOf(handle_))
             DestroyWindow(handle_);
+        t_windows.erase(handle_);
     }
 
     operator HWND() const { return handle_; }
@@ -71,15 +91,18 @@ class TestWindow {
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-        if (message == WM_NCCREATE)
-            SetWindowLongPtrW(window, GWLP_USERDATA,
-                              reinterpret_cast<LONG_PTR>(
-                                  reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams));
-        auto* const self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (t_creating)
+            t_windows[window] = t_creating;
+        TestWindow* const self = t_windows.at(window);
+        if (self == t_creating)
+            t_creating = nullptr;
         self->seen_.push_back({window, message, wparam, lparam, 0, {}});
         const auto answer = self->handler_ ? self->handler_(window, message, wparam) : std::nullopt;
         return answer ? *answer : DefWindowProcW(window, message, wparam, lparam);
     }
+
+    static inline thread_local TestWindow* t_creating = nullptr;
+    static inline thread_local std::map<HWND, TestWindow*> t_windows;
 
     Handler handler_;
     HWND handle_ = NULL;
@@ -93,17 +116,21 @@ inline TestWindow::Handler On(UINT number, std::function<LRESULT(HWND, WPARAM)> 
     };
 }
 
-// A window on a thread of its own, which looks after it until Stop.
+// A window on a thread of its own, which handles its messages until Stop.
 class WindowThread {
   public:
     explicit WindowThread(TestWindow::Options options, TestWindow::Handler handler = {})
         : thread_([this, options, handler = std::move(handler)] {
-              const TestWindow target(options, handler);
+              const auto ends_with_the_window = [&](HWND window, UINT message, WPARAM wparam) {
+                  if (message == WM_NCDESTROY)
+                      PostQuitMessage(0);
+                  return handler ? handler(window, message, wparam) : std::nullopt;
+              };
+              const TestWindow target(options, ends_with_the_window);
               target.Show();
-              id_ = GetCurrentThreadId();
               window_ = target;
               MSG message{};
-              while (GetMessageW(&message, NULL, 0, 0) > 0)
+              while (GetMessageW(&message, NULL, 0, 0) > 0 && message.message != kStop)
                   DispatchMessageW(&message);
           }) {
         while (window_ == NULL)
@@ -111,16 +138,15 @@ class WindowThread {
     }
     ~WindowThread() { Stop(); }
 
-    void Stop() const { PostThreadMessageW(id_, WM_QUIT, 0, 0); }
+    void Stop() const { PostMessageW(window_, kStop, 0, 0); }
     operator HWND() const { return window_; }
 
   private:
-    std::atomic<DWORD> id_{0};
     std::atomic<HWND> window_{nullptr};
     Crew thread_;
 };
 
-// Handles what waits now.
+// Handles the waiting messages.
 inline void HandleWaiting() {
     MSG message{};
     while (PeekMessageW(&message, NULL, 0, 0, PM_REMOVE))

@@ -3,7 +3,7 @@
 namespace tests {
 namespace {
 
-// A timer's number, and the milliseconds after which it came.
+// A timer's id, and the milliseconds after which it came.
 using Ticks = std::vector<std::pair<WPARAM, DWORD>>;
 
 // The timer messages fetched within 250 ms from now.
@@ -20,7 +20,7 @@ Ticks Collect() {
     return ticks;
 }
 
-TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
+TEST(Timer, IsDueEveryPeriodFromItsLastArmingUntilItIsKilled) {
     const auto arm = [](UINT_PTR id, UINT period) {
         return [=](HWND target) { EXPECT_EQ(SetTimer(target, id, period, NULL), id); };
     };
@@ -58,7 +58,7 @@ TEST(Timer, BeatsFromItsLastArmingUntilItIsKilled) {
     });
 }
 
-PLATFORM_TEST(Timer, ArmedByAnotherThreadWakesWhoWaitsForAMessage) {
+PLATFORM_TEST(Timer, ArmedByAnotherThreadWakesAThreadThatWaitsForMessages) {
     const TestWindow target;
     SetTimer(target, 1, 5000, NULL);
     const Crew later([&] {

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "platform/device/serial_port.h"
-#include "platform/gdi/device_context.h"
 #include "platform/gdi/gdi.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/powermgr/power_notifications.h"
@@ -261,23 +260,6 @@ DWORD VirtualUnit::ChangeSystemPower(DWORD state_flags, DWORD) {
         return ERROR_INVALID_PARAMETER;
     SetSuspended(true);
     return ERROR_SUCCESS;
-}
-
-platform::NamedKind VirtualUnit::FindNeighbourObject(std::wstring_view name) {
-    return neighbours_ ? neighbours_->FindObject(name) : platform::NamedKind::kNone;
-}
-
-platform::NeighbourWindow VirtualUnit::FindNeighbourWindow(
-    std::optional<std::wstring_view> class_name, std::optional<std::wstring_view> title) {
-    return neighbours_ ? neighbours_->FindWindow(class_name, title) : 0;
-}
-
-bool VirtualUnit::NeighbourWindowExists(platform::NeighbourWindow window) {
-    return neighbours_ && neighbours_->WindowExists(window);
-}
-
-bool VirtualUnit::BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) {
-    return neighbours_ && neighbours_->BringForward(window, with_owned);
 }
 
 void VirtualUnit::DebugOutput(std::wstring_view text) {

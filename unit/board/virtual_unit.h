@@ -16,7 +16,6 @@
 #include "unit/board/debug_log.h"
 #include "unit/board/driver_registry.h"
 #include "unit/board/faults.h"
-#include "unit/board/neighbours.h"
 #include "unit/board/power_coordinator.h"
 #include "unit/board/program_host.h"
 #include "unit/devices/dvr_port.h"
@@ -95,9 +94,9 @@ class VirtualUnit final : public platform::Board {
     std::uint64_t screen_version() const { return screen_version_; }
     // Called on any thread, under locks, when the screen changed. Set before Start.
     void OnScreenChange(std::function<void()> changed) { on_screen_change_ = std::move(changed); }
-    // The other processes of the unit; there are none unless told. Set before Start.
-    void SetNeighbours(std::shared_ptr<Neighbours> neighbours) {
-        neighbours_ = std::move(neighbours);
+    // The other processes of the unit; by default there are none. Set before Start.
+    void SetOtherProcesses(std::shared_ptr<platform::OtherProcesses> others) {
+        other_processes_ = std::move(others);
     }
     bool suspended() const { return suspended_; }
     // The unit's speed relative to the host's clock, at least 1; 1 in simulated time.
@@ -119,11 +118,7 @@ class VirtualUnit final : public platform::Board {
     DWORD HalRequest(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                      DWORD& returned) override;
     DWORD ChangeSystemPower(DWORD state_flags, DWORD options) override;
-    platform::NamedKind FindNeighbourObject(std::wstring_view name) override;
-    platform::NeighbourWindow FindNeighbourWindow(std::optional<std::wstring_view> class_name,
-                                                  std::optional<std::wstring_view> title) override;
-    bool NeighbourWindowExists(platform::NeighbourWindow window) override;
-    bool BringNeighbourForward(platform::NeighbourWindow window, bool with_owned) override;
+    platform::OtherProcesses* other_processes() override { return other_processes_.get(); }
     void DebugOutput(std::wstring_view text) override;
     void ScreenChanged() override;
 
@@ -142,7 +137,7 @@ class VirtualUnit final : public platform::Board {
     // Host-time limits are multiplied by it.
     const int time_scale_;
     ProgramHost program_;
-    std::shared_ptr<Neighbours> neighbours_;
+    std::shared_ptr<platform::OtherProcesses> other_processes_;
     std::shared_ptr<Scaler> scaler_;
     Faults faults_{events_};
     std::unique_ptr<DvrPort> dvr_;

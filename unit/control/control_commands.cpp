@@ -40,8 +40,6 @@ const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
          &ControlServer::StartFindObject},
         {"other-process window [class NAME] [title TEXT]",
          "For a second copy: the number of such a window, or 0.", &ControlServer::StartFindWindow},
-        {"other-process has CODE", "For a second copy: whether that window exists.",
-         &ControlServer::StartHasWindow},
         {"other-process forward CODE [owned]",
          "Brings that window forward, with those that it owns, and the host's window.",
          &ControlServer::StartBringForward},

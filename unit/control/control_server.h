@@ -86,7 +86,6 @@ class ControlServer {
     void StartComplete(const Job& job);
     void StartFindObject(const Job& job);
     void StartFindWindow(const Job& job);
-    void StartHasWindow(const Job& job);
     void StartBringForward(const Job& job);
     void Follow(const UnitTable::Row& row, const Job& job);
     void RaiseRequest(const UnitTable::Row& row, const Job& job);

@@ -13,7 +13,7 @@ namespace unit {
 using control::QuoteWord;
 using control::SocketClient;
 using platform::NamedKind;
-using platform::NeighbourWindow;
+using platform::OtherProcessWindow;
 using platform::kernel::ToUtf8;
 using namespace std::chrono_literals;
 
@@ -26,8 +26,8 @@ constexpr auto kAnswerLimit = 500ms;
 constexpr auto kForwardLimit = 3s;
 constexpr auto kConnectAgain = 5ms;
 
-NeighbourWindow ReadWindow(const std::string& answer) {
-    return static_cast<NeighbourWindow>(control::ReadNumber(answer).value_or(0));
+OtherProcessWindow ReadWindow(const std::string& answer) {
+    return static_cast<OtherProcessWindow>(control::ReadNumber(answer).value_or(0));
 }
 
 }  // namespace
@@ -63,8 +63,8 @@ NamedKind FirstUnit::FindObject(std::wstring_view name) {
     return answer == "mutex" ? NamedKind::kMutex : NamedKind::kNone;
 }
 
-NeighbourWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_name,
-                                      std::optional<std::wstring_view> title) {
+OtherProcessWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_name,
+                                         std::optional<std::wstring_view> title) {
     std::string line = "other-process window";
     if (class_name)
         line += " class " + QuoteWord(ToUtf8(*class_name));
@@ -73,11 +73,7 @@ NeighbourWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_nam
     return ReadWindow(Ask(line, kAnswerLimit));
 }
 
-bool FirstUnit::WindowExists(NeighbourWindow window) {
-    return Ask("other-process has " + std::to_string(window), kAnswerLimit) == "yes";
-}
-
-bool FirstUnit::BringForward(NeighbourWindow window, bool with_owned) {
+bool FirstUnit::BringForward(OtherProcessWindow window, bool with_owned) {
     const std::string owned = with_owned ? " owned" : "";
     const bool came =
         Ask("other-process forward " + std::to_string(window) + owned, kForwardLimit) == "yes";

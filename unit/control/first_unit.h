@@ -5,14 +5,14 @@
 #include <functional>
 #include <string>
 
-#include "unit/board/neighbours.h"
+#include "platform/board.h"
 
 namespace unit {
 
 // The unit that had the control socket before this one: where the program runs already, perhaps. It
 // is asked over its socket, and each question has a limit of the host's time, half a second and
 // three for the last one: a unit that does not answer in time counts as gone from then on.
-class FirstUnit final : public Neighbours {
+class FirstUnit final : public platform::OtherProcesses {
   public:
     // `alone` tells whether this process has the socket itself, so that there is nobody to ask.
     // `came_forward` is called when the other's window did, on the thread that asked.
@@ -26,10 +26,9 @@ class FirstUnit final : public Neighbours {
     // Only the mutexes of the other count: they are what copies of the program meet by. A copy that
     // runs beside the other has its events and queues to itself.
     platform::NamedKind FindObject(std::wstring_view name) override;
-    platform::NeighbourWindow FindWindow(std::optional<std::wstring_view> class_name,
-                                         std::optional<std::wstring_view> title) override;
-    bool WindowExists(platform::NeighbourWindow window) override;
-    bool BringForward(platform::NeighbourWindow window, bool with_owned) override;
+    platform::OtherProcessWindow FindWindow(std::optional<std::wstring_view> class_name,
+                                            std::optional<std::wstring_view> title) override;
+    bool BringForward(platform::OtherProcessWindow window, bool with_owned) override;
 
   private:
     // The answer's one line; empty when there is none.

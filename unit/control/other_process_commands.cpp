@@ -13,7 +13,7 @@ namespace kernel = platform::kernel;
 namespace window = platform::window;
 using control::Done;
 using platform::NamedKind;
-using platform::NeighbourWindow;
+using platform::OtherProcessWindow;
 
 namespace {
 
@@ -37,8 +37,8 @@ std::optional<std::wstring> Given(const control::Values& values, const char* nam
     return kernel::FromUtf8(values.Text(name));
 }
 
-NeighbourWindow WindowIn(const control::Values& values) {
-    return static_cast<NeighbourWindow>(values.Number("CODE"));
+OtherProcessWindow WindowIn(const control::Values& values) {
+    return static_cast<OtherProcessWindow>(values.Number("CODE"));
 }
 
 }  // namespace
@@ -59,10 +59,6 @@ void ControlServer::StartFindWindow(const Job& job) {
     const auto class_name = Given(job.values, "NAME");
     const auto title = Given(job.values, "TEXT");
     job.answer->End(Done(std::to_string(window::FindOwnWindow(class_name, title))));
-}
-
-void ControlServer::StartHasWindow(const Job& job) {
-    job.answer->End(Done(window::HasWindow(WindowIn(job.values)) ? "yes" : "no"));
 }
 
 void ControlServer::StartBringForward(const Job& job) {

@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "dvrsim/commands/dvr_state.h"
-#include "platform/gdi/device_context.h"
 #include "platform/gdi/drawing_object.h"
+#include "platform/gdi/gdi.h"
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/kernel.h"
 #include "platform/kernel/text.h"

@@ -82,7 +82,7 @@ ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sen
           [&unit = op.unit()] {
               unit.Say("another unit runs already; its window was brought forward");
           })) {
-    op.unit().SetNeighbours(first_);
+    op.unit().SetOtherProcesses(first_);
 }
 
 }  // namespace unit

@@ -5,7 +5,6 @@
 #include "errors.h"
 
 #define MAKEINTRESOURCEW(id) ((LPWSTR)((ULONG_PTR)((WORD)(id))))
-#define MAKEINTRESOURCE(id) MAKEINTRESOURCEW(id)
 #define IS_INTRESOURCE(name) ((((ULONG_PTR)(name)) >> 16) == 0)
 
 #define RT_CURSOR MAKEINTRESOURCEW(1)
@@ -30,13 +29,11 @@ extern "C" {
 int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE hPrevInstance, LPWSTR lpCmdLine, int nShowCmd);
 
 // The one module is the program; NULL stands for it in every call that takes a module.
-HMODULE WINAPI GetModuleHandleW(LPCWSTR lpModuleName);
 DWORD WINAPI GetModuleFileNameW(HMODULE hModule, LPWSTR lpFilename, DWORD nSize);
 
 HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR lpName, LPCWSTR lpType);
 HGLOBAL WINAPI LoadResource(HMODULE hModule, HRSRC hResInfo);
 LPVOID WINAPI LockResource(HGLOBAL hResData);
-DWORD WINAPI SizeofResource(HMODULE hModule, HRSRC hResInfo);
 int WINAPI LoadStringW(HINSTANCE hInstance, UINT uID, LPWSTR lpBuffer, int nBufferMax);
 
 }  // extern "C"

@@ -15,9 +15,6 @@
 #define WAIT_ABANDONED_0 (STATUS_ABANDONED_WAIT_0 + 0U)
 #define WAIT_IO_COMPLETION STATUS_USER_APC
 
-#define EVENT_RESET 2U
-#define EVENT_SET 3U
-
 // The fields are the kernel's, between InitializeCriticalSection and DeleteCriticalSection.
 struct CRITICAL_SECTION {
     unsigned int LockCount;
@@ -39,26 +36,14 @@ DWORD WINAPI WaitForMultipleObjects(DWORD nCount, CONST HANDLE* lpHandles, BOOL 
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES lpEventAttributes, BOOL bManualReset,
                            BOOL bInitialState, LPCWSTR lpName);
 HANDLE WINAPI OpenEventW(DWORD dwDesiredAccess, BOOL bInheritHandle, LPCWSTR lpName);
-// What SetEvent and ResetEvent are made of: EVENT_SET or EVENT_RESET, ERROR_INVALID_PARAMETER
-// otherwise.
-BOOL WINAPI EventModify(HANDLE hEvent, DWORD func);
+BOOL WINAPI SetEvent(HANDLE hEvent);
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES lpMutexAttributes, BOOL bInitialOwner,
                            LPCWSTR lpName);
-BOOL WINAPI ReleaseMutex(HANDLE hMutex);
 
 void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
 void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
 void WINAPI EnterCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
-BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
 void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION lpCriticalSection);
 
 }  // extern "C"
-
-inline BOOL SetEvent(HANDLE hEvent) {
-    return EventModify(hEvent, EVENT_SET);
-}
-
-inline BOOL ResetEvent(HANDLE hEvent) {
-    return EventModify(hEvent, EVENT_RESET);
-}

@@ -21,10 +21,9 @@
 #define STACK_SIZE_PARAM_IS_A_RESERVATION 0x00010000U
 #define STILL_ACTIVE STATUS_PENDING
 
-// Pseudo handles, as the kernel lays them out: never in a handle table.
+// The pseudo handle, as the kernel lays it out; no handle table contains its value.
 #define SYS_HANDLE_BASE 64
 #define SH_CURTHREAD 1
-#define SH_CURPROC 2
 
 using LPTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID lpThreadParameter);
 
@@ -34,11 +33,7 @@ extern "C" {
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES lpThreadAttributes, DWORD dwStackSize,
                            LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter,
                            DWORD dwCreationFlags, LPDWORD lpThreadId);
-BOOL WINAPI GetExitCodeThread(HANDLE hThread, LPDWORD lpExitCode);
 BOOL WINAPI SetThreadPriority(HANDLE hThread, int nPriority);
-int WINAPI GetThreadPriority(HANDLE hThread);
-DWORD WINAPI GetCurrentThreadId();
-DWORD WINAPI GetCurrentProcessId();
 
 void WINAPI Sleep(DWORD dwMilliseconds);
 // Milliseconds since the unit was switched on.
@@ -48,8 +43,4 @@ DWORD WINAPI GetTickCount();
 
 inline HANDLE GetCurrentThread() {
     return reinterpret_cast<HANDLE>(ULONG_PTR{SYS_HANDLE_BASE + SH_CURTHREAD});
-}
-
-inline HANDLE GetCurrentProcess() {
-    return reinterpret_cast<HANDLE>(ULONG_PTR{SYS_HANDLE_BASE + SH_CURPROC});
 }

@@ -15,10 +15,7 @@ HDC WINAPI CreateCompatibleDC(HDC hdc);
 BOOL WINAPI DeleteDC(HDC hdc);
 
 int WINAPI SetBkMode(HDC hdc, int iBkMode);
-COLORREF WINAPI SetBkColor(HDC hdc, COLORREF crColor);
 COLORREF WINAPI SetTextColor(HDC hdc, COLORREF crColor);
-
-COLORREF WINAPI GetPixel(HDC hdc, int nXPos, int nYPos);
 
 // With SRCCOPY only.
 BOOL WINAPI BitBlt(HDC hdcDest, int nXDest, int nYDest, int nWidth, int nHeight, HDC hdcSrc,

@@ -66,6 +66,5 @@ static_assert(sizeof(LOGFONTW) == 28 + LF_FACESIZE * sizeof(WCHAR));
 extern "C" {
 
 HFONT WINAPI CreateFontIndirectW(CONST LOGFONTW* lplf);
-BOOL WINAPI GetTextExtentPoint32W(HDC hdc, LPCWSTR lpString, int cbString, LPSIZE lpSize);
 
 }  // extern "C"

@@ -2,15 +2,6 @@
 
 #include <windef.h>
 
-#define OBJ_PEN 1U
-#define OBJ_BRUSH 2U
-#define OBJ_DC 3U
-#define OBJ_PAL 5U
-#define OBJ_FONT 6U
-#define OBJ_BITMAP 7U
-#define OBJ_REGION 8U
-#define OBJ_MEMDC 10U
-
 #define WHITE_BRUSH 0
 #define LTGRAY_BRUSH 1
 #define GRAY_BRUSH 2
@@ -28,7 +19,7 @@
 #define BS_NULL 1U
 #define BS_HOLLOW BS_NULL
 
-// What GetObjectW tells of a brush.
+// The description of a brush by GetObjectW.
 struct tagLOGBRUSH {
     UINT lbStyle;
     COLORREF lbColor;
@@ -42,10 +33,7 @@ using LPLOGBRUSH = LOGBRUSH*;
 extern "C" {
 
 HBRUSH WINAPI CreateSolidBrush(COLORREF crColor);
-HGDIOBJ WINAPI GetStockObject(int fnObject);
 HGDIOBJ WINAPI SelectObject(HDC hdc, HGDIOBJ hgdiobj);
-HGDIOBJ WINAPI GetCurrentObject(HDC hdc, UINT uObjectType);
-DWORD WINAPI GetObjectType(HGDIOBJ h);
 int WINAPI GetObjectW(HGDIOBJ hgdiobj, int cbBuffer, LPVOID lpvObject);
 // An object that is selected into a device context cannot be deleted.
 BOOL WINAPI DeleteObject(HGDIOBJ hObject);

@@ -20,7 +20,7 @@ using DLGPROC = INT_PTR(CALLBACK*)(HWND hwndDlg, UINT uMsg, WPARAM wParam, LPARA
 #define DWLP_USER ((int)(DWLP_DLGPROC + sizeof(DLGPROC)))
 
 // The heads of a dialog resource and of each of its controls, in dialog units. The menu, class,
-// title and font that follow are UTF-16 text of 16-bit units, whatever WCHAR is.
+// title and font that follow are UTF-16 text, of 16-bit units unlike WCHAR.
 #pragma pack(push, 2)
 struct DLGTEMPLATE {
     DWORD style;
@@ -56,6 +56,5 @@ extern "C" {
 INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE hInstance, LPCDLGTEMPLATEW lpTemplate,
                                        HWND hWndParent, DLGPROC lpDialogFunc, LPARAM dwInitParam);
 BOOL WINAPI EndDialog(HWND hDlg, INT_PTR nResult);
-LRESULT WINAPI DefDlgProcW(HWND hDlg, UINT Msg, WPARAM wParam, LPARAM lParam);
 
 }  // extern "C"

@@ -30,7 +30,6 @@ extern "C" {
 // From the resources of a module, NULL for the program's own.
 HANDLE WINAPI LoadImageW(HINSTANCE hinst, LPCWSTR lpszName, UINT uType, int cxDesired,
                          int cyDesired, UINT fuLoad);
-BOOL WINAPI DestroyIcon(HICON hIcon);
 HCURSOR WINAPI LoadCursorW(HINSTANCE hInstance, LPCWSTR lpCursorName);
 
 }  // extern "C"

@@ -20,9 +20,6 @@
 #define QS_ALLEVENTS (QS_INPUT | QS_POSTMESSAGE | QS_TIMER | QS_PAINT)
 #define QS_ALLINPUT (QS_ALLEVENTS | QS_SENDMESSAGE)
 
-#define MWMO_WAITALL 0x0001U
-#define MWMO_INPUTAVAILABLE 0x0004U
-
 struct tagMSG {
     HWND hwnd;
     UINT message;
@@ -46,15 +43,11 @@ BOOL WINAPI TranslateMessage(CONST MSG* lpMsg);
 LRESULT WINAPI DispatchMessageW(CONST MSG* lpMsg);
 
 BOOL WINAPI PostMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
-BOOL WINAPI PostThreadMessageW(DWORD idThread, UINT Msg, WPARAM wParam, LPARAM lParam);
 void WINAPI PostQuitMessage(int nExitCode);
 
-// To a window of another thread: waits until that thread, in a call that handles sent messages,
-// has answered.
+// To a window of another thread: waits until that thread has handled the message, which it does in
+// its next call that handles sent messages.
 LRESULT WINAPI SendMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
-// To a window of another thread: returns at once.
-BOOL WINAPI SendNotifyMessageW(HWND hWnd, UINT Msg, WPARAM wParam, LPARAM lParam);
-
 // From 0xC000 to 0xFFFF, the same for the same text in every process; 0 on failure.
 UINT WINAPI RegisterWindowMessageW(LPCWSTR lpString);
 
@@ -64,7 +57,5 @@ BOOL WINAPI KillTimer(HWND hWnd, UINT_PTR uIDEvent);
 // As on the device, waiting for all is not supported: ERROR_INVALID_PARAMETER.
 DWORD WINAPI MsgWaitForMultipleObjects(DWORD nCount, CONST HANDLE* pHandles, BOOL fWaitAll,
                                        DWORD dwMilliseconds, DWORD dwWakeMask);
-DWORD WINAPI MsgWaitForMultipleObjectsEx(DWORD nCount, CONST HANDLE* pHandles, DWORD dwMilliseconds,
-                                         DWORD dwWakeMask, DWORD dwFlags);
 
 }  // extern "C"

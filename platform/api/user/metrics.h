@@ -60,8 +60,4 @@
 extern "C" {
 
 int WINAPI GetSystemMetrics(int nIndex);
-DWORD WINAPI GetSysColor(int nIndex);
-// Owned by the system; DeleteObject leaves it alone.
-HBRUSH WINAPI GetSysColorBrush(int nIndex);
-
 }  // extern "C"

@@ -42,19 +42,18 @@ HDC WINAPI BeginPaint(HWND hwnd, LPPAINTSTRUCT lpPaint);
 BOOL WINAPI EndPaint(HWND hWnd, CONST PAINTSTRUCT* lpPaint);
 
 BOOL WINAPI InvalidateRect(HWND hWnd, CONST RECT* lpRect, BOOL bErase);
-BOOL WINAPI ValidateRect(HWND hWnd, CONST RECT* lpRect);
-BOOL WINAPI GetUpdateRect(HWND hWnd, LPRECT lpRect, BOOL bErase);
 
-// Paints at once when the calling thread is the window's. Called from any other thread it differs
-// from a genuine platform, which waits for the paint: here the paint becomes the window's next
-// message and the call returns without waiting, so that a thread that repaints can never be blocked
-// by a user-interface thread that sleeps or waits for it.
+// Paints at once when the calling thread is the window's. On a window of another thread a genuine
+// platform waits for the paint. By default this one differs: the paint becomes the window's next
+// message and the call returns without waiting, so that a thread that sleeps cannot block a thread
+// that repaints. kernel::Options::waiting_repaints makes it wait.
 BOOL WINAPI UpdateWindow(HWND hWnd);
 
 int WINAPI FillRect(HDC hDC, CONST RECT* lprc, HBRUSH hbr);
 
-// Returns the height of the text. A difference from a genuine platform: DT_VCENTER centres a text
-// that wraps as well, not only one of a single line.
+// Returns the height of the text; with DT_VCENTER or DT_BOTTOM the distance from the rectangle's
+// top to the text's bottom. A decision: DT_VCENTER and DT_BOTTOM apply without DT_SINGLELINE too,
+// where desktop Windows puts the text at the top (docs/platform-differences.md says why).
 int WINAPI DrawTextW(HDC hDC, LPCWSTR lpString, int nCount, LPRECT lpRect, UINT uFormat);
 
 }  // extern "C"

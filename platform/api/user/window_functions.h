@@ -37,15 +37,6 @@
 #define SWP_NOOWNERZORDER 0x0200U
 #define SWP_NOREPOSITION SWP_NOOWNERZORDER
 
-// The indices that name a pointer exist in their GWLP_ and DWLP_ forms alone: a pointer does not
-// fit the LONG of GetWindowLongW.
-#define GWL_ID (-12)
-#define GWL_STYLE (-16)
-#define GWL_EXSTYLE (-20)
-#define GWLP_WNDPROC (-4)
-#define GWLP_ID (-12)
-#define GWLP_USERDATA (-21)
-
 struct tagCREATESTRUCTW {
     LPVOID lpCreateParams;
     HINSTANCE hInstance;
@@ -83,29 +74,19 @@ HWND WINAPI CreateWindowExW(DWORD dwExStyle, LPCWSTR lpClassName, LPCWSTR lpWind
 BOOL WINAPI DestroyWindow(HWND hWnd);
 
 BOOL WINAPI ShowWindow(HWND hWnd, int nCmdShow);
-BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable);
+// On a window of another thread it takes effect at once, and the messages about it follow on that
+// thread. A difference from a genuine platform, which waits for that thread.
 BOOL WINAPI SetWindowPos(HWND hWnd, HWND hWndInsertAfter, int X, int Y, int cx, int cy,
                          UINT uFlags);
 BOOL WINAPI GetWindowRect(HWND hWnd, LPRECT lpRect);
 BOOL WINAPI GetClientRect(HWND hWnd, LPRECT lpRect);
-BOOL WINAPI ClientToScreen(HWND hWnd, LPPOINT lpPoint);
-
-BOOL WINAPI IsWindow(HWND hWnd);
-BOOL WINAPI IsWindowVisible(HWND hWnd);
-BOOL WINAPI IsWindowEnabled(HWND hWnd);
 
 HWND WINAPI FindWindowW(LPCWSTR lpClassName, LPCWSTR lpWindowName);
 
-HWND WINAPI GetForegroundWindow();
 BOOL WINAPI SetForegroundWindow(HWND hWnd);
 HWND WINAPI GetActiveWindow();
-HWND WINAPI GetFocus();
 
-LONG WINAPI GetWindowLongW(HWND hWnd, int nIndex);
-LONG WINAPI SetWindowLongW(HWND hWnd, int nIndex, LONG dwNewLong);
-LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex);
+// For the extra bytes of a window only (the DWLP_ values of a dialog).
 LONG_PTR WINAPI SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR dwNewLong);
-
-DWORD WINAPI GetWindowThreadProcessId(HWND hWnd, LPDWORD lpdwProcessId);
 
 }  // extern "C"

@@ -131,7 +131,7 @@ void Lockstep::SetDriver(std::uint64_t driver, unsigned error) {
         {harness_.reset->request_answer, world.reset_request},
         {harness_.scaler->open_answer, world.scaler_open},
         {harness_.scaler->request_answer, world.scaler_request},
-        {harness_.platform.board.hal_answer, world.hal}};
+        {harness_.platform.board.hal_result, world.hal}};
     answers[driver].first = answers[driver].second = error;
 }
 

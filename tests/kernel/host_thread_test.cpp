@@ -7,14 +7,14 @@
 namespace tests {
 namespace {
 
-class Hardware : public InEveryMode {
+class HostThread : public InEveryMode {
   protected:
     Platform platform{GetParam().options};
     std::string order;
 };
-INSTANTIATE_IN_EVERY_MODE(Hardware);
+INSTANTIATE_IN_EVERY_MODE(HostThread);
 
-TEST_P(Hardware, ActionsRunInOrderOfTimeThenOfArrival) {
+TEST_P(HostThread, ActionsRunInOrderOfTimeThenOfArrival) {
     const kernel::Time start = kernel::Now();
     const auto plan = [&](kernel::Duration from_start, const char* what) {
         return kernel::At(start + from_start, [this, what] { order += what; });
@@ -33,16 +33,15 @@ TEST_P(Hardware, ActionsRunInOrderOfTimeThenOfArrival) {
     EXPECT_EQ(order, "overdue nested first second late ");
 }
 
-// The hardware's thread may call what does not wait (it puts records into message queues); that
-// must not start another action in the middle of the running one. Where it does wait, the threads
-// and the time go on.
-TEST_P(Hardware, StartsNoOtherActionUnlessItWaits) {
+// The host thread may make calls that do not wait; these must not start another action in the
+// middle of the running one. When it does wait, threads run and time passes.
+TEST_P(HostThread, StartsNoOtherActionUnlessItWaits) {
     const HANDLE question = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    const HANDLE answer = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE done_event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     kernel::After({}, [&] {
-        EXPECT_EQ(WaitForSingleObject(answer, 0), WAIT_TIMEOUT);
-        SetEvent(answer);
-        EXPECT_EQ(WaitForSingleObject(answer, INFINITE), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(done_event, 0), WAIT_TIMEOUT);
+        SetEvent(done_event);
+        EXPECT_EQ(WaitForSingleObject(done_event, INFINITE), WAIT_OBJECT_0);
         order += "first ";
     });
     kernel::After({}, [&] { order += "other "; });
@@ -52,19 +51,19 @@ TEST_P(Hardware, StartsNoOtherActionUnlessItWaits) {
     Crew crew([=] {
         WaitForSingleObject(question, INFINITE);
         Sleep(30);
-        SetEvent(answer);
+        SetEvent(done_event);
     });
     const kernel::Time start = kernel::Now();
-    EXPECT_EQ(WaitForSingleObject(answer, 10), WAIT_TIMEOUT);
+    EXPECT_EQ(WaitForSingleObject(done_event, 10), WAIT_TIMEOUT);
     SetEvent(question);
-    EXPECT_EQ(WaitForSingleObject(answer, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(done_event, INFINITE), WAIT_OBJECT_0);
     EXPECT_GE(kernel::Now(), start + 40ms);
     crew.Join();
     CloseHandle(question);
-    CloseHandle(answer);
+    CloseHandle(done_event);
 }
 
-// An event loop outside the kernel is told that there is something to do, and runs it by itself.
+// The waker notifies an event loop outside the kernel, which then runs the due actions.
 TEST(FreeRunning, WakerAndDueActionsServeAnEventLoopOutside) {
     Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 100});
     std::atomic<int> wakes = 0;

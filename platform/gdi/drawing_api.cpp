@@ -1,8 +1,8 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <memory>
 
-#include "platform/gdi/color.h"
 #include "platform/gdi/drawing_context.h"
 #include "platform/gdi/rectangle.h"
 #include "platform/kernel/api_call.h"
@@ -17,9 +17,19 @@ bool Supported(bool supported) {
     return supported;
 }
 
-// What of a rectangle shows when it is copied to a device context.
+// The part of a copied rectangle that is visible in the device context.
 RECT Visible(const ContextCall& context, const RECT& target, const RECT& source) {
     return IsEmpty(target) || IsEmpty(source) ? RECT{} : Intersect(target, context->Drawable());
+}
+
+// A brush may also be a system colour's index plus one.
+std::shared_ptr<Brush> BrushFor(HBRUSH handle) {
+    const auto value = reinterpret_cast<std::uintptr_t>(handle);
+    COLORREF color = 0;
+    const bool flagged = (value & ~std::uintptr_t{0xFF}) == SYS_COLOR_INDEX_FLAG;
+    if (flagged && SystemColor(static_cast<int>(value) - 1, color))
+        return std::make_shared<Brush>(Brush{color});
+    return FindObjectOfKind<Brush>(handle);
 }
 
 }  // namespace
@@ -73,4 +83,36 @@ BOOL TransparentImage(HDC dc, LONG x, LONG y, LONG width, LONG height, HANDLE so
         context->surface->CoverTexts(visible);
     context.Drawn();
     return TRUE;
+}
+
+int FillRect(HDC dc, const RECT* rectangle, HBRUSH handle) {
+    const platform::kernel::ApiCall call("FillRect");
+    if (call.Fails())
+        return 0;
+    ContextCall context(dc);
+    if (!context)
+        return 0;
+    if (!rectangle) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    const auto brush = BrushFor(handle);
+    if (!brush)
+        return 0;
+    Fill(*context, *rectangle, PixelOf(brush->color));
+    context.Drawn();
+    return 1;
+}
+
+BOOL EqualRect(const RECT* a, const RECT* b) {
+    if (!a || !b) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    return a->left == b->left && a->top == b->top && a->right == b->right && a->bottom == b->bottom;
+}
+
+BOOL PtInRect(const RECT* rectangle, POINT point) {
+    return rectangle && point.x >= rectangle->left && point.x < rectangle->right &&
+           point.y >= rectangle->top && point.y < rectangle->bottom;
 }
