@@ -66,8 +66,10 @@ void ReadByName() {
         const LPCWSTR name = MAKEINTRESOURCEW(number);
         resource::DecodeBitmap(name);
         resource::DecodeIcon(name, 16, 16);
-        if (const HRSRC found = FindResourceW(nullptr, name, RT_DIALOG))
-            Check(LoadResource(nullptr, found) != nullptr, "a resource that is found can be loaded");
+        const auto data = resource::Find(RT_DIALOG, name);
+        Check(!data || data->empty() ||
+                  LoadResource(nullptr, FindResourceW(nullptr, name, RT_DIALOG)) != nullptr,
+              "a resource that is found can be loaded");
     }
     for (UINT id = 0; id < 40; ++id) {
         wchar_t text[24];

@@ -57,9 +57,9 @@ static_assert(sizeof(POWER_BROADCAST_POWER_INFO) == 28);
 
 extern "C" {
 
-// hMsgQ is the write end or the read end of a message queue; NULL on failure.
+// hMsgQ is a message queue; NULL on failure.
 HANDLE WINAPI RequestPowerNotifications(HANDLE hMsgQ, DWORD Flags);
-// These two return ERROR_SUCCESS or an error; the last error is not their way of telling.
+// These two return ERROR_SUCCESS or an error and do not set the last error.
 DWORD WINAPI StopPowerNotifications(HANDLE h);
 DWORD WINAPI SetSystemPowerState(LPCWSTR pwsSystemState, DWORD StateFlags, DWORD Options);
 

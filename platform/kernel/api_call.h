@@ -6,8 +6,7 @@
 
 namespace platform::kernel {
 
-// Names a call that can fail by its row in the table; a name that has none does not compile. The
-// conversion is implicit: it stands where the name is written.
+// The row of a call that can fail, from its name; a name without a row does not compile.
 class CallId {
   public:
     consteval CallId(const char* name) : row_(FindFailableCall(name).value()) {}
@@ -18,11 +17,10 @@ class CallId {
     std::size_t row_;
 };
 
-// Stands at the head of every function of the API that does more than look at the caller's own
-// memory. It is a place where another thread may run first; it counts the program's calls; and it
-// says whether this one is to fail, with the last error set already. What other functions the
-// platform calls on the way, the API's own among them, is not the program's call and does not
-// count.
+// Every function of the API that uses more than the caller's own memory begins with one. Another
+// thread may run first here; the program's calls are counted; and Fails() reports whether a fault
+// applies to this call, with the last error already set. Calls that the platform makes inside the
+// function, also of the API, are not the program's calls and do not count.
 class ApiCall {
   public:
     // A call that cannot fail.
@@ -32,20 +30,20 @@ class ApiCall {
     ApiCall(const ApiCall&) = delete;
     ApiCall& operator=(const ApiCall&) = delete;
 
-    // True when the function is to do nothing and return its failing value.
+    // True: the function must do nothing and return its failing value.
     bool Fails() const { return fails_; }
 
   private:
     friend class ProgramCode;
 
-    // How many functions of the API the calling thread is inside of.
+    // How many nested functions of the API the calling thread executes.
     static inline thread_local unsigned t_depth = 0;
 
     bool fails_ = false;
 };
 
-// Around every call of a procedure that was handed to the platform: what that procedure calls is
-// its owner's call again.
+// Surrounds every call of a procedure of the program: the calls that the procedure makes are calls
+// of the program again.
 class ProgramCode {
   public:
     ProgramCode() : depth_(ApiCall::t_depth) { ApiCall::t_depth = 0; }

@@ -30,11 +30,11 @@ struct Rule {
 // How often the program made each call, and all of them together.
 std::array<std::atomic<std::uint64_t>, kFailableCallCount + 1> g_counts;
 
-// Whoever wants to know of every call. Set and forgotten while no thread of the program runs.
+// Set and removed while no thread of the program runs.
 std::function<void(const MadeCall&)> g_call_observer;
 
-// Whether there is any rule. A caller counts first and looks here then; who adds a rule sets this
-// first and looks at the count then. So each call comes before a rule or is seen by it.
+// Whether there is any rule. A caller first counts and then reads this; adding a rule first sets
+// this and then reads the count. So each call either precedes a rule or is subject to it.
 std::atomic<bool> g_armed = false;
 
 struct Faults {
@@ -68,7 +68,7 @@ std::size_t Clear(const std::function<bool(const Rule&)>& chosen) {
     return cleared;
 }
 
-// The error that this call is to fail with, if it is.
+// The error of this call, if a rule fails it.
 std::optional<DWORD> Strike(std::vector<Rule>& rules, std::size_t row, std::uint64_t number,
                             std::uint64_t number_of_all) {
     const auto rule = std::ranges::find_if(rules, [&](const Rule& each) {
@@ -78,14 +78,14 @@ std::optional<DWORD> Strike(std::vector<Rule>& rules, std::size_t row, std::uint
     if (rule == rules.end())
         return std::nullopt;
     const DWORD error = rule->error.value_or(kFailableCalls[row].error);
-    // Not by the count, which another thread's call that has yet to come here may be part of.
+    // Not by the count: it may include a call of another thread that has not come here yet.
     if (rule->struck++ == rule->last - rule->first)
         rules.erase(rule);
     return error;
 }
 
-// A program may try again at once, and again: the simulated clock must get on.
-void LetTheClockGetOn() {
+// A program may retry at once, again and again: the simulated clock must be able to advance.
+void LetTheClockAdvance() {
     thread_local Time last_failure = kNever;
     if (CurrentOptions().mode == Mode::kSimulated && last_failure == Now()) {
         const Time deadline = Now() + std::chrono::milliseconds(1);
@@ -117,7 +117,7 @@ bool Fail(std::size_t row, std::uint64_t number, std::uint64_t number_of_all) {
     }
     if (observer)
         (*observer)(failed);
-    LetTheClockGetOn();
+    LetTheClockAdvance();
     SetLastError(failed.error);
     return true;
 }
@@ -131,7 +131,7 @@ ApiCall::ApiCall() {
 
 ApiCall::ApiCall(CallId id) {
     const bool outermost = t_depth++ == 0;
-    // The program's globals are made before the unit is there.
+    // Globals of the program are constructed before the unit exists.
     if (!Booted())
         return;
     SchedulingPoint();
@@ -166,11 +166,11 @@ std::string AddCallFault(const CallFault& fault) {
                    ? fault.call + " cannot fail"
                    : "there is no call " + fault.call;
     if (fault.times == 0)
-        return "a fault strikes once or more often";
+        return "a fault must fail at least one call";
     Faults& faults = TheFaults();
     const std::scoped_lock lock(faults.mutex);
     if (faults.rules.size() >= kMostRules)
-        return std::to_string(kMostRules) + " faults of calls wait already; no more are allowed";
+        return std::to_string(kMostRules) + " faults of calls are pending; no more are allowed";
     g_armed = true;
     const std::uint64_t first = Sum(Sum(g_counts[row], fault.skip), 1);
     faults.rules.push_back({row, first, Sum(first, fault.times - 1), fault.error});

@@ -11,9 +11,9 @@
 
 #include "platform/kernel/clock.h"
 
-// Calls of the API that fail on demand, and the count of those that the program made. Only calls
-// that threads of the program make themselves count and fail, not those of the unit's other
-// applications, of the hardware's thread, or of the platform on a call's way.
+// Faults of API calls, and counts of the calls that the program made. Only calls that threads of
+// the program make themselves count and fail, not those of other applications, of the host thread,
+// or of the platform inside a call.
 //
 // Between Boot, which begins at zero and without faults, and Shutdown. Any thread.
 namespace platform::kernel {
@@ -21,29 +21,28 @@ namespace platform::kernel {
 inline constexpr std::uint64_t kForEver = ~std::uint64_t{0};
 
 struct CallFault {
-    // A name of FailableCallNames(); empty for whatever call that can fail comes next.
+    // A name of FailableCallNames(); empty: any call that can fail.
     std::string call{};
-    // So many calls of the program from now on still work, then so many fail. The K-th call of the
-    // whole run fails with an empty name and skip = K - 1, set before the program starts.
+    // From now on `skip` calls of the program work, then `times` calls fail. An empty name with
+    // skip = K - 1, set before the program starts, fails the K-th call of the run.
     std::uint64_t skip = 0;
     std::uint64_t times = 1;
-    // The last error; without one that which is usual for the call.
+    // The last error; by default the usual one for the call.
     std::optional<DWORD> error{};
 };
 
-// Empty, or one line that says why there can be no such fault. Faults add up; of two that meet, the
-// one that was added first gives the error.
+// Empty, or one line that says why there can be no such fault. Faults add up; when two apply to one
+// call, the first one gives the error.
 //
-// In simulated time a thread that fails twice at one time waits a millisecond the second time: a
-// program that tries again at once must let the clock get on.
+// In simulated time a thread whose calls fail twice at the same time waits a millisecond the second
+// time, so that a program that retries at once lets the clock advance.
 std::string AddCallFault(const CallFault& fault);
 
-// Those of that name (empty: those of no name), or all; returns how many there were.
+// Clear the faults of that name (empty: those without a name), or all; return how many there were.
 std::size_t ClearCallFaults(std::string_view call);
 std::size_t ClearCallFaults();
 
-// The faults that may still strike, in the order of their adding; skip and times count what is
-// left.
+// The faults that can still apply, in the order of their adding, with the remaining skip and times.
 std::vector<CallFault> PendingCallFaults();
 
 // In order.
@@ -65,13 +64,13 @@ struct FailedCall {
     Time time{};
 };
 
-// The first kFailedCallsKept of them in their order; how many there were in all.
+// The first kFailedCallsKept failed calls in their order; the number of all.
 inline constexpr std::size_t kFailedCallsKept = 1000;
 std::vector<FailedCall> FailedCalls();
 std::uint64_t FailedCallCount();
 
-// `observer` is told of each failed call, on the thread that makes the call, without locks; it must
-// not wait. An empty one ends it. Shutdown forgets it.
+// Calls `observer` for each failed call, on the calling thread, without locks; it must not wait. An
+// empty observer ends this, and so does Shutdown.
 void ObserveFailedCalls(std::function<void(const FailedCall&)> observer);
 
 // A call of the program that can fail, whether it is made to fail or not.
@@ -80,8 +79,8 @@ struct MadeCall {
     std::uint64_t number_of_all = 0;
 };
 
-// `observer` is told of each just before it is made, on the thread that makes it, without locks; it
-// may wait. An empty one ends it. Shutdown forgets it. Before the program's threads start.
+// Calls `observer` just before each such call, on the calling thread, without locks; it may wait.
+// An empty observer ends this, and so does Shutdown. Before the program's threads start.
 void ObserveCalls(std::function<void(const MadeCall&)> observer);
 
 }  // namespace platform::kernel

@@ -10,7 +10,7 @@
 
 namespace platform::kernel {
 
-// A call of the API that can fail, with the last error it fails with unless another is chosen.
+// A call of the API that can fail, with its default last error.
 struct FailableCall {
     std::string_view name;
     DWORD error;
@@ -107,8 +107,8 @@ inline constexpr FailableCall kFailableCalls[] = {
 #undef PLATFORM_ROW
 };
 
-// Calls that have no failure to show: they return nothing, a plain fact, or what the program's own
-// procedure returned; or, as critical sections and formatting, leave a program no way to go on. In
+// Calls without a failing result: they return nothing, a plain fact, or the result of the program's
+// own procedure; or a program cannot react to their failure (critical sections, formatting). In
 // order of the names.
 inline constexpr std::string_view kCallsThatCannotFail[] = {
     "CoUninitialize",

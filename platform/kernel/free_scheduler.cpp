@@ -9,17 +9,17 @@ namespace {
 
 using HostClock = std::chrono::steady_clock;
 
-// Longer than any process lives, and short enough for the host's clock to count.
+// Longer than any process lives, within the range of the host's clock.
 constexpr std::chrono::hours kFarAway{24 * 365 * 20};
 
 // Real threads in parallel, real time or `speed` times real time.
 class FreeScheduler final : public Scheduler {
   public:
-    FreeScheduler(const Options& options, Thread& hardware)
+    FreeScheduler(const Options& options, Thread& host_thread)
         : start_(options.start),
           host_start_(HostClock::now()),
           speed_(options.speed),
-          hardware_(hardware) {}
+          host_thread_(host_thread) {}
 
     Time Now() const override {
         const std::chrono::duration<double, std::micro> passed = HostClock::now() - host_start_;
@@ -30,7 +30,7 @@ class FreeScheduler final : public Scheduler {
         jumped_ += forward.count();
         for (Thread* thread : waiting_)
             thread->wake.notify_one();
-        WakeHardware();
+        WakeHostThread();
     }
 
     bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
@@ -53,7 +53,7 @@ class FreeScheduler final : public Scheduler {
         for (Thread* thread : waiting_)
             if ((*thread->blocked_on)())
                 thread->wake.notify_one();
-        WakeHardware();
+        WakeHostThread();
     }
 
     void SchedulingPoint() override {}
@@ -62,13 +62,13 @@ class FreeScheduler final : public Scheduler {
     void Leave(KernelLock& lock, Thread&) override { Wake(lock); }
 
     EventId At(KernelLock&, Time when, Action action) override {
-        WakeHardware();
+        WakeHostThread();
         return events_.Add(when, std::move(action));
     }
 
     void Cancel(KernelLock&, EventId id) override { events_.Cancel(id); }
 
-    bool RunHardware(const std::function<bool()>& done) override {
+    bool RunHostThread(const std::function<bool()>& done) override {
         while (!done()) {
             KernelLock lock = LockKernel();
             if (Action action = events_.TakeDue(Now())) {
@@ -76,11 +76,11 @@ class FreeScheduler final : public Scheduler {
                 action();
                 continue;
             }
-            // A wake since done() was asked counts: its state may be what done() looks at.
-            if (!hardware_woken_)
-                hardware_.wake.wait_until(
-                    lock, std::min(HostTime(events_.NextDue()), HostClock::now() + kLookAgain));
-            hardware_woken_ = false;
+            // Not after a wake since done() was called: done() may depend on the changed state.
+            if (!host_thread_woken_)
+                host_thread_.wake.wait_until(
+                    lock, std::min(HostTime(events_.NextDue()), HostClock::now() + kCallAgain));
+            host_thread_woken_ = false;
         }
         return true;
     }
@@ -96,12 +96,12 @@ class FreeScheduler final : public Scheduler {
     }
 
   private:
-    // done() may look at anything; ask it again after this much of the host's time at the latest.
-    static constexpr HostClock::duration kLookAgain = std::chrono::milliseconds(50);
+    // done() may depend on anything; it is called again after this much host time at the latest.
+    static constexpr HostClock::duration kCallAgain = std::chrono::milliseconds(50);
 
-    void WakeHardware() {
-        hardware_woken_ = true;
-        hardware_.wake.notify_one();
+    void WakeHostThread() {
+        host_thread_woken_ = true;
+        host_thread_.wake.notify_one();
     }
 
     HostClock::time_point HostTime(Time time) const {
@@ -110,7 +110,7 @@ class FreeScheduler final : public Scheduler {
         const std::chrono::duration<double, std::micro> host_time = unit_time / speed_;
         if (time == kNever || host_time > kFarAway)
             return host_start_ + kFarAway;
-        // The microsecond makes up for fractions cut off here and in Now().
+        // The microsecond compensates for rounding down here and in Now().
         return host_start_ + std::chrono::duration_cast<HostClock::duration>(host_time) +
                std::chrono::microseconds(1);
     }
@@ -128,16 +128,16 @@ class FreeScheduler final : public Scheduler {
     const double speed_;
     // Changed with the lock held.
     std::atomic<Time::rep> jumped_ = 0;
-    Thread& hardware_;
+    Thread& host_thread_;
     EventQueue events_;
     std::vector<Thread*> waiting_;
-    bool hardware_woken_ = false;
+    bool host_thread_woken_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<Scheduler> MakeFreeScheduler(const Options& options, Thread& hardware) {
-    return std::make_unique<FreeScheduler>(options, hardware);
+std::unique_ptr<Scheduler> MakeFreeScheduler(const Options& options, Thread& host_thread) {
+    return std::make_unique<FreeScheduler>(options, host_thread);
 }
 
 }  // namespace platform::kernel

@@ -8,14 +8,14 @@ namespace platform::kernel {
 
 // Values for the objects of one kind of handle. A value is never reused at once: it carries the
 // generation of its slot, so a stale value, a value closed twice and a value of another kind's
-// table are all simply not found. Not locked: whoever owns the table guards it.
+// table are not found. Not locked: the owner guards the table.
 template <class T>
 class HandleTable {
   public:
     // `kind`, 1 to 15, keeps the values of different tables apart.
     explicit HandleTable(unsigned kind) : kind_(kind) {}
 
-    // 0 when as many handles are open as a table can tell apart.
+    // 0 when the table is full.
     std::uintptr_t Insert(std::shared_ptr<T> object) {
         if (free_.empty()) {
             if (slots_.size() == kIndexMask)

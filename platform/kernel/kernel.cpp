@@ -30,11 +30,11 @@ void Boot(const Options& options, Board& board) {
     auto state = std::make_unique<KernelState>();
     state->options = options;
     state->board = &board;
-    state->hardware = std::make_shared<Thread>();
+    state->host_thread = std::make_shared<Thread>();
     state->scheduler = options.mode == Mode::kSimulated
-                           ? MakeSimulatedScheduler(options, *state->hardware)
-                           : MakeFreeScheduler(options, *state->hardware);
-    BecomeHardwareThread(state->hardware);
+                           ? MakeSimulatedScheduler(options, *state->host_thread)
+                           : MakeFreeScheduler(options, *state->host_thread);
+    BecomeHostThread(state->host_thread);
     g_state = state.release();
     ForgetCallFaults();
     g_booted = true;
@@ -59,7 +59,7 @@ Leftovers Shutdown() {
     // A thread that goes on must find its scheduler: its state is given up, not destroyed.
     if (leftovers.threads == 0)
         delete std::exchange(g_state, nullptr);
-    BecomeHardwareThread(nullptr);
+    BecomeHostThread(nullptr);
     ForgetCallFaults();
     return leftovers;
 }

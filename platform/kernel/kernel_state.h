@@ -16,14 +16,14 @@
 
 namespace platform::kernel {
 
-// Everything the kernel holds between Boot and Shutdown; guarded by the kernel lock except what
-// Boot sets once.
+// The state of the kernel between Boot and Shutdown. The kernel lock guards everything that Boot
+// does not set once.
 struct KernelState {
     Options options;
     Board* board = nullptr;
     std::unique_ptr<Scheduler> scheduler;
-    std::shared_ptr<Thread> hardware;
-    std::function<void()> hardware_waker;
+    std::shared_ptr<Thread> host_thread;
+    std::function<void()> host_thread_waker;
     std::vector<std::function<void()>> thread_end_hooks;
 
     HandleTable<Object> handles{kKernelObjects};
@@ -35,16 +35,16 @@ struct KernelState {
 // Between Boot and Shutdown only.
 KernelState& State();
 
-// The hardware's thread object stands in for the calling thread from now on.
-void BecomeHardwareThread(std::shared_ptr<Thread> thread);
+// Makes the calling thread the host thread.
+void BecomeHostThread(std::shared_ptr<Thread> thread);
 
-// Begins the count of the program's calls anew, without faults.
+// Resets the counts of the program's calls and clears all faults.
 void ForgetCallFaults();
 
-// Ends and joins the host threads of threads that have ended.
+// Joins the native threads of threads that have ended.
 void ReapThreads();
 
-std::unique_ptr<Scheduler> MakeFreeScheduler(const Options& options, Thread& hardware);
-std::unique_ptr<Scheduler> MakeSimulatedScheduler(const Options& options, Thread& hardware);
+std::unique_ptr<Scheduler> MakeFreeScheduler(const Options& options, Thread& host_thread);
+std::unique_ptr<Scheduler> MakeSimulatedScheduler(const Options& options, Thread& host_thread);
 
 }  // namespace platform::kernel

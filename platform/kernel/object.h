@@ -12,7 +12,7 @@ namespace platform::kernel {
 class Thread;
 using platform::NamedKind;
 
-// A kernel object: what a HANDLE stands for. It lives as long as a handle or a thread uses it.
+// A kernel object, referenced by HANDLEs. It lives as long as a handle or a thread uses it.
 class Object {
   public:
     Object() = default;
@@ -20,16 +20,16 @@ class Object {
     Object& operator=(const Object&) = delete;
     virtual ~Object() = default;
 
-    // What it is under its name, if it may have one.
+    // Its kind, if it may have a name.
     virtual NamedKind Kind() const { return NamedKind::kNone; }
 
-    // Whether a wait may name this object at all.
+    // Whether the object can be waited for.
     virtual bool Waitable() const { return false; }
 
-    // The two questions of every wait, asked with the kernel lock held: would `waiter` be let
-    // through, and, once it is, what does that take from the object.
+    // Called by every wait with the kernel lock held: whether `waiter` may pass, and the change of
+    // the object when it does.
     virtual bool Signalled(const Thread& waiter) const;
-    // Returns true when the object was abandoned by its last owner.
+    // True when the last owner abandoned the object.
     virtual bool Consume(Thread& waiter);
 
     // The handle was closed through CloseHandle; called once per handle, without the lock.

@@ -7,8 +7,8 @@
 namespace platform::kernel {
 namespace {
 
-bool BlockHardware(KernelLock& lock, const std::function<bool()>& ready, Time deadline) {
-    // What need not wait must not start other actions in the middle of the running one.
+bool BlockHostThread(KernelLock& lock, const std::function<bool()>& ready, Time deadline) {
+    // A call that need not wait must not start other actions in the middle of the running one.
     if (ready())
         return true;
     if (Now() >= deadline)
@@ -16,7 +16,7 @@ bool BlockHardware(KernelLock& lock, const std::function<bool()>& ready, Time de
     Scheduler& scheduler = *State().scheduler;
     const EventId alarm = deadline == kNever ? 0 : scheduler.At(lock, deadline, [] {});
     lock.unlock();
-    scheduler.RunHardware([&] {
+    scheduler.RunHostThread([&] {
         KernelLock inner = LockKernel();
         return ready() || Now() >= deadline;
     });
@@ -36,8 +36,8 @@ Time DeadlineAfter(unsigned long milliseconds) {
 }
 
 bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) {
-    if (&CurrentThread() == State().hardware.get())
-        return BlockHardware(lock, ready, deadline);
+    if (&CurrentThread() == State().host_thread.get())
+        return BlockHostThread(lock, ready, deadline);
     return State().scheduler->Block(lock, ready, deadline);
 }
 
@@ -51,8 +51,8 @@ void SchedulingPoint() {
 
 EventId At(KernelLock& lock, Time when, Action action) {
     const EventId id = State().scheduler->At(lock, when, std::move(action));
-    if (State().hardware_waker)
-        State().hardware_waker();
+    if (State().host_thread_waker)
+        State().host_thread_waker();
     return id;
 }
 
@@ -70,8 +70,8 @@ void Cancel(EventId id) {
     State().scheduler->Cancel(lock, id);
 }
 
-bool RunHardware(const std::function<bool()>& done) {
-    const bool finished = State().scheduler->RunHardware(done);
+bool RunHostThread(const std::function<bool()>& done) {
+    const bool finished = State().scheduler->RunHostThread(done);
     ReapThreads();
     return finished;
 }
@@ -85,14 +85,14 @@ bool JumpClock(Duration forward) {
         return false;
     KernelLock lock = LockKernel();
     State().scheduler->Jump(lock, forward);
-    if (State().hardware_waker)
-        State().hardware_waker();
+    if (State().host_thread_waker)
+        State().host_thread_waker();
     return true;
 }
 
-void SetHardwareWaker(std::function<void()> waker) {
+void SetHostThreadWaker(std::function<void()> waker) {
     KernelLock lock = LockKernel();
-    State().hardware_waker = std::move(waker);
+    State().host_thread_waker = std::move(waker);
 }
 
 }  // namespace platform::kernel

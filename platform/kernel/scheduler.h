@@ -24,63 +24,63 @@ class Scheduler {
     // See JumpClock.
     virtual void Jump(KernelLock& lock, Duration forward) = 0;
 
-    // Blocks the calling thread, which is not the hardware's, until ready() holds or the deadline
-    // has come, and returns the last answer of ready(). The lock is let go of while the thread is
-    // blocked; ready() is asked with the lock held, on any thread.
+    // Blocks the calling thread, which is not the host thread, until ready() holds or the deadline
+    // has come, and returns the last result of ready(). Releases the lock while the thread is
+    // blocked; ready() is called with the lock held, on any thread.
     virtual bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) = 0;
 
-    // Some state that a blocked thread's ready() looks at has changed.
+    // Called after a change of state that a blocked thread's ready() reads.
     virtual void Wake(KernelLock& lock) = 0;
 
-    // A place where another thread may run before the calling one goes on.
+    // Another thread may run here before the calling thread continues.
     virtual void SchedulingPoint() = 0;
 
     virtual void Adopt(KernelLock& lock, Thread& thread) = 0;
-    // The body of a new thread's host thread calls these around its entry.
+    // A new thread calls these around its entry.
     virtual void Enter(KernelLock& lock, Thread& thread) = 0;
     virtual void Leave(KernelLock& lock, Thread& thread) = 0;
 
-    // Actions of the hardware: run on the hardware's thread, in order of time, without the lock.
+    // Actions run on the host thread, in order of time, without the lock.
     virtual EventId At(KernelLock& lock, Time when, Action action) = 0;
     virtual void Cancel(KernelLock& lock, EventId id) = 0;
 
-    // Runs the hardware on the calling thread until done(), which is asked after every action.
-    // False when nothing can ever happen again (a simulated unit with every thread blocked).
-    virtual bool RunHardware(const std::function<bool()>& done) = 0;
+    // Runs the host thread's actions on the calling thread until done(), which is called after
+    // every action. False when nothing can ever happen again (a simulated unit with every thread
+    // blocked).
+    virtual bool RunHostThread(const std::function<bool()>& done) = 0;
 
-    // For a hardware thread with an event loop of its own (free running only): runs what is due and
-    // returns when the next action is.
+    // For a host thread with an event loop of its own (free running only): runs the due actions and
+    // returns the time of the next one.
     virtual Time RunDueActions() = 0;
 };
 
-// The functions below are what the rest of the platform and the unit call.
+// The functions below are for the rest of the platform and the unit.
 
-// See Scheduler::Block. Any thread of the platform; on the hardware's a wait runs the hardware.
+// See Scheduler::Block. Any thread of the platform; a wait of the host thread runs its actions.
 bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline);
 void Wake(KernelLock& lock);
 void SchedulingPoint();
 
-// Runs `action` on the hardware's thread at that time (at once, in its turn, when it has passed).
-// Any thread. The forms without a lock take it.
+// Runs `action` on the host thread at that time (when it has passed: in its turn, without delay).
+// Any thread. The forms without a lock parameter take the lock.
 EventId At(Time when, Action action);
 EventId At(KernelLock& lock, Time when, Action action);
 EventId After(Duration delay, Action action);
-// An action that has run already, or an unknown id, is ignored.
+// Ignores an unknown id and an action that has run already.
 void Cancel(EventId id);
 
-bool RunHardware(const std::function<bool()>& done);
+bool RunHostThread(const std::function<bool()>& done);
 Time RunDueActions();
 
-// Puts the unit's clock forward: what would have come meanwhile is all overdue at once. Actions run
-// in order of their time, each at the new one; waits and sleeps whose end has passed time out,
-// simulated threads of one priority in order of those ends. False, and nothing is done, for a jump
-// back (the clock of a unit never runs backwards) or one of more than kLongestJump. Hardware's
-// thread.
+// Puts the unit's clock forward: everything that was due in between is overdue at once. Actions run
+// in order of their times; waits and sleeps whose deadline has passed time out, simulated threads
+// of one priority in order of their deadlines. Does nothing and returns false for a jump back (a
+// unit's clock never runs backwards) or of more than kLongestJump. Host thread.
 inline constexpr Duration kLongestJump = std::chrono::hours(24 * 1000);
 bool JumpClock(Duration forward);
 
-// Called (any thread, kernel lock held) when an action was added or the screen changed: wakes an
-// event loop that waits outside the kernel. Set before threads start.
-void SetHardwareWaker(std::function<void()> waker);
+// Sets the function that wakes an event loop which waits outside the kernel: called (any thread,
+// kernel lock held) when an action was added or the screen changed. Set before threads start.
+void SetHostThreadWaker(std::function<void()> waker);
 
 }  // namespace platform::kernel

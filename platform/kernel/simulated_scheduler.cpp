@@ -42,16 +42,16 @@ class OneProcessor {
 };
 
 // One thread runs at a time and hands over when it blocks. When all are blocked, the clock jumps
-// to the next deadline or action. The hardware goes first, then the most urgent thread; the seed
+// to the next deadline or action. The host thread goes first, then the most urgent thread; the seed
 // chooses among equals.
 class SimulatedScheduler final : public Scheduler {
   public:
-    SimulatedScheduler(const Options& options, Thread& hardware)
+    SimulatedScheduler(const Options& options, Thread& host_thread)
         : now_(options.start.count()),
           preempt_(options.preempt),
-          hardware_(hardware),
+          host_thread_(host_thread),
           random_(options.seed) {
-        hardware_.running = true;
+        host_thread_.running = true;
     }
 
     Time Now() const override { return Time(now_.load()); }
@@ -73,11 +73,11 @@ class SimulatedScheduler final : public Scheduler {
 
     void SchedulingPoint() override {
         Thread& self = CurrentThread();
-        if (&self == &hardware_)
+        if (&self == &host_thread_)
             return;
         KernelLock lock = LockKernel();
-        const bool taken_away = preempt_ && random_() % kPreemptOneIn == 0;
-        if (!taken_away && !(woken_ && MoreUrgentIsReady(self)))
+        const bool preempted = preempt_ && random_() % kPreemptOneIn == 0;
+        if (!preempted && !(woken_ && MoreUrgentIsReady(self)))
             return;
         HandOver(lock, self, kAlways, kNever);
     }
@@ -96,7 +96,7 @@ class SimulatedScheduler final : public Scheduler {
     void Leave(KernelLock&, Thread& thread) override {
         std::erase(threads_, &thread);
         thread.running = false;
-        hardware_asked_ = true;
+        host_thread_requested_ = true;
         Start(Choose());
     }
 
@@ -106,7 +106,7 @@ class SimulatedScheduler final : public Scheduler {
 
     void Cancel(KernelLock&, EventId id) override { events_.Cancel(id); }
 
-    bool RunHardware(const std::function<bool()>& done) override {
+    bool RunHostThread(const std::function<bool()>& done) override {
         while (!done()) {
             KernelLock lock = LockKernel();
             if (Action action = events_.TakeDue(Now())) {
@@ -114,12 +114,12 @@ class SimulatedScheduler final : public Scheduler {
                 action();
                 continue;
             }
-            hardware_asked_ = false;
+            host_thread_requested_ = false;
             Thread& next = Choose();
-            if (&next != &hardware_) {
-                hardware_.running = false;
+            if (&next != &host_thread_) {
+                host_thread_.running = false;
                 Start(next);
-                hardware_.wake.wait(lock, [&] { return hardware_.running; });
+                host_thread_.wake.wait(lock, [&] { return host_thread_.running; });
             }
             if (stalled_) {
                 stalled_ = false;
@@ -131,7 +131,7 @@ class SimulatedScheduler final : public Scheduler {
     }
 
     Time RunDueActions() override {
-        RunHardware([this] {
+        RunHostThread([this] {
             KernelLock lock = LockKernel();
             return events_.NextDue() > Now();
         });
@@ -172,8 +172,8 @@ class SimulatedScheduler final : public Scheduler {
 
     Thread& Choose() {
         for (;;) {
-            if (hardware_asked_ || events_.NextDue() <= Now())
-                return hardware_;
+            if (host_thread_requested_ || events_.NextDue() <= Now())
+                return host_thread_;
             if (Thread* thread = ChooseReady())
                 return *thread;
             Time next = events_.NextDue();
@@ -181,7 +181,7 @@ class SimulatedScheduler final : public Scheduler {
                 next = std::min(next, thread->blocked_until);
             if (next == kNever) {
                 stalled_ = true;
-                return hardware_;
+                return host_thread_;
             }
             now_.store(next.count());
         }
@@ -200,7 +200,7 @@ class SimulatedScheduler final : public Scheduler {
         }
         if (candidates_.empty())
             return nullptr;
-        // Overdue are only those that the clock jumped over.
+        // Only a jump of the clock makes threads overdue.
         Thread* const earliest = *std::ranges::min_element(candidates_, {}, &Thread::blocked_until);
         if (earliest->blocked_until < Now())
             return earliest;
@@ -211,20 +211,20 @@ class SimulatedScheduler final : public Scheduler {
     const OneProcessor one_processor_;
     std::atomic<Time::rep> now_;
     const bool preempt_;
-    Thread& hardware_;
+    Thread& host_thread_;
     std::mt19937_64 random_;
     EventQueue events_;
     std::vector<Thread*> threads_;
     std::vector<Thread*> candidates_;
-    bool hardware_asked_ = false;
+    bool host_thread_requested_ = false;
     bool stalled_ = false;
     bool woken_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<Scheduler> MakeSimulatedScheduler(const Options& options, Thread& hardware) {
-    return std::make_unique<SimulatedScheduler>(options, hardware);
+std::unique_ptr<Scheduler> MakeSimulatedScheduler(const Options& options, Thread& host_thread) {
+    return std::make_unique<SimulatedScheduler>(options, host_thread);
 }
 
 }  // namespace platform::kernel

@@ -5,8 +5,8 @@
 
 namespace platform::kernel {
 
-// The only place where text changes its form. WCHAR is the host's 32-bit wchar_t, one code point
-// each. Malformed input becomes U+FFFD.
+// Conversions between text encodings. WCHAR is the host's 32-bit wchar_t, one code point each.
+// Malformed input becomes U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view text);
 std::wstring FromUtf16(std::u16string_view text);

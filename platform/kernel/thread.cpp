@@ -35,7 +35,7 @@ Thread& CurrentThread() {
     return t_current ? *t_current : *CurrentThreadShared();
 }
 
-void BecomeHardwareThread(std::shared_ptr<Thread> thread) {
+void BecomeHostThread(std::shared_ptr<Thread> thread) {
     t_current = std::move(thread);
 }
 
@@ -49,7 +49,7 @@ std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority, ProcessId
     thread->process = process;
     state.threads.push_back(thread);
     state.scheduler->Adopt(lock, *thread);
-    thread->host_thread = std::thread([thread, entry = std::move(entry)]() mutable {
+    thread->native_thread = std::thread([thread, entry = std::move(entry)]() mutable {
         t_current = thread;
         KernelLock inner = LockKernel();
         State().scheduler->Enter(inner, *thread);
@@ -81,7 +81,7 @@ void ReapThreads() {
         threads.erase(first, threads.end());
     }
     for (const std::shared_ptr<Thread>& thread : ended)
-        thread->host_thread.join();
+        thread->native_thread.join();
 }
 
 }  // namespace platform::kernel

@@ -13,14 +13,14 @@
 
 namespace platform::kernel {
 
-// The applications of the unit are processes to each other, each known by its number, which is what
-// GetCurrentProcessId gives. The system is the hardware's thread and whatever the unit itself does.
+// Each application of the unit is a process with a number. The system process is the host thread
+// and everything that the unit itself does.
 using ProcessId = DWORD;
 inline constexpr ProcessId kSystemProcess = 0x00400002;
 inline constexpr ProcessId kProgramProcess = 0x00500002;
 
 // A thread of the program or of one of the unit's applications; signalled once it has ended.
-// Fields are guarded by the kernel lock unless told otherwise.
+// By default the kernel lock guards the fields.
 class Thread : public Object {
   public:
     using Entry = std::function<DWORD()>;
@@ -34,30 +34,28 @@ class Thread : public Object {
     bool ended = false;
     DWORD exit_code = 0;
 
-    // What other subsystems keep per thread (its message queue); set and read by that thread or
-    // under the kernel lock.
+    // The window manager's queue of the thread; accessed by that thread or under the kernel lock.
     std::shared_ptr<void> message_queue;
 
-    // The scheduler's own: see scheduler.h.
+    // Owned by the scheduler; see scheduler.h.
     std::condition_variable wake;
     const std::function<bool()>* blocked_on = nullptr;
     Time blocked_until = kNever;
     bool running = false;
-    std::thread host_thread;
+    std::thread native_thread;
 };
 
-// The calling thread. The hardware's thread (and any thread the platform did not start) has a
-// Thread of its own too, which never ends.
+// The calling thread. The host thread, and any thread that the platform did not start, has a Thread
+// too, which never ends.
 Thread& CurrentThread();
 std::shared_ptr<Thread> CurrentThreadShared();
 
-// Starts `entry` on a thread of the platform, of the caller's process unless told otherwise. Any
-// thread.
+// Starts `entry` on a thread of the platform, by default in the caller's process. Any thread.
 std::shared_ptr<Thread> StartThread(Thread::Entry entry, int priority = THREAD_PRIORITY_NORMAL,
                                     ProcessId process = CurrentThread().process);
 
-// Registers what is to happen on every thread of the platform as its last action (windows of the
-// thread are destroyed there). Before threads start.
+// Registers an action that every thread of the platform runs last (it destroys the windows of the
+// thread). Before threads start.
 void AtThreadEnd(std::function<void()> hook);
 
 }  // namespace platform::kernel

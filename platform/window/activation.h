@@ -4,24 +4,25 @@
 
 namespace platform::window {
 
-// One window of the unit is in the foreground; it is the active window of its thread and usually
-// has that thread's focus. A thread whose window lost the foreground has no active window.
-// All without the kernel lock, on any thread; messages to a window of another thread follow there.
+// One window of the unit is in the foreground; it is the active window of its thread and, when it
+// is enabled, has that thread's focus. A thread whose window lost the foreground has no active
+// window. All on any thread, without the kernel lock; messages to a window of another thread follow
+// on that thread.
 
 // Raises a window with its owners and the windows it owns, and puts it in the foreground if it is
 // visible. `how` is WA_ACTIVE or WA_CLICKACTIVE.
 void BringForward(HWND window, UINT how);
 
-// A press came for that window.
+// Activates a window that was pressed.
 void ActivateTouched(HWND window);
 
-// The window is hidden or about to be destroyed: another one takes its place in the foreground.
+// For a window that is hidden or about to be destroyed: another window takes over the foreground.
 void LeaveActivation(HWND window);
 
-// The same without a message to the window itself, whose thread ends.
+// The same without a message to the window, whose thread ends.
 void PassForegroundOn(HWND window);
 
-// The window, disabled, can have the focus no longer.
+// Removes the focus from a disabled window.
 void DropFocus(HWND window);
 
 }  // namespace platform::window

@@ -7,7 +7,7 @@
 
 namespace platform::window {
 
-// What a dialog resource without controls says, measured in pixels.
+// A dialog resource without controls, in pixels.
 struct DialogTemplate {
     DWORD style = 0;
     DWORD extended_style = 0;
@@ -20,10 +20,9 @@ struct DialogTemplate {
     std::wstring title;
 };
 
-// Nothing with the last error set when the template asks for what is not there: controls
-// (ERROR_CALL_NOT_IMPLEMENTED, as for a menu or the extended form).
+// Nothing with ERROR_CALL_NOT_IMPLEMENTED for controls, a menu or the extended form.
 //
-// As Windows CE does, DS_CONTROL takes the caption and the system menu away.
+// As on Windows CE, DS_CONTROL removes the caption and the system menu.
 std::optional<DialogTemplate> ReadDialogTemplate(LPCDLGTEMPLATEW resource);
 
 }  // namespace platform::window

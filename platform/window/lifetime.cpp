@@ -15,7 +15,7 @@ namespace platform::window {
 
 namespace {
 
-// Everything that would need a frame around the client area.
+// Styles that need a frame around the client area.
 constexpr DWORD kFrameStyles = WS_CAPTION | WS_THICKFRAME | WS_VSCROLL | WS_HSCROLL;
 constexpr DWORD kFrameExtendedStyles =
     WS_EX_DLGMODALFRAME | WS_EX_CLIENTEDGE | WS_EX_STATICEDGE | WS_EX_CAPTIONOKBTN;
@@ -27,7 +27,7 @@ bool IsSupported(const CREATESTRUCTW& wanted) {
            (wanted.dwExStyle & kFrameExtendedStyles) == 0;
 }
 
-// A top-level window that leaves its place to the system gets the whole screen.
+// CW_USEDEFAULT means the whole screen.
 void FillDefaults(CREATESTRUCTW& wanted) {
     if (wanted.x == CW_USEDEFAULT) {
         wanted.x = 0;
@@ -79,8 +79,8 @@ bool Exists(HWND window) {
     return FindWindowObject(lock, window) != nullptr;
 }
 
-// The messages of a birth; false when the window did not want to live.
-bool Announce(HWND window, CREATESTRUCTW& wanted) {
+// Sends the messages of a creation; false when the window refused it.
+bool SendCreation(HWND window, CREATESTRUCTW& wanted) {
     const LPARAM creation = reinterpret_cast<LPARAM>(&wanted);
     if (!CallProcedure(window, WM_NCCREATE, 0, creation)) {
         CallProcedure(window, WM_NCDESTROY, 0, 0);
@@ -112,7 +112,7 @@ HWND CreateTopLevel(const CREATESTRUCTW& request) {
         return NULL;
     }
     const HWND window = Build(wanted);
-    if (!window || !Announce(window, wanted))
+    if (!window || !SendCreation(window, wanted))
         return NULL;
     if ((static_cast<DWORD>(wanted.style) & WS_VISIBLE) != 0)
         ShowWindow(window, SW_SHOW);

@@ -6,11 +6,11 @@
 
 namespace platform::window {
 
-// Whether a window can be there: its coordinates fit the messages that carry them.
+// Whether the coordinates fit the messages that carry them.
 bool IsPlaceable(int x, int y, int width, int height);
 
-// SetWindowPos. Works at once for windows of all threads; what it tells a window of another thread
-// follows, without a wait.
+// SetWindowPos. Takes effect at once for windows of all threads; does not wait for the messages to
+// a window of another thread.
 bool ChangePosition(const WINDOWPOS& wanted);
 
 }  // namespace platform::window

@@ -20,14 +20,14 @@ struct MessageFilter {
     bool Accepts(DWORD kind, HWND of_window, UINT message) const;
 };
 
-// The next message for the calling thread at this moment, in the API's order: posted messages,
+// The next message for the calling thread now, in the API's order: posted messages,
 // input, quit, paint, timers. (Sent messages come before; the caller handles them.) A paint that
 // another thread's UpdateWindow requested without waiting comes first, in turn with the others:
 // otherwise a thread that requests paints faster than the window can paint would keep them out.
 std::optional<MSG> NextMessage(kernel::KernelLock& lock, MessageQueue& queue,
                                const MessageFilter& filter, bool remove);
 
-// When the queue will have something that it has not now: its next timer's due time.
+// The next time at which the queue gets a message by itself: its next timer's or repeated paint's.
 kernel::Time NextTimed(kernel::KernelLock& lock, const MessageQueue& queue,
                        const MessageFilter& filter);
 

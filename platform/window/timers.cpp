@@ -66,7 +66,7 @@ std::optional<MSG> NextTimerMessage(kernel::KernelLock& lock, MessageQueue& queu
     message.lParam = reinterpret_cast<LPARAM>(first->procedure);
     message.time = MessageTime();
     message.pt = TheDesktop(lock).touch_position;
-    // Periods that passed unfetched are one message; the beat stays that of the arming.
+    // Missed periods are one message; the next due time stays a multiple of the period.
     if (remove)
         first->due += ((now - first->due) / first->period + 1) * first->period;
     return message;
@@ -105,7 +105,7 @@ UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedu
     const kernel::Duration period = PeriodOf(milliseconds);
     queue->timers.push_back({window, id, procedure, period, kernel::Now() + period});
     kernel::Wake(lock);
-    // Success must not look like failure for the id 0.
+    // 0 would mean failure.
     return id != 0 ? id : 1;
 }
 

@@ -20,13 +20,13 @@ struct WindowClass {
     WNDCLASSW settings{};  // lpszClassName points at `name`
 };
 
-// The part of a window that must be painted: a bounding rectangle, empty when nothing must.
+// The part of a window that must be painted: a bounding rectangle, possibly empty.
 struct Update {
     RECT rectangle{};
     bool erase = false;
     // Another thread's UpdateWindow requested this paint: it comes before all other messages.
     bool requested = false;
-    // A WM_PAINT that was fetched and validated nothing comes again, but not before this.
+    // A fetched WM_PAINT that did not validate comes again at this time.
     kernel::Time again{};
 };
 
@@ -64,7 +64,7 @@ struct Window {
     int height() const { return rectangle.bottom - rectangle.top; }
 };
 
-// A window's pixels for its size, holding what `previous` (may be null) showed.
+// A window's pixels for its size, with the content of `previous` (may be null).
 std::shared_ptr<gdi::Surface> MakeSurface(int width, int height, const gdi::Surface* previous);
 
 }  // namespace platform::window

@@ -7,7 +7,7 @@
 
 namespace {
 
-// offsetof cannot tell where a bit field lies.
+// offsetof does not apply to bit fields.
 TEST(Dcb, FlagsLieWhereTheSerialDriverLooksForThem) {
     const std::pair<void (*)(DCB&), DWORD> cases[] = {
         {[](DCB& dcb) { dcb.fBinary = 1; }, 0x0001},

@@ -28,7 +28,7 @@ TEST_P(ClockJump, MakesEverythingDueThatItPasses) {
         jumped_to = kernel::Now() + 10min;
         EXPECT_TRUE(kernel::JumpClock(10min));
         EXPECT_GE(GetTickCount() - before, 600000U);
-        EXPECT_EQ(order.size(), 0U) << "no action runs in the middle of another";
+        EXPECT_EQ(order.size(), 0U) << "no action runs inside another";
     });
     platform.Run(
         [&] {
@@ -40,7 +40,7 @@ TEST_P(ClockJump, MakesEverythingDueThatItPasses) {
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-// Whoever waited for the earlier time goes first, whatever the seed.
+// The thread with the earlier deadline runs first, for any seed.
 TEST(SimulatedClockJump, TimesThreadsOutInOrderOfTime) {
     for (std::uint64_t seed = 1; seed <= 20; ++seed)
         OnPlatform(
@@ -59,7 +59,7 @@ TEST(SimulatedClockJump, TimesThreadsOutInOrderOfTime) {
             {.seed = seed});
 }
 
-// The tick count begins anew at zero after 49.7 days; nothing else notices.
+// The tick count wraps to zero after 49.7 days; timers and waits are not affected.
 TEST(TickCount, WrapsUnderTimersAndWaits) {
     constexpr kernel::Time kWrap = std::chrono::milliseconds(std::uint64_t{1} << 32);
     OnPlatform(

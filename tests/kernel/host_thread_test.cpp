@@ -68,7 +68,7 @@ TEST(FreeRunning, WakerAndDueActionsServeAnEventLoopOutside) {
     Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 100});
     std::atomic<int> wakes = 0;
     bool ran = false;
-    kernel::SetHardwareWaker([&] { ++wakes; });
+    kernel::SetHostThreadWaker([&] { ++wakes; });
     EXPECT_EQ(kernel::RunDueActions(), kernel::kNever);
     const Crew crew([&] { kernel::After(20ms, [&] { ran = true; }); });
     while (wakes == 0)
@@ -76,18 +76,18 @@ TEST(FreeRunning, WakerAndDueActionsServeAnEventLoopOutside) {
     while (!ran)
         kernel::RunDueActions();
     EXPECT_EQ(kernel::RunDueActions(), kernel::kNever);
-    kernel::SetHardwareWaker({});
+    kernel::SetHostThreadWaker({});
 }
 
-// What is signalled between the question and the wait must not be slept over. The hardware looks
-// again every 50 ms anyway, which would hide it; a loaded host may be slow once, not every time.
-TEST(FreeRunning, HardwareSleepsThroughNoWake) {
+// The host thread must not miss a wake between its check and its wait. It checks again every 50 ms
+// anyway, which would hide a missed wake; a loaded host may be slow once, not every time.
+TEST(FreeRunning, HostThreadMissesNoWake) {
     Platform platform({.mode = kernel::Mode::kFreeRunning});
     kernel::Duration shortest = kernel::kNever;
     for (int attempt = 0; attempt < 5; ++attempt) {
         bool asked = false;
         const kernel::Time start = kernel::Now();
-        EXPECT_TRUE(kernel::RunHardware([&] {
+        EXPECT_TRUE(kernel::RunHostThread([&] {
             if (std::exchange(asked, true))
                 return true;
             kernel::KernelLock lock = kernel::LockKernel();

@@ -29,9 +29,9 @@ PLATFORM_TEST(SimulatedScheduler, MoreUrgentThreadRunsBeforeTheNextCall) {
     EXPECT_EQ(order, "0 2 waker 3 lowered 5 ");
 }
 
-// The same seed makes the same history, another one another; only preemption interleaves threads
-// that never wait.
-TEST(SimulatedScheduler, FollowsItsSeed) {
+// Equal seeds give equal histories, different seeds different ones; only preemption interleaves
+// threads that never wait.
+TEST(SimulatedScheduler, IsDeterminedByItsSeed) {
     const auto history = [](std::uint64_t seed, bool preempt, bool waits) {
         std::string order;
         const auto run = [&] {
@@ -66,10 +66,10 @@ TEST(SimulatedScheduler, UnitWithEveryThreadBlockedIsReportedAsStalled) {
     const auto thread =
         kernel::StartThread([=] { return DWORD{WaitForSingleObject(event, INFINITE)}; });
     const auto ended = [&] { return thread->ended; };
-    EXPECT_FALSE(kernel::RunHardware(ended));
+    EXPECT_FALSE(kernel::RunHostThread(ended));
     SetEvent(event);
-    EXPECT_TRUE(kernel::RunHardware(ended));
-    EXPECT_FALSE(kernel::RunHardware([] { return false; })) << "nobody is left at all";
+    EXPECT_TRUE(kernel::RunHostThread(ended));
+    EXPECT_FALSE(kernel::RunHostThread([] { return false; })) << "no thread is left";
     CloseHandle(event);
 }
 

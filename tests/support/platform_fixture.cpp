@@ -53,7 +53,7 @@ void Platform::Run(std::function<void()> body, kernel::Duration limit) {
     const auto thread = kernel::StartThread(entry, THREAD_PRIORITY_NORMAL, kernel::kProgramProcess);
     bool late = false;
     const kernel::EventId alarm = kernel::After(limit, [&] { late = true; });
-    kernel::RunHardware([&] {
+    kernel::RunHostThread([&] {
         const kernel::KernelLock lock = kernel::LockKernel();
         return thread->ended || late;
     });
@@ -65,7 +65,7 @@ void Platform::RunFor(kernel::Duration time) {
     // An action of its own, so that what is due by then has run before.
     bool passed = false;
     kernel::After(time, [&] { passed = true; });
-    kernel::RunHardware([&] { return passed; });
+    kernel::RunHostThread([&] { return passed; });
 }
 
 }  // namespace tests

@@ -19,11 +19,11 @@ namespace tests {
 namespace kernel = platform::kernel;
 using namespace std::chrono_literals;
 
-// Threads that a platform thread starts and waits for, through the API.
+// Threads that a platform thread starts and joins.
 class Crew {
   public:
     Crew() = default;
-    // A crew of one.
+    // With one thread.
     explicit Crew(std::function<void()> body) { Start(std::move(body)); }
     Crew(const Crew&) = delete;
     Crew& operator=(const Crew&) = delete;
@@ -49,13 +49,13 @@ class Crew {
     std::vector<HANDLE> handles_;
 };
 
-// Runs `body` on a thread of a platform of its own.
+// Runs `body` on a thread of a new platform.
 inline void OnPlatform(const std::function<void()>& body, const kernel::Options& options = {}) {
     Platform platform(options);
     platform.Run(body);
 }
 
-// Runs `body` with each of the cases, which have a `name`, each on a platform of its own.
+// Runs `body` with each case (which has a `name`) on a new platform.
 template <class Cases, class Body>
 void OnPlatformForEach(const Cases& cases, Body body) {
     for (const auto& each : cases) {
@@ -72,14 +72,14 @@ void OnPlatformForEach(const Cases& cases, Body body) {
     }                                                             \
     static void suite##name([[maybe_unused]] Platform& platform)
 
-// A test that runs on a thread of a `platform` of its own; likewise, in every mode.
+// A test that runs on a thread of a new `platform`; the same in every mode.
 #define PLATFORM_TEST(suite, name) TESTS_ON_PLATFORM(TEST, suite, name)
 #define EVERY_MODE_TEST(suite, name) TESTS_ON_PLATFORM(TEST_P, suite, name, (GetParam().options))
 #define EVERY_MODE_SUITE(suite) \
     using suite = InEveryMode;  \
     INSTANTIATE_IN_EVERY_MODE(suite)
 
-// Expects that a call returns nothing, and with this last error.
+// Expects that a call returns a false value with this last error.
 template <class Call>
 void ExpectFails(DWORD error, Call call) {
     SetLastError(ERROR_SUCCESS);

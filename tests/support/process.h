@@ -10,12 +10,12 @@
 
 namespace tests {
 
-// Built programs as an engineer starts them: options in, exit status, lines and files out. Every
-// test has a folder of its own, which is the user's runtime folder too.
+// Starts built programs as an engineer does and checks exit status, output and files. Every test
+// has its own folder, which is also the user's runtime folder.
 class Process : public testing::Test {
   protected:
     Process();
-    // Ends what still runs.
+    // Ends processes that still run.
     ~Process() override;
 
     // Output and errors go to files "out" and "err" of the test's folder, with `tag` before them.
@@ -28,7 +28,7 @@ class Process : public testing::Test {
         return Wait(Start(program, arguments, tag));
     }
 
-    // Looks every few milliseconds of the host's time; false after a minute.
+    // Checks every few milliseconds of host time; false after a minute.
     static bool WaitUntil(const std::function<bool()>& condition);
 
     std::string Path(const std::string& name) const { return folder_ + "/" + name; }

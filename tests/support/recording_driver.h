@@ -13,8 +13,8 @@
 
 namespace tests {
 
-// A stream driver that writes down what it is asked: the code, the input, and "->" with the size of
-// the output if there is one, in hex: "80012070 3F 00 00 00 ->4".
+// A stream driver that records its requests in hex: the code, the input, and "->" with the size of
+// the output if there is one: "80012070 3F 00 00 00 ->4".
 class RecordingDriver final : public platform::device::StreamDriver {
   public:
     DWORD Open(DWORD access, DWORD share_mode,
@@ -29,9 +29,9 @@ class RecordingDriver final : public platform::device::StreamDriver {
 
     DWORD open_answer = ERROR_SUCCESS;
     DWORD request_answer = ERROR_SUCCESS;
-    // Called first; may change the answer.
+    // Called first; may change the results.
     std::function<void(DWORD access, DWORD share_mode)> on_open;
-    int opens = 0;  // those that failed too
+    int opens = 0;  // including failed ones
     int open_handles = 0;
     std::vector<std::string> requests;
 

@@ -23,7 +23,7 @@ inline const RunMode kRunModes[] = {
     {"FreeRunning", {.mode = platform::kernel::Mode::kFreeRunning, .speed = 100}},
 };
 
-// A test that holds however the platform runs.
+// A test that holds in every mode.
 class InEveryMode : public testing::TestWithParam<RunMode> {};
 
 }  // namespace tests

@@ -67,7 +67,7 @@ bool WizardRun::CloseAnyhow() {
 void WizardRun::RunFor(std::chrono::milliseconds time) {
     const kernel::Time deadline = kernel::Now() + time;
     kernel::At(deadline, [] {});
-    kernel::RunHardware([&] { return kernel::Now() >= deadline; });
+    kernel::RunHostThread([&] { return kernel::Now() >= deadline; });
 }
 
 bool WizardRun::RunUntil(const std::function<bool()>& condition, std::chrono::seconds limit) {
@@ -83,7 +83,7 @@ bool WizardRun::RunUntil(const std::function<bool()>& condition, std::chrono::se
 std::string WizardRun::RunScenario(const std::string& text) {
     unit::ScenarioRun run(*operator_, Read(text), {});
     run.Start();
-    kernel::RunHardware([&] { return run.finished(); });
+    kernel::RunHostThread([&] { return run.finished(); });
     return run.problem();
 }
 
@@ -96,7 +96,7 @@ bool WizardRun::Tap(const std::string& caption) {
 
 void WizardRun::TapAt(POINT place) {
     operator_->Tap(place, 100ms);
-    kernel::RunHardware([this] { return !operator_->busy(); });
+    kernel::RunHostThread([this] { return !operator_->busy(); });
 }
 
 std::vector<std::string> WizardRun::lines() const {

@@ -34,7 +34,7 @@ class Scenarios : public Process {
             return "unread: " + problems.front();
         ScenarioRun run(operator_, std::move(*scenario), options_);
         run.Start();
-        platform::kernel::RunHardware([&] { return run.finished(); });
+        platform::kernel::RunHostThread([&] { return run.finished(); });
         problem_ = run.problem();
         duration_ = run.duration();
         EXPECT_EQ(run.passed(), problem_.empty());

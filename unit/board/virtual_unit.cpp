@@ -100,7 +100,7 @@ void VirtualUnit::Start() {
 bool VirtualUnit::RunUntil(const std::function<bool()>& done, std::chrono::seconds limit) {
     const kernel::Time deadline = kernel::Now() + limit;
     const kernel::EventId alarm = kernel::At(deadline, [] {});
-    kernel::RunHardware([&] { return done() || kernel::Now() >= deadline; });
+    kernel::RunHostThread([&] { return done() || kernel::Now() >= deadline; });
     kernel::Cancel(alarm);
     return done();
 }

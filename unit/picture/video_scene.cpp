@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/gdi/device_context.h"
+#include "platform/gdi/gdi.h"
 #include "unit/picture/calendar.h"
 
 namespace unit {

@@ -61,7 +61,7 @@ class Run {
 
     ReplayResult ToTheEnd() {
         unit_.Start();
-        kernel::RunHardware([this] { return Ended(); });
+        kernel::RunHostThread([this] { return Ended(); });
         ReplayResult result;
         result.time = kernel::Now() - recording_.header.start;
         // How the program ends is compared when the recording has its end.

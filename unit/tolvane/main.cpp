@@ -32,7 +32,7 @@ int RunProgram() {
 
 int RunWithoutWindow(VirtualUnit& unit, const CloseSignals& signals) {
     unit.Start();
-    kernel::RunHardware([&] { return signals.raised() || !unit.program().running(); });
+    kernel::RunHostThread([&] { return signals.raised() || !unit.program().running(); });
     return CloseUnit(unit) ? unit.program().exit_code() : kExitFailed;
 }
 
@@ -43,7 +43,7 @@ int RunInWindow(VirtualUnit& unit, Operator& op, ProcessLinks& links,
     const bool waits = links.second();
     if (waits) {
         unit.Start();
-        kernel::RunHardware([&] {
+        kernel::RunHostThread([&] {
             return signals.raised() || !unit.program().running() || ProgramHost::HasWindow();
         });
     }

@@ -50,7 +50,7 @@ bool RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run, const CommandLine&
     } else {
         unit.Start();
         run.Start();
-        kernel::RunHardware(done);
+        kernel::RunHostThread(done);
     }
     run.Stop(signals.raised() ? "interrupted" : "the window was closed");
     return CloseUnit(unit) && run.passed();

@@ -62,12 +62,12 @@ Workbench::Workbench(VirtualUnit& unit, Operator& op, const Options& options)
     context_.dock_height *= context_.scale;
     if (!options.kiosk)
         canvas_.emplace(window_);
-    kernel::SetHardwareWaker(WakeEventLoop);
+    kernel::SetHostThreadWaker(WakeEventLoop);
     unit_.OnScreenChange(WakeEventLoop);
 }
 
 Workbench::~Workbench() {
-    kernel::SetHardwareWaker({});
+    kernel::SetHostThreadWaker({});
     unit_.OnScreenChange({});
 }
 
