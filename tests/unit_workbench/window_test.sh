@@ -16,15 +16,14 @@ fail() {
     cat err >&2
     exit 1
 }
-# Repeats a check for at most a minute: wait_for WHAT CHECK...
+# Repeats a check for at most five minutes: wait_for WHAT CHECK...
 wait_for() {
-    local what=$1
+    local what=$1 end=$((SECONDS + 300))
     shift
-    for ((i = 0; i < 600; ++i)); do
-        if "$@"; then return; fi
+    until "$@"; do
+        ((SECONDS < end)) || fail "waited in vain: $what"
         sleep 0.1
     done
-    fail "waited in vain: $what"
 }
 expect() {
     [ "$2" "$3" "$4" ] || fail "$1: $2 $3 $4"
