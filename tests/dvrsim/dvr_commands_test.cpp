@@ -156,6 +156,10 @@ TEST(Dvr, KeepsNothingButItsVersionOverAPowerCycle) {
     request(0x8010, 0);
     EXPECT_EQ(host.actions.size(), actions + 1) << "no request is pending";
     EXPECT_LE(host.last_delay, 12ms) << "the processor is not busy";
+    auto damaged = EncodeFrame(FrameType::kRequest, 0x8010, {});
+    damaged.back() ^= 1U;
+    dvr.Receive(damaged);
+    EXPECT_EQ(dvr.DamagedFrames(), 1U);
 }
 
 TEST(Dvr, ReportsEachPercentOfAnUpdateOnce) {
