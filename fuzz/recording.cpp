@@ -7,8 +7,8 @@
 
 #include "control/protocol.h"
 #include "fuzz/fuzz.h"
-#include "unit/recording/moment_text.h"
-#include "unit/recording/recording_reader.h"
+#include "unit/events/event_text.h"
+#include "unit/recording/recording.h"
 
 namespace {
 
@@ -35,8 +35,8 @@ std::optional<unit::Recording> Read(std::string_view text, std::string& problem)
 
 std::string Written(const unit::Recording& recording) {
     std::string text = unit::HeaderText(recording.header);
-    for (const unit::RecordedMoment& moment : recording.moments)
-        text += unit::TimeText(moment.time) + " " + unit::MomentText(moment.moment) + "\n";
+    for (const unit::RecordedEvent& recorded : recording.events)
+        text += unit::TimeText(recorded.time) + " " + unit::EventLine(recorded.event) + "\n";
     return text;
 }
 

@@ -11,9 +11,9 @@ namespace {
 
 // In a folder that does not exist, so that no included file does.
 constexpr char kFile[] = "/nowhere/fuzz.scenario";
-constexpr std::size_t kMostSteps = 100'000;
+constexpr std::size_t kMaxSteps = 100'000;
 
-// The commands as they would be written.
+// The commands of the scenario, one per line.
 std::string Written(const unit::Scenario& scenario) {
     std::string text;
     for (const unit::Step& step : scenario.steps)
@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     if (!scenario)
         return 0;
-    Check(scenario->steps.size() <= kMostSteps, "repetitions have a limit");
+    Check(scenario->steps.size() <= kMaxSteps, "repetitions have a limit");
     const std::string written = Written(*scenario);
     const auto again = unit::ReadScenario(written, kFile, problems);
     Check(again.has_value(), "a command is read as it is written", written);

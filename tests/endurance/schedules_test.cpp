@@ -9,7 +9,7 @@
 #include "platform/kernel/scheduler.h"
 #include "tests/campaign/case.h"
 #include "tests/support/numbers.h"
-#include "unit/control/watch.h"
+#include "unit/events/event_text.h"
 
 namespace tests {
 namespace {
@@ -43,14 +43,12 @@ ThreadTraces WholeUpdate(std::uint32_t schedule) {
     WizardRun run(options);
     std::map<DWORD, std::vector<std::string>> by_thread;
     {
-        const unit::Watch watch(
-            run.unit().events(), {.frames = true, .broadcasts = true, .log = true, .rest = true},
-            [&by_thread](const std::string& line) {
-                const std::string what = line.substr(line.find("  ", line.find('.')));
-                // The card's folder has another name each time.
-                if (!what.starts_with("  card  "))
-                    by_thread[kernel::CurrentThread().id].push_back(what);
-            });
+        const auto watch = run.unit().events().Subscribe([&](const unit::TimedEvent& timed) {
+            // The card's folder has another name each time.
+            if (unit::IsTraced(timed.event) &&
+                !std::holds_alternative<unit::CardMoved>(timed.event))
+                by_thread[kernel::CurrentThread().id].push_back(unit::EventLine(timed.event));
+        });
         CarDriver driver(run);
         EXPECT_EQ(
             campaign::RunFlow(*campaign::Named("flow", "quick", campaign::Flows()), run, driver),

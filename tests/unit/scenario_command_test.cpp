@@ -40,7 +40,7 @@ TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
 
     EXPECT_EQ(Run({fails, passes}), 1);
     EXPECT_TRUE(Read("err").starts_with("tolvane: " + fails +
-                                        ":3: expect step result: it is not so; "
+                                        ":3: expect step result: not true; "
                                         "the step is -1, power on\n"))
         << Read("err");
     for (const auto& [file, text] : {std::pair("err", "seed 9; saved in " + Path("left/fails")),

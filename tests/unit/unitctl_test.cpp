@@ -69,15 +69,15 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     EXPECT_FALSE(state["screen"]["texts"].empty());
     EXPECT_EQ(state["scaler"]["window"]["place"].size(), 4U);
 
-    const std::string card = "card       in " + Path("my card");
+    const std::string card = "card       in \"" + Path("my card") + "\"";
     EXPECT_TRUE(WaitUntil([&] { return Read("watch-out").find(card) != std::string::npos; }));
     const std::string heard = Read("watch-out");
     std::size_t at = 0;
     for (const char* part :
          {"request    _KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
-          "broadcast  _KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_ wparam 0",
+          "broadcast  _KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_ 0x0 0x0",
           "PowerResume_Acknowledge_", "PowerOFF_Acknowledge_",
-          "power      off, battery 40 % flag 2"}) {
+          "supply     line 0 battery 2 percent 40"}) {
         at = heard.find(part, at);
         EXPECT_NE(at, std::string::npos) << part << " is not in its place in\n" << heard;
     }

@@ -60,7 +60,7 @@ class Monitored {
               Direction direction = kToUnit) {
         const std::string start = direction == kToUnit ? "to unit  " : "to DVR  ";
         for (const unit::LineEntry& entry :
-             monitor_.Take(time, {direction, {bytes.begin(), bytes.end()}})) {
+             monitor_.Take(time, direction, bytes)) {
             EXPECT_TRUE(entry.Text().starts_with(start)) << entry.Text();
             texts += (texts.empty() ? "" : "\n") + entry.Text().substr(start.size());
         }

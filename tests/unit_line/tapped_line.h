@@ -12,8 +12,8 @@
 #include "control/words.h"
 #include "platform/kernel/scheduler.h"
 #include "tests/support/platform_fixture.h"
-#include "unit/events/hex_text.h"
 #include "unit/line/fault_text.h"
+#include "unit/line/frame_text.h"
 #include "unit/line/line_tap.h"
 
 namespace tests {

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tests/support/cases.h"
 #include "tests/support/process.h"
 #include "tests/unit_harness/wizard_run.h"
 #include "unit/picture/picture.h"
+#include "unit/state/unit_state.h"
 
 // Scenarios on the whole program and unit, in simulated time.
 
@@ -25,8 +27,8 @@ class Scenarios : public Process {
         options_.say = [this](const std::string& line) { said_ += line + "\n"; };
     }
 
-    // Runs it on a unit that goes on from where the one before it left off. The first line of what
-    // is wrong, without its place; empty when nothing.
+    // Runs the scenario on the unit as the last one left it. Returns the first line of the problem,
+    // without the file; empty when it passed.
     std::string Run(const std::string& text) {
         std::vector<std::string> problems;
         auto scenario = ReadScenario(text, Path("a.scenario"), problems);
@@ -44,10 +46,10 @@ class Scenarios : public Process {
         return problem_.substr(from, problem_.find('\n') - from);
     }
 
-    // Its last line fails; what is wrong begins so, behind that line.
+    // The last line of the scenario must fail, with a problem that begins so.
     void Fails(const std::string& text, const std::string& problem) {
         const std::string found = Run(text);
-        const auto line = 1 + std::ranges::count(text, '\n');
+        const auto line = std::ranges::count(text, '\n') + (text.ends_with('\n') ? 0 : 1);
         EXPECT_TRUE(found.starts_with(std::to_string(line) + ": ")) << found;
         const std::string said = found.substr(std::min(found.find(": ", 4), found.size()));
         EXPECT_TRUE(said.starts_with(": " + problem)) << found;
@@ -61,44 +63,31 @@ class Scenarios : public Process {
     platform::kernel::Duration duration_{};
 };
 
-// What they see is in the library of scenarios; here is what they say when it is not so.
-TEST_F(Scenarios, FailWithWhatIsSoInstead) {
+// tests/scenarios shows that conditions hold; here are their failures.
+TEST_F(Scenarios, FailWithTheActualState) {
     ASSERT_EQ(Run("wait button 'Power On' within 5s\nwait 1s"), "");
-    Fails("expect step result", "it is not so; the step is -1, power on");
-    Fails("wait step updating within 2s", "did not come within 2 s; the step is -1, power on");
-    Fails("expect no button 'Power On'", "it is so");
-    Fails("wait no button 'Power On' within 1s", "was still so after 1 s");
-    Fails("expect percent at least 1", "it is not so; the percent is 0");
-    Fails("expect program ended with 0", "it is not so; the program runs");
-    Fails("expect firmware 15", "it is not so; the DVR runs 14.06.12.V1.00.05");
-    Fails("tap 'Power On'\nexpect no text OK for 3s", "came after 0.0");
-    Fails("expect text OK for 1s\ntap OK\nexpect text OK for 1s", "no longer so after 0.0");
-    Fails("tap Nowhere", "there is no Nowhere on the screen; there is \"<< DVR Firm");
-    const std::string latest = "the latest of its kind:";
-    Fails("battery 30 flag 1\nwait broadcast Power\nwait broadcast Power within 2s",
-          "did not come within 2 s; " + latest);
-    Fails("battery 30 flag 1\nexpect broadcast Power times 2 within 1s",
-          "did not come within 1 s; it came 1 times; " + latest);
-    Fails("battery 30 flag 1\nwait 1s\nexpect no broadcast Power", "it is so; " + latest);
-    Fails("battery 30 flag 1\nexpect no broadcast Power for 1s", "came after 0.005 s; " + latest);
-    EXPECT_NE(problem_.find("broadcast  _KESTA_Technology,Inc._All_APP_PowerStatusChange_ wparam 1 "
-                            "lparam 1\n    on the screen stand "),
+    const auto cases = CasesFrom(SCENARIO_CASES "/failing-scenarios.txt");
+    EXPECT_EQ(cases.size(), 15U);
+    std::string problems;
+    for (const auto& [text, problem] : cases) {
+        Fails(text, problem);
+        problems += problem_;
+    }
+    // The latest events are shown, then the screen.
+    EXPECT_NE(problems.find("  frame      to unit  "), std::string::npos) << problems;
+    EXPECT_NE(problems.find("broadcast  _KESTA_Technology,Inc._All_APP_PowerStatusChange_ 0x1 0x1\n"
+                            "    on the screen: "),
               std::string::npos)
-        << problem_;
-    Fails(
-        "dvr indicate FW_Upgrade_Version 05\n"
-        "wait frame FW_Upgrade_Version acknowledgement to-unit within 1s",
-        "did not come within 1 s; " + latest);
-    EXPECT_NE(problem_.find("  frame      to unit  "), std::string::npos) << problem_;
+        << problems;
 }
 
-TEST_F(Scenarios, PassTimeAndSpeak) {
+TEST_F(Scenarios, WaitAndPrintMessages) {
     ASSERT_EQ(Run("repeat 3\nwait 1.5s\nsay 'so far'\nend"), "");
     EXPECT_EQ(said_, "so far\nso far\nso far\n");
     EXPECT_EQ(duration_, 4500ms);
 }
 
-TEST_F(Scenarios, ComparePicturesAndSaveWhatDiffers) {
+TEST_F(Scenarios, ComparePicturesAndSaveTheDifference) {
     options_.pictures = Path("pictures");
     options_.update_screens = true;
     ASSERT_EQ(Run("wait button 'Power On'\nwait 1s\nexpect screen first.png\n"
@@ -135,7 +124,7 @@ TEST_F(Scenarios, ComparePicturesAndSaveWhatDiffers) {
     Fails("expect screen none.png", Path("none.png: No such file or directory"));
 }
 
-TEST_F(Scenarios, StopTellsWhereTheyStood) {
+TEST_F(Scenarios, ReportTheirCommandWhenStopped) {
     std::vector<std::string> problems;
     ScenarioRun run(operator_, *ReadScenario("wait 1s\nwait 1min", "b.scenario", problems), {});
     run.Start();
@@ -149,12 +138,19 @@ TEST_F(Scenarios, StopTellsWhereTheyStood) {
         << run.problem();
 }
 
-TEST_F(Scenarios, EndWhereTheyCannotRememberMore) {
+TEST_F(Scenarios, FailAtTheirLimitOfEvents) {
     platform::kernel::After(1s, [this] {
-        for (std::size_t count = 0; count < Happenings::kMost; ++count)
+        for (std::size_t count = 0; count < EventLog::kMaxEvents; ++count)
             run_.unit().events().Publish(FaultApplied{});
     });
-    Fails("wait 5s", "more than 1000000 things have happened; a scenario looks back on no more");
+    Fails("wait 5s", "the run has more than 1000000 events, the limit for a scenario");
+}
+
+TEST(StateJson, ReplacesTextThatIsNotUtf8) {
+    VirtualUnit::Options options;
+    options.dvr.dvr.firmware_version = "14.\xFF";
+    WizardRun run(options);
+    EXPECT_NE(StateJson(run.unit()).find("\"14.\xEF\xBF\xBD\""), std::string::npos);
 }
 
 }  // namespace

@@ -77,12 +77,12 @@ DWORD Faults::TakeRefusal(std::wstring_view name, DWORD code) {
 
 void Faults::SetHalRefuses(bool refuses) {
     hal_refuses_ = refuses;
-    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kHalRefuses, refuses});
+    events_.Publish(HalSwitched{refuses});
 }
 
 void Faults::SetBatteryDriverFails(bool fails) {
     battery_driver_fails_ = fails;
-    events_.Publish(BoardFaultSwitched{BoardFaultSwitched::Fault::kBatteryDriverFails, fails});
+    events_.Publish(BatteryDriverSwitched{fails});
 }
 
 std::vector<std::string> Faults::List() const {

@@ -231,7 +231,7 @@ void VirtualUnit::WakeUp() {
 
 void VirtualUnit::SetSuspended(bool suspended) {
     suspended_ = suspended;
-    events_.Publish(SuspendChanged{suspended});
+    events_.Publish(suspended ? Event(UnitSuspended{}) : Event(UnitWoken{}));
     ScreenChanged();
 }
 

@@ -1,9 +1,13 @@
-// What the control server does with each kind of request.
+// How the control server executes each kind of request.
 
 #include <algorithm>
 #include <atomic>
+#include <optional>
 
+#include "platform/kernel/kernel.h"
 #include "platform/kernel/scheduler.h"
+#include "platform/kernel/text.h"
+#include "platform/window/screen.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/control/control_server.h"
 #include "unit/events/event_text.h"
@@ -11,29 +15,57 @@
 namespace unit {
 
 namespace kernel = platform::kernel;
+namespace window = platform::window;
 using control::Done;
 using control::Outcome;
 using control::Refused;
+using platform::NamedKind;
+using platform::OtherProcessWindow;
 using namespace std::chrono_literals;
 
 namespace {
 
-// How often a command that takes the unit some time is looked after, in the unit's time.
-constexpr auto kLookAgain = 10ms;
+// Poll interval for commands that take the unit some time, in the unit's time.
+constexpr auto kPollInterval = 10ms;
 constexpr auto kAcknowledgementLimit = 2s;
-constexpr std::int64_t kNotHeard = -1;
+constexpr std::int64_t kNotReceived = -1;
+
+const char* KindName(NamedKind kind) {
+    switch (kind) {
+        case NamedKind::kEvent:
+            return "event";
+        case NamedKind::kMutex:
+            return "mutex";
+        case NamedKind::kMessageQueue:
+            return "queue";
+        case NamedKind::kNone:
+            break;
+    }
+    return "none";
+}
+
+std::optional<std::wstring> Given(const control::Values& values, const char* name) {
+    if (!values.Has(name))
+        return std::nullopt;
+    return kernel::FromUtf8(values.Text(name));
+}
+
+OtherProcessWindow WindowIn(const control::Values& values) {
+    return static_cast<OtherProcessWindow>(values.Number("CODE"));
+}
 
 }  // namespace
 
 const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
     static const std::vector<OwnCommand> commands = {
-        {"state", "Tells everything about the unit, as JSON.", &ControlServer::StartState},
+        {"state", "Prints the complete state of the unit, as JSON.", &ControlServer::StartState},
         {"watch [frames|broadcasts|log|all]",
-         "Tells what happens from now on: frames and broadcasts unless told.",
+         "Prints events from now on, by default frames and broadcasts.",
          &ControlServer::StartWatch},
-        {"run [FILE]", "Follows the scenario that was sent along.", &ControlServer::StartRun},
+        {"run [FILE]", "Runs the scenario that is sent with the command.",
+         &ControlServer::StartRun},
         {"help", "Lists the commands.", &ControlServer::StartHelp},
-        {"complete [TEXT...]", "Lists the plain words that may follow those words.",
+        {"complete [TEXT...]", "Lists the words that may follow those words, without placeholders.",
          &ControlServer::StartComplete},
         {"other-process object NAME",
          "For a second copy of the program: the kind of the object of that name.",
@@ -59,97 +91,107 @@ const control::Grammar& ControlServer::AllCommands() {
     return grammar;
 }
 
-void ControlServer::Follow(const UnitTable::Row& row, const Job& job) {
+void ControlServer::Execute(const UnitTable::Row& row, const Job& job) {
     if (row.pattern == kRequestPattern)
         return RaiseRequest(row, job);
     const Outcome outcome = row.execute(operator_, job.values);
     if (!outcome.done || !operator_.busy())
-        return job.answer->End(outcome);
-    // A tap has been done when the finger is up again.
+        return job.reply->End(outcome);
+    // A tap ends when the finger is up again.
     EndWhen(
-        job.answer,
+        job.reply,
         [this, outcome] { return operator_.busy() ? std::nullopt : std::optional(outcome); },
         kernel::kNever);
 }
 
-void ControlServer::EndWhen(std::shared_ptr<Answer> answer,
+void ControlServer::EndWhen(std::shared_ptr<Reply> reply,
                             std::function<std::optional<Outcome>()> done, kernel::Time deadline) {
     if (const std::optional<Outcome> outcome = done())
-        return answer->End(*outcome);
+        return reply->End(*outcome);
     if (kernel::Now() >= deadline)
-        return answer->End(Refused("no acknowledgement came within " +
-                                   std::to_string(kAcknowledgementLimit.count()) +
-                                   " s of the unit's time"));
-    if (!answer->wanted())
+        return reply->End(Refused("no acknowledgement came within " +
+                                  std::to_string(kAcknowledgementLimit.count()) +
+                                  " s of the unit's time"));
+    if (!reply->wanted())
         return;
-    kernel::After(kLookAgain, [this, alive = alive_, answer = std::move(answer),
-                               done = std::move(done), deadline] {
+    kernel::After(kPollInterval, [this, alive = alive_, reply = std::move(reply),
+                                  done = std::move(done), deadline] {
         if (*alive)
-            EndWhen(answer, done, deadline);
+            EndWhen(reply, done, deadline);
     });
 }
 
 void ControlServer::StartWatch(const Job& job) {
     const bool all = job.values.Chose("all");
-    const bool unless_told =
-        !job.values.Chose("frames") && !job.values.Chose("broadcasts") && !job.values.Chose("log");
-    const WatchedKinds kinds{.frames = unless_told || job.values.Chose("frames"),
-                             .broadcasts = unless_told || job.values.Chose("broadcasts"),
-                             .log = all || job.values.Chose("log"),
-                             .rest = all};
-    watches_[job.client] = std::make_unique<Watch>(
-        operator_.unit().events(), kinds,
-        [answer = job.answer](const std::string& line) { answer->Line(line); });
+    const bool log = all || job.values.Chose("log");
+    const bool by_default = !job.values.Chose("frames") && !job.values.Chose("broadcasts") && !log;
+    const bool frames = all || by_default || job.values.Chose("frames");
+    const bool broadcasts = all || by_default || job.values.Chose("broadcasts");
+    const auto wanted = [=](const Event& event) {
+        if (std::holds_alternative<LineLogged>(event))
+            return log;
+        if (std::holds_alternative<LineEntry>(event) || std::holds_alternative<FaultApplied>(event))
+            return frames;
+        if (std::holds_alternative<BroadcastPosted>(event) ||
+            std::holds_alternative<PowerRequested>(event))
+            return broadcasts;
+        return all && IsTraced(event);
+    };
+    watches_[job.client] =
+        operator_.unit().events().Subscribe([wanted, reply = job.reply](const TimedEvent& timed) {
+            if (wanted(timed.event))
+                reply->Line(TraceRecord(timed));
+        });
 }
 
 void ControlServer::StartState(const Job& job) {
     if (!abilities_.state)
-        return job.answer->End(Refused("this unit does not tell its state"));
-    Post([this, answer = job.answer] { answer->End(Done(abilities_.state())); });
+        return job.reply->End(Refused("this unit has no state to print"));
+    Post([this, reply = job.reply] { reply->End(Done(abilities_.state())); });
 }
 
 void ControlServer::StartRun(const Job& job) {
     if (!abilities_.run)
-        return job.answer->End(Refused("this unit runs no scenarios"));
+        return job.reply->End(Refused("this unit runs no scenarios"));
     Post([this, job] {
-        abilities_.run({job.values.Text("FILE"), job.request.text, job.request.folder, job.answer});
+        abilities_.run({job.values.Text("FILE"), job.request.text, job.request.folder, job.reply});
     });
 }
 
 void ControlServer::RaiseRequest(const UnitTable::Row& row, const Job& job) {
     const PowerRequest& request = PowerRequestIn(job.values);
-    // Subscribes before the request is raised: the acknowledgement may come at once.
-    const auto heard = std::make_shared<std::atomic<std::int64_t>>(kNotHeard);
-    const auto listening =
+    // Subscribed before the request is sent: the acknowledgement may come at once.
+    const auto received = std::make_shared<std::atomic<std::int64_t>>(kNotReceived);
+    const auto subscription =
         std::make_shared<EventHub::Subscription>(operator_.unit().events().Subscribe(
-            [heard, name = request.acknowledgement](const TimedEvent& timed) {
+            [received, name = request.acknowledgement](const TimedEvent& timed) {
                 const auto* const posted = std::get_if<BroadcastPosted>(&timed.event);
                 if (posted && posted->name == name)
-                    *heard = timed.time.count();
+                    *received = timed.time.count();
             }));
     const Outcome raised = row.execute(operator_, job.values);
     if (!raised.done)
-        return job.answer->End(raised);
+        return job.reply->End(raised);
     EndWhen(
-        job.answer,
-        [heard, listening, name = std::string(request.name)]() -> std::optional<Outcome> {
-            if (*heard == kNotHeard)
+        job.reply,
+        [received, subscription, name = std::string(request.name)]() -> std::optional<Outcome> {
+            if (*received == kNotReceived)
                 return std::nullopt;
-            return Done(UnitTimeText(std::chrono::microseconds(*heard)) + "  " + name +
+            return Done(TraceTime(std::chrono::microseconds(*received)) + "  " + name +
                         " acknowledged");
         },
         kernel::Now() + kAcknowledgementLimit);
 }
 
 void ControlServer::StartHelp(const Job& job) {
-    const auto tell = [&](std::string_view pattern, std::string_view help) {
-        job.answer->Line(std::string(pattern) + "\n    " + std::string(help));
+    const auto list = [&](std::string_view pattern, std::string_view help) {
+        job.reply->Line(std::string(pattern) + "\n    " + std::string(help));
     };
     for (const OwnCommand& command : OwnCommands())
-        tell(command.pattern, command.help);
+        list(command.pattern, command.help);
     for (const UnitTable::Row& row : UnitCommands().rows())
-        tell(row.pattern, row.help);
-    job.answer->End(Done());
+        list(row.pattern, row.help);
+    job.reply->End(Done());
 }
 
 void ControlServer::StartComplete(const Job& job) {
@@ -157,8 +199,35 @@ void ControlServer::StartComplete(const Job& job) {
     const auto words = control::SplitWords(job.values.Text("TEXT"), ignored);
     for (const std::string& word :
          AllCommands().NextWords(words.value_or(std::vector<std::string>())))
-        job.answer->Line(word);
-    job.answer->End(Done());
+        job.reply->Line(word);
+    job.reply->End(Done());
+}
+
+// The requests of another process are answered at once, even while the host thread is busy.
+
+void ControlServer::StartFindObject(const Job& job) {
+    const std::wstring name = kernel::FromUtf8(job.values.Text("NAME"));
+    NamedKind kind = kernel::FindNamedKind(name);
+    // Of two copies that start together, the one with the socket is the first, even before its
+    // program has created the mutex.
+    if (kind == NamedKind::kNone && operator_.unit().program().Starts(name))
+        kind = NamedKind::kMutex;
+    job.reply->End(Done(KindName(kind)));
+}
+
+void ControlServer::StartFindWindow(const Job& job) {
+    const auto class_name = Given(job.values, "NAME");
+    const auto title = Given(job.values, "TEXT");
+    job.reply->End(Done(std::to_string(window::FindOwnWindow(class_name, title))));
+}
+
+void ControlServer::StartBringForward(const Job& job) {
+    Post([this, job] {
+        const bool came = window::BringOwnForward(WindowIn(job.values), job.values.Chose("owned"));
+        if (came && abilities_.raise)
+            abilities_.raise();
+        job.reply->End(Done(came ? "yes" : "no"));
+    });
 }
 
 }  // namespace unit

@@ -16,10 +16,33 @@ using control::Refused;
 
 namespace {
 
-// Between two tries to claim the socket, in milliseconds of the host.
-constexpr int kClaimAgain = 50;
+// How often to try to claim the socket, in milliseconds of the host.
+constexpr int kClaimInterval = 50;
 
 }  // namespace
+
+void Reply::Line(std::string_view text) {
+    const std::scoped_lock lock(mutex_);
+    if (server_)
+        server_->SendLine(client_, text);
+}
+
+void Reply::End(const control::Outcome& outcome) {
+    const std::scoped_lock lock(mutex_);
+    if (server_)
+        server_->SendOutcome(client_, outcome);
+    server_ = nullptr;
+}
+
+void Reply::Abandon() {
+    const std::scoped_lock lock(mutex_);
+    server_ = nullptr;
+}
+
+bool Reply::wanted() const {
+    const std::scoped_lock lock(mutex_);
+    return server_ != nullptr;
+}
 
 ControlServer::ControlServer(Operator& op, const std::string& name, Abilities abilities,
                              std::function<void(const std::string&)> say)
@@ -39,11 +62,11 @@ ControlServer::~ControlServer() {
         thread_.join();
     }
     watches_.clear();
-    for (const auto& [client, answer] : answers_)
-        answer->Abandon();
+    for (const auto& [client, reply] : replies_)
+        reply->Abandon();
 }
 
-// False when there never will be a socket.
+// False when no socket will ever be possible.
 bool ControlServer::Claim() {
     std::string problem;
     bool taken = false;
@@ -67,7 +90,7 @@ void ControlServer::Work() {
     for (;;) {
         pollfd watched[] = {{stop_.get(), POLLIN, 0},
                             {server_ ? server_->descriptor() : -1, POLLIN, 0}};
-        poll(watched, std::size(watched), server_ ? -1 : kClaimAgain);
+        poll(watched, std::size(watched), server_ ? -1 : kClaimInterval);
         if (watched[0].revents != 0)
             return;
         if (server_)
@@ -79,20 +102,20 @@ void ControlServer::Work() {
 
 void ControlServer::Take(ClientId client, const control::Request& request) {
     Leave(client);
-    auto answer = std::make_shared<Answer>(*server_, client);
+    auto reply = std::make_shared<Reply>(*server_, client);
     std::string problem;
     const auto words = control::SplitWords(request.line, problem);
     if (!words)
-        return answer->End(Refused(problem));
+        return reply->End(Refused(problem));
     if (words->empty())
-        return answer->End(Done());
+        return reply->End(Done());
     auto match = AllCommands().Read(*words, problem);
     if (!match)
-        return answer->End(Refused(problem));
+        return reply->End(Refused(problem));
     if (!request.folder.empty())
         match->values.ResolvePaths(request.folder);
-    answers_[client] = answer;
-    const Job job{client, request, std::move(match->values), std::move(answer)};
+    replies_[client] = reply;
+    const Job job{client, request, std::move(match->values), std::move(reply)};
     const std::size_t own = OwnCommands().size();
     if (match->pattern < own)
         return (this->*OwnCommands()[match->pattern].start)(job);
@@ -100,18 +123,18 @@ void ControlServer::Take(ClientId client, const control::Request& request) {
     if (row.check)
         problem = row.check(job.values);
     if (!problem.empty())
-        return job.answer->End(Refused(problem));
-    Post([this, &row, job] { Follow(row, job); });
+        return job.reply->End(Refused(problem));
+    Post([this, &row, job] { Execute(row, job); });
 }
 
-// Of the client's last request nothing goes on.
+// Cancels the client's pending request.
 void ControlServer::Leave(ClientId client) {
     watches_.erase(client);
-    const auto found = answers_.find(client);
-    if (found == answers_.end())
+    const auto found = replies_.find(client);
+    if (found == replies_.end())
         return;
     found->second->Abandon();
-    answers_.erase(found);
+    replies_.erase(found);
 }
 
 void ControlServer::Post(std::function<void()> action) {

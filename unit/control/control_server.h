@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -11,52 +12,71 @@
 #include "control/descriptor.h"
 #include "control/socket_server.h"
 #include "unit/commands/operator.h"
-#include "unit/control/answer.h"
-#include "unit/control/watch.h"
+#include "unit/events/event_hub.h"
 
 namespace unit {
 
-// A scenario that a client wants followed on the running unit.
-struct SentScenario {
-    std::string file;  // its absolute path where the client read it, or empty
-    std::string text;
-    std::string folder;              // where the client stands, or empty
-    std::shared_ptr<Answer> answer;  // abandoned when the client hangs up: the scenario is to stop
+// The reply to one request of a client, sent by whoever works on the request, now or later. May
+// outlive the client and the server: what is sent then is lost. Any thread.
+class Reply {
+  public:
+    Reply(control::SocketServer& server, control::SocketServer::ClientId client)
+        : server_(&server), client_(client) {}
+
+    void Line(std::string_view text);
+    // Completes the reply; what follows is lost.
+    void End(const control::Outcome& outcome);
+    // Nobody waits for the reply any more.
+    void Abandon();
+    bool wanted() const;
+
+  private:
+    mutable std::mutex mutex_;
+    control::SocketServer* server_;
+    const control::SocketServer::ClientId client_;
 };
 
-// The unit's control socket: takes the commands of all who are not in this process, follows them on
-// the hardware's thread and answers. A thread of its own talks to the clients; the unit never waits
-// for one. Made and destroyed on the hardware's thread, while the platform is booted.
+// A scenario that a client sent to be run on the running unit.
+struct SentScenario {
+    std::string file;  // its absolute path on the client's side, or empty
+    std::string text;
+    std::string folder;            // the client's working folder, or empty
+    std::shared_ptr<Reply> reply;  // abandoned when the client hangs up: the scenario must stop
+};
+
+// The unit's control socket: executes commands from other processes on the host thread and replies.
+// A thread of its own communicates with the clients; the unit never waits for a client. Created and
+// destroyed on the host thread, while the platform is booted.
 class ControlServer {
   public:
-    // What the unit can do beside the commands of UnitCommands; called on the hardware's thread.
+    // What the unit can do in addition to UnitCommands; called on the host thread.
     struct Abilities {
         std::function<std::string()> state{};  // JSON
         std::function<void(SentScenario)> run{};
-        std::function<void()> raise{};  // the host's window, if there is one
+        std::function<void()> raise{};  // brings the host's window, if any, to the front
     };
 
-    // Claims the socket of that name; while another unit has it, it is tried again and again until
-    // that one ends. `say` takes one line when there can be no socket.
+    // Claims the socket of that name; while another unit has it, tries again until that unit ends.
+    // `say` receives one line when no socket is possible.
     ControlServer(Operator& op, const std::string& name, Abilities abilities,
                   std::function<void(const std::string&)> say);
     ~ControlServer();
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
 
-    // Whether this unit has the socket, or else another one. Any thread.
+    // Whether this unit has the socket, or whether another one has. Any thread.
     bool claimed() const { return claimed_; }
     bool taken() const { return taken_; }
 
   private:
     using ClientId = control::SocketServer::ClientId;
 
-    // One request that was read, on its way.
+    // A request that is being executed.
     struct Job {
         ClientId client;
         control::Request request;
         control::Values values;
-        std::shared_ptr<Answer> answer;
+        std::shared_ptr<Reply> reply;
     };
     struct OwnCommand {
         std::string_view pattern;
@@ -71,11 +91,10 @@ class ControlServer {
     void Take(ClientId client, const control::Request& request);
     void Leave(ClientId client);
 
-    // Runs it on the hardware's thread, unless this has gone by then.
+    // Runs the action on the host thread, unless this server was destroyed by then.
     void Post(std::function<void()> action);
-    // Ends the answer as soon as done() holds, with `late` when it does not within `limit` of the
-    // unit's time.
-    void EndWhen(std::shared_ptr<Answer> answer,
+    // Ends the reply once done() has an outcome, or as refused at the deadline.
+    void EndWhen(std::shared_ptr<Reply> reply,
                  std::function<std::optional<control::Outcome>()> done,
                  platform::kernel::Time deadline);
 
@@ -87,23 +106,23 @@ class ControlServer {
     void StartFindObject(const Job& job);
     void StartFindWindow(const Job& job);
     void StartBringForward(const Job& job);
-    void Follow(const UnitTable::Row& row, const Job& job);
+    void Execute(const UnitTable::Row& row, const Job& job);
     void RaiseRequest(const UnitTable::Row& row, const Job& job);
 
     Operator& operator_;
     const std::string name_;
     const Abilities abilities_;
     const std::function<void(const std::string&)> say_;
-    // Its value is the hardware thread's alone.
+    // Only the host thread uses its value.
     const std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     std::atomic<bool> claimed_{false};
     std::atomic<bool> taken_{false};
 
-    // The thread's alone, once it runs.
+    // Only thread_ uses these, once it runs.
     control::Descriptor stop_;
     std::unique_ptr<control::SocketServer> server_;
-    std::map<ClientId, std::shared_ptr<Answer>> answers_;
-    std::map<ClientId, std::unique_ptr<Watch>> watches_;
+    std::map<ClientId, std::shared_ptr<Reply>> replies_;
+    std::map<ClientId, EventHub::Subscription> watches_;
     std::thread thread_;
 };
 

@@ -21,13 +21,13 @@ namespace {
 
 using HostClock = std::chrono::steady_clock;
 
-constexpr auto kAnswerLimit = 500ms;
-// Its hardware may be busy, with the first picture of its window say.
+constexpr auto kReplyLimit = 500ms;
+// The other unit's host thread may be busy, for example with the first picture of its window.
 constexpr auto kForwardLimit = 3s;
-constexpr auto kConnectAgain = 5ms;
+constexpr auto kConnectInterval = 5ms;
 
-OtherProcessWindow ReadWindow(const std::string& answer) {
-    return static_cast<OtherProcessWindow>(control::ReadNumber(answer).value_or(0));
+OtherProcessWindow ReadWindow(const std::string& reply) {
+    return static_cast<OtherProcessWindow>(control::ReadNumber(reply).value_or(0));
 }
 
 }  // namespace
@@ -38,7 +38,8 @@ std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds li
         return std::chrono::ceil<std::chrono::milliseconds>(deadline - HostClock::now());
     };
     std::optional<SocketClient> client;
-    // Without its socket it is about to have one, or it has died and this process is about to.
+    // Without a socket, the other unit is about to create one, or it has died and this process is
+    // about to.
     while (there()) {
         bool not_running = false;
         std::string problem;
@@ -47,7 +48,7 @@ std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds li
             break;
         if (!not_running || HostClock::now() >= deadline)
             gone_ = true;
-        std::this_thread::sleep_for(kConnectAgain);
+        std::this_thread::sleep_for(kConnectInterval);
     }
     if (!client)
         return {};
@@ -59,8 +60,8 @@ std::string FirstUnit::Ask(const std::string& line, std::chrono::milliseconds li
 }
 
 NamedKind FirstUnit::FindObject(std::wstring_view name) {
-    const std::string answer = Ask("other-process object " + QuoteWord(ToUtf8(name)), kAnswerLimit);
-    return answer == "mutex" ? NamedKind::kMutex : NamedKind::kNone;
+    const std::string reply = Ask("other-process object " + QuoteWord(ToUtf8(name)), kReplyLimit);
+    return reply == "mutex" ? NamedKind::kMutex : NamedKind::kNone;
 }
 
 OtherProcessWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_name,
@@ -70,7 +71,7 @@ OtherProcessWindow FirstUnit::FindWindow(std::optional<std::wstring_view> class_
         line += " class " + QuoteWord(ToUtf8(*class_name));
     if (title)
         line += " title " + QuoteWord(ToUtf8(*title));
-    return ReadWindow(Ask(line, kAnswerLimit));
+    return ReadWindow(Ask(line, kReplyLimit));
 }
 
 bool FirstUnit::BringForward(OtherProcessWindow window, bool with_owned) {

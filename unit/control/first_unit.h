@@ -9,13 +9,14 @@
 
 namespace unit {
 
-// The unit that had the control socket before this one: where the program runs already, perhaps. It
-// is asked over its socket, and each question has a limit of the host's time, half a second and
-// three for the last one: a unit that does not answer in time counts as gone from then on.
+// The unit that had the control socket before this one; the program may already run there. Requests
+// go over its socket, each with a limit of host time: three seconds for BringForward, half a second
+// for the others. A unit that does not reply in time counts as gone from then on.
 class FirstUnit final : public platform::OtherProcesses {
   public:
-    // `alone` tells whether this process has the socket itself, so that there is nobody to ask.
-    // `came_forward` is called when the other's window did, on the thread that asked.
+    // `alone` returns whether this process has the socket itself, so that there is no other unit.
+    // `came_forward` is called after the other unit's window came to the front, on the calling
+    // thread.
     FirstUnit(std::string name, std::function<bool()> alone, std::function<void()> came_forward)
         : name_(std::move(name)),
           alone_(std::move(alone)),
@@ -23,15 +24,15 @@ class FirstUnit final : public platform::OtherProcesses {
 
     bool there() const { return !gone_ && !alone_(); }
 
-    // Only the mutexes of the other count: they are what copies of the program meet by. A copy that
-    // runs beside the other has its events and queues to itself.
+    // Only mutexes of the other unit count: copies of the program use them to find each other.
+    // Events and queues belong to each copy alone.
     platform::NamedKind FindObject(std::wstring_view name) override;
     platform::OtherProcessWindow FindWindow(std::optional<std::wstring_view> class_name,
                                             std::optional<std::wstring_view> title) override;
     bool BringForward(platform::OtherProcessWindow window, bool with_owned) override;
 
   private:
-    // The answer's one line; empty when there is none.
+    // The one line of the reply; empty when none came.
     std::string Ask(const std::string& line, std::chrono::milliseconds limit);
 
     const std::string name_;

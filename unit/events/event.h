@@ -5,48 +5,71 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "platform/board.h"
 #include "platform/window/screen.h"
+#include "unit/line/frame_monitor.h"
 
 namespace unit {
 
-enum class Direction { kToUnit, kToDvr };
-
-// Bytes on the serial line where it enters the unit: what the program is given and what it sends,
-// after a fault on their way in and before one on their way out.
+// Bytes on the serial line where it enters the unit: what the program receives, after faults were
+// applied, and what it sends, before they are.
 struct LineBytes {
+    struct Chunk {
+        std::size_t begin;  // in `bytes`
+        std::chrono::microseconds after;
+    };
+
     Direction direction;
     std::vector<std::uint8_t> bytes;
+    // Only in recordings, which join bytes that follow one another closely: the chunks after the
+    // first one, with their delay after the event's time. Bytes of one chunk arrive together.
+    std::vector<Chunk> later{};
+
+    // Calls visit(delay, bytes) for each chunk.
+    template <class Visit>
+    void ForEachChunk(Visit visit) const {
+        const std::span<const std::uint8_t> all(bytes);
+        Chunk chunk{0, {}};
+        for (const Chunk& next : later) {
+            visit(chunk.after, all.subspan(chunk.begin, next.begin - chunk.begin));
+            chunk = next;
+        }
+        visit(chunk.after, all.subspan(chunk.begin));
+    }
 };
 
-// A finger on the screen, as it reached the window manager.
+// A finger on the screen, as the window manager received it.
 struct FingerMoved {
     platform::window::Touch touch;
     int x;
     int y;
 };
 
-// The power supply as it is from now on.
+// The power supply from now on.
 struct SupplyChanged {
     platform::PowerSupply supply;
 };
 
-// The SD card went in (with the host's folder that acts as it) or out.
+// The SD card was inserted (the host's folder that acts as it) or removed.
 struct CardMoved {
     bool in;
     std::string folder;
 };
 
-// One of the unit's named power-request events was raised.
+// The DVR restarts because its reset wire was pulled.
+struct DvrReset {};
+
+// One of the unit's named power-request events was set.
 struct PowerRequested {
     std::wstring event_name;
 };
 
-// A call of the program to a stream driver: the name it opened ("SCA0:"), and what it asked. The
+// A call of the program to a stream driver: the name it opened ("SCA0:") and the request. The
 // serial port's reads and writes are LineBytes instead.
 struct DriverCalled {
     enum class Call { kOpen, kControl, kClose };
@@ -54,12 +77,12 @@ struct DriverCalled {
     Call call;
     DWORD code;  // of kControl
     std::vector<std::byte> input;
-    DWORD error;  // ERROR_SUCCESS, or what the program was told
+    DWORD error;  // the call's last error, ERROR_SUCCESS for none
 };
 
-// A message to all windows, as a cooperating application hears it.
+// A message to all windows, as a cooperating application receives it.
 struct BroadcastPosted {
-    std::wstring name;  // it was registered with; empty for a plain number
+    std::wstring name;  // its registered name; empty for a plain number
     UINT message;
     WPARAM wparam;
     LPARAM lparam;
@@ -75,37 +98,72 @@ struct OperatorMessage {
     std::string line;
 };
 
+// The graphics plane changed.
 struct ScreenDrawn {};
 
-// The unit went to sleep or woke up.
-struct SuspendChanged {
-    bool suspended;
+// The graphics plane has been unchanged for a while: a digest of its pixels, and its texts.
+struct ScreenSettled {
+    std::uint64_t digest = 0;
+    std::vector<std::string> texts;
+
+    bool operator==(const ScreenSettled&) const = default;
 };
 
-// A fault of the line was applied; the line says which one and to what.
+// The recorder does not know what the screen showed from that time until now: it kept changing, or
+// the host kept the recorder from reading it.
+struct ScreenUnseen {
+    std::chrono::microseconds since;
+};
+
+struct UnitSuspended {};
+struct UnitWoken {};
+
+// A fault of the line was applied; the text says which one and to what.
 struct FaultApplied {
     std::string text;
 };
 
-// A fault of the board was switched on or off.
-struct BoardFaultSwitched {
-    enum class Fault { kHalRefuses, kBatteryDriverFails };
-    Fault fault;
-    bool on;
+// The HAL began to refuse requests, or to accept them again.
+struct HalSwitched {
+    bool refuses;
 };
 
-// The unit's clock was put forward; the event's time is the one before.
+// The battery driver began to fail, or to work again.
+struct BatteryDriverSwitched {
+    bool fails;
+};
+
+// The unit's clock was set forward; the event's time is the one before.
 struct ClockJumped {
     std::chrono::microseconds forward;
 };
 
-// The DVR restarts because its reset wire was pulled.
-struct DvrReset {};
+// A call of the program was made to fail: its number among the calls of that name, from 1, and its
+// last error.
+struct CallFailed {
+    std::string call;
+    std::uint64_t number;
+    DWORD error;
+};
 
-using Event =
-    std::variant<LineBytes, FingerMoved, SupplyChanged, CardMoved, PowerRequested, DriverCalled,
-                 BroadcastPosted, LineLogged, ScreenDrawn, SuspendChanged, FaultApplied,
-                 BoardFaultSwitched, ClockJumped, DvrReset, OperatorMessage>;
+// The unit began to close the program.
+struct ClosingBegan {};
+
+// So many events are missing here: the disk was too slow for a unit that must not wait.
+struct EventsLost {
+    std::uint64_t count;
+};
+
+// The recording was ended in order.
+struct RecordingEnded {};
+
+// Everything that can happen at the unit's external interfaces. event_text.h has the text of each.
+using Event = std::variant<LineBytes, LineEntry, FingerMoved, SupplyChanged, CardMoved, DvrReset,
+                           PowerRequested, DriverCalled, BroadcastPosted, LineLogged,
+                           OperatorMessage, ScreenDrawn, ScreenSettled, ScreenUnseen, UnitSuspended,
+                           UnitWoken, FaultApplied, HalSwitched, BatteryDriverSwitched, ClockJumped,
+                           CallFailed, ClosingBegan, EventsLost, RecordingEnded>;
+inline constexpr std::size_t kEventKinds = std::variant_size_v<Event>;
 
 struct TimedEvent {
     std::chrono::microseconds time;  // of the unit

@@ -28,9 +28,14 @@ EventHub::Subscription EventHub::Subscribe(Subscriber subscriber) {
 
 void EventHub::Publish(Event event) {
     const std::scoped_lock lock(mutex_);
-    if (entries_.empty())
-        return;
     const TimedEvent timed{platform::kernel::Now(), std::move(event)};
+    Deliver(timed);
+    if (const auto* const bytes = std::get_if<LineBytes>(&timed.event))
+        for (LineEntry& entry : line_.Take(timed.time, bytes->direction, bytes->bytes))
+            Deliver({entry.time, std::move(entry)});
+}
+
+void EventHub::Deliver(const TimedEvent& timed) const {
     for (const Entry& entry : entries_)
         entry.subscriber(timed);
 }

@@ -10,12 +10,14 @@
 namespace unit {
 
 // Publishes everything that happens at the unit's external interfaces to its subscribers: the
-// workbench, recordings, scenarios, `unitctl watch`. Any thread.
+// workbench, recordings, scenarios, `unitctl watch`. Decodes the serial line: the frames that
+// LineBytes complete are published after them as LineEntry events. Any thread, without the kernel's
+// lock.
 class EventHub {
   public:
     // Called for one event at a time, on the thread where it happened, possibly with locks of the
-    // platform held: a subscriber stores the event and returns; it calls neither the API nor the
-    // unit.
+    // platform other than the kernel's: a subscriber stores the event or schedules an action, and
+    // returns; it calls neither the API nor the unit.
     using Subscriber = std::function<void(const TimedEvent&)>;
 
     // Cancels the subscription when destroyed. The subscriber is not called after the destructor
@@ -47,9 +49,11 @@ class EventHub {
     };
 
     void Cancel(int id);
+    void Deliver(const TimedEvent& timed) const;
 
     std::mutex mutex_;
     std::vector<Entry> entries_;
+    LineMonitor line_;
     int last_id_ = 0;
 };
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "dvrsim/frame_codec.h"
-#include "unit/events/event.h"
+#include "unit/line/frame_splitter.h"
 
 namespace unit {
 

@@ -5,7 +5,6 @@
 
 #include "control/grammar.h"
 #include "control/words.h"
-#include "unit/events/hex_text.h"
 #include "unit/line/frame_text.h"
 
 namespace unit {

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "dvrsim/protocol.h"
-#include "unit/events/hex_text.h"
 #include "unit/line/frame_text.h"
 
 namespace unit {

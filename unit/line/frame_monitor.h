@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "unit/events/event.h"
 #include "unit/line/frame_splitter.h"
 
 namespace unit {
@@ -56,9 +55,9 @@ class FrameMonitor {
 // A FrameMonitor for each direction.
 class LineMonitor {
   public:
-    std::vector<LineEntry> Take(std::chrono::microseconds time, const LineBytes& chunk) {
-        FrameMonitor& monitor = chunk.direction == Direction::kToUnit ? to_unit_ : to_dvr_;
-        return monitor.Take(time, chunk.bytes);
+    std::vector<LineEntry> Take(std::chrono::microseconds time, Direction direction,
+                                std::span<const std::uint8_t> bytes) {
+        return (direction == Direction::kToUnit ? to_unit_ : to_dvr_).Take(time, bytes);
     }
 
   private:

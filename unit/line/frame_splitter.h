@@ -9,6 +9,8 @@
 
 namespace unit {
 
+enum class Direction { kToUnit, kToDvr };
+
 inline constexpr std::size_t kFrameHeaderBytes = 7;
 inline constexpr std::size_t kFrameChecksumBytes = 2;
 

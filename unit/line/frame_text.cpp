@@ -7,7 +7,6 @@
 #include "control/words.h"
 #include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
-#include "unit/events/hex_text.h"
 #include "unit/line/frame_splitter.h"
 
 namespace unit {
@@ -76,6 +75,19 @@ constexpr Decoder kDecoders[] = {
 };
 
 }  // namespace
+
+std::string HexText(std::span<const std::uint8_t> bytes) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(bytes.size() * 3);
+    for (const std::uint8_t byte : bytes) {
+        if (!text.empty())
+            text += ' ';
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 0xF];
+    }
+    return text;
+}
 
 std::string DirectionName(Direction direction) {
     return direction == Direction::kToUnit ? "to unit" : "to DVR";

@@ -5,12 +5,14 @@
 #include <span>
 #include <string>
 
-#include "unit/events/event.h"
+#include "unit/line/frame_splitter.h"
 
 namespace unit {
 
 // The line's content as text, for panel, `watch` and messages.
 
+// "A5 5A 00".
+std::string HexText(std::span<const std::uint8_t> bytes);
 // "to unit" or "to DVR".
 std::string DirectionName(Direction direction);
 // "REQ", "ACK", "IND", or the byte of an unknown type.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "unit/events/hex_text.h"
 #include "unit/line/fault_text.h"
 #include "unit/line/frame_text.h"
 

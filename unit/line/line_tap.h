@@ -10,7 +10,6 @@
 
 #include "platform/device/serial_line.h"
 #include "platform/kernel/clock.h"
-#include "unit/events/event.h"
 #include "unit/line/frame_splitter.h"
 #include "unit/line/line_faults.h"
 

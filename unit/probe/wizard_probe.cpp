@@ -41,10 +41,10 @@ const char* Find(const Name (&names)[kCount], int number) {
 }  // namespace
 
 std::optional<WizardState> ReadWizard() {
-    // The frame lives on the stack of the window's thread, which clears the pointer first and then
-    // needs this lock several times over (to end the receive thread, to destroy the window, to
-    // leave its loop) before the frame goes: while it is held here, a frame that was found is
-    // whole.
+    // The frame lives on the stack of the window's thread. That thread clears the pointer and then
+    // takes this lock several times (to end the receive thread, to destroy the window, to leave its
+    // loop) before it destroys the frame: while this function holds the lock, a frame that it found
+    // is valid.
     const platform::kernel::KernelLock lock = platform::kernel::LockKernel();
     const CMainFrame* const frame = g_pMainFrame;
     if (!frame)

@@ -5,7 +5,7 @@
 
 namespace unit {
 
-// What the wizard knows: the one look inside the program from outside.
+// The state of the wizard: the only access from outside the program to its inside.
 struct WizardState {
     int step = 0;
     // As the DVR last reported, 0 to 100.
@@ -19,10 +19,10 @@ struct WizardState {
     bool operator==(const WizardState&) const = default;
 };
 
-// Empty while the wizard has no window. Any thread, without the platform's locks.
+// Empty while the wizard has no window. Any thread, without locks of the platform.
 std::optional<WizardState> ReadWizard();
 
-// The wizard's words for its numbers; "?" for one that it does not know.
+// The names of the wizard's steps and running states; "?" for an unknown number.
 const char* WizardStepName(int step);
 const char* RunningStateName(int running_state);
 

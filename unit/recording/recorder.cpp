@@ -1,12 +1,11 @@
 #include "unit/recording/recorder.h"
 
 #include <algorithm>
-#include <type_traits>
 #include <utility>
 
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/scheduler.h"
-#include "unit/recording/program_version.h"
+#include "unit/events/event_text.h"
 
 namespace unit {
 
@@ -14,14 +13,11 @@ namespace kernel = platform::kernel;
 
 namespace {
 
-// A piece of the line longer than this becomes several: its line must stay readable.
-constexpr std::size_t kLongestPiece = 1024;
+// More bytes that come together become several events: a line of the file must stay readable.
+constexpr std::size_t kMaxChunk = 1024;
 
-// A replay reads them before it starts: when they are written does not matter.
-constexpr kernel::Duration kLookForFailedCalls = std::chrono::seconds(1);
-
-template <class Kind>
-constexpr bool kIsRecorded = std::is_constructible_v<Moment, Kind>;
+// A replay reads the failed calls before it starts, so they may be written late.
+constexpr kernel::Duration kFailedCallInterval = std::chrono::seconds(1);
 
 bool OnScreen(const FingerMoved& finger) {
     return finger.x >= 0 && finger.y >= 0 && finger.x < platform::window::kScreenWidth &&
@@ -32,14 +28,15 @@ bool OnScreen(const FingerMoved& finger) {
 
 ScreenWatch::Pace RecordingPace(const RecordingHeader& header) {
     using std::chrono::milliseconds;
-    // A unit much faster than the host would spend its time looking.
+    constexpr kernel::Duration kSettleTime = milliseconds(50);
+    // Recordings in simulated time are compared exactly, so this must never change.
+    if (header.Simulated())
+        return {kSettleTime, milliseconds(25)};
+    // A unit much faster than the host would spend its time reading screens.
     constexpr double kFast = 20;
-    const double factor = header.Simulated() ? 1 : std::max(1.0, header.kernel.speed / kFast);
-    const auto scaled = [factor](milliseconds time) {
-        return kernel::Duration(static_cast<kernel::Duration::rep>(
-            static_cast<double>(kernel::Duration(time).count()) * factor));
-    };
-    return {scaled(milliseconds(25)), scaled(milliseconds(50))};
+    const double factor = std::max(1.0, header.kernel.speed / kFast);
+    return {kernel::Duration(
+        static_cast<kernel::Duration::rep>(static_cast<double>(kSettleTime.count()) * factor))};
 }
 
 Recorder::Recorder(VirtualUnit& unit, const VirtualUnit::Options& options)
@@ -57,9 +54,9 @@ Recorder::~Recorder() {
     subscription_ = {};
     screens_.reset();
     NoteFailedCalls();
-    kernel::Cancel(next_look_);
+    kernel::Cancel(next_check_);
     if (closing_)
-        file_.Put(kernel::Now(), Moment(RecordingEnded{}));
+        file_.Put(kernel::Now(), RecordingEnded{});
 }
 
 bool Recorder::Start(const std::string& path, std::string& problem) {
@@ -68,26 +65,24 @@ bool Recorder::Start(const std::string& path, std::string& problem) {
     if (!file_.Open(path, header_, problem))
         return false;
     subscription_ = unit_.events().Subscribe([this](const TimedEvent& event) { Note(event); });
-    const auto screen = [this](const SettledScreen& settled) {
-        file_.Put(kernel::Now(), Moment(settled));
-    };
+    const auto screen = [this](const ScreenSettled& settled) { file_.Put(kernel::Now(), settled); };
     const auto unseen = [this](kernel::Time known_until) {
-        file_.Put(kernel::Now(), Moment(ScreenUnseen{known_until}));
+        file_.Put(kernel::Now(), ScreenUnseen{known_until});
     };
-    // In simulated time nothing is ever missed.
+    // In simulated time no picture is missed.
     screens_.emplace(unit_, RecordingPace(header_), screen,
-                     header_.Simulated() ? ScreenWatch::UnseenListener() : unseen);
-    LookForFailedCalls();
+                     header_.Simulated() ? ScreenWatch::UnseenSubscriber() : unseen);
+    CheckFailedCalls();
     unit_.OnClosing([this] {
         closing_ = true;
-        file_.Put(kernel::Now(), Moment(ClosingBegan{}));
+        file_.Put(kernel::Now(), ClosingBegan{});
     });
     return true;
 }
 
-void Recorder::LookForFailedCalls() {
+void Recorder::CheckFailedCalls() {
     NoteFailedCalls();
-    next_look_ = kernel::After(kLookForFailedCalls, [this] { LookForFailedCalls(); });
+    next_check_ = kernel::After(kFailedCallInterval, [this] { CheckFailedCalls(); });
 }
 
 void Recorder::NoteFailedCalls() {
@@ -96,32 +91,28 @@ void Recorder::NoteFailedCalls() {
     const std::vector<kernel::FailedCall> failed = kernel::FailedCalls();
     for (; failed_calls_ < failed.size(); ++failed_calls_) {
         const kernel::FailedCall& call = failed[failed_calls_];
-        file_.Put(kernel::Now(),
-                  Moment(CallFailed{std::string(call.call), call.number, call.error}));
+        file_.Put(kernel::Now(), CallFailed{std::string(call.call), call.number, call.error});
     }
-    // The kernel keeps no more of them.
+    // The kernel does not keep all of them.
     const std::uint64_t unknown = kernel::FailedCallCount() - failed.size();
     if (unknown > 0 && !std::exchange(calls_unknown_, true))
-        file_.Put(kernel::Now(), Moment(EventsLost{unknown}));
+        file_.Put(kernel::Now(), EventsLost{unknown});
 }
 
 void Recorder::Note(const TimedEvent& timed) {
-    const auto note = [&]<class Kind>(const Kind& event) {
-        if constexpr (std::is_same_v<Kind, LineBytes>) {
-            for (std::size_t at = 0; at < event.bytes.size(); at += kLongestPiece) {
-                const auto from = event.bytes.begin() + static_cast<std::ptrdiff_t>(at);
-                const auto count = std::min(kLongestPiece, event.bytes.size() - at);
-                file_.Put(timed.time, LineBytes{event.direction,
-                                                {from, from + static_cast<std::ptrdiff_t>(count)}});
-            }
-        } else if constexpr (std::is_same_v<Kind, FingerMoved>) {
-            if (OnScreen(event))
-                file_.Put(timed.time, Moment(event));
-        } else if constexpr (kIsRecorded<Kind>) {
-            file_.Put(timed.time, Moment(event));
-        }
-    };
-    std::visit(note, timed.event);
+    if (!IsRecorded(timed.event))
+        return;
+    const auto* const finger = std::get_if<FingerMoved>(&timed.event);
+    if (finger && !OnScreen(*finger))
+        return;
+    const auto* const line = std::get_if<LineBytes>(&timed.event);
+    if (!line || line->bytes.size() <= kMaxChunk)
+        return file_.Put(timed.time, timed.event);
+    for (auto from = line->bytes.begin(); from != line->bytes.end();) {
+        const auto to = from + std::min<std::ptrdiff_t>(kMaxChunk, line->bytes.end() - from);
+        file_.Put(timed.time, LineBytes{line->direction, {from, to}});
+        from = to;
+    }
 }
 
 }  // namespace unit

@@ -4,23 +4,16 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "platform/board.h"
 #include "platform/kernel/kernel.h"
 #include "unit/events/event.h"
-#include "unit/recording/line_burst.h"
 
 namespace unit {
 
-// The version of the files that this program writes and reads.
-inline constexpr int kRecordingVersion = 1;
-
-// No line of a recording is longer, its end not counted.
-inline constexpr std::size_t kLongestLine = 16 * 1024;
-// Nor a whole one: half a day of a busy line.
-inline constexpr std::size_t kLongestRecording = std::size_t{64} * 1024 * 1024;
+// No recording is longer: half a day of a busy line.
+inline constexpr std::size_t kMaxRecordingBytes = std::size_t{64} * 1024 * 1024;
 
 // What a replay must know before the first event.
 struct RecordingHeader {
@@ -34,57 +27,31 @@ struct RecordingHeader {
     bool Simulated() const { return kernel.mode == platform::kernel::Mode::kSimulated; }
 };
 
-// The screen as it stood still for a while: a digest of the graphics plane, and its texts.
-struct SettledScreen {
-    std::uint64_t digest = 0;
-    std::vector<std::string> texts;
-
-    bool operator==(const SettledScreen&) const = default;
-};
-
-// What the screen showed from that time until now is not known: it was in motion, or the host kept
-// the recorder from looking.
-struct ScreenUnseen {
-    std::chrono::microseconds since;
-};
-
-// A call of the program that was made to fail: which one of that name, counted from 1, and its
-// last error.
-struct CallFailed {
-    std::string call;
-    std::uint64_t number;
-    DWORD error;
-};
-
-// The unit began to close the program.
-struct ClosingBegan {};
-
-// So many events are missing here: the disk was too slow for a unit that must not wait.
-struct EventsLost {
-    std::uint64_t count;
-};
-
-// The recording was ended in order.
-struct RecordingEnded {};
-
-using Moment = std::variant<LineBurst, FingerMoved, SupplyChanged, CardMoved, DvrReset,
-                            PowerRequested, DriverCalled, SuspendChanged, BroadcastPosted,
-                            SettledScreen, ScreenUnseen, BoardFaultSwitched, ClockJumped,
-                            FaultApplied, CallFailed, ClosingBegan, EventsLost, RecordingEnded>;
-
-struct RecordedMoment {
+struct RecordedEvent {
     std::chrono::microseconds time;  // of the unit
     int line;                        // of the file
-    Moment moment;
+    Event event;
 };
 
 struct Recording {
     std::string file;
     RecordingHeader header;
-    std::vector<RecordedMoment> moments;
-    // Whether it was ended in order; otherwise it ends where the recorder died, or where its last
-    // line was torn off.
+    std::vector<RecordedEvent> events;
+    // Whether the recording was ended in order; otherwise it ends where the recorder died, or
+    // before its last, incomplete line.
     bool complete = false;
 };
+
+// Reads a recording. A last line without a line end is ignored, as a crash leaves one; anything
+// else that is wrong gives nothing, with "FILE:LINE: what is wrong; what is allowed" in `problem`.
+// Any thread.
+std::optional<Recording> ReadRecording(const std::string& file, std::string& problem);
+
+// The lines of the header, from the first one to "begin", each with its line end.
+std::string HeaderText(const RecordingHeader& header);
+
+// The version in the program's resources ("1.0.2.0"), "unknown" when there is none. Host thread,
+// while a unit exists.
+std::string ProgramVersion();
 
 }  // namespace unit

@@ -5,15 +5,23 @@
 #include <cstring>
 #include <utility>
 
-#include "unit/recording/moment_text.h"
+#include "unit/events/event_text.h"
 
 namespace unit {
+
+using std::chrono::microseconds;
+
 namespace {
 
-constexpr std::size_t kMostQueued = 1U << 16;
+constexpr std::size_t kMaxQueued = 1U << 16;
 
-// Of the host's time: how long a burst of bytes may lie in memory while nothing follows it.
+// Host time: how long bytes may stay in memory while no event follows them.
 constexpr auto kIdle = std::chrono::milliseconds(300);
+
+// A longer pause between bytes begins another event, and so do more bytes: a line of the file must
+// stay readable.
+constexpr microseconds kMaxPause{2000};
+constexpr std::size_t kMaxJoinedBytes = 256;
 
 }  // namespace
 
@@ -47,76 +55,90 @@ bool RecordingFile::Open(const std::string& path, const RecordingHeader& header,
     return true;
 }
 
-void RecordingFile::Put(std::chrono::microseconds time, Event event) {
+void RecordingFile::Put(microseconds time, Event event) {
     std::unique_lock lock(mutex_);
     if (when_full_ == WhenFull::kWait)
-        emptied_.wait(lock, [this] { return queue_.size() < kMostQueued; });
+        emptied_.wait(lock, [this] { return queue_.size() < kMaxQueued; });
     last_time_ = std::max(last_time_, time);
-    if (queue_.size() >= kMostQueued) {
+    if (queue_.size() >= kMaxQueued) {
         ++lost_;
         return;
     }
     if (lost_ > 0)
-        queue_.push_back({last_time_, Moment(EventsLost{std::exchange(lost_, 0)})});
+        queue_.push_back({last_time_, EventsLost{std::exchange(lost_, 0)}});
     queue_.push_back({last_time_, std::move(event)});
     filled_.notify_one();
 }
 
 void RecordingFile::WriteUntilClosed() {
-    BurstJoiner joiner;
-    std::deque<Queued> taken;
+    std::deque<TimedEvent> taken;
     for (;;) {
         bool closing = false;
+        bool idle = false;
         {
             std::unique_lock lock(mutex_);
-            const bool idle =
-                !filled_.wait_for(lock, kIdle, [this] { return !queue_.empty() || closing_; });
-            // In simulated time bursts end by the unit's clock alone: the same run gives the same
-            // file.
-            if (idle && when_full_ == WhenFull::kDrop) {
-                lock.unlock();
-                EndBurst(joiner);
-                lock.lock();
-            }
+            idle = !filled_.wait_for(lock, kIdle, [this] { return !queue_.empty() || closing_; });
             taken.swap(queue_);
             closing = closing_ && taken.empty();
             emptied_.notify_all();
         }
-        for (const Queued& queued : taken)
-            Write(joiner, queued);
+        // In simulated time only the unit's clock ends joined bytes, so that the same run makes the
+        // same file.
+        if (idle && when_full_ == WhenFull::kDrop)
+            WriteJoined();
+        for (TimedEvent& timed : taken)
+            Write(timed);
         taken.clear();
         if (closing)
             break;
         Check(std::fflush(file_.get()) == 0);
     }
-    EndBurst(joiner);
+    WriteJoined();
     Check(std::fflush(file_.get()) == 0);
 }
 
-void RecordingFile::Write(BurstJoiner& joiner, const Queued& queued) {
-    if (const auto* bytes = std::get_if<LineBytes>(&queued.event)) {
-        if (const auto ended = joiner.Take(queued.time, *bytes))
-            WriteLine(ended->time, ended->burst);
+void RecordingFile::Write(TimedEvent& timed) {
+    if (Join(timed))
         return;
-    }
-    EndBurst(joiner);
-    WriteLine(queued.time, std::get<Moment>(queued.event));
+    WriteJoined();
+    if (std::holds_alternative<LineBytes>(timed.event))
+        joined_ = std::move(timed);
+    else
+        WriteLine(timed);
 }
 
-void RecordingFile::EndBurst(BurstJoiner& joiner) {
-    if (const auto ended = joiner.End())
-        WriteLine(ended->time, ended->burst);
+// Appends the bytes to those before them; false when they cannot be joined.
+bool RecordingFile::Join(const TimedEvent& timed) {
+    const auto* const bytes = std::get_if<LineBytes>(&timed.event);
+    if (!bytes || !joined_)
+        return false;
+    auto& joined = std::get<LineBytes>(joined_->event);
+    const microseconds last = joined.later.empty() ? microseconds{} : joined.later.back().after;
+    const microseconds after = timed.time - joined_->time;
+    if (bytes->direction != joined.direction || bytes->direction == Direction::kToDvr ||
+        after - last > kMaxPause || joined.bytes.size() + bytes->bytes.size() > kMaxJoinedBytes)
+        return false;
+    if (after != last)
+        joined.later.push_back({joined.bytes.size(), after});
+    joined.bytes.insert(joined.bytes.end(), bytes->bytes.begin(), bytes->bytes.end());
+    return true;
 }
 
-void RecordingFile::WriteLine(std::chrono::microseconds time, const Moment& moment) {
+void RecordingFile::WriteJoined() {
+    if (joined_)
+        WriteLine(*joined_);
+    joined_.reset();
+}
+
+void RecordingFile::WriteLine(const TimedEvent& timed) {
     if (failed_)
         return;
-    const std::string line = TimeText(time) + " " + MomentText(moment) + "\n";
+    const std::string line = TimeText(timed.time) + " " + EventLine(timed.event) + "\n";
     written_ += line.size();
-    if (written_ > kLongestRecording) {
+    if (written_ > kMaxRecordingBytes) {
         failed_ = true;
-        say_(path_ + ": the recording is " + std::to_string(kLongestRecording) +
-             " bytes long and ends here");
+        say_(path_ + ": the recording ends here, at its limit of " +
+             std::to_string(kMaxRecordingBytes) + " bytes");
         return;
     }
     Check(std::fwrite(line.data(), 1, line.size(), file_.get()) == line.size());

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -13,20 +14,20 @@
 
 namespace unit {
 
-// A recording on its way to the disk: a queue and a thread that empties it into the file, which is
-// flushed whenever the queue is empty. A burst of bytes goes out with the event that follows it.
+// Writes a recording: a thread takes the events from a queue and flushes the file whenever the
+// queue is empty. Bytes that follow one another closely become one event; what the program sends at
+// once stays an event of its own.
 class RecordingFile {
   public:
-    // What to do with an event that finds the queue full.
+    // What to do with an event when the queue is full.
     enum class WhenFull {
         kWait,  // for a unit whose clock stands still meanwhile
-        kDrop,  // the file tells how many are missing
+        kDrop,  // the file says how many are missing
     };
-    using Event = std::variant<LineBytes, Moment>;
 
-    // `say` takes one line when something cannot be written, after which nothing more is.
+    // `say` receives one line when writing has failed; nothing is written after that.
     RecordingFile(WhenFull when_full, std::function<void(const std::string&)> say);
-    // Writes what is left; nothing may be put any more.
+    // Writes what is left; no Put may follow.
     ~RecordingFile();
     RecordingFile(const RecordingFile&) = delete;
     RecordingFile& operator=(const RecordingFile&) = delete;
@@ -34,36 +35,34 @@ class RecordingFile {
     // Creates the file; false with one line in `problem`. Once.
     bool Open(const std::string& path, const RecordingHeader& header, std::string& problem);
 
-    // Any thread. A time that is earlier than that of the event before it counts as that one.
+    // Any thread. A time before that of the last event counts as that one.
     void Put(std::chrono::microseconds time, Event event);
 
   private:
     struct Closer {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
-    struct Queued {
-        std::chrono::microseconds time;
-        Event event;
-    };
 
     void WriteUntilClosed();
-    void Write(BurstJoiner& joiner, const Queued& queued);
-    void WriteLine(std::chrono::microseconds time, const Moment& moment);
-    void EndBurst(BurstJoiner& joiner);
+    void Write(TimedEvent& timed);
+    bool Join(const TimedEvent& timed);
+    void WriteJoined();
+    void WriteLine(const TimedEvent& timed);
     void Check(bool written);
 
     const WhenFull when_full_;
     const std::function<void(const std::string&)> say_;
     std::string path_;
     std::unique_ptr<std::FILE, Closer> file_;
-    // The writer's alone.
+    // Only the writer uses these.
     bool failed_ = false;
     std::size_t written_ = 0;
+    std::optional<TimedEvent> joined_;  // bytes of the line that more may be appended to
 
     std::mutex mutex_;
     std::condition_variable filled_;
     std::condition_variable emptied_;
-    std::deque<Queued> queue_;
+    std::deque<TimedEvent> queue_;
     std::chrono::microseconds last_time_{};
     std::uint64_t lost_ = 0;
     bool closing_ = false;

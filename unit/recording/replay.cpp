@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "control/words.h"
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
+#include "unit/events/event_text.h"
 #include "unit/picture/screen_reader.h"
-#include "unit/recording/moment_text.h"
-#include "unit/recording/program_version.h"
 #include "unit/recording/recorder.h"
 #include "unit/recording/replay_inputs.h"
 
@@ -20,10 +20,10 @@ namespace {
 
 constexpr auto kCloseLimit = 60s;
 
-// A recording with jitter may have caught a screen that stands for a moment only.
-constexpr ScreenWatch::Pace kClosePace = {2ms, 0ms};
+// How often to look for outputs that should have come.
+constexpr kernel::Duration kCheckInterval = 2ms;
 
-VirtualUnit::Options OptionsOf(const RecordingHeader& header, OutputBook& book,
+VirtualUnit::Options OptionsOf(const RecordingHeader& header, ExpectedOutput& expected,
                                const std::shared_ptr<ReplayLine>& line) {
     VirtualUnit::Options options;
     options.kernel.mode = kernel::Mode::kSimulated;
@@ -33,9 +33,9 @@ VirtualUnit::Options OptionsOf(const RecordingHeader& header, OutputBook& book,
     options.kernel.start = header.start;
     options.missing_bitmaps = header.missing_bitmaps;
     options.dvr.line = DvrPort::Line::kNone;
-    options.drivers[L"COM9:"] = std::make_shared<ReplaySerialDriver>(book, L"COM9:", line);
+    options.drivers[L"COM9:"] = std::make_shared<ReplaySerialDriver>(expected, L"COM9:", line);
     for (const wchar_t* name : {L"DVR1:", L"SCA0:"})
-        options.drivers[name] = std::make_shared<ReplayDriver>(book, name);
+        options.drivers[name] = std::make_shared<ReplayDriver>(expected, name);
     return options;
 }
 
@@ -44,18 +44,18 @@ class Run {
     Run(const Recording& recording, const Program& program, DebugLog& log,
         const std::function<void(const std::string&)>& say)
         : recording_(recording),
-          line_(std::make_shared<ReplayLine>(book_)),
-          unit_(OptionsOf(recording.header, book_, line_), program, log, say),
-          inputs_(recording, {unit_, *line_, book_, judge_, lateness_},
+          line_(std::make_shared<ReplayLine>(expected_)),
+          unit_(OptionsOf(recording.header, expected_, line_), program, log, say),
+          inputs_(recording, {unit_, *line_, expected_, screens_, lag_},
                   [this] { recording_ended_ = true; }),
-          screens_(unit_, PaceOf(recording.header),
-                   [this](const SettledScreen& screen) { judge_.Take(kernel::Now(), screen); }) {
+          watch_(unit_, PaceOf(recording.header),
+                 [this](const ScreenSettled& screen) { screens_.Compare(kernel::Now(), screen); }) {
         unit_.SetSupply(recording.header.supply);
         FailCalls();
         subscription_ = unit_.events().Subscribe([this](const TimedEvent& event) { Note(event); });
-        Look();
+        Check();
     }
-    ~Run() { kernel::Cancel(look_); }
+    ~Run() { kernel::Cancel(next_check_); }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
@@ -64,69 +64,70 @@ class Run {
         kernel::RunHostThread([this] { return Ended(); });
         ReplayResult result;
         result.time = kernel::Now() - recording_.header.start;
-        // How the program ends is compared when the recording has its end.
+        // The program's end is compared if the recording contains it.
         if (!Closes())
             StopComparing();
         if (Found())
             NoteScreen(result);
         if (!unit_.Close(kCloseLimit))
             result.notes.push_back("the program did not end: " + unit_.leftovers());
-        judge_.CheckAtEnd(kernel::Now());
-        book_.CheckAtEnd(kernel::Now());
+        screens_.CheckAtEnd(kernel::Now());
+        expected_.CheckAtEnd(kernel::Now());
         if (Found() && !result.screen)
             NoteScreen(result);
-        result.difference = book_.difference() ? book_.difference() : judge_.difference();
+        result.difference = expected_.difference() ? expected_.difference() : screens_.difference();
         for (std::size_t kind = 0; kind < kOutputKinds; ++kind)
-            result.outputs[kind] = book_.count(static_cast<OutputKind>(kind));
-        result.screens = judge_.count();
-        result.lateness = lateness_.value();
+            result.outputs[kind] = expected_.count(static_cast<OutputKind>(kind));
+        result.screens = screens_.count();
+        result.lag = lag_.value();
         NoteRecording(result);
         return result;
     }
 
   private:
+    // A recording with jitter may contain a screen that the replay shows for an instant.
     static ScreenWatch::Pace PaceOf(const RecordingHeader& header) {
-        return header.Simulated() ? RecordingPace(header) : kClosePace;
+        return header.Simulated() ? RecordingPace(header) : ScreenWatch::Pace{};
     }
 
     void FailCalls() const {
-        for (const RecordedMoment& recorded : recording_.moments)
-            if (const auto* failed = std::get_if<CallFailed>(&recorded.moment))
+        for (const RecordedEvent& recorded : recording_.events)
+            if (const auto* failed = std::get_if<CallFailed>(&recorded.event))
                 kernel::AddCallFault({failed->call, failed->number - 1, 1, failed->error});
     }
 
     void Note(const TimedEvent& timed) {
-        if (const auto* broadcast = std::get_if<BroadcastPosted>(&timed.event))
-            book_.Take(OutputKind::kBroadcast, timed.time, MomentText(*broadcast));
-        const auto* change = std::get_if<SuspendChanged>(&timed.event);
-        if (change && change->suspended)
-            book_.Take(OutputKind::kRequest, timed.time, MomentText(*change));
+        if (std::holds_alternative<BroadcastPosted>(timed.event))
+            expected_.Compare(OutputKind::kBroadcast, timed.time, EventLine(timed.event));
+        if (std::holds_alternative<UnitSuspended>(timed.event))
+            expected_.Compare(OutputKind::kRequest, timed.time, EventLine(timed.event));
     }
 
-    void Look() {
-        book_.CheckMissing(kernel::Now());
-        judge_.Check(kernel::Now());
-        look_ = kernel::After(kClosePace.look, [this] { Look(); });
+    void Check() {
+        expected_.CheckMissing(kernel::Now());
+        screens_.Check(kernel::Now());
+        next_check_ = kernel::After(kCheckInterval, [this] { Check(); });
     }
 
-    bool Found() const { return book_.difference() || judge_.difference(); }
+    bool Found() const { return expected_.difference() || screens_.difference(); }
 
     bool Ended() const {
         if (Found())
             return true;
-        return recording_ended_ && (Closes() || (book_.AllHaveCome() && judge_.AllHaveCome()));
+        return recording_ended_ &&
+               (Closes() || (expected_.AllHaveCome() && screens_.AllHaveCome()));
     }
 
     bool Closes() const {
-        const auto closing = [](const RecordedMoment& recorded) {
-            return std::holds_alternative<ClosingBegan>(recorded.moment);
+        const auto closing = [](const RecordedEvent& recorded) {
+            return std::holds_alternative<ClosingBegan>(recorded.event);
         };
-        return recording_.complete && std::ranges::any_of(recording_.moments, closing);
+        return recording_.complete && std::ranges::any_of(recording_.events, closing);
     }
 
     void StopComparing() {
-        book_.StopComparing();
-        judge_.StopComparing();
+        expected_.StopComparing();
+        screens_.StopComparing();
     }
 
     void NoteScreen(ReplayResult& result) {
@@ -139,40 +140,77 @@ class Run {
     }
 
     void NoteRecording(ReplayResult& result) const {
-        const RecordedMoment* const last =
-            recording_.moments.empty() ? nullptr : &recording_.moments.back();
-        for (const RecordedMoment& recorded : recording_.moments)
-            if (const auto* lost = std::get_if<EventsLost>(&recorded.moment))
-                result.notes.push_back("line " + std::to_string(recorded.line) + " tells of " +
-                                       std::to_string(lost->count) +
-                                       " events that were not recorded; it was replayed to there");
+        const RecordedEvent* const last =
+            recording_.events.empty() ? nullptr : &recording_.events.back();
+        for (const RecordedEvent& recorded : recording_.events)
+            if (const auto* lost = std::get_if<EventsLost>(&recorded.event))
+                result.notes.push_back("replayed up to line " + std::to_string(recorded.line) +
+                                       ", where " + std::to_string(lost->count) +
+                                       " events were not recorded");
         if (!recording_.complete)
-            result.notes.push_back("the recording was cut off at " +
+            result.notes.push_back("replayed up to " +
                                    TimeText(last ? last->time : recording_.header.start) +
-                                   "; it was replayed to there");
+                                   ", where the recording was cut off");
         if (const std::string version = ProgramVersion(); version != recording_.header.program)
             result.notes.push_back("version " + recording_.header.program +
                                    " of the program was recorded, this is version " + version);
     }
 
     const Recording& recording_;
-    Lateness lateness_;
-    OutputBook book_{recording_, lateness_};
-    ScreenJudge judge_{recording_, lateness_};
+    Lag lag_;
+    ExpectedOutput expected_{recording_, lag_};
+    ScreenComparison screens_{recording_, lag_};
     const std::shared_ptr<ReplayLine> line_;
     VirtualUnit unit_;
     bool recording_ended_ = false;
     ReplayInputs inputs_;
-    ScreenWatch screens_;
+    ScreenWatch watch_;
     EventHub::Subscription subscription_;
-    kernel::EventId look_ = 0;
+    kernel::EventId next_check_ = 0;
 };
+
+std::string Count(std::size_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string Side(const char* side, std::chrono::microseconds time, const std::string& what) {
+    return std::string("\n  ") + side + "  " + TimeText(time) + "  " + what;
+}
 
 }  // namespace
 
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
                     const std::function<void(const std::string&)>& say) {
     return Run(recording, program, log, say).ToTheEnd();
+}
+
+std::string ReplayReport(const Recording& recording, const ReplayResult& result) {
+    const std::string equal =
+        Count(result.outputs[0], "frame") + ", " + Count(result.outputs[1], "request") + ", " +
+        Count(result.outputs[2], "broadcast") + ", " + Count(result.screens, "screen") + " equal";
+    char seconds[48];
+    std::snprintf(seconds, sizeof seconds, ", %.1f s of unit time",
+                  static_cast<double>(result.time.count()) / 1e6);
+    std::string text = recording.file;
+    if (const auto& difference = result.difference) {
+        if (difference->line > 0)
+            text += ":" + std::to_string(difference->line);
+        text += ": the replay differs in a " + difference->what + "; before it " + equal + seconds;
+        text += difference->recorded.empty()
+                    ? "\n  recorded  no more " + difference->what + "s"
+                    : Side("recorded", difference->recorded_time, difference->recorded);
+        text += Side("replayed", difference->time,
+                     difference->replayed.empty() ? "nothing" : difference->replayed);
+        text += "\n  on the screen then: " + control::JoinWords(result.screen_texts);
+    } else {
+        text += ": " + equal + seconds;
+    }
+    if (result.lag.count() > 0)
+        text += "\n  the program was up to " + std::to_string(result.lag.count() / 1000) +
+                " ms later than recorded; its inputs were delayed by as much";
+    for (const std::string& note : result.notes)
+        text += "\n  " + note;
+    return text;
 }
 
 }  // namespace unit

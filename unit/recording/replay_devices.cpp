@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "platform/kernel/clock.h"
-#include "unit/events/hex_text.h"
-#include "unit/recording/moment_text.h"
+#include "unit/events/event_text.h"
+#include "unit/line/frame_text.h"
 
 namespace unit {
 
@@ -13,18 +13,20 @@ using Call = DriverCalled::Call;
 
 namespace {
 
-DWORD Ask(OutputBook& book, const DriverCalled& call) {
-    return book.Take(OutputKind::kRequest, platform::kernel::Now(), RequestText(call));
+// The recorded result of the request.
+DWORD ResultOf(ExpectedOutput& expected, const DriverCalled& call) {
+    return expected.Compare(OutputKind::kRequest, platform::kernel::Now(), RequestLine(call));
 }
 
 class ReplayStream final : public Stream {
   public:
-    ReplayStream(OutputBook& book, std::wstring name) : book_(book), name_(std::move(name)) {}
+    ReplayStream(ExpectedOutput& expected, std::wstring name)
+        : expected_(expected), name_(std::move(name)) {}
 
     DWORD IoControl(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                     DWORD& returned) override {
-        const DWORD error =
-            Ask(book_, {name_, Call::kControl, code, {input.begin(), input.end()}, ERROR_SUCCESS});
+        const DWORD error = ResultOf(
+            expected_, {name_, Call::kControl, code, {input.begin(), input.end()}, ERROR_SUCCESS});
         if (error != ERROR_SUCCESS)
             return error;
         std::ranges::fill(output, std::byte{0});
@@ -32,10 +34,12 @@ class ReplayStream final : public Stream {
         return ERROR_SUCCESS;
     }
 
-    void HandleClosed() override { Ask(book_, {name_, Call::kClose, 0, {}, ERROR_SUCCESS}); }
+    void HandleClosed() override {
+        ResultOf(expected_, {name_, Call::kClose, 0, {}, ERROR_SUCCESS});
+    }
 
   private:
-    OutputBook& book_;
+    ExpectedOutput& expected_;
     const std::wstring name_;
 };
 
@@ -77,19 +81,19 @@ std::size_t ReplayLine::Transmit(std::span<const std::uint8_t> bytes) {
     const std::scoped_lock lock(mutex_);
     for (const std::uint8_t byte : bytes)
         if (const auto segment = splitter_.Take(byte))
-            book_.Take(OutputKind::kFrame, platform::kernel::Now(), HexText(segment->bytes));
+            expected_.Compare(OutputKind::kFrame, platform::kernel::Now(), HexText(segment->bytes));
     return bytes.size();
 }
 
 DWORD ReplaySerialDriver::Open(DWORD access, DWORD share_mode, std::shared_ptr<Stream>& stream) {
-    const DWORD error = Ask(book_, {name_, Call::kOpen, 0, {}, ERROR_SUCCESS});
+    const DWORD error = ResultOf(expected_, {name_, Call::kOpen, 0, {}, ERROR_SUCCESS});
     return error == ERROR_SUCCESS ? driver_.Open(access, share_mode, stream) : error;
 }
 
 DWORD ReplayDriver::Open(DWORD, DWORD, std::shared_ptr<Stream>& stream) {
-    const DWORD error = Ask(book_, {name_, Call::kOpen, 0, {}, ERROR_SUCCESS});
+    const DWORD error = ResultOf(expected_, {name_, Call::kOpen, 0, {}, ERROR_SUCCESS});
     if (error == ERROR_SUCCESS)
-        stream = std::make_shared<ReplayStream>(book_, name_);
+        stream = std::make_shared<ReplayStream>(expected_, name_);
     return error;
 }
 

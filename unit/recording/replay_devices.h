@@ -10,17 +10,17 @@
 #include "platform/device/serial_port.h"
 #include "platform/device/stream_driver.h"
 #include "unit/line/frame_splitter.h"
-#include "unit/recording/output_book.h"
+#include "unit/recording/expected_output.h"
 
 namespace unit {
 
-// The line of a replay: nobody is at its other end. What the program sends is held against the
-// recording. Any thread; the book must outlive it.
+// The line of a replay, without a peer. Compares what the program sends with the recording. Any
+// thread; the expected output must outlive it.
 class ReplayLine final : public platform::device::SerialLine {
   public:
-    explicit ReplayLine(OutputBook& book) : book_(book) {}
+    explicit ReplayLine(ExpectedOutput& expected) : expected_(expected) {}
 
-    // Recorded bytes arrive. Hardware's thread.
+    // Recorded bytes arrive. Host thread.
     void Deliver(std::span<const std::uint8_t> bytes);
 
     DWORD Open(Receiver receiver) override;
@@ -31,38 +31,40 @@ class ReplayLine final : public platform::device::SerialLine {
     void OnWritable(std::function<void()>) override {}
 
   private:
-    OutputBook& book_;
+    ExpectedOutput& expected_;
     std::mutex mutex_;
     Receiver port_;
     DCB settings_{};
     FrameSplitter splitter_;
 };
 
-// The driver of "COM9:" over such a line: opens as it did in the recording.
+// The driver of "COM9:" over such a line. An open returns what it returned in the recording.
 class ReplaySerialDriver final : public platform::device::StreamDriver {
   public:
-    ReplaySerialDriver(OutputBook& book, std::wstring name, std::shared_ptr<ReplayLine> line)
-        : book_(book), name_(std::move(name)), driver_(std::move(line)) {}
+    ReplaySerialDriver(ExpectedOutput& expected, std::wstring name,
+                       std::shared_ptr<ReplayLine> line)
+        : expected_(expected), name_(std::move(name)), driver_(std::move(line)) {}
 
     DWORD Open(DWORD access, DWORD share_mode,
                std::shared_ptr<platform::device::Stream>& stream) override;
 
   private:
-    OutputBook& book_;
+    ExpectedOutput& expected_;
     const std::wstring name_;
     platform::device::SerialDriver driver_;
 };
 
-// A driver that answers each request as it did in the recording, and does nothing.
+// A driver that does nothing; each request returns what it returned in the recording.
 class ReplayDriver final : public platform::device::StreamDriver {
   public:
-    ReplayDriver(OutputBook& book, std::wstring name) : book_(book), name_(std::move(name)) {}
+    ReplayDriver(ExpectedOutput& expected, std::wstring name)
+        : expected_(expected), name_(std::move(name)) {}
 
     DWORD Open(DWORD access, DWORD share_mode,
                std::shared_ptr<platform::device::Stream>& stream) override;
 
   private:
-    OutputBook& book_;
+    ExpectedOutput& expected_;
     const std::wstring name_;
 };
 

@@ -5,26 +5,26 @@
 
 #include "platform/kernel/scheduler.h"
 #include "unit/board/virtual_unit.h"
-#include "unit/recording/output_book.h"
+#include "unit/recording/expected_output.h"
 #include "unit/recording/replay_devices.h"
-#include "unit/recording/screen_judge.h"
+#include "unit/recording/screen_comparison.h"
 
 namespace unit {
 
-// Gives the program what it was given in the recording: each input at its time, but not before all
-// outputs recorded before it have come, and a touch not before the screens. Hardware's thread.
+// Gives the program the inputs of the recording: each at its time, but not before all outputs that
+// were recorded before it, and a touch not before the screens. Host thread.
 class ReplayInputs {
   public:
     struct Parts {
         VirtualUnit& unit;
         ReplayLine& line;
-        const OutputBook& book;
-        const ScreenJudge& judge;
-        const Lateness& lateness;
+        const ExpectedOutput& expected;
+        const ScreenComparison& screens;
+        const Lag& lag;
     };
 
     // `at_end` is called when the recording has no more inputs: where the unit began to close the
-    // program, at the end, or where events are missing.
+    // program, where events are missing, or at the end.
     ReplayInputs(const Recording& recording, Parts parts, std::function<void()> at_end);
     ~ReplayInputs();
     ReplayInputs(const ReplayInputs&) = delete;
@@ -38,7 +38,7 @@ class ReplayInputs {
         std::function<void()> feed;
     };
 
-    void Add(const Input& when, const Moment& moment);
+    void Add(const Input& when, const Event& event);
     void Feed();
     void FeedLater(platform::kernel::Time when);
     bool IsReady(const Input& input) const;
@@ -48,7 +48,7 @@ class ReplayInputs {
     std::vector<Input> inputs_;
     std::size_t next_ = 0;
     bool waited_ = false;
-    platform::kernel::EventId alarm_ = 0;
+    platform::kernel::EventId next_feed_ = 0;
 };
 
 }  // namespace unit

@@ -1,7 +1,5 @@
 #include "unit/recording/screen_watch.h"
 
-#include <cstring>
-
 #include "platform/kernel/text.h"
 #include "unit/board/virtual_unit.h"
 
@@ -21,8 +19,8 @@ std::uint64_t DigestOf(std::span<const std::uint32_t> pixels) {
     return digest;
 }
 
-SettledScreen Read(const platform::gdi::Surface& surface) {
-    SettledScreen screen{DigestOf(surface.pixels()), {}};
+ScreenSettled Read(const platform::gdi::Surface& surface) {
+    ScreenSettled screen{DigestOf(surface.pixels()), {}};
     for (const platform::gdi::PlacedText& placed : surface.texts())
         screen.texts.push_back(kernel::ToUtf8(placed.text));
     return screen;
@@ -30,56 +28,82 @@ SettledScreen Read(const platform::gdi::Surface& surface) {
 
 }  // namespace
 
-ScreenWatch::ScreenWatch(VirtualUnit& unit, Pace pace, Listener listener, UnseenListener unseen)
+ScreenWatch::ScreenWatch(VirtualUnit& unit, Pace pace, Subscriber subscriber,
+                         UnseenSubscriber unseen)
     : unit_(unit),
       pace_(pace),
-      listener_(std::move(listener)),
+      start_(kernel::Now()),
+      subscriber_(std::move(subscriber)),
       unseen_(std::move(unseen)),
-      known_until_(kernel::Now()) {
+      last_change_(start_) {
+    subscription_ = unit.events().Subscribe([this](const TimedEvent& timed) {
+        if (std::holds_alternative<ScreenDrawn>(timed.event))
+            NoteDrawn();
+    });
+    // What was drawn before is read too.
+    const std::scoped_lock lock(mutex_);
     LookLater();
 }
 
 ScreenWatch::~ScreenWatch() {
+    subscription_ = {};
     kernel::Cancel(next_look_);
-    if (unit_.screen_version() != read_version_)
-        TellUnseen(kernel::Now());
+    if (changed_)
+        ReportUnseen(*changed_, kernel::Now());
+}
+
+void ScreenWatch::NoteDrawn() {
+    const std::scoped_lock lock(mutex_);
+    last_change_ = kernel::Now();
+    if (!changed_)
+        changed_ = last_change_;
+    LookLater();
+}
+
+kernel::Time ScreenWatch::SettledAt() const {
+    kernel::Time from = last_change_;
+    if (pace_.grid.count() > 0)
+        from = start_ + ((last_change_ - start_) / pace_.grid + 1) * pace_.grid;
+    return from + pace_.settle_time;
 }
 
 void ScreenWatch::LookLater() {
-    next_look_ = kernel::After(pace_.look, [this] {
-        Look();
-        LookLater();
-    });
+    if (next_look_ == 0)
+        next_look_ = kernel::At(SettledAt(), [this] { Look(); });
 }
 
-void ScreenWatch::TellUnseen(kernel::Time until) {
-    if (unseen_ && until - known_until_ > 2 * pace_.still)
-        unseen_(known_until_);
+void ScreenWatch::ReportUnseen(kernel::Time from, kernel::Time until) const {
+    if (unseen_ && until - from > 2 * pace_.settle_time)
+        unseen_(from);
 }
 
 void ScreenWatch::Look() {
+    std::unique_lock lock(mutex_);
+    next_look_ = 0;
+    if (kernel::Now() < SettledAt())
+        return LookLater();
     const std::uint64_t version = unit_.screen_version();
-    if (version != seen_version_) {
-        seen_version_ = version;
-        since_ = kernel::Now();
-    }
     if (version == read_version_) {
-        known_until_ = kernel::Now();
+        changed_.reset();
         return;
     }
-    if (kernel::Now() - since_ < pace_.still)
-        return;
-    SettledScreen screen = Read(unit_.Screen());
-    // What changed while it was read may have been read by halves.
+    lock.unlock();
+    ScreenSettled screen = Read(unit_.Screen());
+    lock.lock();
+    // A picture that changed meanwhile may have been read in part; its change has scheduled the
+    // next look.
     if (unit_.screen_version() != version)
         return;
     read_version_ = version;
-    TellUnseen(since_);
-    known_until_ = kernel::Now();
-    if (screen == told_)
+    const std::optional<kernel::Time> changed = std::exchange(changed_, std::nullopt);
+    lock.unlock();
+    // Includes the time by which a slow host delayed this look.
+    if (changed)
+        ReportUnseen(*changed, kernel::Now() - pace_.settle_time);
+    if (screen == reported_)
         return;
-    told_ = std::move(screen);
-    listener_(told_);
+    reported_ = std::move(screen);
+    subscriber_(reported_);
 }
 
 }  // namespace unit

@@ -9,33 +9,34 @@ using control::Done;
 using control::Outcome;
 using control::Refused;
 using control::Values;
-using Manner = Check::Manner;
 using namespace std::chrono_literals;
 
-constexpr auto kUsualLimit = 30s;
+constexpr auto kDefaultLimit = 30s;
 
 Outcome AddCheck(ScenarioReader& reader, const Condition& condition, const Values& values,
-                 Manner manner) {
+                 Check::Mode mode) {
     const std::string problem = condition.problem ? condition.problem(values) : "";
     if (!problem.empty())
         return Refused(problem);
-    const auto time = manner == Manner::kThroughout
-                          ? values.Duration("DURATION")
-                          : values.Duration("LIMIT", manner == Manner::kWait ? kUsualLimit : 0s);
-    return reader.Add(Check{&condition, values, !values.Chose("no"), manner, time});
+    const auto time =
+        mode == Check::Mode::kThroughout
+            ? values.Duration("DURATION")
+            : values.Duration("LIMIT", mode == Check::Mode::kWait ? kDefaultLimit : 0s);
+    return reader.Add(Check{&condition, values, !values.Chose("no"), mode, time});
 }
 
-// A row whose words go before and behind the condition's.
+// A row of the words of the condition between other words.
 ScenarioTable::Row CheckRow(const std::string& before, const Condition& condition,
-                            const std::string& behind, std::string_view help,
-                            std::optional<Manner> manner = std::nullopt) {
+                            const std::string& after, std::string_view help,
+                            std::optional<Check::Mode> mode = std::nullopt) {
     // The table's rows refer to their patterns.
     static std::deque<std::string> patterns;
-    patterns.push_back(before + std::string(condition.pattern) + behind);
+    patterns.push_back(before + std::string(condition.pattern) + after);
     return {patterns.back(), help,
-            [&condition, manner](ScenarioReader& reader, const Values& values) {
-                const Manner usual = values.Chose("wait") ? Manner::kWait : Manner::kExpect;
-                return AddCheck(reader, condition, values, manner.value_or(usual));
+            [&condition, mode](ScenarioReader& reader, const Values& values) {
+                const Check::Mode by_default =
+                    values.Chose("wait") ? Check::Mode::kWait : Check::Mode::kExpect;
+                return AddCheck(reader, condition, values, mode.value_or(by_default));
             }};
 }
 
@@ -44,9 +45,9 @@ Outcome Wait(ScenarioReader& reader, const Values& values) {
 }
 
 Outcome Forget(ScenarioReader& reader, const Values&) {
-    return reader.Add(Act{[](Stage& stage) {
-        stage.begin = stage.happenings.Count();
-        stage.read_on.fill(stage.begin);
+    return reader.Add(Action{[](ScenarioContext& context) {
+        context.begin = context.events.Count();
+        context.next_wait.fill(context.begin);
         return Done();
     }});
 }
@@ -54,24 +55,22 @@ Outcome Forget(ScenarioReader& reader, const Values&) {
 }  // namespace
 
 ScenarioRows CheckRows() {
-    ScenarioRows rows{{"wait DURATION", "Lets that much of the unit's time pass.", Wait}};
+    ScenarioRows rows{{"wait DURATION", "Waits for that much of the unit's time.", Wait}};
     for (const Condition& condition : Conditions()) {
         if (condition.IsState()) {
             rows.push_back(
                 CheckRow("wait|expect [no] ", condition, " [within LIMIT]", condition.help));
             rows.push_back(CheckRow("expect [no] ", condition, " for DURATION", condition.help,
-                                    Manner::kThroughout));
+                                    Check::Mode::kThroughout));
         } else {
             rows.push_back(CheckRow("wait|expect ", condition, " [times COUNT] [within LIMIT]",
                                     condition.help));
             rows.push_back(CheckRow("expect no ", condition, "", condition.help));
             rows.push_back(CheckRow("expect no ", condition, " for DURATION", condition.help,
-                                    Manner::kThroughout));
+                                    Check::Mode::kThroughout));
         }
     }
-    rows.push_back({"forget",
-                    "What has happened so far is not looked at by the conditions that follow.",
-                    Forget});
+    rows.push_back({"forget", "The conditions that follow ignore the events so far.", Forget});
     return rows;
 }
 

@@ -1,40 +1,39 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "control/words.h"
-#include "unit/scenario/stage.h"
+#include "unit/scenario/context.h"
 
 namespace unit {
 
-// Something that `wait` and `expect` can ask for: a state that holds or not, or something that has
-// happened or not. It has one of the two questions.
+// What `wait` and `expect` can ask for: a state of the unit, or an event. Has either `holds` or
+// `matches`.
 struct Condition {
     std::string_view pattern;
     std::string_view help;
 
-    std::function<bool(Stage&, const control::Values&)> holds{};
-    // What is so instead, for a failure: "the step is 1".
-    std::function<std::string(Stage&)> instead{};
+    std::function<bool(ScenarioContext&, const control::Values&)> holds{};
+    // The actual state, for a failure: "the step is 1".
+    std::function<std::string(ScenarioContext&)> actual{};
 
-    // Which of the Happening's kinds it is about.
+    // The kind of event, as an index into the variant.
     std::size_t kind = 0;
-    std::function<bool(const Happening&, const control::Values&)> matches{};
+    std::function<bool(const Event&, const control::Values&)> matches{};
 
-    // What is wrong with the values of a line, when that shows before the run; empty when nothing.
+    // Checks the values of a line before the run; returns the problem, or nothing.
     std::function<std::string(const control::Values&)> problem{};
 
     bool IsState() const { return holds != nullptr; }
 };
 
 std::vector<Condition> StateConditions();
-std::vector<Condition> HappeningConditions();
+std::vector<Condition> EventConditions();
 
-// All of them, in the order of the documentation.
+// All conditions, in the order of the documentation.
 const std::vector<Condition>& Conditions();
 
 }  // namespace unit

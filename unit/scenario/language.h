@@ -10,13 +10,13 @@ namespace unit {
 using ScenarioTable = control::CommandTable<ScenarioReader>;
 using ScenarioRows = std::vector<ScenarioTable::Row>;
 
-// The scenario's own commands by what they are for, a file each.
+// The scenario's own commands by purpose.
 ScenarioRows SettingRows();    // seed, time, start ...
 ScenarioRows StructureRows();  // include, repeat, end
 ScenarioRows CheckRows();      // wait, expect, forget
 ScenarioRows PictureRows();    // picture, expect screen, say
 
-// Everything that a line of a scenario may be: the above, and all that can be done to a unit.
+// All commands of scenarios: the above, and those of the unit.
 const ScenarioTable& ScenarioLanguage();
 
 }  // namespace unit

@@ -13,7 +13,7 @@ using control::Outcome;
 using control::Refused;
 using control::Values;
 
-Outcome Keep(const Picture& picture, const std::string& path) {
+Outcome Save(const Picture& picture, const std::string& path) {
     std::error_code ignored;
     const auto folder = std::filesystem::path(path).parent_path();
     if (!folder.empty())
@@ -22,33 +22,34 @@ Outcome Keep(const Picture& picture, const std::string& path) {
     return WritePng(picture, path, problem) ? Done() : Refused(problem);
 }
 
-Outcome KeepNumbered(Stage& stage, const std::string& name) {
-    if (stage.options.pictures.empty())
+Outcome SaveNumbered(ScenarioContext& context, const std::string& name) {
+    if (context.options.pictures.empty())
         return Done();
     char number[24];
-    std::snprintf(number, sizeof number, "%02zu-", ++stage.pictures);
-    return Keep(stage.op.unit().TakePicture(),
-                stage.options.pictures + "/" + number + name + ".png");
+    std::snprintf(number, sizeof number, "%02zu-", ++context.pictures);
+    return Save(context.op.unit().TakePicture(),
+                context.options.pictures + "/" + number + name + ".png");
 }
 
-// Saves what there is, what was expected and where they differ; tells where.
-std::string SaveDifference(const Stage& stage, const Picture& actual, const Picture& expected,
-                           const Picture& difference, const std::string& name) {
-    if (stage.out.empty())
+// Saves the actual, the expected and the difference picture; returns where.
+std::string SaveDifference(const ScenarioContext& context, const Picture& actual,
+                           const Picture& expected, const Picture& difference,
+                           const std::string& name) {
+    if (context.out.empty())
         return {};
-    const std::string start = stage.out + "/" + name;
+    const std::string start = context.out + "/" + name;
     const std::pair<const char*, const Picture*> pictures[] = {
         {"-actual.png", &actual}, {"-expected.png", &expected}, {"-difference.png", &difference}};
     for (const auto& [end, picture] : pictures)
-        if (const Outcome kept = Keep(*picture, start + end); !kept.done)
-            return "; " + kept.text;
+        if (const Outcome saved = Save(*picture, start + end); !saved.done)
+            return "; " + saved.text;
     return "; see " + start + "-difference.png";
 }
 
-Outcome Compare(Stage& stage, const Picture& actual, const std::string& file) {
-    if (stage.options.update_screens) {
-        stage.options.say("made " + file);
-        return Keep(actual, file);
+Outcome Compare(ScenarioContext& context, const Picture& actual, const std::string& file) {
+    if (context.options.update_screens) {
+        context.options.say("created " + file);
+        return Save(actual, file);
     }
     std::string problem;
     const auto expected = ReadPng(file, problem);
@@ -59,30 +60,32 @@ Outcome Compare(Stage& stage, const Picture& actual, const std::string& file) {
         return Done();
     const std::string name = std::filesystem::path(file).stem().string();
     return Refused(difference->text +
-                   SaveDifference(stage, actual, *expected, difference->picture, name));
+                   SaveDifference(context, actual, *expected, difference->picture, name));
 }
 
 Outcome TakePicture(ScenarioReader& reader, const Values& values) {
-    return reader.Add(
-        Act{[name = values.Text("NAME")](Stage& stage) { return KeepNumbered(stage, name); }});
+    return reader.Add(Action{[name = values.Text("NAME")](ScenarioContext& context) {
+        return SaveNumbered(context, name);
+    }});
 }
 
 Outcome ExpectScreen(ScenarioReader& reader, const Values& values) {
-    return reader.Add(Act{[file = values.Text("FILE")](Stage& stage) {
-        return Compare(stage, stage.op.unit().TakePicture(), file);
+    return reader.Add(Action{[file = values.Text("FILE")](ScenarioContext& context) {
+        return Compare(context, context.op.unit().TakePicture(), file);
     }});
 }
 
 Outcome ExpectGraphics(ScenarioReader& reader, const Values& values) {
-    return reader.Add(Act{[file = values.Text("FILE")](Stage& stage) {
-        // A scaler that shows no video.
-        return Compare(stage, MixPlanes(stage.op.unit().Screen(), NoSignal(), ScalerState{}), file);
+    return reader.Add(Action{[file = values.Text("FILE")](ScenarioContext& context) {
+        // With a scaler that shows no video.
+        return Compare(context, MixPlanes(context.op.unit().Screen(), NoSignal(), ScalerState{}),
+                       file);
     }});
 }
 
 Outcome SayText(ScenarioReader& reader, const Values& values) {
-    return reader.Add(Act{[text = values.Text("TEXT")](Stage& stage) {
-        stage.options.say(text);
+    return reader.Add(Action{[text = values.Text("TEXT")](ScenarioContext& context) {
+        context.options.say(text);
         return Done();
     }});
 }
@@ -92,16 +95,17 @@ Outcome SayText(ScenarioReader& reader, const Values& values) {
 ScenarioRows PictureRows() {
     return {
         {"expect screen FILE",
-         "The screen is that PNG file, pixel by pixel, the DVR's picture included, which moves "
-         "with the unit's time. When it is not, the actual, the expected and a difference picture "
-         "are saved.",
+         "The screen equals that PNG file in every pixel, including the DVR's picture, which moves "
+         "with the unit's time. Otherwise the actual, the expected and a difference picture are "
+         "saved.",
          ExpectScreen},
-        {"expect graphics FILE", "The same for what the program drew, without the DVR's picture.",
+        {"expect graphics FILE",
+         "The same for the graphics that the program drew, without the DVR's picture.",
          ExpectGraphics},
         {"picture NAME",
-         "Keeps a numbered picture of the screen in the folder of --screens, if there is one.",
+         "Saves a numbered picture of the screen in the folder of --screens, if given.",
          TakePicture},
-        {"say TEXT", "Tells the person at the desk something.", SayText},
+        {"say TEXT", "Prints the text for the operator.", SayText},
     };
 }
 

@@ -11,8 +11,8 @@ namespace {
 
 constexpr char kIntroduction[] = R"(# Scenarios
 
-A scenario is a text file that says what is done to the unit and what is to come of it, one command
-a line:
+A scenario is a text file that says what is done to the unit and what must come of it, one command a
+line:
 
     tap "Power On"
     wait button OK within 5s
@@ -23,23 +23,23 @@ Run it with
 
     tolvane --scenario FILE ...
 
-It runs in simulated time, where a minute of the unit takes a fraction of a second and the same seed
-gives the same run to the byte; with `--speed N` or `--window` on the host's clock. With a real DVR
-(`--com9 /dev/ttyUSB0`) the person at the desk is told when the card is to be moved.
+By default it runs in simulated time: a minute of the unit takes a fraction of a second, and the same
+seed gives the same run to the byte. With `--speed N` or `--window` it runs on the host's clock. With
+a real DVR (`--com9 /dev/ttyUSB0`) the command asks the operator to move the card.
 
-All lines of all files are checked before anything runs. A line that is not in order is told with
-file, line and what is allowed, and the exit status is 2. A scenario that runs ends with 0 when it
-passed. Otherwise the exit status is 1, the line that failed is told with what stands on the screen,
-and the folder `out/NAME` (another with `--out`) takes the message with the seed, the unit's state,
-the screen, the debug output, and everything else that happened at the unit's edges.
+All lines of all files are checked before anything runs. For each wrong line the command prints the
+file, the line and what is allowed, and ends with status 2. A scenario that passes ends with 0. When
+a scenario fails, the command prints the line that failed and the texts on the screen, ends with
+status 1, and saves in the folder `out/NAME` (change it with `--out`) the message with the seed, the
+unit's state, the screen, the debug output, and all events at the unit's external interfaces.
 
-Words are divided by blanks; a text with blanks, quotes or a `#` goes in quotes: `"..."`, in which
-`\"` and `\\` stand for those characters, or `'...'`, in which nothing is special. From a `#` at the
-beginning of a word on, a line is a comment. Paths of files and folders start from the scenario's own
-folder.
+Words are separated by spaces. A text with spaces, quotes or a `#` is written in quotes: `"..."`, in
+which `\"` and `\\` stand for those characters, or `'...'`, in which no character is special. A `#`
+at the beginning of a word begins a comment. Relative paths of files and folders start from the
+scenario's own folder.
 
-In the tables below words in small letters stand for themselves, `|` divides words to choose from,
-`[ ]` encloses what may be left out, and words in capitals stand for values:
+In the tables below, words in lower case stand for themselves, `|` separates alternatives, `[ ]`
+encloses optional words, and words in upper case stand for values:
 )";
 
 constexpr char kChecks[] = R"(
@@ -47,27 +47,27 @@ constexpr char kChecks[] = R"(
 
 | command | |
 |---|---|
-| `wait DURATION` | Lets that much of the unit's time pass. |
-| `wait [no] STATE [within LIMIT]` | Goes on once it is so; fails after the limit, 30 s unless told. |
-| `expect [no] STATE [within LIMIT]` | It is so now, or comes to be so within the limit. |
-| `expect [no] STATE for DURATION` | It is so from now on for that long. |
-| `wait HAPPENING [times COUNT] [within LIMIT]` | Goes on once it has happened (so often). Reads on behind what the last wait for the same kind of happening has found, so that nothing is missed that came between two commands, and the order of several waits is the order of what came. |
-| `expect HAPPENING [times COUNT] [within LIMIT]` | It has happened (so often at least) since the scenario began or since the last `forget`, or does so within the limit. |
-| `expect no HAPPENING` | It has not happened since then. |
-| `expect no HAPPENING for DURATION` | It does not happen from now on for that long. |
-| `forget` | What has happened so far is not looked at by the conditions that follow. |
+| `wait DURATION` | Waits for that much of the unit's time. |
+| `wait [no] STATE [within LIMIT]` | Continues as soon as the state holds; fails at the limit, by default 30 s. |
+| `expect [no] STATE [within LIMIT]` | The state holds now, or begins to hold within the limit. |
+| `expect [no] STATE for DURATION` | The state holds from now on for that time. |
+| `wait EVENT [times COUNT] [within LIMIT]` | Continues as soon as the event has happened (that many times). Searches on after the event that the last wait for the same kind has found: nothing is missed that happens between two commands, and several waits must be fulfilled in their order. |
+| `expect EVENT [times COUNT] [within LIMIT]` | The event has happened (at least that many times) since the scenario began or since the last `forget`, or happens within the limit. |
+| `expect no EVENT` | The event has not happened since then. |
+| `expect no EVENT for DURATION` | The event does not happen from now on for that time. |
+| `forget` | The conditions that follow ignore the events so far. |
 
-States are looked at every 5 ms of the unit's time, or of the host's when the unit runs faster.
+The poll interval for states is 5 ms of the unit's time, or of the host's if the unit runs faster.
 )";
 
 constexpr char kExample[] = R"(
-## An example in full
+## A complete example
 
 The scenario that `tolvane --auto` runs, the whole update as a driver does it:
 
 )";
 
-// A cell of a table; | divides its columns.
+// A cell of a table, in which | would separate columns.
 std::string Cell(std::string_view text) {
     std::string cell;
     for (const char character : text)
@@ -85,8 +85,8 @@ class Tables {
     }
 
     void AddConditions(bool states) {
-        text_ += std::string("\n### ") + (states ? "States" : "Happenings") +
-                 "\n\n| condition | what it asks |\n|---|---|\n";
+        text_ += std::string("\n### ") + (states ? "States" : "Events") +
+                 "\n\n| condition | when it holds |\n|---|---|\n";
         for (const Condition& condition : Conditions())
             if (condition.IsState() == states)
                 AddRow(condition.pattern, condition.help);
@@ -96,7 +96,7 @@ class Tables {
 
     const std::string& text() const { return text_; }
 
-    // A row for each value that the patterns had.
+    // A row for each kind of value in the patterns.
     std::string Placeholders() const {
         std::string table = "\n| value | what it is |\n|---|---|\n";
         for (const std::string& name : placeholders_)
@@ -140,9 +140,9 @@ std::string Indented(std::string_view text) {
 
 std::string ScenarioReference(std::string_view example) {
     Tables tables;
-    tables.Add("What holds from the start, before the first other command", SettingRows());
-    tables.Add("Files and repetitions", StructureRows());
-    tables.Add("What can be done to the unit", UnitCommands().rows());
+    tables.Add("Settings, before the first command", SettingRows());
+    tables.Add("Included files and repetitions", StructureRows());
+    tables.Add("Commands for the unit", UnitCommands().rows());
     tables.AddText(kChecks);
     tables.AddConditions(true);
     tables.AddConditions(false);

@@ -5,8 +5,8 @@
 
 namespace unit {
 
-// Everything that a scenario file can say, with an example in full, as Markdown. Made from the
-// table that reads the files.
+// The reference of the scenario language as Markdown, with a complete example. Generated from the
+// table that reads scenarios.
 std::string ScenarioReference(std::string_view example);
 
 }  // namespace unit

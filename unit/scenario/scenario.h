@@ -14,7 +14,7 @@
 
 namespace unit {
 
-// What holds for the unit from its start on.
+// The settings with which the unit starts.
 struct StartSettings {
     std::optional<std::uint32_t> seed;
     std::optional<platform::kernel::Mode> mode;
@@ -29,27 +29,27 @@ struct StartSettings {
     void ApplyTo(VirtualUnit::Options& options) const;
 };
 
-// A command that is done at once.
-struct Act {
-    std::function<control::Outcome(Stage&)> follow;
+// A command that is complete at once.
+struct Action {
+    std::function<control::Outcome(ScenarioContext&)> execute;
 };
 
 struct Pause {
     std::chrono::microseconds time;
 };
 
-// A condition that is looked at.
+// A check of a condition.
 struct Check {
-    enum class Manner {
-        kWait,        // comes within `time`; a happening is looked for behind the last wait's
-        kExpect,      // is so within `time`, which may be none; a happening since the beginning
-        kThroughout,  // is so, or does not happen, from now on for `time`
+    enum class Mode {
+        kWait,        // true within `time`; an event after the one that the last wait found
+        kExpect,      // true within `time`, which may be 0; an event since the beginning
+        kThroughout,  // true, or no such event, from now on for `time`
     };
 
     const Condition* condition;
     control::Values values;
-    bool wanted;  // false: it must not be so
-    Manner manner;
+    bool wanted;  // false: the condition must not hold
+    Mode mode;
     std::chrono::microseconds time;
 };
 
@@ -58,12 +58,12 @@ struct Step {
     std::string file;
     int line;
     std::string text;
-    std::variant<Act, Pause, Check> deed;
+    std::variant<Action, Pause, Check> action;
 
     std::string Place() const { return file + ":" + std::to_string(line); }
 };
 
-// A scenario that was read and found in order.
+// A scenario without errors.
 struct Scenario {
     std::string name;  // of its file, without folder and ending
     StartSettings settings;
@@ -72,8 +72,8 @@ struct Scenario {
     std::vector<Step> steps;
 };
 
-// Reads a file, or a text as if it came from that file. Empty with a line for each thing that is
-// wrong: "FILE:LINE: what, and what is allowed". Any thread.
+// Reads a file, or a text as if it came from that file. Empty if anything is wrong, with a line for
+// each error: "FILE:LINE: what is wrong; what is allowed". Any thread.
 std::optional<Scenario> LoadScenario(const std::string& file, std::vector<std::string>& problems);
 std::optional<Scenario> ReadScenario(const std::string& text, const std::string& file,
                                      std::vector<std::string>& problems);

@@ -19,11 +19,11 @@ using control::Refused;
 
 namespace {
 
-// Of a scenario with all that it includes: no input makes the reader grow without bound, and none
-// keeps it for long.
-constexpr std::size_t kMostBytes = std::size_t{1024} * 1024;
-constexpr std::size_t kMostSteps = 100'000;
-constexpr std::size_t kMostProblems = 100;
+// Limits for a scenario with all its included files, so that no input uses unlimited memory or
+// time.
+constexpr std::size_t kMaxBytes = std::size_t{1024} * 1024;
+constexpr std::size_t kMaxSteps = 100'000;
+constexpr std::size_t kMaxProblems = 100;
 
 bool SameFile(const std::string& one, const std::string& other) {
     return fs::path(one).lexically_normal() == fs::path(other).lexically_normal();
@@ -39,22 +39,22 @@ void ScenarioReader::ReadFile(const std::string& file) {
         Complain(file + ": cannot be read: " + std::strerror(is_folder ? EISDIR : errno));
         return;
     }
-    // One byte more than is allowed, to see that there is more.
-    std::string text(kMostBytes - bytes_ + 1, '\0');
+    // One byte more than allowed, to detect a longer file.
+    std::string text(kMaxBytes - bytes_ + 1, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     ReadText(text, file);
 }
 
 void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
-    if (text.size() > kMostBytes - bytes_) {
+    if (text.size() > kMaxBytes - bytes_) {
         Complain((places_.empty() ? file + ": " : "") + "too long; at most " +
-                 std::to_string(kMostBytes) + " bytes are allowed, with all that is included");
+                 std::to_string(kMaxBytes) + " bytes are allowed, including all included files");
         return;
     }
     bytes_ += text.size();
     places_.push_back({file});
-    for (std::size_t from = 0; from < text.size() && problems_.size() <= kMostProblems;) {
+    for (std::size_t from = 0; from < text.size() && problems_.size() <= kMaxProblems;) {
         const std::size_t to = std::min(text.find('\n', from), text.size());
         ++places_.back().line;
         ReadLine(text.substr(from, to - from));
@@ -65,7 +65,7 @@ void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
 
 void ScenarioReader::Finish() {
     for (const Repeat& repeat : repeats_)
-        if (problems_.size() < kMostProblems)
+        if (problems_.size() < kMaxProblems)
             problems_.push_back(repeat.place + ": this repeat has no end");
     repeats_.clear();
 }
@@ -76,13 +76,13 @@ std::string ScenarioReader::Here() const {
 
 void ScenarioReader::Complain(const std::string& problem) {
     const std::string line = places_.empty() ? problem : Here() + ": " + problem;
-    // A file that is included twice is wrong once.
-    if (std::ranges::find(problems_, line) != problems_.end() || problems_.size() > kMostProblems)
+    // The errors of a file that is included twice are reported once.
+    if (std::ranges::find(problems_, line) != problems_.end() || problems_.size() > kMaxProblems)
         return;
-    problems_.push_back(problems_.size() < kMostProblems
+    problems_.push_back(problems_.size() < kMaxProblems
                             ? line
-                            : Here() + ": no more is told than " + std::to_string(kMostProblems) +
-                                  " problems");
+                            : Here() + ": more than " + std::to_string(kMaxProblems) +
+                                  " problems; the rest is not reported");
 }
 
 void ScenarioReader::ReadLine(std::string_view line) {
@@ -114,17 +114,16 @@ void ScenarioReader::ReadLine(std::string_view line) {
         Complain(outcome.text);
 }
 
-Outcome ScenarioReader::Add(decltype(Step::deed) deed) {
-    if (scenario_.steps.size() == kMostSteps)
-        return Refused("there are more than " + std::to_string(kMostSteps) + " commands");
-    scenario_.steps.push_back({places_.back().file, places_.back().line, text_, std::move(deed)});
+Outcome ScenarioReader::Add(decltype(Step::action) action) {
+    if (scenario_.steps.size() == kMaxSteps)
+        return Refused("there are more than " + std::to_string(kMaxSteps) + " commands");
+    scenario_.steps.push_back({places_.back().file, places_.back().line, text_, std::move(action)});
     return Done();
 }
 
 Outcome ScenarioReader::Set(const std::function<void(StartSettings&)>& set) {
     if (!scenario_.steps.empty())
-        return Refused("'" + text_ + "' holds from the start and must stand before the first " +
-                       "other command");
+        return Refused("'" + text_ + "' is a setting and must come before the first command");
     if (scenario_.first_setting.empty())
         scenario_.first_setting = Here() + ": " + text_;
     set(scenario_.settings);
@@ -152,14 +151,13 @@ Outcome ScenarioReader::BeginRepeat(std::size_t count) {
 
 Outcome ScenarioReader::EndRepeat() {
     if (repeats_.empty() || !repeats_.back().place.starts_with(places_.back().file + ":"))
-        return Refused("there is no repeat to end");
+        return Refused("there is no repeat to end here");
     const Repeat repeat = repeats_.back();
     repeats_.pop_back();
     auto& steps = scenario_.steps;
     const std::size_t count = steps.size() - repeat.begin;
-    if (repeat.begin + count * repeat.count > kMostSteps)
-        return Refused("the repetitions make more than " + std::to_string(kMostSteps) +
-                       " commands");
+    if (repeat.begin + count * repeat.count > kMaxSteps)
+        return Refused("the repetitions make more than " + std::to_string(kMaxSteps) + " commands");
     if (count == 0 || repeat.count == 1)
         return Done();
     const std::vector<Step> body(steps.begin() + static_cast<std::ptrdiff_t>(repeat.begin),

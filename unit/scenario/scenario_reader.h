@@ -8,22 +8,22 @@
 
 namespace unit {
 
-// Reads the lines of a scenario one after the other; what the language's commands act on when they
-// are read. Nothing runs yet.
+// Reads the lines of a scenario. The rows of the language call Add, Set, Include ... for each line;
+// nothing runs yet.
 class ScenarioReader {
   public:
     explicit ScenarioReader(std::string name) { scenario_.name = std::move(name); }
 
     void ReadFile(const std::string& file);
     void ReadText(std::string_view text, const std::string& file);
-    // Sees to what is still open at the end.
+    // Reports repeats that are still open at the end.
     void Finish();
 
     Scenario& scenario() { return scenario_; }
     const std::vector<std::string>& problems() const { return problems_; }
 
-    // What a line may stand for.
-    control::Outcome Add(decltype(Step::deed) deed);
+    // For the rows of the language.
+    control::Outcome Add(decltype(Step::action) action);
     // Settings come before everything else.
     control::Outcome Set(const std::function<void(StartSettings&)>& set);
     control::Outcome Include(const std::string& file);
@@ -47,7 +47,7 @@ class ScenarioReader {
 
     Scenario scenario_;
     std::vector<std::string> problems_;
-    // The files that are being read, each included by the one before it.
+    // The files that are being read; each includes the next.
     std::vector<Place> places_;
     std::vector<Repeat> repeats_;
     std::size_t bytes_ = 0;  // read so far

@@ -1,9 +1,15 @@
 #include "unit/scenario/scenario_run.h"
 
-#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <utility>
 
-#include "unit/scenario/failure_report.h"
+#include "unit/picture/picture.h"
+#include "unit/state/unit_state.h"
 
 namespace unit {
 
@@ -12,8 +18,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kGlance = 5ms;
-constexpr std::size_t kToldHappenings = 3;
+constexpr auto kPollInterval = 5ms;
+// How many events a failure message shows.
+constexpr std::size_t kShownEvents = 3;
 
 std::string Seconds(kernel::Duration time) {
     char text[32];
@@ -21,23 +28,41 @@ std::string Seconds(kernel::Duration time) {
     return text;
 }
 
+std::string Joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+bool WriteText(const std::string& path, const std::string& text, std::string& problem) {
+    errno = 0;
+    std::ofstream stream(path);
+    stream << text;
+    stream.close();
+    if (stream)
+        return true;
+    problem = path + ": " + std::strerror(errno);
+    return false;
+}
+
 }  // namespace
 
 ScenarioRun::ScenarioRun(Operator& op, Scenario scenario, RunOptions options)
     : options_(std::move(options)),
       scenario_(std::move(scenario)),
-      stage_{op, options_, options_.out.empty() ? "" : options_.out + "/" + scenario_.name,
-             Happenings(op.unit().events())},
-      // A unit that runs faster than the host leaves no more time for looking.
-      glance_(kGlance * op.unit().time_scale()) {}
+      context_{op, options_, options_.out.empty() ? "" : options_.out + "/" + scenario_.name,
+               EventLog(op.unit().events())},
+      // A unit that runs faster than the host is not polled more often.
+      poll_interval_(kPollInterval * op.unit().time_scale()) {}
 
 ScenarioRun::~ScenarioRun() {
-    kernel::Cancel(next_look_);
+    kernel::Cancel(next_poll_);
 }
 
 void ScenarioRun::Start() {
     started_ = kernel::Now();
-    LookIn({});
+    PollIn({});
 }
 
 void ScenarioRun::Stop(const std::string& why) {
@@ -49,16 +74,16 @@ kernel::Duration ScenarioRun::duration() const {
     return (finished_ ? ended_ : kernel::Now()) - started_;
 }
 
-void ScenarioRun::LookIn(kernel::Duration time) {
-    next_look_ = kernel::After(time, [this] { Look(); });
+void ScenarioRun::PollIn(kernel::Duration time) {
+    next_poll_ = kernel::After(time, [this] { Poll(); });
 }
 
-void ScenarioRun::Look() {
-    if (stage_.happenings.Count() >= Happenings::kMost)
-        return Fail("more than " + std::to_string(Happenings::kMost) +
-                    " things have happened; a scenario looks back on no more");
-    // A tap ends by itself; the next command begins after it.
-    while (!finished_ && !stage_.op.busy()) {
+void ScenarioRun::Poll() {
+    if (context_.events.Count() >= EventLog::kMaxEvents)
+        return Fail("the run has more than " + std::to_string(EventLog::kMaxEvents) +
+                    " events, the limit for a scenario");
+    // A tap ends by itself; the next command begins after that.
+    while (!finished_ && !context_.op.busy()) {
         if (position_ == scenario_.steps.size()) {
             Finish();
             return;
@@ -67,7 +92,7 @@ void ScenarioRun::Look() {
         if (!progress_)
             Begin(step);
         const Verdict verdict =
-            std::visit([this](const auto& deed) { return Proceed(deed); }, step.deed);
+            std::visit([this](const auto& action) { return Proceed(action); }, step.action);
         if (verdict == Verdict::kFailed)
             Fail(why_);
         if (verdict != Verdict::kDone)
@@ -76,23 +101,23 @@ void ScenarioRun::Look() {
         ++position_;
     }
     if (!finished_)
-        LookIn(glance_);
+        PollIn(poll_interval_);
 }
 
 void ScenarioRun::Begin(const Step& step) {
     options_.trace(step.text);
     progress_ = Progress{kernel::Now(), 0, 0};
-    const Check* const check = std::get_if<Check>(&step.deed);
+    const Check* const check = std::get_if<Check>(&step.action);
     if (!check || check->condition->IsState())
         return;
-    progress_->looked_to = check->manner == Check::Manner::kWait
-                               ? stage_.read_on[check->condition->kind]
-                           : check->manner == Check::Manner::kExpect ? stage_.begin
-                                                                     : stage_.happenings.Count();
+    progress_->next_event = check->mode == Check::Mode::kWait
+                                ? context_.next_wait[check->condition->kind]
+                            : check->mode == Check::Mode::kExpect ? context_.begin
+                                                                  : context_.events.Count();
 }
 
-ScenarioRun::Verdict ScenarioRun::Proceed(const Act& act) {
-    const control::Outcome outcome = act.follow(stage_);
+ScenarioRun::Verdict ScenarioRun::Proceed(const Action& action) {
+    const control::Outcome outcome = action.execute(context_);
     why_ = outcome.text;
     if (!outcome.done)
         return Verdict::kFailed;
@@ -107,58 +132,56 @@ ScenarioRun::Verdict ScenarioRun::Proceed(const Pause& pause) {
 
 ScenarioRun::Verdict ScenarioRun::Proceed(const Check& check) {
     const kernel::Duration passed = kernel::Now() - progress_->began;
-    const bool is_so = IsSo(check) == check.wanted;
-    if (check.manner == Check::Manner::kThroughout) {
-        if (is_so)
+    const bool as_wanted = Holds(check) == check.wanted;
+    if (check.mode == Check::Mode::kThroughout) {
+        if (as_wanted)
             return passed >= check.time ? Verdict::kDone : Verdict::kNotYet;
-        why_ = (check.wanted ? "no longer so after " : "came after ") + Seconds(passed);
-    } else if (is_so) {
-        if (check.manner == Check::Manner::kWait && !check.condition->IsState())
-            stage_.read_on[check.condition->kind] = progress_->looked_to;
+        why_ = (check.wanted ? "no longer true after " : "true after ") + Seconds(passed);
+    } else if (as_wanted) {
+        if (check.mode == Check::Mode::kWait && !check.condition->IsState())
+            context_.next_wait[check.condition->kind] = progress_->next_event;
         return Verdict::kDone;
     } else if (passed < check.time) {
         return Verdict::kNotYet;
     } else if (check.time == kernel::Duration{}) {
-        why_ = check.wanted ? "it is not so" : "it is so";
+        why_ = check.wanted ? "not true" : "true";
     } else {
-        why_ =
-            (check.wanted ? "did not come within " : "was still so after ") + Seconds(check.time);
+        why_ = (check.wanted ? "not true within " : "still true after ") + Seconds(check.time);
     }
-    why_ += Instead(check);
+    why_ += Actual(check);
     return Verdict::kFailed;
 }
 
-bool ScenarioRun::IsSo(const Check& check) {
+bool ScenarioRun::Holds(const Check& check) {
     if (check.condition->IsState())
-        return check.condition->holds(stage_, check.values);
+        return check.condition->holds(context_, check.values);
     const std::int64_t wanted = check.values.Number("COUNT", 1);
-    const auto matches = [&](const Happening& happening) {
-        return check.condition->matches(happening, check.values);
+    const auto matches = [&](const Event& event) {
+        return check.condition->matches(event, check.values);
     };
     while (progress_->found < wanted) {
-        const auto at = stage_.happenings.Find(progress_->looked_to, matches);
+        const auto at = context_.events.Find(progress_->next_event, matches);
         if (!at) {
-            progress_->looked_to = stage_.happenings.Count();
+            progress_->next_event = context_.events.Count();
             return false;
         }
-        progress_->looked_to = *at + 1;
+        progress_->next_event = *at + 1;
         ++progress_->found;
     }
     return true;
 }
 
-std::string ScenarioRun::Instead(const Check& check) {
-    if (check.condition->instead)
-        return "; " + check.condition->instead(stage_);
+std::string ScenarioRun::Actual(const Check& check) {
+    if (check.condition->actual)
+        return "; " + check.condition->actual(context_);
     if (check.condition->IsState())
         return {};
     std::string text = check.values.Has("COUNT")
-                           ? "; it came " + std::to_string(progress_->found) + " times"
+                           ? "; it happened " + std::to_string(progress_->found) + " times"
                            : std::string();
-    text += "; the latest of its kind:";
-    for (const std::string& line :
-         stage_.happenings.Latest(kToldHappenings, [&](const Happening& happening) {
-             return happening.index() == check.condition->kind;
+    text += "; the latest events of its kind:";
+    for (const std::string& line : context_.events.Latest(kShownEvents, [&](const Event& event) {
+             return event.index() == check.condition->kind;
          }))
         text += "\n    " + line;
     return text;
@@ -170,13 +193,43 @@ void ScenarioRun::Finish() {
 }
 
 void ScenarioRun::Fail(const std::string& why) {
-    const bool behind = position_ == scenario_.steps.size();
-    const Step& step = scenario_.steps[behind ? position_ - 1 : position_];
-    problem_ = step.Place() + ": " + step.text + ": " + why + "\n    on the screen stand " +
-               stage_.op.TextsOnScreen();
+    const bool at_end = position_ == scenario_.steps.size();
+    const Step& step = scenario_.steps[at_end ? position_ - 1 : position_];
+    problem_ = step.Place() + ": " + step.text + ": " + why +
+               "\n    on the screen: " + context_.op.TextsOnScreen();
     Finish();
-    if (!stage_.out.empty())
-        problem_ += "\n    " + SaveFailure(stage_, problem_);
+    if (!context_.out.empty())
+        problem_ += "\n    " + SaveReport();
+}
+
+// Saves the message with the seed, the unit's state, the screen, the debug output and the events.
+// Returns one line: where they are, or why they could not be saved.
+std::string ScenarioRun::SaveReport() {
+    const std::string& out = context_.out;
+    std::error_code error;
+    std::filesystem::create_directories(out, error);
+    if (error)
+        return out + ": " + error.message();
+    const auto events = [this](const std::function<bool(const Event&)>& matches) {
+        return Joined(context_.events.Latest(std::numeric_limits<std::size_t>::max(), matches));
+    };
+    VirtualUnit& unit = context_.op.unit();
+    const std::string seed = "seed " + std::to_string(options_.seed);
+    const std::pair<const char*, std::string> files[] = {
+        {"failure.txt", problem_ + "\n" + seed + "\n"},
+        {"state.json", StateJson(unit) + "\n"},
+        {"debug.log",
+         events([](const Event& event) { return std::holds_alternative<LineLogged>(event); })},
+        {"events.log", events([](const Event&) { return true; })},
+    };
+    std::string problem;
+    for (const auto& [name, text] : files)
+        if (!WriteText(out + "/" + name, text, problem))
+            return problem;
+    if (!WritePng(unit.TakePicture(), out + "/screen.png", problem))
+        return problem;
+    return seed + "; saved in " + out +
+           ": failure.txt, state.json, screen.png, debug.log, events.log";
 }
 
 }  // namespace unit

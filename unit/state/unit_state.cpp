@@ -16,7 +16,7 @@
 
 namespace unit {
 
-// Members in the order in which a person reads them.
+// Keeps the order of the members.
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -130,7 +130,7 @@ std::string StateJson(VirtualUnit& unit) {
                          {{"list", unit.faults().List()},
                           {"line", LineFaultsNow(unit.faults().line())},
                           {"calls", CallFaultsNow()}}}};
-    // Texts come from anywhere, the DVR included: what is no UTF-8 is replaced, not fatal.
+    // Texts may come from the DVR: bytes that are not UTF-8 are replaced.
     return state.dump(2, ' ', false, Json::error_handler_t::replace);
 }
 

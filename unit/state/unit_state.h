@@ -6,8 +6,7 @@ namespace unit {
 
 class VirtualUnit;
 
-// Everything about the unit now, for people and scripts: an indented JSON object. Hardware's
-// thread.
+// The complete state of the unit, for people and scripts: an indented JSON object. Host thread.
 std::string StateJson(VirtualUnit& unit);
 
 }  // namespace unit

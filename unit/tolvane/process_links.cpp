@@ -29,18 +29,18 @@ SentScenarios::~SentScenarios() {
 
 void SentScenarios::Run(const SentScenario& sent) {
     if (run_)
-        return sent.answer->End(Refused("the unit already runs the scenario " +
+        return sent.reply->End(Refused("the unit already runs the scenario " +
                                         run_->scenario().name + "; allowed is one at a time"));
     std::vector<std::string> problems;
     auto scenario = ReadScenario(sent.text, sent.file.empty() ? "scenario" : sent.file, problems);
     if (!scenario)
-        return sent.answer->End(Refused(Joined(problems)));
+        return sent.reply->End(Refused(Joined(problems)));
     if (!scenario->first_setting.empty())
-        return sent.answer->End(Refused(scenario->first_setting +
+        return sent.reply->End(Refused(scenario->first_setting +
                                         ": applies when a unit starts, and this one runs already"));
-    answer_ = sent.answer;
+    reply_ = sent.reply;
     RunOptions options = options_;
-    const auto print = [answer = answer_](const std::string& line) { answer->Line(line); };
+    const auto print = [reply = reply_](const std::string& line) { reply->Line(line); };
     options.say = print;
     options.trace = [print](const std::string& command) { print("> " + command); };
     run_.emplace(operator_, std::move(*scenario), std::move(options));
@@ -49,7 +49,7 @@ void SentScenarios::Run(const SentScenario& sent) {
 }
 
 void SentScenarios::Poll() {
-    if (!answer_->wanted())
+    if (!reply_->wanted())
         run_->Stop("its sender has gone");
     if (run_->finished())
         return End();
@@ -59,11 +59,11 @@ void SentScenarios::Poll() {
 void SentScenarios::End() {
     char time[32];
     std::snprintf(time, sizeof time, "%.1f s", static_cast<double>(run_->duration().count()) / 1e6);
-    answer_->End(run_->passed()
+    reply_->End(run_->passed()
                      ? Done(run_->scenario().name + ": passed, " + time + " of unit time")
                      : Refused(run_->problem()));
     run_.reset();
-    answer_.reset();
+    reply_.reset();
 }
 
 ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sent)

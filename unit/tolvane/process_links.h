@@ -31,7 +31,7 @@ class SentScenarios {
     Operator& operator_;
     const RunOptions options_;
     std::optional<ScenarioRun> run_;
-    std::shared_ptr<Answer> answer_;
+    std::shared_ptr<Reply> reply_;
     platform::kernel::EventId next_poll_ = 0;
 };
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "platform/kernel/scheduler.h"
-#include "unit/recording/recording_reader.h"
+#include "unit/recording/recording.h"
 #include "unit/recording/replay.h"
 #include "unit/scenario/scenario_run.h"
 #include "unit/workbench/workbench.h"

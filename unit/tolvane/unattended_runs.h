@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "unit/board/virtual_unit.h"
-#include "unit/scenario/stage.h"
+#include "unit/scenario/context.h"
 #include "unit/tolvane/command_line.h"
 #include "unit/tolvane/run_unit.h"
 

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <span>
 
-#include "unit/events/hex_text.h"
 #include "unit/line/frame_text.h"
 #include "unit/workbench/readable.h"
 #include "unit/workbench/widgets.h"
@@ -53,7 +52,7 @@ void DrawVisible(const List& list, std::span<const std::uint64_t> numbers, DrawE
 }
 
 const ImVec4& ColorOf(const std::string& line) {
-    if (line.starts_with("line fault: "))
+    if (line.starts_with("line-fault "))
         return color::kWarning;
     const bool bad =
         line.find("fail!!!") != std::string::npos || line.find("Invalid") != std::string::npos;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/kernel/text.h"
+#include "unit/events/event_text.h"
 #include "unit/workbench/readable.h"
 
 namespace unit {
@@ -20,7 +21,7 @@ constexpr std::uint8_t kIndication = 0x80;
 
 History::History(EventHub& events)
     : subscription_(events.Subscribe([this](const TimedEvent& event) {
-          if (std::holds_alternative<ScreenDrawn>(event.event))
+          if (!IsTraced(event.event))
               return;
           const std::scoped_lock lock(mutex_);
           if (notes_.size() < kMostNotes)
@@ -41,11 +42,10 @@ bool History::Update() {
 void History::File(const TimedEvent& event) {
     if (const auto* line = std::get_if<LineLogged>(&event.event)) {
         log_.Add({event.time, line->text});
-    } else if (const auto* bytes = std::get_if<LineBytes>(&event.event)) {
-        for (LineEntry& entry : line_.Take(event.time, *bytes))
-            FileFrame(std::move(entry));
-    } else if (const auto* fault = std::get_if<FaultApplied>(&event.event)) {
-        log_.Add({event.time, "line fault: " + fault->text});
+    } else if (const auto* entry = std::get_if<LineEntry>(&event.event)) {
+        FileFrame(*entry);
+    } else if (std::holds_alternative<FaultApplied>(event.event)) {
+        log_.Add({event.time, EventLine(event.event)});
     } else if (const auto* told = std::get_if<OperatorMessage>(&event.event)) {
         message_ = told->line;
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "unit/events/event_hub.h"
-#include "unit/line/frame_monitor.h"
 
 namespace unit {
 
@@ -86,7 +85,6 @@ class History {
     std::mutex mutex_;
     std::vector<TimedEvent> notes_;  // guarded by mutex_
 
-    LineMonitor line_;
     Latest<Line, 10'000> log_;
     Latest<LineEntry, 10'000> traffic_;
     Latest<Percent, 10'000> percents_;

@@ -1,4 +1,4 @@
-#include "unit/recording/word_reader.h"
+#include "unit/events/word_reader.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,9 +8,13 @@
 namespace unit {
 
 void WordReader::Refuse(std::string_view allowed) const {
-    const std::string after =
-        at_ == 0 ? ""
-                 : " after '" + control::JoinWords({words_.begin(), words_.begin() + at_}) + "'";
+    // Of a long line the last words are enough to find the place.
+    constexpr std::size_t kMaxQuoted = 8;
+    const std::size_t from = at_ - std::min(at_, kMaxQuoted);
+    std::string after;
+    if (at_ > 0)
+        after = std::string(" after '") + (from > 0 ? "... " : "") +
+                control::JoinWords({words_.begin() + from, words_.begin() + at_}) + "'";
     const std::string what =
         AtEnd() ? "something is missing" : "'" + words_[at_] + "' is not allowed";
     throw WrongWord(what + after + "; allowed is " + std::string(allowed));
@@ -51,31 +55,40 @@ const std::string& WordReader::Text(std::string_view allowed) {
     return words_[at_++];
 }
 
-std::int64_t WordReader::Number(std::int64_t least, std::int64_t most) {
+std::int64_t WordReader::Number(std::int64_t min, std::int64_t max) {
     const auto number = AtEnd() ? std::nullopt : control::ReadNumber(words_[at_]);
-    if (!number || *number < least || *number > most)
-        Refuse("a whole number from " + std::to_string(least) + " to " + std::to_string(most));
+    if (!number || *number < min || *number > max)
+        Refuse("a whole number from " + std::to_string(min) + " to " + std::to_string(max));
     ++at_;
     return *number;
 }
 
-std::uint64_t WordReader::Hexadecimal64() {
-    std::uint64_t value = 0;
-    if (AtEnd())
-        Refuse("16 hexadecimal digits");
-    const std::string& word = words_[at_];
+namespace {
+
+// All of the word, with that many digits.
+template <class Value>
+bool ReadHexadecimal(std::string_view word, std::size_t digits, Value& value) {
     const char* const end = word.data() + word.size();
     const auto [rest, error] = std::from_chars(word.data(), end, value, 16);
-    if (word.size() != 16 || error != std::errc() || rest != end)
-        Refuse("16 hexadecimal digits");
+    return word.size() == digits && error == std::errc() && rest == end;
+}
+
+}  // namespace
+
+std::uint8_t WordReader::HexadecimalByte(std::string_view allowed) {
+    std::uint8_t value = 0;
+    if (AtEnd() || !ReadHexadecimal(Next(), 2, value))
+        Refuse(allowed);
     ++at_;
     return value;
 }
 
-std::span<const std::string> WordReader::Rest() {
-    const auto rest = words_.subspan(at_);
-    at_ = words_.size();
-    return rest;
+std::uint64_t WordReader::Hexadecimal64() {
+    std::uint64_t value = 0;
+    if (AtEnd() || !ReadHexadecimal(Next(), 16, value))
+        Refuse("16 hexadecimal digits");
+    ++at_;
+    return value;
 }
 
 }  // namespace unit

@@ -1,12 +1,12 @@
-#include "unit/recording/output_book.h"
+#include "unit/recording/expected_output.h"
 
 #include <algorithm>
 
 #include "control/words.h"
-#include "unit/events/hex_text.h"
+#include "unit/events/event_text.h"
 #include "unit/line/frame_monitor.h"
 #include "unit/line/frame_splitter.h"
-#include "unit/recording/moment_text.h"
+#include "unit/line/frame_text.h"
 
 namespace unit {
 
@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kNames[] = {"frame", "request", "broadcast"};
 
-// A frame as a person reads it; the other kinds are their own text.
+// With a frame decoded; the other kinds are readable as they are.
 std::string Decoded(OutputKind kind, microseconds time, const std::string& text) {
     if (kind != OutputKind::kFrame)
         return text;
@@ -26,8 +26,8 @@ std::string Decoded(OutputKind kind, microseconds time, const std::string& text)
     return text + (entries.empty() ? "" : "  (" + entries.front().Text() + ")");
 }
 
-// Finds out of what kind a moment is and cuts what was sent into frames: a real line may take one
-// in several pieces.
+// Finds the outputs among the events. Splits what was sent into frames: a real line may accept one
+// in several chunks.
 class OutputFinder {
   public:
     struct Found {
@@ -36,25 +36,24 @@ class OutputFinder {
         DWORD result;
     };
 
-    std::vector<Found> Find(const Moment& moment) {
-        if (const auto* burst = std::get_if<LineBurst>(&moment))
-            return burst->direction == Direction::kToDvr ? Cut(*burst) : std::vector<Found>();
-        if (const auto* call = std::get_if<DriverCalled>(&moment))
-            return {{OutputKind::kRequest, RequestText(*call), call->error}};
-        if (const auto* change = std::get_if<SuspendChanged>(&moment); change && change->suspended)
-            return {{OutputKind::kRequest, MomentText(moment), ERROR_SUCCESS}};
-        if (std::holds_alternative<BroadcastPosted>(moment))
-            return {{OutputKind::kBroadcast, MomentText(moment), ERROR_SUCCESS}};
+    std::vector<Found> Find(const Event& event) {
+        if (const auto* line = std::get_if<LineBytes>(&event))
+            return line->direction == Direction::kToDvr ? Split(line->bytes) : std::vector<Found>();
+        if (const auto* call = std::get_if<DriverCalled>(&event))
+            return {{OutputKind::kRequest, RequestLine(*call), call->error}};
+        if (std::holds_alternative<UnitSuspended>(event))
+            return {{OutputKind::kRequest, EventLine(event), ERROR_SUCCESS}};
+        if (std::holds_alternative<BroadcastPosted>(event))
+            return {{OutputKind::kBroadcast, EventLine(event), ERROR_SUCCESS}};
         return {};
     }
 
   private:
-    std::vector<Found> Cut(const LineBurst& burst) {
+    std::vector<Found> Split(const std::vector<std::uint8_t>& bytes) {
         std::vector<Found> found;
-        for (const LinePiece& piece : burst.pieces)
-            for (const std::uint8_t byte : piece.bytes)
-                if (const auto segment = splitter_.Take(byte))
-                    found.push_back({OutputKind::kFrame, HexText(segment->bytes), ERROR_SUCCESS});
+        for (const std::uint8_t byte : bytes)
+            if (const auto segment = splitter_.Take(byte))
+                found.push_back({OutputKind::kFrame, HexText(segment->bytes), ERROR_SUCCESS});
         return found;
     }
 
@@ -63,50 +62,50 @@ class OutputFinder {
 
 }  // namespace
 
-std::vector<OutputBook::Output> OutputBook::OutputsOf(const Recording& recording) {
+std::vector<ExpectedOutput::Output> ExpectedOutput::OutputsOf(const Recording& recording) {
     std::vector<Output> outputs;
     OutputFinder finder;
-    for (const RecordedMoment& recorded : recording.moments)
-        for (OutputFinder::Found& found : finder.Find(recorded.moment))
+    for (const RecordedEvent& recorded : recording.events)
+        for (OutputFinder::Found& found : finder.Find(recorded.event))
             outputs.push_back(
                 {found.kind, recorded.time, recorded.line, std::move(found.text), found.result});
     return outputs;
 }
 
-std::vector<std::size_t> OutputBook::CountBefore(const Recording& recording) {
+std::vector<std::size_t> ExpectedOutput::CountBefore(const Recording& recording) {
     std::vector<std::size_t> counts;
     OutputFinder finder;
     std::size_t count = 0;
-    for (const RecordedMoment& recorded : recording.moments) {
+    for (const RecordedEvent& recorded : recording.events) {
         counts.push_back(count);
-        count += finder.Find(recorded.moment).size();
+        count += finder.Find(recorded.event).size();
     }
     return counts;
 }
 
-OutputBook::OutputBook(const Recording& recording, Lateness& lateness)
-    : allowance_(Allowance::Of(recording)), lateness_(lateness), outputs_(OutputsOf(recording)) {}
+ExpectedOutput::ExpectedOutput(const Recording& recording, Lag& lag)
+    : tolerance_(Tolerance::Of(recording)), lag_(lag), outputs_(OutputsOf(recording)) {}
 
-OutputBook::Output* OutputBook::Find(OutputKind kind, const std::string& text) {
+ExpectedOutput::Output* ExpectedOutput::Find(OutputKind kind, const std::string& text) {
     std::size_t& next = next_[static_cast<std::size_t>(kind)];
     const auto passed = [&](const Output& output) { return output.kind != kind || output.came; };
     while (next < outputs_.size() && passed(outputs_[next]))
         ++next;
     for (std::size_t index = next; index < outputs_.size(); ++index) {
         Output& output = outputs_[index];
-        if (output.time - outputs_[next].time > allowance_.jitter)
+        if (output.time - outputs_[next].time > tolerance_.jitter)
             break;
         if (passed(output))
             continue;
         if (output.text == text)
             return &output;
-        if (allowance_.Exact())
+        if (tolerance_.Exact())
             break;
     }
     return nullptr;
 }
 
-DWORD OutputBook::Take(OutputKind kind, microseconds time, const std::string& text) {
+DWORD ExpectedOutput::Compare(OutputKind kind, microseconds time, const std::string& text) {
     const std::scoped_lock lock(mutex_);
     if (!comparing_)
         return ERROR_SUCCESS;
@@ -118,39 +117,39 @@ DWORD OutputBook::Take(OutputKind kind, microseconds time, const std::string& te
     }
     found->came = true;
     ++counts_[static_cast<std::size_t>(kind)];
-    lateness_.Note(found->time, time);
+    lag_.Note(found->time, time);
     while (next_of_all_ < outputs_.size() && outputs_[next_of_all_].came)
         ++next_of_all_;
     return found->result;
 }
 
-bool OutputBook::HaveCome(std::size_t count) const {
+bool ExpectedOutput::HaveCome(std::size_t count) const {
     const std::scoped_lock lock(mutex_);
     return next_of_all_ >= count;
 }
 
-void OutputBook::CheckMissing(microseconds now) {
+void ExpectedOutput::CheckMissing(microseconds now) {
     const std::scoped_lock lock(mutex_);
     if (!comparing_ || next_of_all_ == outputs_.size())
         return;
     const Output& output = outputs_[next_of_all_];
-    if (now - output.time > kLatestOutput + lateness_.value())
+    if (now - output.time > kLatestOutput + lag_.value())
         Differ(output.kind, &output, now, {});
 }
 
-void OutputBook::CheckAtEnd(microseconds now) {
+void ExpectedOutput::CheckAtEnd(microseconds now) {
     const std::scoped_lock lock(mutex_);
     if (comparing_ && next_of_all_ < outputs_.size())
         Differ(outputs_[next_of_all_].kind, &outputs_[next_of_all_], now, {});
 }
 
-void OutputBook::StopComparing() {
+void ExpectedOutput::StopComparing() {
     const std::scoped_lock lock(mutex_);
     comparing_ = false;
 }
 
-void OutputBook::Differ(OutputKind kind, const Output* recorded, microseconds time,
-                        const std::string& came) {
+void ExpectedOutput::Differ(OutputKind kind, const Output* recorded, microseconds time,
+                            const std::string& replayed) {
     comparing_ = false;
     difference_ = Difference{kNames[static_cast<std::size_t>(kind)]};
     if (recorded) {
@@ -159,16 +158,16 @@ void OutputBook::Differ(OutputKind kind, const Output* recorded, microseconds ti
         difference_->line = recorded->line;
     }
     difference_->time = time;
-    if (!came.empty())
-        difference_->came = Decoded(kind, time, came);
+    if (!replayed.empty())
+        difference_->replayed = Decoded(kind, time, replayed);
 }
 
-std::optional<Difference> OutputBook::difference() const {
+std::optional<Difference> ExpectedOutput::difference() const {
     const std::scoped_lock lock(mutex_);
     return difference_;
 }
 
-std::size_t OutputBook::count(OutputKind kind) const {
+std::size_t ExpectedOutput::count(OutputKind kind) const {
     const std::scoped_lock lock(mutex_);
     return counts_[static_cast<std::size_t>(kind)];
 }

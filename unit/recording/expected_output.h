@@ -8,41 +8,39 @@
 #include <string>
 #include <vector>
 
-#include "unit/recording/allowance.h"
-#include "unit/recording/difference.h"
 #include "unit/recording/recording.h"
+#include "unit/recording/tolerance.h"
 
 namespace unit {
 
 enum class OutputKind { kFrame, kRequest, kBroadcast };
 inline constexpr std::size_t kOutputKinds = 3;
 
-// What the program did in the recording, but for its screens: the frames that it sent, what it
-// asked of drivers and of the board, its broadcasts. What it does now is held against that in
-// order, each kind for itself. Any thread.
-class OutputBook {
+// What the program did in the recording, except for its screens: the frames that it sent, its
+// requests to drivers and to the board, its broadcasts. Compares what the program does now with it,
+// in order within each kind. Any thread.
+class ExpectedOutput {
   public:
-    OutputBook(const Recording& recording, Lateness& lateness);
+    ExpectedOutput(const Recording& recording, Lag& lag);
 
-    // An output of the program, as MomentText and HexText write it. The recorded result; success,
-    // when it differs or nothing is compared any more.
-    DWORD Take(OutputKind kind, std::chrono::microseconds time, const std::string& text);
+    // An output of the program, as HexText, RequestLine or EventLine writes it. Returns the
+    // recorded result, or success when the output differs or nothing is compared any more.
+    DWORD Compare(OutputKind kind, std::chrono::microseconds time, const std::string& text);
 
-    // Whether the first `count` of all kinds have come.
+    // Whether the first `count` outputs of all kinds have come.
     bool HaveCome(std::size_t count) const;
     bool AllHaveCome() const { return HaveCome(outputs_.size()); }
 
-    // Looks for one that should have come by now.
+    // Reports an output that should have come by now.
     void CheckMissing(std::chrono::microseconds now);
-    // At the end of the replay: none may be missing.
+    // At the end of the replay, when none may be missing.
     void CheckAtEnd(std::chrono::microseconds now);
-    // Whatever comes from now on is right.
     void StopComparing();
 
     std::optional<Difference> difference() const;
     std::size_t count(OutputKind kind) const;
 
-    // How many outputs of a recording stand before each of its moments.
+    // For each event of a recording, the number of outputs before it.
     static std::vector<std::size_t> CountBefore(const Recording& recording);
 
   private:
@@ -58,13 +56,13 @@ class OutputBook {
 
     Output* Find(OutputKind kind, const std::string& text);
     void Differ(OutputKind kind, const Output* recorded, std::chrono::microseconds time,
-                const std::string& came);
+                const std::string& replayed);
 
-    const Allowance allowance_;
-    Lateness& lateness_;
+    const Tolerance tolerance_;
+    Lag& lag_;
     mutable std::mutex mutex_;
     std::vector<Output> outputs_;
-    // Before these, all have come: of each kind, and of all.
+    // The first output that has not come, of each kind and of all.
     std::array<std::size_t, kOutputKinds> next_{};
     std::size_t next_of_all_ = 0;
     std::array<std::size_t, kOutputKinds> counts_{};
