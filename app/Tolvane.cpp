@@ -92,8 +92,9 @@ int RunMainFrame(LPWSTR /*lpstrCmdLine*/, int nCmdShow) {
     }
     g_pMainFrame = nullptr;
     // A receive thread that did not end may still run a method of the frame.
-    if (UART_HasThread())
-        frame.release();
+    if (UART_HasThread()) {
+        [[maybe_unused]] const CMainFrame* const left = frame.release();
+    }
     _Module.RemoveMessageLoop();
     return result;
 }

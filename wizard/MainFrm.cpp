@@ -78,8 +78,9 @@ void CMainFrame::StopPowerDetector() {
         return;
     g_pCPowerDetector->DeInit();
     // A thread that was left behind uses the detector to the end of the process.
-    if (g_pCPowerDetector->HasThread()) [[maybe_unused]]
-        const CPowerDetector* const left = g_pCPowerDetector.release();
+    if (g_pCPowerDetector->HasThread()) {
+        [[maybe_unused]] const CPowerDetector* const left = g_pCPowerDetector.release();
+    }
     g_pCPowerDetector.reset();
 }
 
