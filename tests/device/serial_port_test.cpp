@@ -94,7 +94,7 @@ TEST(SerialPort, ReadsEndWhenTheTimeoutsSaySo) {
     }
 }
 
-PLATFORM_TEST(SerialPort, OneHandleAtATimeAndAWaitingReadEndsWithIt) {
+PLATFORM_TEST(SerialPort, HasOneHandleWhoseClosingEndsAWaitingRead) {
     const TestPort port(platform);
     const HANDLE handle = OpenCom9({});
     ExpectFails(ERROR_ACCESS_DENIED, [] {
@@ -114,7 +114,7 @@ PLATFORM_TEST(SerialPort, OneHandleAtATimeAndAWaitingReadEndsWithIt) {
     EXPECT_TRUE(CloseHandle(OpenCom9({}))) << "free again";
 }
 
-PLATFORM_TEST(CreateFile, OpensDevicesThatAreThereAndNothingElse) {
+PLATFORM_TEST(CreateFile, OpensOnlyLoadedDevices) {
     const TestPort port(platform);
     const auto expect = [](DWORD error, LPCWSTR name, DWORD creation = OPEN_EXISTING,
                            DWORD flags = 0) {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-// As long as it lives the test is nobody, in no group but nobody's own: root may open everything.
+// Makes the test run as nobody, in nobody's group alone; root may open everything.
 struct AsNobody {
     AsNobody() { EXPECT_EQ(setgroups(0, nullptr) + setegid(kNobody) + seteuid(kNobody), 0); }
     AsNobody(const AsNobody&) = delete;
@@ -23,7 +23,7 @@ struct AsNobody {
     ~AsNobody() { EXPECT_EQ(seteuid(0) + setegid(0), 0); }
 };
 
-// A terminal of the host's, with its other end in the test's hands.
+// A terminal of the host, with the test at its far end.
 class OnTerminal : public testing::Test {
   protected:
     OnTerminal() { EXPECT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0); }
@@ -70,7 +70,7 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
         EXPECT_EQ(tty.Open(path, told), error);
         EXPECT_EQ(told, problem);
     }
-    // In the group by the user database, but not since this log-in.
+    // In the group according to the user database, but not in this log-in.
     ASSERT_EQ(chown(path, 0, own_group), 0);
     const AsNobody nobody;
     EXPECT_EQ(OpenProblem(path, EACCES), denied + "the device belongs to group " +
@@ -78,7 +78,7 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
                                              ", which this log-in does not have yet: log in again");
 }
 
-TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {
+TEST_F(OnTerminal, IsExclusiveWhileOpen) {
     std::string problem;
     for (int round = 0; round < 2; ++round) {
         Tty first;
@@ -89,13 +89,13 @@ TEST_F(OnTerminal, IsForOneProgramAloneAndFreeAfterwards) {
     }
 }
 
-TEST_F(OnTerminal, SettingsThatADeviceDoesNotTakeAreTold) {
+TEST_F(OnTerminal, ReportsSettingsThatADeviceIgnores) {
     Tty tty;
     std::string problem;
     ASSERT_EQ(tty.Open(path, problem), 0) << problem;
     EXPECT_EQ(tty.Apply({.baud = 460800}, problem), 0);
     EXPECT_EQ(problem, "");
-    // A pseudo-terminal has eight bits and no parity, whatever it is told.
+    // A pseudo-terminal always has eight bits and no parity.
     EXPECT_EQ(tty.Apply({.baud = 460800, .data_bits = 7, .parity = Parity::kEven}, problem),
               EINVAL);
     EXPECT_EQ(problem,

@@ -6,7 +6,7 @@
 
 #include "tests/support/process.h"
 
-// What all three commands say about their options.
+// The options of all three commands.
 
 namespace {
 
@@ -18,7 +18,7 @@ std::set<std::string> Options(std::string text) {
     return options;
 }
 
-// What a reader of the page sees of its section OPTIONS: \\- is a dash.
+// The page's section OPTIONS as it is displayed: \\- is a dash.
 std::string OptionsSection(const std::string& page) {
     std::ifstream file(MANUALS "/" + page);
     std::ostringstream text;
@@ -33,14 +33,13 @@ std::string OptionsSection(const std::string& page) {
 
 class CommandLines : public tests::Process {};
 
-// Neither knows an option that the other does not.
-TEST_F(CommandLines, TheManualNamesTheOptionsThatTheCommandHas) {
+TEST_F(CommandLines, ManualsListExactlyTheOptions) {
     for (const auto& [binary, page] : {std::pair(TOLVANE_BINARY, "tolvane.1"),
                                        {UNITCTL_BINARY, "unitctl.1"},
                                        {DVRSIM_BINARY, "dvrsim.1"}}) {
         ASSERT_EQ(Run(binary, {"--help"}), 0);
         std::string help = Read("out");
-        // Behind "Options:" an option stands at its line's start; elsewhere in help it is prose.
+        // Behind "Options:" options are at the start of a line; elsewhere they are prose.
         std::istringstream lines(help.substr(help.find("Options:")));
         std::set<std::string> options;
         for (std::string line; std::getline(lines, line);)
@@ -51,7 +50,7 @@ TEST_F(CommandLines, TheManualNamesTheOptionsThatTheCommandHas) {
     }
 }
 
-TEST_F(CommandLines, WrongOnesAreOneLineAndStatusTwo) {
+TEST_F(CommandLines, ErrorsAreOneLineAndStatusTwo) {
     const std::pair<const char*, std::vector<const char*>> cases[] = {
         {TOLVANE_BINARY,
          {"--nope", "extra", "--com9 foo", "--speed 0", "--speed 1e9", "--speed fast", "--seed -1",

@@ -8,7 +8,7 @@
 #include "unit/commands/unit_commands.h"
 #include "unit/probe/wizard_probe.h"
 
-// What commands answer; what comes of them is the scenarios' matter.
+// The results of commands; scenarios test their effects.
 
 namespace tests {
 namespace {
@@ -20,14 +20,14 @@ class Commands : public testing::Test {
   protected:
     Commands() { EXPECT_EQ(run_.RunScenario("wait button 'Power On' within 5s"), ""); }
 
-    control::Outcome Follow(const char* line) {
+    control::Outcome Execute(const char* line) {
         return UnitCommands().Execute(run_.unit_operator(), line);
     }
 
     WizardRun run_;
 };
 
-TEST_F(Commands, RefuseWhatCannotBeDoneNow) {
+TEST_F(Commands, RefuseWhatIsImpossibleNow) {
     const std::pair<const char*, const char*> cases[] = {
         {"release", "the finger is not on the screen; press first"},
         {"move to 1 1", "the finger is not on the screen; press first"},
@@ -40,18 +40,18 @@ TEST_F(Commands, RefuseWhatCannotBeDoneNow) {
         {"screenshot /no/such/folder/x.png", "/no/such/folder/x.png: No such file or directory"},
     };
     for (const auto& [line, problem] : cases) {
-        const control::Outcome outcome = Follow(line);
+        const control::Outcome outcome = Execute(line);
         EXPECT_FALSE(outcome.done) << line;
         EXPECT_EQ(outcome.text, problem) << line;
     }
-    const std::string missing = Follow("tap Nowhere").text;
+    const std::string missing = Execute("tap Nowhere").text;
     EXPECT_TRUE(missing.starts_with("there is no Nowhere on the screen; there is ")) << missing;
     EXPECT_NE(missing.find("\"Power On\""), std::string::npos) << missing;
-    EXPECT_TRUE(Follow("tap 'Power On'").done);
-    EXPECT_EQ(Follow("press OK").text, "the finger is in the middle of a tap");
+    EXPECT_TRUE(Execute("tap 'Power On'").done);
+    EXPECT_EQ(Execute("press OK").text, "the finger is in the middle of a tap");
 }
 
-TEST_F(Commands, TellWhatTheyHaveDone) {
+TEST_F(Commands, ReportWhatTheyDid) {
     const std::pair<const char*, std::string> lines[] = {
         {"fault line corrupt checksum of FW_Upgrade_Version indications",
          "fault 1: corrupt checksum of FW_Upgrade_Version indications"},
@@ -64,7 +64,7 @@ TEST_F(Commands, TellWhatTheyHaveDone) {
         {"battery 30", ""},
     };
     for (const auto& [line, text] : lines) {
-        const control::Outcome outcome = Follow(line);
+        const control::Outcome outcome = Execute(line);
         EXPECT_TRUE(outcome.done) << line;
         EXPECT_EQ(outcome.text, text) << line;
     }
@@ -73,7 +73,7 @@ TEST_F(Commands, TellWhatTheyHaveDone) {
     EXPECT_EQ(run_.unit().supply().battery_flag, 2);
 }
 
-// `fault list` prints what is set as commands that set it again; `fault clear` ends all of it.
+// `fault list` prints the commands that set the faults again; `fault clear` clears all faults.
 TEST_F(Commands, ListFaultsAsTheCommandsThatSetThem) {
     const char* const set[] = {
         "fault call CreateFileW after 2 times 3 error 5",
@@ -100,17 +100,17 @@ TEST_F(Commands, ListFaultsAsTheCommandsThatSetThem) {
     };
     std::string expected;
     for (const char* const line : set) {
-        EXPECT_TRUE(Follow(line).done) << line;
+        EXPECT_TRUE(Execute(line).done) << line;
         expected += (expected.empty() ? "" : "\n") + std::string(line);
     }
     std::ranges::replace(expected, '\'', '"');
-    EXPECT_EQ(Follow("fault list").text, expected);
-    EXPECT_TRUE(Follow("fault clear").done);
-    EXPECT_EQ(Follow("fault list").text, "");
-    EXPECT_TRUE(Follow("fault driver SCA0: late 30s").done);
-    EXPECT_EQ(Follow("fault list").text, "fault driver SCA0: late 30000ms");
+    EXPECT_EQ(Execute("fault list").text, expected);
+    EXPECT_TRUE(Execute("fault clear").done);
+    EXPECT_EQ(Execute("fault list").text, "");
+    EXPECT_TRUE(Execute("fault driver SCA0: late 30s").done);
+    EXPECT_EQ(Execute("fault list").text, "fault driver SCA0: late 30000ms");
     run_.RunFor(30s);
-    EXPECT_EQ(Follow("fault list").text, "");
+    EXPECT_EQ(Execute("fault list").text, "");
 }
 
 TEST_F(Commands, FaultsHaveALimit) {
@@ -120,29 +120,29 @@ TEST_F(Commands, FaultsHaveALimit) {
     };
     for (const auto& [line, problem] : cases) {
         for (int count = 0; count < 1000; ++count)
-            ASSERT_TRUE(Follow(line).done);
-        EXPECT_EQ(Follow(line).text, problem);
+            ASSERT_TRUE(Execute(line).done);
+        EXPECT_EQ(Execute(line).text, problem);
     }
-    EXPECT_TRUE(Follow("fault clear").done);
+    EXPECT_TRUE(Execute("fault clear").done);
 }
 
-TEST(WizardProbe, MayLookWhileTheWindowCloses) {
+TEST(WizardProbe, ReadsWhileTheWindowCloses) {
     unit::VirtualUnit::Options options;
     options.kernel.mode = platform::kernel::Mode::kFreeRunning;
     options.kernel.speed = 50;
     WizardRun run(options);
     ASSERT_TRUE(run.RunUntil([] { return ReadWizard().has_value(); }, 60s));
     std::atomic<bool> done{false};
-    std::size_t looks = 0;
+    std::size_t reads = 0;
     std::thread observer([&] {
-        for (; !done; ++looks)
+        for (; !done; ++reads)
             EXPECT_EQ(ReadWizard().value_or(unit::WizardState{-1, 0, 0, 0, ""}).step, -1);
     });
     run.Close();
     done = true;
     observer.join();
-    EXPECT_GT(looks, 0U);
-    // Names are for whatever number a wild program has.
+    EXPECT_GT(reads, 0U);
+    // Numbers that a broken program could have.
     EXPECT_STREQ(unit::WizardStepName(7), "?");
     EXPECT_STREQ(unit::RunningStateName(5), "?");
 }

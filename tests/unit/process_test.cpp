@@ -2,7 +2,7 @@
 
 #include "tests/unit/unit_process.h"
 
-// The built program as an engineer starts it.
+// The built command `tolvane`.
 
 namespace {
 
@@ -20,7 +20,7 @@ TEST_F(Tolvane, RunsTheUpdateByItselfWithAPictureOfEveryScreen) {
         EXPECT_GT(fs::file_size(Path("screens/") + name + ".png"), 1000U) << name;
 }
 
-TEST_F(Tolvane, ClosesItsWindowInOrderAtASignalAndAsksForWhatAnotherDvrNeeds) {
+TEST_F(Tolvane, ClosesAtASignalAndAsksForWhatARealDvrNeeds) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const pid_t unit = StartAndWait("unit-", {"--headless", "--com9", "/dev/no-such-tty"});
         for (const tests::Words& command :
@@ -35,22 +35,22 @@ TEST_F(Tolvane, ClosesItsWindowInOrderAtASignalAndAsksForWhatAnotherDvrNeeds) {
                   "tolvane: Take the SD card out of the DVR.\n");
         const std::string log = Read("unit-out");
         EXPECT_NE(log.find("COM_Init, CreateFile() fail!!!, ErrorCode(55)"), std::string::npos);
-        // A window that has never painted says so at its very end.
+        // Printed at the end of an orderly close.
         EXPECT_NE(log.find("---CPowerDetector::DeInit\n"), std::string::npos) << log;
     }
 }
 
-// The wizard's unit and the DVR as two processes with a serial line between them.
+// Unit and DVR as two processes with a serial line between them.
 class OutsideDvr : public tests::UnitProcess {
   protected:
-    // Whether what the DVR answers to the command has that text.
+    // True when the DVR's reply to the command has that text.
     bool Command(const std::string& command, const char* text = "") {
         EXPECT_EQ(Run(DVRSIM_BINARY, {"--send", command}, "send-"), 0) << Read("send-err");
         return Read("send-out").find(text) != std::string::npos;
     }
 };
 
-TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
+TEST_F(OutsideDvr, IsUpdatedWithItsResetAsACommand) {
     const std::string link = Path("line");
     const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "8"}, "dvr-");
     ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(link); }));
@@ -58,11 +58,11 @@ TEST_F(OutsideDvr, IsUpdatedByTheWizardWithItsResetsAsACommand) {
     const pid_t wizard =
         Start(TOLVANE_BINARY, {"--auto", "--speed", "8", "--com9", link, "--reset-command",
                                std::string(DVRSIM_BINARY) + " --send reset && echo reset >&2"});
-    // The hands that a person has at the DVR, as they are asked to.
+    // The test is the operator at the DVR.
     const std::string put = "tolvane: Put the SD card with the update image into the DVR.\n";
     const std::string take = "tolvane: Take the SD card out of the DVR.\n";
     ASSERT_TRUE(WaitUntil([&] { return Read("err") == "reset\nreset\n" + put; })) << Read("err");
-    // A card that is in when the DVR looks for one starts the update before it is asked for.
+    // A DVR that finds a card while it boots starts the update before Update is tapped.
     ASSERT_TRUE(WaitUntil([&] { return Command("state", "\"state\": \"normal\""); }));
     Command("card in");
     ASSERT_TRUE(WaitUntil([&] { return Read("err").ends_with(take); })) << Read("err");

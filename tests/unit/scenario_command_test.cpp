@@ -6,7 +6,7 @@
 
 #include "tests/support/process.h"
 
-// `tolvane --scenario` as an engineer starts it: exit statuses, lines, and what a failure leaves.
+// The built `tolvane --scenario`: exit statuses, output, and the files that a failure saves.
 
 namespace {
 
@@ -27,7 +27,7 @@ class ScenarioCommand : public tests::Process {
     }
 };
 
-TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
+TEST_F(ScenarioCommand, ReportsFailuresInItsStatus) {
     const std::string passes = Write("passes.scenario", "wait button 'Power On'\nwait 2s\n");
     const std::string fails =
         Write("fails.scenario", "seed 9\nwait button 'Power On'\nexpect step result\n");
@@ -59,7 +59,7 @@ TEST_F(ScenarioCommand, TellsInItsStatusWhetherAllPassed) {
     EXPECT_EQ(Read("out"), "");
 }
 
-TEST_F(ScenarioCommand, SameSeedSameEventsAndTheCommandLinesWins) {
+TEST_F(ScenarioCommand, RepeatsASeedAndTheCommandLineSeedHasPriority) {
     const std::string file =
         Write("walk.scenario",
               "seed 9\nwait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\n"
@@ -75,8 +75,8 @@ TEST_F(ScenarioCommand, SameSeedSameEventsAndTheCommandLinesWins) {
     EXPECT_NE(events[0], events[2]);
 }
 
-// Over a pseudo-terminal too the line has its faults and its plug.
-TEST_F(ScenarioCommand, FreeRunningWhenToldOverAnyLine) {
+// The line has faults and a plug over a pseudo-terminal too.
+TEST_F(ScenarioCommand, FreeRunningOverAnyLine) {
     const std::string file = Write("free.scenario", R"(time free-running speed 10
 fault line split 1ms frames
 fault line delay 20ms StorageCardStatus acknowledgements
@@ -105,7 +105,7 @@ wait percent at least 30 within 5min
     EXPECT_EQ(Run({file, "--com9", "pty"}), 0) << Read("err");
 }
 
-TEST_F(ScenarioCommand, TheReferenceIsTheOneInTheDocuments) {
+TEST_F(ScenarioCommand, TheReferenceIsTheDocument) {
     ASSERT_EQ(tests::Process::Run(TOLVANE_BINARY, {"--help-scenarios"}), 0);
     std::ostringstream document;
     document << std::ifstream(TOLVANE_SCENARIO_DOCUMENT).rdbuf();

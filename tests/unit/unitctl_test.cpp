@@ -27,10 +27,10 @@ class Unitctl : public tests::UnitProcess {
     }
 };
 
-TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
+TEST_F(Unitctl, ExecutesCommandsAndWatchesTheirEvents) {
     const pid_t unit = StartAndWait();
     const pid_t watcher = Start(UNITCTL_BINARY, {"watch", "all"}, "watch-");
-    // The watch has begun when something was heard.
+    // The watch has begun when it prints something.
     ASSERT_TRUE(WaitUntil([&] {
         Ctl({"press", "at", "1", "1"});
         Ctl({"release"});
@@ -38,12 +38,12 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     }));
 
     for (const char* request : {"suspend", "resume", "off"}) {
-        Done({"request", request});
+        EXPECT_TRUE(WaitUntil([&] { return Ctl({"request", request}) == 0; })) << request;
         EXPECT_TRUE(Read("ctl-out").ends_with(std::string("  ") + request + " acknowledged\n"));
     }
     fs::create_directory(Path("my card"));
     fs::current_path(Path(""));
-    // A tap has been done when the finger is up again.
+    // A tap ends when the finger is up.
     for (const Words& words : {Words{"tap", "Power On", "for", "2s"},
                                {"press", "at", "1", "1"},
                                {"release"},
@@ -71,15 +71,15 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
 
     const std::string card = "card       in \"" + Path("my card") + "\"";
     EXPECT_TRUE(WaitUntil([&] { return Read("watch-out").find(card) != std::string::npos; }));
-    const std::string heard = Read("watch-out");
+    const std::string watched = Read("watch-out");
     std::size_t at = 0;
     for (const char* part :
          {"request    _KESTA_Technology,Inc._All_APP_PowerSuspend_Request_",
           "broadcast  _KESTA_Technology,Inc._Sodrey_PowerSuspend_Acknowledge_ 0x0 0x0",
           "PowerResume_Acknowledge_", "PowerOFF_Acknowledge_",
           "supply     line 0 battery 2 percent 40"}) {
-        at = heard.find(part, at);
-        EXPECT_NE(at, std::string::npos) << part << " is not in its place in\n" << heard;
+        at = watched.find(part, at);
+        EXPECT_NE(at, std::string::npos) << part << " is not at its position in\n" << watched;
     }
     EXPECT_EQ(End(unit), 0);
     EXPECT_EQ(Wait(watcher), 3);
@@ -87,7 +87,7 @@ TEST_F(Unitctl, DrivesTheUnitAndSeesWhatComesOfIt) {
     EXPECT_FALSE(fs::exists(Path("tolvane/unit.sock")));
 }
 
-TEST_F(Unitctl, HearsTheKindsItWatchesAndMissesAnAcknowledgement) {
+TEST_F(Unitctl, WatchesKindsOfEventsAndReportsAMissingAcknowledgement) {
     const pid_t unit = StartAndWait();
     const std::pair<const char*, std::regex> kinds[] = {
         {"frames", std::regex("( *[0-9.]+  frame      .*\n)+")},
@@ -98,21 +98,20 @@ TEST_F(Unitctl, HearsTheKindsItWatchesAndMissesAnAcknowledgement) {
     for (const auto& [kind, lines] : kinds) {
         EXPECT_TRUE(WaitUntil([&, kind = kind] {
             Done({"dvr", "indicate", "DVR_RunningState", "02"});
-            Done({"request", "resume"});
+            Ctl({"request", "resume"});
             return Read(std::string(kind) + "out").ends_with("\n");
         })) << kind;
-        const std::string heard = Read(std::string(kind) + "out");
-        EXPECT_TRUE(std::regex_match(heard, lines)) << heard;
+        const std::string watched = Read(std::string(kind) + "out");
+        EXPECT_TRUE(std::regex_match(watched, lines)) << watched;
     }
-    // The program's thread ends when it cannot wait for the next request.
+    // The program's thread ends when its wait for requests fails.
     Done({"fault", "call", "WaitForMultipleObjects", "always"});
     Done({"request", "resume"});
-    EXPECT_EQ(Error({"request", "resume"}, 1),
-              "unitctl: no acknowledgement came within 2 s of the unit's time\n");
+    EXPECT_EQ(Error({"request", "resume"}, 1), "unitctl: no acknowledgement came within 2 s\n");
     EXPECT_EQ(End(unit), 0);
 }
 
-TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
+TEST_F(Unitctl, RunsScenariosOnARunningUnit) {
     const pid_t unit = StartAndWait("unit-", {"--headless", "--out", Path("left")});
     const auto write = [&](const std::string& name, const std::string& text) {
         std::ofstream(Path(name)) << text;
@@ -120,10 +119,10 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
     };
     const Words press = write("press.scenario", "tap 'Power On'\n");
     Done(
-        write("walk.scenario", "wait button 'Power On'\ninclude press.scenario\nwait button OK\n"));
-    const std::string told = Read("ctl-out");
-    EXPECT_TRUE(told.starts_with("> wait button \"Power On\"\n> tap \"Power On\"\n")) << told;
-    EXPECT_NE(told.find("walk: passed, "), std::string::npos) << told;
+        write("flow.scenario", "wait button 'Power On'\ninclude press.scenario\nwait button OK\n"));
+    const std::string output = Read("ctl-out");
+    EXPECT_TRUE(output.starts_with("> wait button \"Power On\"\n> tap \"Power On\"\n")) << output;
+    EXPECT_NE(output.find("flow: passed, "), std::string::npos) << output;
     for (const auto& [text, problem] :
          {std::pair("tap 'Power On'", ":1: tap \"Power On\": there is no \"Power On\""),
           {"card inn", ":1: 'inn' is not allowed after 'card'"},
@@ -133,7 +132,7 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
             << Read("ctl-err");
     EXPECT_GT(fs::file_size(Path("left/wrong/state.json")), 100U);
 
-    // One at a time, and one that nobody waits for any more is given up.
+    // One at a time; a scenario is aborted when its client hangs up.
     const Words endless = write("long.scenario", "power on\nwait 60min\n");
     const auto begin = [&](const std::string& tag) {
         const pid_t begun = Start(UNITCTL_BINARY, endless, tag);
@@ -145,13 +144,13 @@ TEST_F(Unitctl, RunsAScenarioOnTheUnitThatRuns) {
               "unitctl: the unit already runs the scenario long; allowed is one at a time\n");
     End(waiting, SIGKILL);
     EXPECT_TRUE(WaitUntil([&] { return Ctl(write("short.scenario", "wait 1ms\n")) == 0; }));
-    // One that still runs does not keep the unit.
+    // A running scenario does not prevent the unit from closing.
     const pid_t last = begin("last-");
     EXPECT_EQ(End(unit), 0);
     EXPECT_EQ(Wait(last), 3);
 }
 
-TEST_F(Unitctl, UnitsWithNamesLiveSideBySideAndADeadOneIsNotInTheWay) {
+TEST_F(Unitctl, ReachesUnitsByNameAndReplacesAKilledUnit) {
     EXPECT_EQ(Error({"--unit", "other", "state"}, 3),
               "unitctl: no unit is running as 'other'; start one with: tolvane\n");
     const pid_t first = StartAndWait();
@@ -167,7 +166,7 @@ TEST_F(Unitctl, UnitsWithNamesLiveSideBySideAndADeadOneIsNotInTheWay) {
     EXPECT_EQ(End(third), 0);
 }
 
-TEST_F(Unitctl, AnUnsafeRuntimeFolderCostsTheSocketAlone) {
+TEST_F(Unitctl, AnUnsafeRuntimeFolderPreventsOnlyTheSocket) {
     fs::create_directory(Path("tolvane"));
     fs::permissions(Path("tolvane"), fs::perms::all);
     EXPECT_EQ(End(StartAndWait()), 0);

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 using unit::Direction;
 using enum unit::Direction;
 
-// What a direction carries, and the texts that show it, a line each.
+// Bytes of a direction and their texts, a line each.
 struct MonitorCase {
     const char* bytes;
     const char* texts;
@@ -35,14 +35,14 @@ const MonitorCase kMonitorCases[] = {
     {"A55A 10 001C 0001 00 012C", "REQ  System_Reboot  00  ok", kToDvr},
     {"A55A 10 0010 0000 011F", "REQ  DVR_RunningState  -  ok", kToDvr},
     {"A55A 44 0FFF 0000 0251", "0x44  0x0FFF  -  ok"},
-    // Damage is shown, and what follows it is found where the program finds it.
+    // Damaged frames are shown; the next frame is found where the program finds it.
     {"A55A 80 002E 0001 38 01E7  A55A 80 002E 0001 39 01E7",
      "IND  FW_Upgrade_Version  56  checksum bad: 01E7, must be 01E6\n"
      "IND  FW_Upgrade_Version  57  ok"},
     {"A55A 80 002E 0041  A55A 80 002E 0001 39 01E7",
      "IND  FW_Upgrade_Version  length 65 is impossible\n"
      "IND  FW_Upgrade_Version  57  ok"},
-    // A byte is lost: the frame takes the next one's first byte for its own.
+    // A byte is lost: the frame takes the first byte of the next frame as its own.
     {"A55A 80 002E 0001 39 01 A55A 80 002E 0001 39 01E7 00 A55A 80 002E 0001 39 01E7",
      "IND  FW_Upgrade_Version  57  checksum bad: 01A5, must be 01E7\n"
      "10 stray bytes  5A 80 00 2E 00 01 39 01 E7 00\n"
@@ -72,7 +72,7 @@ class Monitored {
     unit::LineMonitor monitor_;
 };
 
-TEST(LineMonitor, ShowsFramesDamageAndStrayBytesAtEverySplit) {
+TEST(LineMonitor, ShowsFramesDamageAndStrayBytesForAnyChunks) {
     for (const MonitorCase& c : kMonitorCases) {
         SCOPED_TRACE(c.bytes);
         std::string hex = c.bytes;
@@ -96,7 +96,7 @@ TEST(LineMonitor, EndsStrayRunsAtAGap) {
     EXPECT_EQ(line.texts, "3 stray bytes  01 02 03");
     line.Take(20s, "A55A80 0010 0000 018F");
     EXPECT_TRUE(line.texts.ends_with("\n1 stray byte  04\nIND  DVR_RunningState  -  ok"));
-    // A line that never rests is told in chunks.
+    // An endless run of stray bytes is split.
     Monitored endless;
     for (int chunk = 0; chunk < 100; ++chunk)
         endless.Take(1ms, std::vector<std::uint8_t>(100, 7));

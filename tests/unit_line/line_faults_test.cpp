@@ -42,13 +42,13 @@ const FaultCase kFaultCases[] = {
      "0: PERCENT / 9: CARD",
      "0: PERCENT / 9: A5 5A 80 00 26 00 03 01 00 11 02 03",
      {1}},
-    {{"drop StorageCardStatus frames"}, "0: CARD / 5: PERCENT / 9: ANSWER", "5: PERCENT", {2}},
-    {{"drop acknowledgements"}, "0: ANSWER / 5: PERCENT", "5: PERCENT", {1}},
-    {{"drop query StorageCardStatus frames"}, "0: ANSWER / 5: CARD", "5: CARD", {1}},
-    {{"drop plain frames to-unit"}, "0: ANSWER / 5: CARD", "0: ANSWER", {1}},
+    {{"drop StorageCardStatus frames"}, "0: CARD / 5: PERCENT / 9: CARD_ACK", "5: PERCENT", {2}},
+    {{"drop acknowledgements"}, "0: CARD_ACK / 5: PERCENT", "5: PERCENT", {1}},
+    {{"drop query StorageCardStatus frames"}, "0: CARD_ACK / 5: CARD", "5: CARD", {1}},
+    {{"drop plain frames to-unit"}, "0: CARD_ACK / 5: CARD", "0: CARD_ACK", {1}},
     {{"drop 0x0055 frames"}, "0: A5 5A 80 00 55 00 00 01 D4 / 5: CARD", "5: CARD", {1}},
     {{"duplicate frames every 2"}, "0: PERCENT / 5: CARD", "0: PERCENT / 5: CARD CARD", {1}},
-    {{"delay 300ms acknowledgements"}, "0: ANSWER / 400: CARD", "300000: ANSWER CARD", {1}},
+    {{"delay 300ms acknowledgements"}, "0: CARD_ACK / 400: CARD", "300000: CARD_ACK CARD", {1}},
     {{"split 20ms frames"}, "0: PERCENT", "0: A5 5A 80 00 2E / 20000: 00 01 39 01 E7", {1}},
     {{"split 1ms checksum of frames"},
      "0: PERCENT",
@@ -58,7 +58,7 @@ const FaultCase kFaultCases[] = {
      "0: CARD / 5: CARD / 9: CARD",
      "0: CARD / 5: CARD EE / 9: CARD",
      {1}},
-    // Damaged ones are no frames to a rule; the next good one is.
+    // Rules about frames ignore damaged frames.
     {{"drop frames"},
      "0: A5 5A 80 00 2E 00 01 39 01 E6 / 5: PERCENT",
      "0: A5 5A 80 00 2E 00 01 39 01 E6",
@@ -81,7 +81,7 @@ const FaultCase kFaultCases[] = {
      {1, 0}},
 };
 
-TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
+TEST(LineFaults, RulesChangeBytesTheSameForAnyChunks) {
     for (const FaultCase& c : kFaultCases)
         for (const bool byte_by_byte : {false, true}) {
             SCOPED_TRACE(std::string(c.rules[0]) + (byte_by_byte ? ", byte by byte" : ""));
@@ -89,7 +89,7 @@ TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
             line.Send(kToUnit, c.sent, byte_by_byte);
             line.RunFor(1s);
             EXPECT_EQ(line.program.text(), c.arrives);
-            EXPECT_EQ(line.heard_to_unit.text(), c.arrives);
+            EXPECT_EQ(line.observed_to_unit.text(), c.arrives);
             std::vector<std::uint64_t> applied;
             for (const unit::LineFaults::Entry& entry : line.faults->List())
                 applied.push_back(entry.applied);
@@ -97,17 +97,17 @@ TEST(LineFaults, RulesMakeOfTheBytesWhatTheySayHoweverTheBytesArrive) {
         }
 }
 
-TEST(LineFaults, WhatTheProgramSendsIsHeardBeforeTheFaults) {
+TEST(LineFaults, SentBytesAreObservedBeforeTheFaults) {
     TappedLine line({"corrupt checksum of requests to-dvr", "delay 2ms requests to-dvr"});
     line.Send(kToDvr, "0: A5 5A 10 80 2E 00 01 00 01 BE");
     line.Send(kToUnit, "5: PERCENT");
     line.RunFor(10ms);
-    EXPECT_EQ(line.heard_to_dvr.text(), "0: A5 5A 10 80 2E 00 01 00 01 BE");
+    EXPECT_EQ(line.observed_to_dvr.text(), "0: A5 5A 10 80 2E 00 01 00 01 BE");
     EXPECT_EQ(line.dvr.text(), "2000: A5 5A 10 80 2E 00 01 00 FE 41");
     EXPECT_EQ(line.program.text(), "5: PERCENT");
 }
 
-TEST(LineFaults, ChanceComesFromTheSeed) {
+TEST(LineFaults, ChanceDependsOnTheSeed) {
     const auto dropped = [](const char* rule) {
         TappedLine line({rule});
         for (int block = 0; block < 100; ++block)
@@ -125,44 +125,44 @@ TEST(LineFaults, ChanceComesFromTheSeed) {
     EXPECT_NEAR(dropped("drop bytes chance 0.5 seed 1").first, 50, 28);
 }
 
-TEST(LineFaults, EveryFaultIsToldAndCountedAndRulesCanGo) {
+TEST(LineFaults, AppliedFaultsAreReportedAndCountedAndRulesCanBeRemoved) {
     TappedLine line({"corrupt checksum of FW_Upgrade_Version indications to-unit",
                      "drop bytes after 11 times 1"});
-    std::vector<std::string> told;
-    line.faults->OnApplied([&](const std::string& text) { told.push_back(text); });
+    std::vector<std::string> reported;
+    line.faults->OnApplied([&](const std::string& text) { reported.push_back(text); });
     line.Send(kToUnit, "0: PERCENT 01 02");
     line.RunFor(1ms);
-    EXPECT_EQ(told, (std::vector<std::string>{
-                        "fault 1 (corrupt checksum of FW_Upgrade_Version indications to-unit): "
-                        "IND FW_Upgrade_Version, 1 so far",
-                        "fault 2 (drop bytes after 11 times 1): byte 02, 1 so far"}));
+    EXPECT_EQ(reported, (std::vector<std::string>{
+                            "fault 1 (corrupt checksum of FW_Upgrade_Version indications to-unit): "
+                            "IND FW_Upgrade_Version, 1 so far",
+                            "fault 2 (drop bytes after 11 times 1): byte 02, 1 so far"}));
     EXPECT_TRUE(line.faults->Remove(1));
     EXPECT_FALSE(line.faults->Remove(1));
     EXPECT_EQ(line.faults->List().at(0).number, 2);
     line.faults->Clear();
     line.Add("drop bytes after 100");
-    EXPECT_EQ(line.faults->List().at(0).number, 3) << "numbers are not given twice";
+    EXPECT_EQ(line.faults->List().at(0).number, 3) << "numbers are not used again";
     line.Send(kToUnit, "2000: PERCENT");
     line.RunFor(1ms);
     EXPECT_TRUE(line.program.text().ends_with("/ 2000: PERCENT"));
 }
 
-TEST(LineFaults, WhatRulesMultiplyHasAnEnd) {
+TEST(LineFaults, RulesThatMultiplyBytesAreLimited) {
     for (const char* const rule : {"duplicate bytes", "inject 0102030405060708 after bytes",
                                    "duplicate frames", "inject A55A before payload of frames"}) {
         SCOPED_TRACE(rule);
         TappedLine line(std::vector<const char*>(40, rule));
-        std::size_t told = 0;
-        line.faults->OnApplied([&](const std::string&) { ++told; });
+        std::size_t reported = 0;
+        line.faults->OnApplied([&](const std::string&) { ++reported; });
         line.Send(kToUnit, "0: PERCENT");
         line.RunFor(1ms);
         EXPECT_LE(line.program.text().size(), 4 * unit::kMaxSlots);
-        EXPECT_GE(told, 40U);
-        EXPECT_LE(told, 10'000U);
+        EXPECT_GE(reported, 40U);
+        EXPECT_LE(reported, 10'000U);
     }
 }
 
-TEST(FaultText, WhatIsWrongIsSaidWithWhatIsAllowed) {
+TEST(FaultText, ErrorsSayWhatIsAllowed) {
     const std::string long_rule = "inject " + std::string(514, '0') + " after bytes";
     const std::pair<const char*, const char*> cases[] = {
         {long_rule.c_str(), "a fault has 257 bytes of its own; allowed are up to 256"},

@@ -12,7 +12,7 @@ using enum unit::Direction;
 using platform::kernel::After;
 
 TEST(LineTap, NothingPassesWhileThePlugIsOut) {
-    // The first chunk is held back for the frame rule, or delayed.
+    // The frame rule holds the first chunk, or the delay does.
     TappedLine line({"delay 1ms frames", "delay 1ms bytes to-dvr after 1 times 1"});
     line.Send(kToUnit, "0: A5 5A / 600: 01 / 800: 03");
     line.Send(kToDvr, "0: 0A 0B / 600: 02 / 800: 04");
@@ -22,10 +22,10 @@ TEST(LineTap, NothingPassesWhileThePlugIsOut) {
     line.RunFor(1s);
     EXPECT_EQ(line.program.text(), "800: 03");
     EXPECT_EQ(line.dvr.text(), "0: 0A / 800: 04");
-    EXPECT_EQ(line.heard_to_dvr.text(), "0: 0A 0B / 600: 02 / 800: 04");
+    EXPECT_EQ(line.observed_to_dvr.text(), "0: 0A 0B / 600: 02 / 800: 04");
 }
 
-TEST(LineTap, WhatIsOnItsWayIsLostWhenThePortCloses) {
+TEST(LineTap, LosesDelayedBytesWhenThePortCloses) {
     TappedLine line({"delay 100ms bytes"});
     line.Send(kToUnit, "0: 01 / 30000: 03");
     line.Send(kToDvr, "0: 02 / 30000: 04");
@@ -39,7 +39,7 @@ TEST(LineTap, WhatIsOnItsWayIsLostWhenThePortCloses) {
     EXPECT_EQ(line.dvr.text(), "130000: 04");
 }
 
-TEST(LineTap, KeepsNoMoreOnItsWayThanADevicesMemory) {
+TEST(LineTap, LosesBytesBeyondItsLimit) {
     TappedLine line({"delay 100ms bytes to-unit times 1"});
     line.Send(kToUnit, "0: 01 / 2000000: 02");
     line.RunFor(1ms);
@@ -51,7 +51,7 @@ TEST(LineTap, KeepsNoMoreOnItsWayThanADevicesMemory) {
     EXPECT_TRUE(line.program.text().ends_with(kLast));
 }
 
-TEST(LineTap, HoldsBackOnlyForFrameRulesAndNeverForEver) {
+TEST(LineTap, HoldsBytesOnlyForFrameRulesAndFor50Ms) {
     const std::pair<const char*, const char*> cases[] = {
         {"drop bytes after 100 times 1", "0: A5 5A 80 / 40000: 00 / 200000: 01 02"},
         {"drop frames to-dvr", "0: A5 5A 80 / 40000: 00 / 200000: 01 02"},
@@ -65,7 +65,7 @@ TEST(LineTap, HoldsBackOnlyForFrameRulesAndNeverForEver) {
         line.RunFor(1s);
         EXPECT_EQ(line.program.text(), arrives);
     }
-    // The rule goes: what it held back comes with the next byte.
+    // After the rule is cleared, the held bytes pass with the next byte.
     TappedLine line({"drop frames"});
     line.Send(kToUnit, "0: A5 5A 80 / 2000: 00");
     After(1ms, [&] { line.faults->Clear(); });
@@ -73,7 +73,7 @@ TEST(LineTap, HoldsBackOnlyForFrameRulesAndNeverForEver) {
     EXPECT_EQ(line.program.text(), "2000: A5 5A 80 00");
 }
 
-TEST(LineTap, InjectedBytesQueueBehindThoseThatWait) {
+TEST(LineTap, InjectedBytesQueueBehindDelayedOnes) {
     TappedLine line({"delay 1ms bytes times 1"});
     line.Send(kToUnit, "0: 01");
     After(500us, [&] {
@@ -85,24 +85,24 @@ TEST(LineTap, InjectedBytesQueueBehindThoseThatWait) {
     EXPECT_EQ(line.dvr.text(), "500: DD");
 }
 
-TEST(LineTap, AFullLineTakesTheRestWhenItHasRoom) {
+TEST(LineTap, PassesTheRestWhenAFullLineIsWritableAgain) {
     const std::vector<std::uint8_t> bytes{1, 2, 3};
     TappedLine line;
-    int rooms = 0;
-    line.tap->OnWritable([&] { ++rooms; });
-    line.far->room = 2;
+    int writable = 0;
+    line.tap->OnWritable([&] { ++writable; });
+    line.far->space = 2;
     EXPECT_EQ(line.tap->Transmit(bytes), 2U) << "without faults the port keeps the rest";
     line.Add("duplicate bytes to-dvr");
-    line.far->room = 2;
+    line.far->space = 2;
     EXPECT_EQ(line.tap->Transmit(bytes), 3U);
     EXPECT_EQ(line.tap->Transmit(bytes), 0U);
     for (const int expected : {0, 1}) {
-        line.far->room = 3;
+        line.far->space = 3;
         line.far->on_writable();
-        EXPECT_EQ(rooms, expected) << "still full at first";
+        EXPECT_EQ(writable, expected) << "still full at first";
     }
     EXPECT_EQ(line.dvr.text(), "0: 01 02 01 01 02 02 03 03");
-    EXPECT_EQ(line.heard_to_dvr.text(), "0: 01 02 01 02 03");
+    EXPECT_EQ(line.observed_to_dvr.text(), "0: 01 02 01 02 03");
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
-#include <thread>
-
+#include "unit/line/memory_line.h"
 #include "platform/device/serial_port.h"
 #include "tests/support/com9.h"
 #include "tests/support/platform_test.h"
-#include "unit/line/memory_line.h"
 
 namespace tests {
 namespace {
 
-// "COM9:" with a device of 460800 baud, 8N1 at the other end of its wires.
+// "COM9:" on a memory line with a device of 460800 baud, 8N1.
 struct MemoryPort {
     explicit MemoryPort(Platform& platform) {
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
@@ -18,35 +16,35 @@ struct MemoryPort {
         kernel::After(time, [this, bytes] { line->Send(std::vector<std::uint8_t>(bytes, 'x')); });
     }
 
-    std::string heard;
+    std::string received;
     const std::shared_ptr<unit::MemoryLine> line = std::make_shared<unit::MemoryLine>(
         460800,
         [this](std::span<const std::uint8_t> bytes) { heard.append(bytes.begin(), bytes.end()); });
 };
 
-TEST(MemoryLine, KeepsNoMoreThanADevicesMemory) {
+TEST(MemoryLine, LosesBytesBeyondTheTransmitBuffer) {
     Platform platform;
     using unit::MemoryLine;
     const auto line = std::make_shared<MemoryLine>(
         CBR_9600, [](std::span<const std::uint8_t>) {}, MemoryLine::Pace::kAtOnce);
     std::size_t arrived = 0;
     line->Open([&](std::span<const std::uint8_t> bytes) { arrived += bytes.size(); });
-    for (int piece = 0; piece < 3; ++piece)
+    for (int count = 0; count < 3; ++count)
         line->Send(std::vector<std::uint8_t>(100'000));
     platform.RunFor(1ms);
     EXPECT_EQ(arrived, 262'144U);
     line->Close();
 }
 
-TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
-    enum class Outcome { kExchanges, kHearsNothing, kRefused };
+TEST(MemoryLine, CarriesBytesOnlyWithTheDevicesSettings) {
+    enum class Outcome { kExchanges, kLosesBytes, kRefused };
     const std::pair<void (*)(DCB&), Outcome> rows[] = {
         {[](DCB&) {}, Outcome::kExchanges},
         {[](DCB& settings) { settings.fRtsControl = 0; }, Outcome::kExchanges},
-        {[](DCB& settings) { settings.BaudRate = 115200; }, Outcome::kHearsNothing},
-        {[](DCB& settings) { settings.ByteSize = 7; }, Outcome::kHearsNothing},
-        {[](DCB& settings) { settings.Parity = EVENPARITY; }, Outcome::kHearsNothing},
-        {[](DCB& settings) { settings.StopBits = TWOSTOPBITS; }, Outcome::kHearsNothing},
+        {[](DCB& settings) { settings.BaudRate = 115200; }, Outcome::kLosesBytes},
+        {[](DCB& settings) { settings.ByteSize = 7; }, Outcome::kLosesBytes},
+        {[](DCB& settings) { settings.Parity = EVENPARITY; }, Outcome::kLosesBytes},
+        {[](DCB& settings) { settings.StopBits = TWOSTOPBITS; }, Outcome::kLosesBytes},
         {[](DCB& settings) { settings.DCBlength = 27; }, Outcome::kRefused},
         {[](DCB& settings) { settings.BaudRate = 0; }, Outcome::kRefused},
         {[](DCB& settings) { settings.ByteSize = 4; }, Outcome::kRefused},
@@ -63,35 +61,37 @@ TEST(MemoryLine, OnlyTheDevicesSettingsExchangeAnything) {
             EXPECT_TRUE(GetCommState(handle, &settings));
             row.first(settings);
             EXPECT_EQ(SetCommState(handle, &settings), row.second != Outcome::kRefused);
-            // What was refused changed nothing.
-            const bool exchanges = row.second != Outcome::kHearsNothing;
+            // A refused setting changes nothing.
+            const bool exchanges = row.second != Outcome::kLosesBytes;
             EXPECT_EQ(Write(handle, "out"), 3U);
             port.SendAfter({}, 2);
             EXPECT_EQ(Read(handle, 2), exchanges ? "xx" : "");
             Sleep(1);
-            EXPECT_EQ(port.heard, exchanges ? "out" : "");
+            EXPECT_EQ(port.received, exchanges ? "out" : "");
             CloseHandle(handle);
         });
     }
 }
 
-// A free-running host that comes late finds all that has passed meanwhile, at once.
-TEST(MemoryLine, CatchesUpAfterALateHost) {
-    Platform platform({.mode = kernel::Mode::kFreeRunning, .speed = 1000});
+// A host that gets to the line late delivers all bytes that were due before, together. The clock's
+// jump stands for the delay.
+TEST(MemoryLine, DeliversOverdueBytesTogether) {
+    Platform platform;
     MemoryPort port(platform);
     std::vector<std::size_t> arrivals;
     port.line->Open([&](std::span<const std::uint8_t> bytes) { arrivals.push_back(bytes.size()); });
     DCB settings{};
-    settings.BaudRate = 460800;
+    settings.BaudRate = unit::kDvrBaudRate;
     settings.ByteSize = 8;
     port.line->ApplySettings(settings);
-    port.SendAfter({}, 1'000);
-    kernel::After({}, [] { std::this_thread::sleep_for(200us); });
-    platform.RunFor(200ms);
+    port.line->Send(std::vector<std::uint8_t>(1'000));
+    kernel::JumpClock(1s);
+    platform.RunFor(1ms);
     EXPECT_EQ(arrivals, std::vector<std::size_t>{1'000});
+    port.line->Close();
 }
 
-TEST(MemoryLine, LosesWhatIsOnTheWireWhileClosed) {
+TEST(MemoryLine, LosesBytesThatArriveWhileClosed) {
     Platform platform;
     MemoryPort port(platform);
     platform.Run([&] {

@@ -18,11 +18,12 @@
 
 namespace tests {
 
-// Frames that tests name: an indication of 57 percent and one of a card, an answer about the card.
+// Frames with names: the indications of 57 percent and of a card, an acknowledgement about the
+// card.
 constexpr std::pair<std::string_view, std::string_view> kNamedFrames[] = {
     {"PERCENT", "A5 5A 80 00 2E 00 01 39 01 E7"},
     {"CARD", "A5 5A 80 00 26 00 03 01 00 5A 02 03"},
-    {"ANSWER", "A5 5A 20 80 26 00 03 01 00 5A 02 23"},
+    {"CARD_ACK", "A5 5A 20 80 26 00 03 01 00 5A 02 23"},
 };
 
 inline std::string Replaced(std::string text, std::string_view from, std::string_view to) {
@@ -31,11 +32,11 @@ inline std::string Replaced(std::string text, std::string_view from, std::string
     return text;
 }
 
-// What passed at which microsecond since the start: "0: A5 5A / 300: PERCENT". What passes at one
-// time is one chunk here.
-class ChunkNotes {
+// Bytes that passed, by microseconds since the start: "0: A5 5A / 300: PERCENT". Bytes of one time
+// are one chunk.
+class PassedBytes {
   public:
-    void Note(std::chrono::microseconds time, std::span<const std::uint8_t> bytes) {
+    void Add(std::chrono::microseconds time, std::span<const std::uint8_t> bytes) {
         if (bytes.empty())
             return;
         if (text_.empty() || time != last_)
@@ -55,13 +56,13 @@ class ChunkNotes {
     std::chrono::microseconds last_{};
 };
 
-// The far end of a line, played by a test.
-class PlayedLine final : public platform::device::SerialLine {
+// The far end of a line, controlled by a test.
+class TestLine final : public platform::device::SerialLine {
   public:
     Receiver receiver;
     std::function<void()> on_writable;
     std::function<void(std::span<const std::uint8_t>)> sent;
-    std::size_t room = std::numeric_limits<std::size_t>::max();
+    std::size_t space = std::numeric_limits<std::size_t>::max();
 
     DWORD Open(Receiver to_port) override {
         receiver = std::move(to_port);
@@ -71,19 +72,19 @@ class PlayedLine final : public platform::device::SerialLine {
     DWORD ReadSettings(DCB&) override { return ERROR_SUCCESS; }
     DWORD ApplySettings(const DCB&) override { return ERROR_SUCCESS; }
     std::size_t Transmit(std::span<const std::uint8_t> bytes) override {
-        const std::size_t taken = std::min(room, bytes.size());
-        room -= taken;
+        const std::size_t taken = std::min(space, bytes.size());
+        space -= taken;
         sent(bytes.first(taken));
         return taken;
     }
     void OnWritable(std::function<void()> call) override { on_writable = std::move(call); }
 };
 
-// A tap between a port and a far end that a test plays, on a simulated unit.
+// A tap between a port and a test's far end, on a simulated unit.
 class TappedLine {
   public:
     explicit TappedLine(const std::vector<const char*>& rules = {}) {
-        far->sent = [this](std::span<const std::uint8_t> bytes) { dvr.Note(Time(), bytes); };
+        far->sent = [this](std::span<const std::uint8_t> bytes) { dvr.Add(Time(), bytes); };
         Open();
         for (const char* const rule : rules)
             Add(rule);
@@ -91,18 +92,18 @@ class TappedLine {
     ~TappedLine() { tap->Close(); }
 
     void Open() {
-        tap->Open([this](std::span<const std::uint8_t> bytes) { program.Note(Time(), bytes); });
+        tap->Open([this](std::span<const std::uint8_t> bytes) { program.Add(Time(), bytes); });
     }
 
     void Add(const char* text) const {
         std::string problem;
         const auto rule = unit::ParseFaultRule(text, problem);
         ASSERT_TRUE(rule) << problem;
-        EXPECT_EQ(unit::ToText(*rule), text) << "a rule is written as it was read";
+        EXPECT_EQ(unit::ToText(*rule), text) << "the rule as text";
         faults->Add(*rule);
     }
 
-    // The far end, or the program, sends chunks at their times, written as ChunkNotes does.
+    // Sends chunks from the far end or the program at their times, in the format of PassedBytes.
     void Send(unit::Direction direction, std::string chunks, bool byte_by_byte = false) {
         for (const auto& [name, bytes] : kNamedFrames)
             chunks = Replaced(std::move(chunks), name, bytes);
@@ -121,16 +122,16 @@ class TappedLine {
     void RunFor(std::chrono::milliseconds time) { platform.RunFor(time); }
 
     Platform platform;
-    ChunkNotes program;  // was given
-    ChunkNotes dvr;      // was given
-    ChunkNotes heard_to_unit;
-    ChunkNotes heard_to_dvr;
+    PassedBytes program;  // received
+    PassedBytes dvr;      // received
+    PassedBytes observed_to_unit;
+    PassedBytes observed_to_dvr;
     const std::shared_ptr<unit::LineFaults> faults = std::make_shared<unit::LineFaults>();
-    const std::shared_ptr<PlayedLine> far = std::make_shared<PlayedLine>();
+    const std::shared_ptr<TestLine> far = std::make_shared<TestLine>();
     const std::shared_ptr<unit::LineTap> tap = std::make_shared<unit::LineTap>(
         far, faults, [this](unit::Direction direction, std::span<const std::uint8_t> bytes) {
-            (direction == unit::Direction::kToUnit ? heard_to_unit : heard_to_dvr)
-                .Note(Time(), bytes);
+            (direction == unit::Direction::kToUnit ? observed_to_unit : observed_to_dvr)
+                .Add(Time(), bytes);
         });
 
   private:

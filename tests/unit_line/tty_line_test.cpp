@@ -17,7 +17,7 @@
 namespace tests {
 namespace {
 
-// A unit whose "COM9:" is a device of the host; at the other end of that, this test.
+// A unit whose "COM9:" is a device of the host, with the test at its far end.
 class Tty : public testing::Test {
   protected:
     Tty() { UseDevice(NewDevice()); }
@@ -63,7 +63,7 @@ class Tty : public testing::Test {
         EXPECT_EQ(said, std::vector<std::string>{expected});
     }
 
-    // Keeps the device alive while the port is closed.
+    // Keeps the device open while the port is closed.
     int keeper = -1;
     int far_end = -1;
     std::mutex mutex;
@@ -73,9 +73,9 @@ class Tty : public testing::Test {
 
 constexpr COMMTIMEOUTS kPatient{0, 0, 60'000, 0, 60'000};
 
-TEST_F(Tty, TakesTheSettingsAndCarriesEveryByteValueBothWays) {
+TEST_F(Tty, AppliesSettingsAndCarriesEveryByteValueBothWays) {
     platform.Run([&] {
-        // Until the port is opened, the host's terminal echoes.
+        // The host's terminal echoes until the port is opened.
         EXPECT_EQ(write(far_end, "stale", 5), 5);
         EXPECT_EQ(ReadFarEnd(5), "stale");
         const HANDLE port = OpenCom9(kPatient);
@@ -109,7 +109,7 @@ TEST_F(Tty, TakesTheSettingsAndCarriesEveryByteValueBothWays) {
     EXPECT_TRUE(TakeProblems().empty());
 }
 
-TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
+TEST_F(Tty, WriteToAFullLineTimesOutAndContinuesWhenWritable) {
     platform.Run([&] {
         const HANDLE port = OpenCom9({0, 0, 100, 0, 100});
         const DWORD first = Write(port, std::string(1 << 20, 'x'));
@@ -117,7 +117,7 @@ TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
 
         COMMTIMEOUTS patient = kPatient;
         SetCommTimeouts(port, &patient);
-        // Two writers wait for the same room.
+        // Two writers wait for the line to become writable.
         Crew crew;
         for (int writer = 0; writer < 2; ++writer)
             crew.Start([&] { EXPECT_EQ(Write(port, std::string(1 << 18, 'x')), 1U << 18); });
@@ -127,9 +127,8 @@ TEST_F(Tty, WriteToAFullLineTimesOutAndGoesOnWhenThereIsRoom) {
     });
 }
 
-TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
-    // The path leads to one device and later to another, as an adapter's does that is pulled out
-    // and put back.
+TEST_F(Tty, ReconnectsADeviceOnTheSameHandleWithItsSettings) {
+    // The path leads to one device and later to another, as when an adapter is reconnected.
     const std::string path = testing::TempDir() + "tolvane-tty-" + std::to_string(getpid());
     std::filesystem::create_symlink(ttyname(keeper), path);
     UseDevice(path);
@@ -166,7 +165,7 @@ TEST_F(Tty, DeviceThatComesBackGoesOnOnTheSameHandleWithItsSettings) {
     EXPECT_TRUE(TakeProblems().empty());
 }
 
-TEST_F(Tty, PathsThatCannotBeOpenedAreErrorsWithOneClearLine) {
+TEST_F(Tty, ReportsPathsThatCannotBeOpened) {
     const auto expect_refused = [&](const std::string& path, DWORD error, const char* problem) {
         UseDevice(path);
         ExpectFails(error, [] {

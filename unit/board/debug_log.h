@@ -11,15 +11,15 @@
 
 namespace unit {
 
-// Where the program's debug output goes: whole lines with the unit's time to its listeners, and
-// every byte as the program wrote it to a file. Any thread.
+// The program's debug output: passes whole lines with the unit's time to its listeners, and writes
+// every byte unchanged to a file. Any thread.
 class DebugLog {
   public:
     using Listener = std::function<void(std::chrono::microseconds time, const std::string& line)>;
 
     explicit DebugLog(Listener listener) { listeners_.push_back(std::move(listener)); }
 
-    // One more listener, for as long as there is output. Before the program starts.
+    // Adds a listener for good. Before the program starts.
     void Listen(Listener listener);
 
     // False with one line in `problem` when the file cannot be written.

@@ -26,8 +26,8 @@ DWORD PowerCoordinator::Raise(const PowerRequest& request) {
     if (!event)
         return GetLastError();
     if (!exists)
-        made_.push_back(event);
-    // Told first: the acknowledgement may come before the call returns.
+        created_.push_back(event);
+    // Published first: the acknowledgement may come before the call returns.
     events_.Publish(PowerRequested{request.event});
     const DWORD error = SetEvent(event) ? ERROR_SUCCESS : GetLastError();
     if (exists)
@@ -35,10 +35,10 @@ DWORD PowerCoordinator::Raise(const PowerRequest& request) {
     return error;
 }
 
-void PowerCoordinator::LetGo() {
-    for (const HANDLE event : made_)
+void PowerCoordinator::CloseEvents() {
+    for (const HANDLE event : created_)
         CloseHandle(event);
-    made_.clear();
+    created_.clear();
 }
 
 }  // namespace unit

@@ -10,8 +10,8 @@
 
 namespace unit {
 
-// A request that the unit's coordinator makes of all applications by raising a named event, and the
-// message that each application broadcasts in answer.
+// A power request: the unit's coordinator sets its named event, and each application broadcasts the
+// acknowledgement.
 struct PowerRequest {
     std::string_view name;  // "suspend"
     const wchar_t* event;
@@ -19,22 +19,22 @@ struct PowerRequest {
 };
 std::span<const PowerRequest> PowerRequests();
 
-// The unit's power coordinator. Hardware's thread, while the platform is booted.
+// The unit's power coordinator. Host thread, while the platform is booted.
 class PowerCoordinator {
   public:
     explicit PowerCoordinator(EventHub& events) : events_(events) {}
     PowerCoordinator(const PowerCoordinator&) = delete;
     PowerCoordinator& operator=(const PowerCoordinator&) = delete;
 
-    // Opens the request's event, makes and keeps it where no application has, and raises it.
-    // ERROR_SUCCESS, or the error of the call that failed.
+    // Sets the request's event; creates and keeps the event if no application has. ERROR_SUCCESS,
+    // or the error of the call that failed.
     DWORD Raise(const PowerRequest& request);
-    // Closes the events that it made; to be called before the platform shuts down.
-    void LetGo();
+    // Closes the events that it created. Must be called before the platform shuts down.
+    void CloseEvents();
 
   private:
     EventHub& events_;
-    std::vector<HANDLE> made_;
+    std::vector<HANDLE> created_;
 };
 
 }  // namespace unit

@@ -10,7 +10,7 @@
 
 namespace unit {
 
-// Starts the program on a thread of the unit and sees to its end. Hardware's thread.
+// Runs the program on a thread of the unit. Host thread.
 class ProgramHost {
   public:
     using Entry = std::function<int()>;
@@ -19,20 +19,18 @@ class ProgramHost {
 
     bool started() const { return thread_ != nullptr; }
     bool running() const { return started() && !ended_; }
-    // What the program's entry returned, once it has ended.
+    // The program's result, after it ended.
     int exit_code() const { return exit_code_; }
 
-    // Closes the program's window in order, as a tap on its close button would; a program without
-    // a window is left alone.
+    // Closes the program's window as its close button does; nothing without a window.
     static void CloseWindow();
 
     // Any thread.
     static bool HasWindow();
-    // Whether the program is about to start, or has started and not come to its window, and has
-    // that name for its mutex. Any thread.
+    // True for the name of the program's mutex while the program has no window yet. Any thread.
     bool Starts(std::wstring_view name) const;
 
-    // Handles that the program means to keep until its process ends: the single-instance mutex.
+    // Handles that the program keeps until its process ends: the single-instance mutex.
     static std::size_t HandlesKept();
 
   private:

@@ -21,13 +21,13 @@ constexpr COLORREF kFace = RGB(48, 52, 58);
 constexpr COLORREF kStart = RGB(70, 140, 200);
 constexpr COLORREF kDigits = RGB(220, 224, 230);
 constexpr int kStartWidth = 18;
-// The clock's place from the right edge.
+// The clock's distance from the right edge.
 constexpr int kClockFromRight = 24;
 
 constexpr UINT_PTR kMinuteTimer = 1;
 
-// Figures of 3 by 5 pixels, as no font is small enough: a row is three bits, the left one highest.
-// Behind the nine stands the colon.
+// Figures of 3 by 5 pixels, because no font is small enough: three bits a row, the left one
+// highest. The colon follows the nine.
 constexpr std::array<std::array<unsigned, 5>, 11> kFigures = {{{7, 5, 5, 5, 7},
                                                                {2, 6, 2, 2, 7},
                                                                {7, 1, 7, 4, 7},
@@ -80,7 +80,7 @@ void Paint(HWND window) {
     EndPaint(window, &paint);
 }
 
-// The next full minute of the clock is a repaint.
+// Repaints at the clock's next full minute.
 void AwaitNextMinute(HWND window) {
     using namespace std::chrono;
     const auto since_minute = duration_cast<milliseconds>(platform::kernel::Now()) % 1min;

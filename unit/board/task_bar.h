@@ -2,8 +2,8 @@
 
 namespace unit {
 
-// The platform's task bar, an application of its own: a topmost window of class "HHTaskBar" along
-// the bottom edge, below the place of the wizard's buttons. Hardware's thread.
+// The task bar, an application of its own: a topmost window of class "HHTaskBar" along the bottom
+// edge, below the wizard's buttons. Host thread.
 void StartTaskBar();
 void CloseTaskBar();
 

@@ -74,7 +74,7 @@ VirtualUnit::~VirtualUnit() {
     window::End();
     platform::gdi::EndProgram();
     dvr_.reset();
-    power_coordinator_.LetGo();
+    power_coordinator_.CloseEvents();
     kernel::Shutdown();
 }
 
@@ -123,7 +123,7 @@ bool VirtualUnit::Close(std::chrono::seconds limit) {
     // An application that is still starting has no window to close yet: ask again.
     const bool all_ended = CloseUntil(
         CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale_);
-    power_coordinator_.LetGo();
+    power_coordinator_.CloseEvents();
     const std::pair<const char*, std::size_t> counts[] = {
         {"threads", kernel::ThreadCount()},
         {"handles", kernel::HandleCount() - ProgramHost::HandlesKept()},

@@ -27,6 +27,7 @@ namespace {
 
 // Poll interval for commands that take the unit some time, in the unit's time.
 constexpr auto kPollInterval = 10ms;
+// Of the host's time when the unit runs faster than the host.
 constexpr auto kAcknowledgementLimit = 2s;
 constexpr std::int64_t kNotReceived = -1;
 
@@ -111,7 +112,7 @@ void ControlServer::EndWhen(std::shared_ptr<Reply> reply,
     if (kernel::Now() >= deadline)
         return reply->End(Refused("no acknowledgement came within " +
                                   std::to_string(kAcknowledgementLimit.count()) +
-                                  " s of the unit's time"));
+                                  " s"));
     if (!reply->wanted())
         return;
     kernel::After(kPollInterval, [this, alive = alive_, reply = std::move(reply),
@@ -180,7 +181,7 @@ void ControlServer::RaiseRequest(const UnitTable::Row& row, const Job& job) {
             return Done(TraceTime(std::chrono::microseconds(*received)) + "  " + name +
                         " acknowledged");
         },
-        kernel::Now() + kAcknowledgementLimit);
+        kernel::Now() + kAcknowledgementLimit * operator_.unit().time_scale());
 }
 
 void ControlServer::StartHelp(const Job& job) {

@@ -9,8 +9,8 @@
 
 namespace unit {
 
-// "DVR1:", the stream driver that holds the DVR's reset wire: control code 0x0881 with the one byte
-// 2 resets it. Any thread; `reset` is called on the caller's.
+// "DVR1:", the stream driver of the DVR's reset wire: control code 0x0881 with the single byte 2
+// resets the DVR. Any thread; calls `reset` on the caller's.
 class DvrResetDriver final : public platform::device::StreamDriver {
   public:
     explicit DvrResetDriver(std::function<void()> reset) : reset_(std::move(reset)) {}

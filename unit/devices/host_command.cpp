@@ -18,10 +18,11 @@
 namespace unit {
 namespace {
 
-// Between the request to end and the end by force.
+// Time between SIGTERM and SIGKILL.
 constexpr int kGraceMilliseconds = 500;
 
-// How many of the two can be read from; -1 stands for none. A negative time has no end.
+// Returns how many of the two descriptors are readable; -1 means no descriptor. Waits without limit
+// for a negative time.
 int Wait(int first, int second, int milliseconds) {
     pollfd watched[] = {{first, POLLIN, 0}, {second, POLLIN, 0}};
     int count = -1;
@@ -45,11 +46,11 @@ std::string HowItEnded(int status) {
 }  // namespace
 
 HostCommand::HostCommand(std::string name, std::string command, Say say,
-                         std::chrono::milliseconds patience)
+                         std::chrono::milliseconds limit)
     : name_(std::move(name)),
       command_(std::move(command)),
       say_(std::move(say)),
-      patience_(patience),
+      limit_(limit),
       ending_event_(eventfd(0, EFD_CLOEXEC)),
       runner_([this] { RunUntilEnded(); }) {}
 
@@ -85,13 +86,13 @@ void HostCommand::RunUntilEnded() {
     }
 }
 
-// -1 with the error's number in errno.
+// Returns -1 with errno set on failure.
 pid_t HostCommand::Spawn() const {
     posix_spawn_file_actions_t files;
     posix_spawn_file_actions_init(&files);
     posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&files, STDERR_FILENO, STDOUT_FILENO);
-    // A group of its own, to be ended as a whole, and the signals as a shell expects them.
+    // Its own process group, so it can be ended as a whole, and no blocked signals.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
@@ -131,8 +132,8 @@ bool HostCommand::IsEnding() {
 }
 
 void HostCommand::AwaitEnd(pid_t shell, int watch) const {
-    if (Wait(watch, ending_event_, static_cast<int>(patience_.count())) == 0)
-        say_(name_ + " still runs after " + Seconds(patience_) + ": " + command_);
+    if (Wait(watch, ending_event_, static_cast<int>(limit_.count())) == 0)
+        say_(name_ + " still runs after " + Seconds(limit_) + ": " + command_);
     Wait(watch, ending_event_, -1);
     if (Wait(watch, -1, 0) != 0)
         return;

@@ -11,23 +11,23 @@
 
 namespace unit {
 
-// A command line of the host that can be started again and again. /bin/sh runs it in the
-// background, its output going to the standard error. One runs at a time: however often it is
-// started meanwhile, it is run once more afterwards. Any thread.
+// A command line of the host that can be started repeatedly. /bin/sh runs it in the background with
+// its output on the standard error. One runs at a time; all starts during a run cause one more run.
+// Any thread.
 class HostCommand {
   public:
     using Say = std::function<void(const std::string&)>;
 
-    // `say` takes one line, on a thread of its own, when a command fails or takes longer than
-    // `patience` of the host's time; it begins with `name`.
+    // `say` is given one line, which begins with `name`, when a command fails or takes longer than
+    // `limit` of the host's time. Called on a thread of its own.
     HostCommand(std::string name, std::string command, Say say,
-                std::chrono::milliseconds patience = std::chrono::seconds(10));
-    // Ends a command that still runs, and what it has started.
+                std::chrono::milliseconds limit = std::chrono::seconds(10));
+    // Ends a running command and the processes that it started.
     ~HostCommand();
     HostCommand(const HostCommand&) = delete;
     HostCommand& operator=(const HostCommand&) = delete;
 
-    // Never waits.
+    // Does not wait.
     void Start();
 
   private:
@@ -40,8 +40,8 @@ class HostCommand {
     const std::string name_;
     const std::string command_;
     const Say say_;
-    const std::chrono::milliseconds patience_;
-    // Readable once the destructor has begun.
+    const std::chrono::milliseconds limit_;
+    // Readable when the destructor has begun.
     const int ending_event_;
     std::mutex mutex_;
     std::condition_variable changed_;

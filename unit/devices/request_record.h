@@ -8,7 +8,7 @@
 
 namespace unit {
 
-// Reads the fixed record of a driver request: exactly its size, or ERROR_INVALID_PARAMETER.
+// Reads the record of a driver request; ERROR_INVALID_PARAMETER if the size differs.
 template <class Record>
 DWORD ReadRecord(std::span<const std::byte> input, Record& record) {
     if (input.size() != sizeof record)

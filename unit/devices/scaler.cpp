@@ -59,13 +59,13 @@ void Scaler::CountHandle(int change) {
 
 DWORD Scaler::Request(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                       DWORD& returned) {
-    // Every request but the window's answers with one word.
-    const std::size_t answer = code == kSetWindow ? 0 : sizeof(std::uint32_t);
+    // Every request except the window's has one word of output.
+    const std::size_t output_size = code == kSetWindow ? 0 : sizeof(std::uint32_t);
     {
         const std::scoped_lock lock(mutex_);
         const ScalerState before = state_;
         DWORD error = Apply(code, input);
-        if (error == ERROR_SUCCESS && output.size() != answer)
+        if (error == ERROR_SUCCESS && output.size() != output_size)
             error = ERROR_INVALID_PARAMETER;
         if (error != ERROR_SUCCESS) {
             state_ = before;

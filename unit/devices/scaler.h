@@ -11,7 +11,7 @@
 
 namespace unit {
 
-// The window request's record as it lies on the driver's interface.
+// The record of the window request.
 struct ScalerWindow {
     std::uint32_t word;
     std::uint16_t source_x, source_y, source_width, source_height;
@@ -22,11 +22,14 @@ struct ScalerWindow {
 };
 static_assert(sizeof(ScalerWindow) == 28);
 
+// The alpha at which the graphics plane is opaque.
+inline constexpr std::uint32_t kOpaqueAlpha = 63;
+
 // What the scaler shows: the graphics plane, and the video where the graphics has the key colour.
 struct ScalerState {
     int open_handles = 0;
     bool scaler_path = false;
-    std::uint32_t alpha = 63;
+    std::uint32_t alpha = kOpaqueAlpha;
     bool key_enabled = false;
     COLORREF key_color = 0;
     // 0 shows the composite video under the key, 1 the graphics alone.
@@ -40,7 +43,7 @@ struct ScalerState {
 class Scaler final : public platform::device::StreamDriver,
                      public std::enable_shared_from_this<Scaler> {
   public:
-    // `changed` is called after every request that may change the picture.
+    // Calls `changed` after each successful request.
     explicit Scaler(std::function<void()> changed) : changed_(std::move(changed)) {}
 
     DWORD Open(DWORD access, DWORD share_mode,
@@ -48,8 +51,8 @@ class Scaler final : public platform::device::StreamDriver,
 
     ScalerState state() const;
 
-    // One request as it comes through a handle; ERROR_NOT_SUPPORTED for an unknown code,
-    // ERROR_INVALID_PARAMETER for a record of another size.
+    // Executes one request; ERROR_NOT_SUPPORTED for an unknown code, ERROR_INVALID_PARAMETER for a
+    // record of another size. A refused request changes nothing.
     DWORD Request(DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
                   DWORD& returned);
     void CountHandle(int change);

@@ -6,8 +6,6 @@
 namespace unit {
 namespace {
 
-constexpr std::uint32_t kOpaque = 63;
-
 std::uint32_t PixelOf(COLORREF color) {
     return std::uint32_t{GetRValue(color)} << 16 | std::uint32_t{GetGValue(color)} << 8 |
            std::uint32_t{GetBValue(color)};
@@ -55,7 +53,7 @@ std::uint32_t Blend(std::uint32_t graphics, std::uint32_t video, std::uint32_t a
     for (const unsigned shift : {16U, 8U, 0U}) {
         const std::uint32_t upper = (graphics >> shift) & 0xFF;
         const std::uint32_t lower = (video >> shift) & 0xFF;
-        mixed |= (upper * alpha + lower * (kOpaque - alpha)) / kOpaque << shift;
+        mixed |= (upper * alpha + lower * (kOpaqueAlpha - alpha)) / kOpaqueAlpha << shift;
     }
     return mixed;
 }
@@ -69,7 +67,7 @@ Picture MixPlanes(const platform::gdi::Surface& graphics, const Picture& video,
     if (!scaler.VideoShows())
         return picture;
     const std::uint32_t key = PixelOf(scaler.key_color);
-    const bool blends = scaler.alpha < kOpaque;
+    const bool blends = scaler.alpha < kOpaqueAlpha;
     const PlacedVideo placed(video, scaler.window, picture.width);
     std::uint32_t* pixel = picture.pixels.data();
     for (int y = 0; y < picture.height; ++y) {
