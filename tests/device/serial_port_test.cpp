@@ -9,7 +9,7 @@
 namespace tests {
 namespace {
 
-// A line that hands bytes to the port at once.
+// A line that delivers bytes to the port at once.
 struct TestLine final : platform::device::SerialLine {
     DWORD Open(Receiver given) override {
         receiver = std::move(given);

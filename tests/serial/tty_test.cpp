@@ -66,9 +66,9 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
         ASSERT_EQ(chmod(path, mode), 0);
         const AsNobody nobody;
         Tty tty;
-        std::string told;
-        EXPECT_EQ(tty.Open(path, told), error);
-        EXPECT_EQ(told, problem);
+        std::string reported;
+        EXPECT_EQ(tty.Open(path, reported), error);
+        EXPECT_EQ(reported, problem);
     }
     // In the group according to the user database, but not in this log-in.
     ASSERT_EQ(chown(path, 0, own_group), 0);

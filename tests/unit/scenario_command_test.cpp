@@ -61,15 +61,15 @@ TEST_F(ScenarioCommand, ReportsFailuresInItsStatus) {
 
 TEST_F(ScenarioCommand, RepeatsASeedAndTheCommandLineSeedHasPriority) {
     const std::string file =
-        Write("walk.scenario",
+        Write("flow.scenario",
               "seed 9\nwait button 'Power On'\ntap 'Power On'\nwait button OK\ntap OK\n"
               "wait button Next\nexpect step result\n");
     std::string events[3];
     const char* const seeds[] = {"4", "4", "5"};
     for (int run = 0; run < 3; ++run) {
         ASSERT_EQ(Run({file, "--seed", seeds[run]}), 1) << Read("err");
-        events[run] = Read("left/walk/events.log");
-        EXPECT_TRUE(Has("left/walk/events.log", "frame      to unit  "));
+        events[run] = Read("left/flow/events.log");
+        EXPECT_TRUE(Has("left/flow/events.log", "frame      to unit  "));
     }
     EXPECT_EQ(events[0], events[1]);
     EXPECT_NE(events[0], events[2]);

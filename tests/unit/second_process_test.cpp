@@ -42,7 +42,7 @@ TEST_F(SecondProcess, BringsTheFirstForwardAndEndsWithStatusOne) {
         EXPECT_EQ(Read("second-out"), "");
     }
     // A unit with another name does not count.
-    EXPECT_EQ(End(StartAndWait("other-", {"--headless", "--unit", "bench-2"})), 0);
+    EXPECT_EQ(End(StartAndWait("other-", {"--headless", "--unit", "garage-2"})), 0);
     EXPECT_EQ(End(first), 0);
     EXPECT_EQ(Read("first-err"), "");
 }

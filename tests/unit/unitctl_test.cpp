@@ -41,6 +41,11 @@ TEST_F(Unitctl, ExecutesCommandsAndWatchesTheirEvents) {
         EXPECT_TRUE(WaitUntil([&] { return Ctl({"request", request}) == 0; })) << request;
         EXPECT_TRUE(Read("ctl-out").ends_with(std::string("  ") + request + " acknowledged\n"));
     }
+    // The window exists before its first painting.
+    ASSERT_TRUE(WaitUntil([&] {
+        Done({"texts"});
+        return Read("ctl-out").find("\nPower On\n") != std::string::npos;
+    }));
     fs::create_directory(Path("my card"));
     fs::current_path(Path(""));
     // A tap ends when the finger is up.
@@ -154,10 +159,10 @@ TEST_F(Unitctl, ReachesUnitsByNameAndReplacesAKilledUnit) {
     EXPECT_EQ(Error({"--unit", "other", "state"}, 3),
               "unitctl: no unit is running as 'other'; start one with: tolvane\n");
     const pid_t first = StartAndWait();
-    const pid_t second = StartAndWait("second-", {"--headless", "--unit", "bench-2"});
-    Done({"--unit", "bench-2", "power", "off"});
+    const pid_t second = StartAndWait("second-", {"--headless", "--unit", "garage-2"});
+    Done({"--unit", "garage-2", "power", "off"});
     EXPECT_EQ(State()["power"]["external"], true);
-    EXPECT_EQ(State({"--unit", "bench-2"})["power"]["external"], false);
+    EXPECT_EQ(State({"--unit", "garage-2"})["power"]["external"], false);
     End(first, SIGKILL);
     EXPECT_EQ(Error({"state"}, 3), "unitctl: no unit is running; start one with: tolvane\n");
     const pid_t third = StartAndWait("third-");

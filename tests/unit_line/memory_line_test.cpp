@@ -17,9 +17,10 @@ struct MemoryPort {
     }
 
     std::string received;
-    const std::shared_ptr<unit::MemoryLine> line = std::make_shared<unit::MemoryLine>(
-        460800,
-        [this](std::span<const std::uint8_t> bytes) { heard.append(bytes.begin(), bytes.end()); });
+    const std::shared_ptr<unit::MemoryLine> line =
+        std::make_shared<unit::MemoryLine>(460800, [this](std::span<const std::uint8_t> bytes) {
+            received.append(bytes.begin(), bytes.end());
+        });
 };
 
 TEST(MemoryLine, LosesBytesBeyondTheTransmitBuffer) {

@@ -23,7 +23,7 @@ namespace tests {
 constexpr std::pair<std::string_view, std::string_view> kNamedFrames[] = {
     {"PERCENT", "A5 5A 80 00 2E 00 01 39 01 E7"},
     {"CARD", "A5 5A 80 00 26 00 03 01 00 5A 02 03"},
-    {"CARD_ACK", "A5 5A 20 80 26 00 03 01 00 5A 02 23"},
+    {"ACK", "A5 5A 20 80 26 00 03 01 00 5A 02 23"},
 };
 
 inline std::string Replaced(std::string text, std::string_view from, std::string_view to) {

@@ -15,7 +15,7 @@ bool DebugLog::OpenFile(const std::string& path, std::string& problem) {
     return file_ != nullptr;
 }
 
-void DebugLog::Listen(Listener listener) {
+void DebugLog::AddListener(Listener listener) {
     const std::scoped_lock lock(mutex_);
     listeners_.push_back(std::move(listener));
 }

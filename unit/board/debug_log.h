@@ -20,7 +20,7 @@ class DebugLog {
     explicit DebugLog(Listener listener) { listeners_.push_back(std::move(listener)); }
 
     // Adds a listener for good. Before the program starts.
-    void Listen(Listener listener);
+    void AddListener(Listener listener);
 
     // False with one line in `problem` when the file cannot be written.
     bool OpenFile(const std::string& path, std::string& problem);

@@ -55,7 +55,7 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
         });
     faults_.SetDvr(dvr_->dvr());
     LoadDrivers(options);
-    log_.Listen([this](std::chrono::microseconds, const std::string& line) {
+    log_.AddListener([this](std::chrono::microseconds, const std::string& line) {
         events_.Publish(LineLogged{line});
     });
     window::ObserveBroadcasts([this](UINT message, WPARAM wparam, LPARAM lparam) {
