@@ -116,7 +116,7 @@ TEST_F(Commands, ListFaultsAsTheCommandsThatSetThem) {
 TEST_F(Commands, FaultsHaveALimit) {
     const std::pair<const char*, const char*> cases[] = {
         {"fault line drop bytes", "the line has 1000 faults already; no more are allowed"},
-        {"fault call CreateFileW", "1000 faults of calls wait already; no more are allowed"},
+        {"fault call CreateFileW", "1000 faults of calls are pending; no more are allowed"},
     };
     for (const auto& [line, problem] : cases) {
         for (int count = 0; count < 1000; ++count)
