@@ -58,6 +58,8 @@ constexpr char kChecks[] = R"(
 | `forget` | The conditions that follow ignore the events so far. |
 
 The poll interval for states is 5 ms of the unit's time, or of the host's if the unit runs faster.
+Limits are times of the unit; for a unit that runs N times as fast as the host they are N times as long,
+so that a busy host has the same time at any speed.
 )";
 
 constexpr char kExample[] = R"(

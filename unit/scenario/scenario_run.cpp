@@ -141,7 +141,7 @@ ScenarioRun::Verdict ScenarioRun::Proceed(const Check& check) {
         if (check.mode == Check::Mode::kWait && !check.condition->IsState())
             context_.next_wait[check.condition->kind] = progress_->next_event;
         return Verdict::kDone;
-    } else if (passed < check.time) {
+    } else if (passed < check.time * context_.op.unit().time_scale()) {
         return Verdict::kNotYet;
     } else if (check.time == kernel::Duration{}) {
         why_ = check.wanted ? "not true" : "true";
