@@ -11,6 +11,7 @@
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/text.h"
 #include "unit/line/frame_text.h"
+#include "unit/line/memory_line.h"
 
 namespace unit {
 namespace {
@@ -52,19 +53,16 @@ std::uint32_t ReadWord(WordReader& words) {
 constexpr std::string_view kDirections[] = {"to-unit", "to-dvr"};
 constexpr std::string_view kWire = "wire";
 
-microseconds WireTime(std::size_t index) {
-    constexpr std::size_t kBaudRate = 460'800;
-    const auto passed = [](std::size_t bytes) {
-        return (bytes * 10 * 1'000'000 + kBaudRate - 1) / kBaudRate;
-    };
-    return microseconds(passed(index + 1) - passed(1));
+// The time from a line's first byte to byte `index`, from 0, at the pace of the wire.
+microseconds AfterFirst(std::size_t index) {
+    return WireTime(static_cast<std::int64_t>(index) + 1, kDvrBaudRate) - WireTime(1, kDvrBaudRate);
 }
 
 bool HasWirePace(const LineBytes& line) {
     if (line.later.empty() || line.later.size() + 1 != line.bytes.size())
         return false;
     for (std::size_t index = 1; index < line.bytes.size(); ++index)
-        if (line.later[index - 1].after != WireTime(index))
+        if (line.later[index - 1].after != AfterFirst(index))
             return false;
     return true;
 }
@@ -115,7 +113,7 @@ LineBytes ReadLine(WordReader& words) {
         }
         const std::uint8_t byte = words.HexadecimalByte(wire || begins ? kByte : kByteOrGap);
         if (wire)
-            after = WireTime(line.bytes.size());
+            after = AfterFirst(line.bytes.size());
         if ((begins || wire) && !line.bytes.empty())
             line.later.push_back({line.bytes.size(), after});
         line.bytes.push_back(byte);
