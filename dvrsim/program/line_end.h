@@ -25,7 +25,7 @@ class LineEnd {
 
     // The path that the other end opens, or that of the device.
     virtual const std::string& path() const = 0;
-    // -1 while only PollInterval() is to be waited for.
+    // -1 while there is nothing to poll and only PollInterval() counts.
     virtual int descriptor() const = 0;
     // Host time after which HandleReady must be called in any case.
     virtual std::optional<std::chrono::milliseconds> PollInterval() const = 0;

@@ -28,7 +28,7 @@ TextFont::TextFont(const FontKey& key, const FontLibrary& library)
 }
 
 double TextFont::StretchedAdvance(double advance, bool japanese) const {
-    const double stretched = advance * Stretch(japanese);
+    const double stretched = advance * HorizontalScale(japanese);
     if (!japanese || advance == 0)
         return stretched;
     // Whole pixels, so that equal characters look equal.

@@ -43,8 +43,10 @@ class TextFont {
     const PangoFontDescription* description() const { return description_.get(); }
     // In pixels.
     double em_height() const { return em_height_; }
-    double em_width(bool japanese) const { return em_height_ * Stretch(japanese); }
-    double Stretch(bool japanese) const { return japanese ? japanese_stretch_ : latin_stretch_; }
+    double em_width(bool japanese) const { return em_height_ * HorizontalScale(japanese); }
+    double HorizontalScale(bool japanese) const {
+        return japanese ? japanese_stretch_ : latin_stretch_;
+    }
     // The stretched pixels from one character to the next.
     double StretchedAdvance(double advance, bool japanese) const;
 

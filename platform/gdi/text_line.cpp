@@ -70,7 +70,8 @@ GlyphRun PlaceGlyphs(const TextFont& font, PangoGlyphItem& item, double left) {
     for (PangoGlyphInfo& info :
          std::span(item.glyphs->glyphs, std::size_t(item.glyphs->num_glyphs))) {
         PangoGlyphGeometry& place = info.geometry;
-        const double offset = pango_units_to_double(place.x_offset) * font.Stretch(japanese);
+        const double offset =
+            pango_units_to_double(place.x_offset) * font.HorizontalScale(japanese);
         // A character that no font has is drawn as glyph 0, the font's missing character.
         const bool missing = (info.glyph & PANGO_GLYPH_UNKNOWN_FLAG) != 0;
         if (info.glyph != PANGO_GLYPH_EMPTY)
@@ -141,7 +142,7 @@ void Bolden(cairo_t* cairo, const TextFont& font) {
 
 void DrawRun(cairo_t* cairo, const TextFont& font, const GlyphRun& run) {
     const bool bolden = run.japanese && font.key().bold;
-    const double stretch = font.Stretch(run.japanese);
+    const double stretch = font.HorizontalScale(run.japanese);
     cairo_save(cairo);
     if (bolden)
         cairo_translate(cairo, font.em_width(true) * kBoldenSideways / 2, 0);

@@ -81,14 +81,20 @@ EVERY_MODE_TEST(Wait, CriticalSectionIsFreeAfterAsManyLeavesAsEnters) {
 
 EVERY_MODE_TEST(Wait, MutexIsAbandonedOnceByAThreadThatEnded) {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);
+    const HANDLE taken = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE tried = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     Crew owner([&] {
         for (int take = 0; take < 2; ++take)
             EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_OBJECT_0);
-        Sleep(20);
+        SetEvent(taken);
+        WaitForSingleObject(tried, INFINITE);
     });
-    Sleep(1);
+    WaitForSingleObject(taken, INFINITE);
     EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_TIMEOUT);
+    SetEvent(tried);
     owner.Join();
+    CloseHandle(taken);
+    CloseHandle(tried);
     EXPECT_EQ(WaitForSingleObject(mutex, INFINITE), WAIT_ABANDONED);
     EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0);
     CloseHandle(mutex);

@@ -169,7 +169,7 @@ TEST(PowerDetectorFailures, OfEveryWakeUpLeaveTheThreadsBehind) {
         detector.DeInit();
         EXPECT_LT(kernel::Now() - start, 5s);
         EXPECT_TRUE(detector.HasThread());
-        EXPECT_EQ(handles - kernel::HandleCount(), 2U) << "the notifications alone are stopped";
+        EXPECT_EQ(handles - kernel::HandleCount(), 1U) << "only the notifications are stopped";
         EXPECT_EQ(FailureLines(platform.board).size(), 2U);
         kernel::ClearCallFaults();
         detector.DeInit();

@@ -7,8 +7,8 @@
 
 namespace tests {
 
-// Reads cases from a file: the lines of an input, then a line "=> " with the expected result. A line
-// that begins with "## " is a comment.
+// Reads cases from a file: the lines of an input, then a line "=> " with the expected result. A
+// line that begins with "## " is a comment.
 inline std::vector<std::pair<std::string, std::string>> CasesFrom(const std::string& path) {
     std::vector<std::pair<std::string, std::string>> cases;
     std::ifstream file(path);

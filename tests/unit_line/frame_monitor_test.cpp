@@ -59,8 +59,7 @@ class Monitored {
     void Take(std::chrono::microseconds time, std::span<const std::uint8_t> bytes,
               Direction direction = kToUnit) {
         const std::string start = direction == kToUnit ? "to unit  " : "to DVR  ";
-        for (const unit::LineEntry& entry :
-             monitor_.Take(time, direction, bytes)) {
+        for (const unit::LineEntry& entry : monitor_.Take(time, direction, bytes)) {
             EXPECT_TRUE(entry.Text().starts_with(start)) << entry.Text();
             texts += (texts.empty() ? "" : "\n") + entry.Text().substr(start.size());
         }

@@ -15,6 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kUpdate[] = RECORDINGS "/update.recording";
+constexpr char kFreeScenario[] = RECORDINGS "/free.scenario";
 
 class Replays : public Process {
   protected:
@@ -141,8 +142,8 @@ TEST_F(Replays, ARecordingThatWasCutOffIsReplayedUpToThere) {
 // Recordings against the host's clock, over both kinds of line, through the command.
 TEST_F(Replays, FreeRunningRecordingsAreReproduced) {
     for (const char* line : {"sim", "pty"}) {
-        EXPECT_EQ(Run(TOLVANE_BINARY, {"--scenario", RECORDINGS "/free.scenario", "--com9", line,
-                                       "--record", Path(line)}),
+        EXPECT_EQ(Run(TOLVANE_BINARY,
+                      {"--scenario", kFreeScenario, "--com9", line, "--record", Path(line)}),
                   0)
             << Read("err");
         EXPECT_EQ(Run(TOLVANE_BINARY, {"--replay", Path(line)}), 0) << Read("err");

@@ -66,12 +66,12 @@ class WatchedDriver final : public StreamDriver {
 
 }  // namespace
 
-void DriverRegistry::Load(std::wstring name, std::shared_ptr<StreamDriver> driver) {
+void DriverRegistry::Load(const std::wstring& name, std::shared_ptr<StreamDriver> driver) {
     const std::scoped_lock lock(mutex_);
     drivers_[name] = std::make_shared<WatchedDriver>(events_, &faults_, name, std::move(driver));
 }
 
-void DriverRegistry::LoadSerial(std::wstring name, std::shared_ptr<StreamDriver> driver) {
+void DriverRegistry::LoadSerial(const std::wstring& name, std::shared_ptr<StreamDriver> driver) {
     const std::scoped_lock lock(mutex_);
     drivers_[name] = std::make_shared<WatchedDriver>(events_, nullptr, name, std::move(driver));
 }

@@ -24,9 +24,10 @@ class DriverRegistry {
 
     // A driver whose requests through DeviceIoControl are published and can be refused. Before the
     // program starts.
-    void Load(std::wstring name, std::shared_ptr<platform::device::StreamDriver> driver);
+    void Load(const std::wstring& name, std::shared_ptr<platform::device::StreamDriver> driver);
     // A driver of which only opening is published and can fail.
-    void LoadSerial(std::wstring name, std::shared_ptr<platform::device::StreamDriver> driver);
+    void LoadSerial(const std::wstring& name,
+                    std::shared_ptr<platform::device::StreamDriver> driver);
 
     // Null for a driver that is not loaded or is hidden by a fault.
     std::shared_ptr<platform::device::StreamDriver> Find(std::wstring_view name);

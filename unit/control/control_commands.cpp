@@ -111,8 +111,7 @@ void ControlServer::EndWhen(std::shared_ptr<Reply> reply,
         return reply->End(*outcome);
     if (kernel::Now() >= deadline)
         return reply->End(Refused("no acknowledgement came within " +
-                                  std::to_string(kAcknowledgementLimit.count()) +
-                                  " s"));
+                                  std::to_string(kAcknowledgementLimit.count()) + " s"));
     if (!reply->wanted())
         return;
     kernel::After(kPollInterval, [this, alive = alive_, reply = std::move(reply),

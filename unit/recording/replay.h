@@ -23,7 +23,7 @@ struct ReplayResult {
     // The graphics plane where a difference was found.
     std::optional<Picture> screen;
     std::vector<std::string> screen_texts;
-    // Remarks on the recording and the run, a line each.
+    // Notes on the recording and the run, a line each.
     std::vector<std::string> notes;
 };
 

@@ -27,8 +27,8 @@ struct Difference {
 // delayed, so it makes the same run without the jitter.
 struct Tolerance {
     // Two outputs of one kind that were recorded within this time of each other may change places,
-    // and a screen that was shown for no longer may be missing from the replay. Zero for a recording
-    // in simulated time.
+    // and a screen that was shown for no longer may be missing from the replay. Zero for a
+    // recording in simulated time.
     std::chrono::microseconds jitter{};
     // The longest time that the program may have spent on work that takes no time in a replay, or
     // waited for the host (visible where the recorder could not read the screen). A screen that was

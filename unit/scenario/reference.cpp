@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kIntroduction[] = R"(# Scenarios
 
-A scenario is a text file that says what is done to the unit and what must come of it, one command a
+A scenario is a text file that says what is done to the unit and what must happen, one command a
 line:
 
     tap "Power On"
@@ -69,12 +69,12 @@ The scenario that `tolvane --auto` runs, the whole update as a driver does it:
 
 )";
 
-// A cell of a table, in which | would separate columns.
-std::string Cell(std::string_view text) {
-    std::string cell;
+// The text of a table entry, in which | would separate columns.
+std::string Entry(std::string_view text) {
+    std::string entry;
     for (const char character : text)
-        cell += character == '|' ? "\\|" : std::string(1, character);
-    return cell;
+        entry += character == '|' ? "\\|" : std::string(1, character);
+    return entry;
 }
 
 class Tables {
@@ -102,13 +102,14 @@ class Tables {
     std::string Placeholders() const {
         std::string table = "\n| value | what it is |\n|---|---|\n";
         for (const std::string& name : placeholders_)
-            table += "| `" + name + "` | " + Cell(control::FindPlaceholder(name)->allowed) + " |\n";
+            table +=
+                "| `" + name + "` | " + Entry(control::FindPlaceholder(name)->allowed) + " |\n";
         return table;
     }
 
   private:
     void AddRow(std::string_view pattern, std::string_view help) {
-        text_ += "| `" + Cell(pattern) + "` | " + Cell(help) + " |\n";
+        text_ += "| `" + Entry(pattern) + "` | " + Entry(help) + " |\n";
         std::string word;
         for (const char character : std::string(pattern) + " ") {
             const auto letter = static_cast<unsigned char>(character);

@@ -30,14 +30,14 @@ SentScenarios::~SentScenarios() {
 void SentScenarios::Run(const SentScenario& sent) {
     if (run_)
         return sent.reply->End(Refused("the unit already runs the scenario " +
-                                        run_->scenario().name + "; allowed is one at a time"));
+                                       run_->scenario().name + "; allowed is one at a time"));
     std::vector<std::string> problems;
     auto scenario = ReadScenario(sent.text, sent.file.empty() ? "scenario" : sent.file, problems);
     if (!scenario)
         return sent.reply->End(Refused(Joined(problems)));
     if (!scenario->first_setting.empty())
         return sent.reply->End(Refused(scenario->first_setting +
-                                        ": applies when a unit starts, and this one runs already"));
+                                       ": applies when a unit starts, and this one runs already"));
     reply_ = sent.reply;
     RunOptions options = options_;
     const auto print = [reply = reply_](const std::string& line) { reply->Line(line); };
@@ -59,9 +59,8 @@ void SentScenarios::Poll() {
 void SentScenarios::End() {
     char time[32];
     std::snprintf(time, sizeof time, "%.1f s", static_cast<double>(run_->duration().count()) / 1e6);
-    reply_->End(run_->passed()
-                     ? Done(run_->scenario().name + ": passed, " + time + " of unit time")
-                     : Refused(run_->problem()));
+    reply_->End(run_->passed() ? Done(run_->scenario().name + ": passed, " + time + " of unit time")
+                               : Refused(run_->problem()));
     run_.reset();
     reply_.reset();
 }

@@ -46,8 +46,8 @@ void History::File(const TimedEvent& event) {
         FileFrame(*entry);
     } else if (std::holds_alternative<FaultApplied>(event.event)) {
         log_.Add({event.time, EventLine(event.event)});
-    } else if (const auto* told = std::get_if<OperatorMessage>(&event.event)) {
-        message_ = told->line;
+    } else if (const auto* message = std::get_if<OperatorMessage>(&event.event)) {
+        message_ = message->line;
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {
         card_folder_ = card->in ? card->folder : std::string();
     } else if (const auto* request = std::get_if<PowerRequested>(&event.event)) {

@@ -21,8 +21,8 @@ constexpr const char* kAdvice[] = {
 };
 
 const char* AdviceFor(int step) {
-    const auto index = static_cast<std::size_t>(step + 1);
-    return index < std::size(kAdvice) ? kAdvice[index] : "";
+    const int index = step + 1;
+    return index >= 0 && index < std::ssize(kAdvice) ? kAdvice[index] : "";
 }
 
 // The battery flags of SYSTEM_POWER_STATUS_EX2.
