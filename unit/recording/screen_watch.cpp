@@ -1,5 +1,7 @@
 #include "unit/recording/screen_watch.h"
 
+#include <utility>
+
 #include "platform/kernel/text.h"
 #include "unit/board/virtual_unit.h"
 
