@@ -14,14 +14,17 @@ namespace {
 // The n-th allocation from now on that may fail does fail; 0: none.
 std::size_t g_failing_allocation = 0;
 
+bool AllocationFails() {
+    return g_failing_allocation != 0 && --g_failing_allocation == 0;
+}
+
 }  // namespace
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return g_failing_allocation != 0 && --g_failing_allocation == 0 ? nullptr
-                                                                    : ::operator new(size);
+    return AllocationFails() ? nullptr : ::operator new(size);
 }
-void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
-    return ::operator new(size, tag);
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return AllocationFails() ? nullptr : ::operator new[](size);
 }
 
 namespace tests {
