@@ -52,11 +52,11 @@ class OutsideDvr : public tests::UnitProcess {
 
 TEST_F(OutsideDvr, IsUpdatedWithItsResetAsACommand) {
     const std::string link = Path("line");
-    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", "8"}, "dvr-");
+    const pid_t dvr = Start(DVRSIM_BINARY, {"--link", link, "--speed", FREE_SPEED}, "dvr-");
     ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(link); }));
     Command("update-time 6s");
     const pid_t wizard =
-        Start(TOLVANE_BINARY, {"--auto", "--speed", "8", "--com9", link, "--reset-command",
+        Start(TOLVANE_BINARY, {"--auto", "--speed", FREE_SPEED, "--com9", link, "--reset-command",
                                std::string(DVRSIM_BINARY) + " --send reset && echo reset >&2"});
     // The test is the operator at the DVR.
     const std::string put = "tolvane: Put the SD card with the update image into the DVR.\n";

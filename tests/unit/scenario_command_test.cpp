@@ -77,7 +77,7 @@ TEST_F(ScenarioCommand, RepeatsASeedAndTheCommandLineSeedHasPriority) {
 
 // The line has faults and a plug over a pseudo-terminal too.
 TEST_F(ScenarioCommand, FreeRunningOverAnyLine) {
-    const std::string file = Write("free.scenario", R"(time free-running speed 10
+    const std::string file = Write("free.scenario", "time free-running speed " FREE_SPEED R"(
 fault line split 1ms frames
 fault line delay 20ms StorageCardStatus acknowledgements
 wait button 'Power On' within 5min
