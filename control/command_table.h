@@ -15,13 +15,20 @@ namespace control {
 // The result of a command.
 struct Outcome {
     bool done;
-    std::string text;  // the output of a command that was done, or the problem in one line
+    std::string text;      // the output of a command that was done, or the problem
+    bool misused = false;  // the words are no command, so nothing was tried
+    // For a command that ends later: gives its outcome once it has ended. Not waited for where no
+    // reply is expected.
+    std::function<std::optional<Outcome>()> later = {};
 };
 inline Outcome Done(std::string text = {}) {
     return {true, std::move(text)};
 }
 inline Outcome Refused(std::string problem) {
     return {false, std::move(problem)};
+}
+inline Outcome Misused(std::string problem) {
+    return {false, std::move(problem), true};
 }
 
 // The commands that a Target can execute. Reading a line needs no target, so a whole file can be
@@ -70,13 +77,13 @@ class CommandTable {
         std::string problem;
         const auto words = SplitWords(line, problem);
         if (!words)
-            return Refused(problem);
+            return Misused(problem);
         if (words->empty())
             return Done();
         auto command = Read(*words, problem);
         if (command && !folder.empty())
             command->values.ResolvePaths(folder);
-        return command ? command->Execute(target) : Refused(problem);
+        return command ? command->Execute(target) : Misused(problem);
     }
 
     const std::vector<Row>& rows() const { return rows_; }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <stdexcept>
 
 #include "control/words.h"
@@ -11,20 +12,35 @@ namespace control {
 // The state of one match of words against patterns.
 struct Grammar::Reading {
     std::span<const std::string> words;
-    Values values;
-    // The first word that no pattern accepts, and the tokens that were expected there.
+    Values values{};
+    // The first word that no pattern accepts.
     std::size_t furthest = 0;
-    std::vector<const Token*> expected;
+    // The tokens that were expected in the place of each word.
+    std::map<std::size_t, std::vector<const Token*>> expected{};
 
-    void Reach(std::size_t word) {
-        if (word > furthest)
-            expected.clear();
-        furthest = std::max(furthest, word);
-    }
+    void Reach(std::size_t word) { furthest = std::max(furthest, word); }
     void Expect(std::size_t word, const Token& token) {
         Reach(word);
-        if (word == furthest)
-            expected.push_back(&token);
+        expected[word].push_back(&token);
+    }
+
+    // The plain words that were expected in the place of that word.
+    std::vector<std::string_view> PlainWords(std::size_t word) const {
+        std::vector<std::string_view> plain;
+        if (const auto tokens = expected.find(word); tokens != expected.end())
+            for (const Token* token : tokens->second)
+                plain.insert(plain.end(), token->words.begin(), token->words.end());
+        return plain;
+    }
+    // An earlier word that a placeholder accepted can be a misspelt plain word.
+    std::size_t WrongWord() const {
+        for (std::size_t word = 0; word < std::min(furthest, words.size()); ++word) {
+            const auto plain = PlainWords(word);
+            if (std::ranges::find(plain, words[word]) == plain.end() &&
+                !ClosestWord(words[word], plain).empty())
+                return word;
+        }
+        return furthest;
     }
 };
 
@@ -143,17 +159,17 @@ bool Grammar::MatchTokens(const Tokens& tokens, std::size_t token, std::size_t w
 
 std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
                                             std::string& problem) const {
-    Reading reading{words, {}, 0, {}};
+    Reading reading{words};
     for (std::size_t pattern = 0; pattern < patterns_.size(); ++pattern) {
         reading.values = {};
         if (MatchTokens(patterns_[pattern], 0, 0, reading))
             return Match{pattern, std::move(reading.values)};
     }
-    const std::vector<std::string> read(
-        words.begin(),
-        words.begin() + static_cast<std::ptrdiff_t>(std::min(reading.furthest, words.size())));
+    const std::size_t wrong = std::min(reading.WrongWord(), words.size());
+    const std::vector<std::string> read(words.begin(),
+                                        words.begin() + static_cast<std::ptrdiff_t>(wrong));
     std::vector<std::string> allowed;
-    for (const Token* token : reading.expected) {
+    for (const Token* token : reading.expected[wrong]) {
         if (token->kind == Token::Kind::kWords)
             allowed.insert(allowed.end(), token->words.begin(), token->words.end());
         else
@@ -162,25 +178,24 @@ std::optional<Grammar::Match> Grammar::Read(std::span<const std::string> words,
     }
     const std::string after = read.empty() ? "" : " after '" + JoinWords(read) + "'";
     const std::string list = Listed(Unique(std::move(allowed)));
-    if (reading.furthest >= words.size())
+    if (wrong == words.size())
         problem = "something is missing" + after + "; allowed is " + list;
-    else if (reading.expected.empty())
-        problem = "'" + words[reading.furthest] + "' is not expected" + after;
+    else if (list.empty())
+        problem = "'" + words[wrong] + "' is not expected" + after;
     else
-        problem =
-            "'" + words[reading.furthest] + "' is not allowed" + after + "; allowed is " + list;
+        problem = "'" + words[wrong] + "' is not allowed" + after + "; allowed is " + list +
+                  Suggestion(words[wrong], reading.PlainWords(wrong));
     return std::nullopt;
 }
 
 std::vector<std::string> Grammar::NextWords(std::span<const std::string> words) const {
     std::vector<std::string> next;
     for (const Tokens& tokens : patterns_) {
-        Reading reading{words, {}, 0, {}};
+        Reading reading{words};
         MatchTokens(tokens, 0, 0, reading);
-        if (reading.furthest != words.size())
-            continue;
-        for (const Token* token : reading.expected)
-            next.insert(next.end(), token->words.begin(), token->words.end());
+        if (reading.furthest == words.size())
+            for (const std::string_view word : reading.PlainWords(words.size()))
+                next.emplace_back(word);
     }
     return Unique(std::move(next));
 }

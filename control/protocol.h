@@ -18,7 +18,9 @@ namespace control {
 //     |TEXT      a line of the reply
 //     !NUMBER    that many lines were dropped here, because the client was slow to read
 //     +          done
-//     -PROBLEM   refused, and why
+//     ~LINE      a line of the problem; more of it follows
+//     -PROBLEM   refused, and the last line of why
+//     ?PROBLEM   no command; what is wrong with its words, and what is allowed
 struct Request {
     std::string line;
     std::string text = {};    // each line ends with \n
@@ -29,7 +31,9 @@ inline constexpr char kFolderMark = '@';
 inline constexpr char kTextMark = '|';
 inline constexpr char kLostMark = '!';
 inline constexpr char kDoneMark = '+';
+inline constexpr char kProblemMark = '~';
 inline constexpr char kRefusedMark = '-';
+inline constexpr char kMisusedMark = '?';
 
 inline constexpr std::size_t kMaxLine = std::size_t{64} * 1024;
 inline constexpr std::size_t kMaxText = std::size_t{1024} * 1024;

@@ -9,8 +9,10 @@
 #include <cerrno>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 #include "control/local_socket.h"
+#include "control/terminal.h"
 
 namespace control {
 namespace {
@@ -111,8 +113,13 @@ SocketClient::ReplyPart SocketClient::Receive(Limit limit) {
                     return {ReplyPart::Kind::kLost, text};
                 case kDoneMark:
                     return {ReplyPart::Kind::kDone, text};
+                case kProblemMark:
+                    problem_ += text + '\n';
+                    continue;
                 case kRefusedMark:
-                    return {ReplyPart::Kind::kRefused, text};
+                    return {ReplyPart::Kind::kRefused, std::exchange(problem_, {}) + text};
+                case kMisusedMark:
+                    return {ReplyPart::Kind::kMisused, std::exchange(problem_, {}) + text};
                 default:
                     return {ReplyPart::Kind::kGone, "the reply is malformed"};
             }
@@ -130,30 +137,36 @@ SocketClient::ReplyPart SocketClient::Receive(Limit limit) {
 }
 
 ExitStatus PrintReply(SocketClient& client, const Request& request, const char* program,
-                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors) {
+                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors,
+                      const std::function<std::string(const std::string&)>& paint) {
     client.Send(request, limit);
     for (;;) {
-        ReplyPart reply = client.Receive(limit);
+        const ReplyPart reply = client.Receive(limit);
         // Replies can contain text from a DVR, which must not control the terminal.
-        reply.text = PlainText(reply.text);
+        std::string text;
+        ForEachLine(reply.text, [&](std::string_view line) {
+            text += (text.empty() ? "" : "\n") + PlainText(line);
+        });
         switch (reply.kind) {
             case ReplyPart::Kind::kLine:
-                std::fprintf(out, "%s\n", reply.text.c_str());
+                std::fprintf(out, "%s\n", (paint ? paint(text) : text).c_str());
                 std::fflush(out);
-                break;
+                continue;
             case ReplyPart::Kind::kLost:
-                std::fprintf(errors, "%s: %s lines lost\n", program, reply.text.c_str());
-                break;
+                PrintError(program, text + " lines lost", errors);
+                continue;
             case ReplyPart::Kind::kDone:
                 return kExitDone;
             case ReplyPart::Kind::kRefused:
-                std::fprintf(errors, "%s: %s\n", program, reply.text.c_str());
-                return kExitRefused;
+            case ReplyPart::Kind::kMisused:
             case ReplyPart::Kind::kGone:
             case ReplyPart::Kind::kLate:
-                std::fprintf(errors, "%s: %s\n", program, reply.text.c_str());
-                return kExitNotRunning;
+                break;
         }
+        PrintError(program, text, errors);
+        return reply.kind == ReplyPart::Kind::kRefused   ? kExitRefused
+               : reply.kind == ReplyPart::Kind::kMisused ? kExitWrongUsage
+                                                         : kExitNotRunning;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,7 +25,8 @@ class SocketClient {
             kLine,
             kLost,  // `text` is the number of lines
             kDone,
-            kRefused,  // `text` is the problem
+            kRefused,  // `text` is the problem, of one or more lines
+            kMisused,  // the words are no command; `text` is the problem
             kGone,     // the server hung up or broke the protocol
             kLate,     // nothing was received within the limit
         };
@@ -50,11 +52,14 @@ class SocketClient {
 
     Descriptor socket_;
     std::string input_;
+    std::string problem_;  // the lines so far
 };
 
 // Sends the request and prints the reply: its lines to `out`, problems to `errors` in lines that
-// begin with `program`. Waits up to `limit` for each line. Returns the program's exit status.
+// begin with `program`. Waits up to `limit` for each line. `paint`, if any, gives lines their
+// colours. Returns the program's exit status.
 ExitStatus PrintReply(SocketClient& client, const Request& request, const char* program,
-                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors);
+                      SocketClient::Limit limit, std::FILE* out, std::FILE* errors,
+                      const std::function<std::string(const std::string& line)>& paint = {});
 
 }  // namespace control

@@ -21,6 +21,22 @@ Descriptor MakeSpare() {
     return Descriptor(open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
+// Every line but the last says that more follows.
+std::string ProblemLines(const Outcome& outcome) {
+    std::string lines;
+    std::size_t last = 0;
+    ForEachLine(outcome.text, [&](std::string_view line) {
+        last = lines.size();
+        lines += kProblemMark;
+        lines += line;
+        lines += '\n';
+    });
+    if (lines.empty())
+        lines = std::string(1, kProblemMark) + '\n';
+    lines[last] = outcome.misused ? kMisusedMark : kRefusedMark;
+    return lines;
+}
+
 }  // namespace
 
 SocketServer::SocketServer(SocketClaim claim, Handlers handlers)
@@ -169,9 +185,7 @@ void SocketServer::SendOutcome(ClientId id, const Outcome& outcome) {
     if (outcome.done)
         ForEachLine(outcome.text, [&](std::string_view line) { Append(*client, line); });
     ReportLost(*client);
-    std::string last = outcome.done ? std::string(1, kDoneMark) : kRefusedMark + outcome.text;
-    std::ranges::replace(last, '\n', ' ');
-    client->output += last + '\n';
+    client->output += outcome.done ? kDoneMark + std::string("\n") : ProblemLines(outcome);
     client->replying = false;
     Watch(id, *client);
 }

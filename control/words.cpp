@@ -1,6 +1,7 @@
 #include "control/words.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -119,6 +120,31 @@ int HexDigit(char character) {
     return static_cast<int>(at < 16 ? at : at - 6);
 }
 
+// The smallest number of bytes to add, remove, replace or swap with the next one that turns one
+// word into the other; the case of letters does not count.
+std::size_t ChangesBetween(std::string_view one, std::string_view other) {
+    const auto same = [&](std::size_t at, std::size_t of_other) {
+        return std::tolower(static_cast<unsigned char>(one[at])) ==
+               std::tolower(static_cast<unsigned char>(other[of_other]));
+    };
+    // Row `at` has the changes from the first `at` bytes of `one` to each beginning of `other`.
+    std::vector<std::vector<std::size_t>> rows(one.size() + 1,
+                                               std::vector<std::size_t>(other.size() + 1));
+    for (std::size_t at = 0; at <= one.size(); ++at) {
+        for (std::size_t to = 0; to <= other.size(); ++to) {
+            std::size_t& changes = rows[at][to];
+            changes = at == 0 ? to : to == 0 ? at : rows[at - 1][to - 1] + !same(at - 1, to - 1);
+            if (at > 0)
+                changes = std::min(changes, rows[at - 1][to] + 1);
+            if (to > 0)
+                changes = std::min(changes, rows[at][to - 1] + 1);
+            if (at > 1 && to > 1 && same(at - 1, to - 2) && same(at - 2, to - 1))
+                changes = std::min(changes, rows[at - 2][to - 2] + 1);
+        }
+    }
+    return rows[one.size()][other.size()];
+}
+
 }  // namespace
 
 std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::string& problem) {
@@ -158,6 +184,30 @@ std::string JoinWords(const std::vector<std::string>& words) {
     for (const std::string& word : words)
         line += (line.empty() ? "" : " ") + QuoteWord(word);
     return line;
+}
+
+std::string_view ClosestWord(std::string_view word,
+                             const std::vector<std::string_view>& candidates) {
+    std::string_view closest;
+    // Short words differ from each other by less than a typing error.
+    std::size_t least = std::min<std::size_t>(word.size() / 3, 2) + 1;
+    for (const std::string_view candidate : candidates) {
+        // Each byte more is a change. A word can be as long as a whole file: it is not compared.
+        const auto [shorter, longer] = std::minmax({word.size(), candidate.size()});
+        if (longer - shorter >= least)
+            continue;
+        const std::size_t changes = ChangesBetween(word, candidate);
+        if (changes > 0 && changes < least) {
+            least = changes;
+            closest = candidate;
+        }
+    }
+    return closest;
+}
+
+std::string Suggestion(std::string_view word, const std::vector<std::string_view>& candidates) {
+    const std::string_view closest = ClosestWord(word, candidates);
+    return closest.empty() ? "" : "; did you mean " + QuoteWord(closest) + "?";
 }
 
 std::string OneLine(std::string text) {

@@ -20,6 +20,12 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::s
 std::string QuoteWord(std::string_view word);
 std::string JoinWords(const std::vector<std::string>& words);
 
+// The candidate that the word is most likely a misspelling of; empty if none is close.
+std::string_view ClosestWord(std::string_view word,
+                             const std::vector<std::string_view>& candidates);
+// "; did you mean checksum?", or an empty text.
+std::string Suggestion(std::string_view word, const std::vector<std::string_view>& candidates);
+
 // Replaces line ends by spaces and removes those at the end.
 std::string OneLine(std::string text);
 

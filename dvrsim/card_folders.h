@@ -19,11 +19,13 @@ class TemporaryCard {
     TemporaryCard(const TemporaryCard&) = delete;
     TemporaryCard& operator=(const TemporaryCard&) = delete;
 
-    // Empty if the host could not create it, or if the version does not fit an image.
+    // Empty if it could not be made; `problem` says why, in one line.
     const std::string& path() const { return path_; }
+    const std::string& problem() const { return problem_; }
 
   private:
     std::string path_;
+    std::string problem_;
 };
 
 // The cards that can be put into a DVR, as folders of the host. Removes those that it created.
@@ -36,26 +38,17 @@ class CardFolders {
 
     // Bounds the folders on the host.
     static constexpr std::size_t kMaxMade = 100;
-    static constexpr char kNoSuchCard[] =
-        "the card cannot be made; allowed are versions of 17 to 63 characters without spaces, "
-        "such as 14.09.01.V1.02.03, 100 of them in all, if the host has room";
 
     // Returns the folder of a card whose update image has that version, or of a card without an
-    // image; creates it at the first call. Empty if that fails (TemporaryCard) or at kMaxMade.
-    const std::string& Make(const std::optional<std::string>& image_version) {
-        static const std::string none;
-        if (made_.size() == kMaxMade && !made_.contains(image_version))
-            return none;
-        const auto card = made_.try_emplace(image_version, image_version).first;
-        if (!card->second.path().empty())
-            return card->second.path();
-        made_.erase(card);
-        return none;
-    }
+    // image; creates it at the first call. Empty if that fails.
+    const std::string& Make(const std::optional<std::string>& image_version);
+    // Why the last card could not be made, in one line.
+    const std::string& problem() const { return problem_; }
 
   private:
     const std::string image_card_;
     std::map<std::optional<std::string>, TemporaryCard> made_;
+    std::string problem_;
 };
 
 }  // namespace dvrsim

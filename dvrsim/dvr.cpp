@@ -44,6 +44,8 @@ void Dvr::SetFirmwareVersion(const std::string& version) {
 void Dvr::SetFaults(const Faults& faults) {
     const bool other_interval = faults.card_report_interval != faults_.card_report_interval;
     faults_ = faults;
+    if (hangs_ && state_ == State::kUpdating && !PercentReached(faults_.stop_at_percent))
+        ContinueUpdate();
     if (other_interval && settled_card_)
         ScheduleCardRepeat();
 }
@@ -55,6 +57,7 @@ void Dvr::Halt() {
     mode_ = Mode::kVideo;
     percent_ = 0;
     jumped_back_ = false;
+    hangs_ = false;
     settled_card_.reset();
     record_wanted_ = true;
     recorded_seconds_ = 0;

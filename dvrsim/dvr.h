@@ -59,6 +59,7 @@ class Dvr {
     // is too long for a frame.
     void Indicate(std::uint16_t code, std::span<const std::uint8_t> payload);
 
+    // An update that hangs continues when the new faults no longer stop it.
     void SetFaults(const Faults& faults);
     const Faults& GetFaults() const { return faults_; }
     // Affects delays that start from now on, including that before an update's next report.
@@ -96,6 +97,8 @@ class Dvr {
     void StartUpdate(std::string image_version);
     void BeginReports();
     void ReportNextPercent();
+    // After a report, or when the fault ends that made the update hang.
+    void ContinueUpdate();
     bool TriggersFaultAtPercent();
     bool PercentReached(const std::optional<std::uint8_t>& percent) const;
     std::uint8_t NextPercent();
@@ -151,6 +154,7 @@ class Dvr {
     std::string image_version_;
     std::uint8_t percent_ = 0;
     bool jumped_back_ = false;
+    bool hangs_ = false;
     bool processor_up_ = false;
     std::optional<CardStatus> settled_card_;  // empty until the card driver is up
     std::uint64_t card_settle_key_ = 0;

@@ -167,6 +167,7 @@ void Dvr::ExecuteOrder(Command command, std::span<const std::uint8_t> payload) {
 void Dvr::Reboot() {
     // Ends a boot or an update.
     actions_.CancelAll();
+    hangs_ = false;
     pending_requests_ = 0;
     SetRunningState(RunningState::kRebooting);
     Later(timings_.reboot, &Dvr::Reset);

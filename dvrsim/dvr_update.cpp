@@ -24,6 +24,10 @@ void Dvr::ReportNextPercent() {
         return;
     percent_ = NextPercent();
     SendPercent();
+    ContinueUpdate();
+}
+
+void Dvr::ContinueUpdate() {
     if (TriggersFaultAtPercent())
         return;
     if (percent_ == 100 && !faults_.stuck_at_percent) {
@@ -38,7 +42,8 @@ void Dvr::ReportNextPercent() {
 }
 
 bool Dvr::TriggersFaultAtPercent() {
-    if (PercentReached(faults_.stop_at_percent))
+    hangs_ = PercentReached(faults_.stop_at_percent);
+    if (hangs_)
         return true;
     if (PercentReached(faults_.fail_at_percent)) {
         state_ = State::kUpdateFailed;

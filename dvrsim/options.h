@@ -61,7 +61,7 @@ struct Faults {
     // Replaces the image's version in the percent reports; 0 to 63 bytes.
     std::optional<std::string> reported_image_version{};
 
-    // Updates hang after this percent.
+    // Updates hang after this percent, and continue when this is cleared.
     std::optional<std::uint8_t> stop_at_percent{};
     // Updates repeat this percent for ever.
     std::optional<std::uint8_t> stuck_at_percent{};

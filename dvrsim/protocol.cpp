@@ -65,6 +65,10 @@ std::string_view CommandName(std::uint16_t code) {
     return NameOf(static_cast<Command>(number));
 }
 
+std::span<const std::string_view> CommandNames() {
+    return kNames;
+}
+
 std::optional<Command> CommandNamed(std::string_view name) {
     const auto* found =
         std::ranges::find_if(kNames, [&](std::string_view row) { return SameLetters(row, name); });

@@ -74,6 +74,7 @@ std::string_view CommandName(std::uint16_t code);
 
 // The command of that name; ignores case.
 std::optional<Command> CommandNamed(std::string_view name);
+std::span<const std::string_view> CommandNames();
 
 // The words for the values in commands and in the state, in numerical order from 0.
 inline constexpr std::string_view kRunningStateNames[] = {"initializing", "init-ok", "normal",

@@ -1,6 +1,8 @@
 #include "dvrsim/storage_card.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <system_error>
 
@@ -46,14 +48,17 @@ std::optional<std::string> ReadImageVersion(const std::filesystem::path& folder)
     return std::nullopt;
 }
 
-bool WriteImage(const std::filesystem::path& folder, std::string_view version,
-                std::string_view name) {
+std::string WriteImage(const std::filesystem::path& folder, std::string_view version,
+                       std::string_view name) {
     if (!IsVersion(version))
-        return false;
+        return "'" + std::string(version) +
+               "' is no version of an update image; allowed are 17 to 63 characters without "
+               "spaces, such as 14.09.01.V1.02.03";
+    errno = 0;
     std::ofstream stream(folder / name, std::ios::binary | std::ios::trunc);
     stream << kMagic << version << '\n' << std::string(kFirmwareBytes, '\xFF');
     stream.close();
-    return !stream.fail();
+    return stream ? "" : (folder / name).string() + ": " + std::strerror(errno);
 }
 
 }  // namespace dvrsim

@@ -20,10 +20,10 @@ inline constexpr std::string_view kImageNames[] = {"gp_cardvr_upgrade.bin", "gp_
 // not a valid image.
 std::optional<std::string> ReadImageVersion(const std::filesystem::path& folder);
 
-// Creates an image and replaces one of the same name. Returns false if the version does not fit the
-// format or the file cannot be written.
-bool WriteImage(const std::filesystem::path& folder, std::string_view version,
-                std::string_view name = kImageNames[0]);
+// Creates an image and replaces one of the same name. Returns the problem in one line, or an empty
+// text.
+std::string WriteImage(const std::filesystem::path& folder, std::string_view version,
+                       std::string_view name = kImageNames[0]);
 
 // The DVR's card slot: empty, or with a folder of the host as the content of the card.
 class StorageCard {

@@ -58,13 +58,7 @@ control::Outcome ReadCommand(const std::string& line) {
     return command ? control::Done(std::string(command->row->help)) : control::Refused(problem);
 }
 
-class Server {
-  public:
-    SocketServer& get() { return server_; }
-    std::size_t requests = 0;
-    std::size_t left = 0;
-
-  private:
+struct Server {
     void Handle(SocketServer::ClientId client, const control::Request& request) {
         ++requests;
         Check(control::IsPlainText(request.line) && control::IsPlainText(request.folder),
@@ -72,15 +66,15 @@ class Server {
         Check(request.line.size() <= control::kMaxLine && request.text.size() <= control::kMaxText,
               "a request has its limits");
         const control::Outcome outcome = ReadCommand(request.line);
-        server_.SendLine(client, request.text);
-        server_.SendOutcome(client, outcome);
+        socket.SendLine(client, request.text);
+        socket.SendOutcome(client, outcome);
     }
 
-    SocketServer server_{Claim(kServed),
-                         {[this](SocketServer::ClientId id, const control::Request& request) {
-                              Handle(id, request);
-                          },
-                          [this](SocketServer::ClientId) { ++left; }}};
+    std::size_t requests = 0;
+    std::size_t left = 0;
+    SocketServer socket{Claim(kServed),
+                        {[this](auto client, const auto& request) { Handle(client, request); },
+                         [this](auto) { ++left; }}};
 };
 
 // Lets the server handle what was sent, and adds its output.
@@ -124,14 +118,14 @@ void SendToServer(std::string_view bytes, std::size_t chunk) {
             if (sent <= 0)
                 break;
             bytes.remove_prefix(static_cast<std::size_t>(sent));
-            Receive(server.get(), socket, output);
+            Receive(server.socket, socket, output);
         }
         shutdown(socket, SHUT_WR);
-        Receive(server.get(), socket, output);
-        Receive(server.get(), socket, output);
+        Receive(server.socket, socket, output);
+        Receive(server.socket, socket, output);
     }
     for (int turn = 0; turn < 4 && server.left == 0; ++turn)
-        server.get().HandleReady();
+        server.socket.HandleReady();
     Check(server.left == 1, "a client that has left is forgotten");
     CheckReplies(output, server.requests);
 }
@@ -153,9 +147,8 @@ void SendToClient(std::string_view bytes) {
     }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
+// Makes the folder of the sockets, and removes it at the end.
+void MakeFolder() {
     static std::string folder =
         (std::filesystem::temp_directory_path() / "tolvane-fuzz-XXXXXX").string();
     Check(mkdtemp(folder.data()) != nullptr, "there is a folder for the sockets");
@@ -164,16 +157,18 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
         std::error_code ignored;
         std::filesystem::remove_all(folder, ignored);
     });
-    return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+}  // namespace
+
+void fuzz::Try(Input input) {
+    static bool prepared = false;
+    if (!std::exchange(prepared, true))
+        MakeFolder();
     const std::size_t chunk = input.Byte();
     const std::string_view bytes = input.Text();
     if (chunk == 0)
         SendToClient(bytes);
     else
         SendToServer(bytes, chunk == 0xFF ? bytes.size() : chunk);
-    return 0;
 }

@@ -38,6 +38,7 @@ class Input {
         return {taken.begin(), taken.end()};
     }
     // All that are left.
+    std::vector<std::uint8_t> Rest() { return Bytes(left_.size()); }
     std::string_view Text() {
         const auto text = std::exchange(left_, {});
         return {reinterpret_cast<const char*>(text.data()), text.size()};
@@ -47,4 +48,13 @@ class Input {
     std::span<const std::uint8_t> left_;
 };
 
+// What each target does with an input.
+void Try(Input input);
+
 }  // namespace fuzz
+
+// A target is one source, so this is defined once.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::Try(fuzz::Input(data, size));
+    return 0;
+}

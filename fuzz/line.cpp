@@ -71,11 +71,9 @@ void Decode(const Bytes& bytes) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+void fuzz::Try(Input input) {
     const std::size_t chunk = std::max<std::size_t>(input.Byte(), 1);
-    const Bytes bytes = input.Bytes(size);
+    const Bytes bytes = input.Rest();
     Monitor(bytes, chunk, Split(bytes));
     Decode(bytes);
-    return 0;
 }

@@ -16,35 +16,28 @@ namespace {
 // More than any frame, so that a frame that the input begins ends.
 constexpr std::size_t kEnd = 80;
 
+// The platform, with the link's locks.
 tests::Platform& ThePlatform() {
     static auto& platform = *new tests::Platform;
+    static const bool locks = Memory_Init() != FALSE;
+    fuzz::Check(locks, "the link has its locks");
     return platform;
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    ThePlatform();
-    fuzz::Check(Memory_Init() != FALSE, "the link has its locks");
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+void fuzz::Try(Input input) {
     const std::size_t chunk = std::max<std::size_t>(input.Byte(), 1);
-    std::vector<std::uint8_t> bytes = input.Bytes(size);
+    std::vector<std::uint8_t> bytes = input.Rest();
     bytes.resize(bytes.size() + kEnd);
 
-    const std::string expected = tests::model::HandlerLog(bytes);
     tests::PlainBoard& board = ThePlatform().board;
     board.ClearOutput();
     for (std::size_t at = 0; at < bytes.size(); at += chunk)
         UART_ParseData(bytes.data() + at, static_cast<DWORD>(std::min(chunk, bytes.size() - at)));
     const std::wstring output = board.debug_output();
-    std::string log;
-    for (const wchar_t character : output)
-        log += static_cast<char>(character);
+    const std::string log(output.begin(), output.end());
+    const std::string expected = tests::model::HandlerLog(bytes);
     fuzz::Check(log == expected, "the frames in the bytes are handled, and no others",
                 "program:\n" + log + "expected:\n" + expected);
-    return 0;
 }

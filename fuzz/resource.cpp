@@ -86,27 +86,22 @@ void ReadByName() {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    static auto& platform = *new tests::Platform;
+void fuzz::Try(Input input) {
+    static const auto* const platform = new tests::Platform;
     static_cast<void>(platform);
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // A block of its own: libFuzzer's may be longer.
-    const std::vector<std::byte> file(reinterpret_cast<const std::byte*>(data),
-                                      reinterpret_cast<const std::byte*>(data) + size);
+    const std::vector<std::uint8_t> bytes = input.Rest();
+    const auto file = std::as_bytes(std::span(bytes));
     std::string problem;
     const auto resources = resource::ReadResourceFile(file, problem);
     Check(resources.has_value() == problem.empty(), "a refusal has a reason");
     Check(problem.empty() || problem == "empty" || problem.starts_with("byte "),
           "a problem names its place", problem);
     if (!resources)
-        return 0;
-    Check(resources->size() * 32 <= size, "an entry has a header");
+        return;
+    Check(resources->size() * 32 <= file.size(), "an entry has a header");
     CheckAll(*resources, file);
     Check(resource::SetModule(file, kPath, problem), "the same file is taken as a module");
     ReadByName();
     Check(resource::SetModule({}, kPath, problem) || !problem.empty(), "a module can be removed");
-    return 0;
 }

@@ -23,9 +23,8 @@ std::string Written(const unit::Scenario& scenario) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using fuzz::Check;
-    const std::string text(fuzz::Input(data, size).Text());
+void fuzz::Try(Input input) {
+    const std::string text(input.Text());
     std::vector<std::string> problems;
     const auto scenario = unit::ReadScenario(text, kFile, problems);
     Check(scenario.has_value() == problems.empty(), "a refusal has a reason");
@@ -34,11 +33,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Check(control::IsPlainText(problem), "a problem is one line of text", problem);
     }
     if (!scenario)
-        return 0;
+        return;
     Check(scenario->steps.size() <= kMaxSteps, "repetitions have a limit");
     const std::string written = Written(*scenario);
     const auto again = unit::ReadScenario(written, kFile, problems);
     Check(again.has_value(), "a command is read as it is written", written);
     Check(Written(*again) == written, "a command is written as it was read", written);
-    return 0;
 }

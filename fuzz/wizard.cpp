@@ -22,14 +22,12 @@ class Finding final : public testing::EmptyTestEventListener {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    testing::InitGoogleTest();
-    testing::UnitTest::GetInstance()->listeners().Append(new Finding);
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+void fuzz::Try(Input input) {
+    static bool prepared = false;
+    if (!std::exchange(prepared, true)) {
+        testing::InitGoogleTest();
+        testing::UnitTest::GetInstance()->listeners().Append(new Finding);
+    }
     Generator generator(
         [&input](unsigned limit) { return (limit <= 256 ? input.Byte() : input.Word()) % limit; });
     Sequence sequence = generator.Begin();
@@ -42,5 +40,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         });
     fuzz::Check(difference.empty(), "the wizard does what its model does",
                 difference + "after\n" + ToText(sequence));
-    return 0;
 }

@@ -17,6 +17,7 @@ constexpr LogSource kBitmapSource("CNotify.cpp", 140);
 constexpr UINT_PTR kCloseTimer = 1;
 constexpr UINT kCloseAgain = 100;
 
+constexpr RECT kOkRect = {615, 405, 783, 471};
 constexpr RECT kUpperRect = {0, 0, 800, 380};
 constexpr RECT kLowerRect = {0, 100, 800, 480};
 
@@ -46,8 +47,9 @@ LRESULT CNotify::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
                    "CNotify::OnInitDialog", GetLastError(), kLoadImageSource);
 
     m_pControls.reset(new (std::nothrow) CCtrlList);
-    m_pBtnOk.reset(new (std::nothrow)
-                       CDrawButton(m_hWnd, IDC_BTN_OK, 615, 405, 168, 66, BTN_MODE_PUSH, TRUE));
+    m_pBtnOk.reset(new (std::nothrow) CDrawButton(
+        m_hWnd, IDC_BTN_OK, kOkRect.left, kOkRect.top, kOkRect.right - kOkRect.left,
+        kOkRect.bottom - kOkRect.top, BTN_MODE_PUSH, TRUE));
     if (m_pControls == nullptr || m_pBtnOk == nullptr) {
         LogNoMemory("CNotify::OnInitDialog");
         DeleteObject(m_hBmpOk);
@@ -59,6 +61,11 @@ LRESULT CNotify::OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
     SetUpOkButton();
     CreateLabel(m_pLblUpper, kUpperRect, kUpperCardMayBeIn);
     CreateLabel(m_pLblLower, kLowerRect, kLower);
+    // Nobody could press OK in a window that stayed small.
+    RECT client{};
+    if (GetClientRect(m_hWnd, &client) &&
+        (client.right < kOkRect.right || client.bottom < kOkRect.bottom))
+        PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
     return FALSE;
 }
 

@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <memory>
 
+#include "control/build_info.h"
 #include "control/local_socket.h"
 #include "control/socket_client.h"
+#include "control/terminal.h"
 #include "control/words.h"
 
 namespace unitctl {
@@ -23,10 +25,13 @@ constexpr char kFooter[] =
   unitctl card in FOLDER       inserts an SD card with the content of the folder
   unitctl power off            disconnects external power
   unitctl request suspend      sends the request and waits for the acknowledgement
+  unitctl wait button Next     waits, as a scenario does; also: expect
+  unitctl clock pause          stops the unit's time; also: clock resume, clock step, clock speed 2
   unitctl screenshot FILE.png  writes a picture of the screen
   unitctl state                prints the state of the unit as JSON
   unitctl watch                prints frames and broadcasts until Ctrl-C; also: watch all
   unitctl run FILE             runs a scenario on the running unit; - is standard input
+  unitctl restart              begins another run on a new unit; quit ends the unit
 
 The exit status is 0 if the command was done, 1 if it was refused or failed, 2 after wrong usage,
 3 if no unit is running.
@@ -39,7 +44,7 @@ class Help : public CLI::Formatter {
 };
 
 int ReportWrongUsage(const std::string& problem) {
-    std::fprintf(stderr, "unitctl: %s\n", control::OneLine(problem).c_str());
+    control::PrintError("unitctl", control::OneLine(problem));
     return control::kExitWrongUsage;
 }
 
@@ -52,6 +57,8 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     app.footer(kFooter);
     app.formatter(std::make_shared<Help>());
     app.set_help_flag("-h,--help", "Show this help and end");
+    app.set_version_flag("--version", "unitctl " + control::BuildInfo(),
+                         "Print the version, the commit and the build type");
     app.add_option("--unit", command_line.unit, "The unit's name, as given to its --unit")
         ->type_name("NAME");
     // The words of the command are for the unit.
@@ -62,11 +69,24 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         std::fputs(app.help().c_str(), stdout);
         exit_status = control::kExitDone;
         return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        std::printf("%s\n", version.what());
+        exit_status = control::kExitDone;
+        return std::nullopt;
     } catch (const CLI::ParseError& error) {
         exit_status = ReportWrongUsage(error.what());
         return std::nullopt;
     }
     command_line.words = app.remaining();
+    // A command in quotes is one argument.
+    if (std::string problem; command_line.words.size() == 1) {
+        auto words = control::SplitWords(command_line.words.front(), problem);
+        if (!words) {
+            exit_status = ReportWrongUsage(problem);
+            return std::nullopt;
+        }
+        command_line.words = *std::move(words);
+    }
     if (!control::IsSocketName(command_line.unit)) {
         exit_status =
             ReportWrongUsage("--unit: '" + command_line.unit + "' is not allowed; allowed are " +

@@ -1,13 +1,18 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <iterator>
+#include <string_view>
 
 #include "control/local_socket.h"
 #include "control/socket_client.h"
+#include "control/terminal.h"
 #include "control/words.h"
 #include "unitctl/command_line.h"
+#include "unitctl/paint.h"
 
 namespace {
 
@@ -19,7 +24,7 @@ constexpr auto kConnectLimit = 5s;
 constexpr auto kReplyLimit = 60s;
 
 void PrintError(const std::string& line) {
-    std::fprintf(stderr, "unitctl: %s\n", line.c_str());
+    control::PrintError("unitctl", line);
 }
 
 // Reads the whole scenario. Returns false, with one line in `problem`, on failure.
@@ -76,10 +81,12 @@ int Run(const unitctl::CommandLine& command_line) {
                 : problem);
         return control::kExitNotRunning;
     }
-    const bool unlimited = words.front() == "watch" || words.front() == "run";
+    // The unit decides when these end; Ctrl-C ends them sooner.
+    constexpr std::string_view kUnlimited[] = {"watch", "run", "wait", "expect", "tap", "clock"};
+    const bool unlimited = std::ranges::find(kUnlimited, words.front()) != std::end(kUnlimited);
     return control::PrintReply(*client, request, "unitctl",
                                unlimited ? control::SocketClient::Limit() : kReplyLimit, stdout,
-                               stderr);
+                               stderr, unitctl::PaintFor(words.front()));
 }
 
 }  // namespace
@@ -89,6 +96,6 @@ int main(int count, char** arguments) try {
     const auto command_line = unitctl::ReadCommandLine(count, arguments, exit_status);
     return command_line ? Run(*command_line) : exit_status;
 } catch (const std::exception& error) {
-    std::fprintf(stderr, "unitctl: %s\n", error.what());
+    PrintError(error.what());
     return control::kExitRefused;
 }

@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "control/build_info.h"
 #include "control/local_socket.h"
 #include "control/socket_client.h"
+#include "control/terminal.h"
 #include "control/words.h"
 #include "dvrsim/frame_codec.h"
 
@@ -43,10 +45,12 @@ std::string CheckVersion(const std::string& version) {
 std::optional<CommandLine> ReadCommandLine(int count, const char* const* arguments,
                                            int& exit_status) {
     CommandLine line;
-    std::string send;
+    std::vector<std::string> send;
     bool off = false;
     CLI::App app(kDescription, "dvrsim");
     app.set_help_flag("-h,--help", "Show this help and end");
+    app.set_version_flag("--version", "dvrsim " + control::BuildInfo(),
+                         "Print the version, the commit and the build type");
     CLI::Option* const device = app.add_option(
         "DEVICE", line.device, "Serial device to use, such as /dev/ttyUSB0 (460800 baud, 8N1)");
     device->type_name(" ");
@@ -60,9 +64,10 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     CLI::Option* const send_option =
         app.add_option("--send", send,
                        "Send a command to the running dvrsim, print its reply and end: 0 if it was "
-                       "done, 1 if refused, 3 if none is running")
+                       "done, 1 if refused, 2 if it is no command, 3 if none is running")
             ->excludes(device)
-            ->type_name("COMMAND");
+            ->expected(1, -1)
+            ->type_name("COMMAND...");
     app.add_option("--card", line.process.image_card,
                    "Folder that \"card in\" inserts (default: a new one with an update image)")
         ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
@@ -85,16 +90,21 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         std::fputs(app.help().c_str(), stdout);
         exit_status = control::kExitDone;
         return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        std::printf("%s\n", version.what());
+        exit_status = control::kExitDone;
+        return std::nullopt;
     } catch (const CLI::ParseError& error) {
         const bool extra = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-        std::fprintf(stderr, "dvrsim: %s%s\n", control::OneLine(error.what()).c_str(),
-                     extra ? "; allowed are the options that dvrsim --help lists" : "");
+        control::PrintError(
+            "dvrsim", control::OneLine(error.what()) +
+                          (extra ? "; allowed are the options that dvrsim --help lists" : ""));
         exit_status = control::kExitWrongUsage;
         return std::nullopt;
     }
     line.process.power_on = !off;
     if (*send_option)
-        line.send = send;
+        line.send = send.size() == 1 ? send.front() : control::JoinWords(send);
     return line;
 }
 

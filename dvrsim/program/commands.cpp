@@ -19,7 +19,7 @@ using control::Values;
 
 Outcome Insert(Context& context, const std::string& folder) {
     if (folder.empty())
-        return Refused(CardFolders::kNoSuchCard);
+        return Refused(context.cards.problem());
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         return Refused("'" + folder + "' is not a folder");

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "control/terminal.h"
 #include "dvrsim/protocol.h"
 
 namespace dvrsim {
@@ -154,8 +155,8 @@ void DvrProcess::ReadInput() {
             ExecuteInput(line);
     }
     if (input_.size() > kMaxInput && !std::exchange(skipping_, true))
-        std::fprintf(stderr, "dvrsim: a line of input is too long; at most %zu bytes are allowed\n",
-                     kMaxInput);
+        control::PrintError("dvrsim", "a line of input is too long; at most " +
+                                          std::to_string(kMaxInput) + " bytes are allowed");
     if (skipping_)
         input_.clear();
 }
@@ -163,7 +164,7 @@ void DvrProcess::ReadInput() {
 void DvrProcess::ExecuteInput(std::string_view line) {
     const control::Outcome outcome = ProgramCommands().Execute(context_, line);
     if (!outcome.done) {
-        std::fprintf(stderr, "dvrsim: %s\n", outcome.text.c_str());
+        control::PrintError("dvrsim", outcome.text);
     } else if (!outcome.text.empty()) {
         std::printf("%s\n", outcome.text.c_str());
         std::fflush(stdout);

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "control/socket_client.h"
+#include "control/terminal.h"
 #include "dvrsim/program/command_line.h"
 
 namespace {
@@ -15,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr auto kReplyLimit = std::chrono::seconds(5);
 
 void PrintError(const std::string& line) {
-    std::fprintf(stderr, "dvrsim: %s\n", line.c_str());
+    control::PrintError("dvrsim", line);
 }
 
 // A symlink at a fixed path. The destructor removes it, unless another one has replaced it.

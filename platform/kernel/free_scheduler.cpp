@@ -1,4 +1,4 @@
-#include <atomic>
+#include <mutex>
 #include <vector>
 
 #include "platform/kernel/event_queue.h"
@@ -16,21 +16,47 @@ constexpr std::chrono::hours kFarAway{24 * 365 * 20};
 class FreeScheduler final : public Scheduler {
   public:
     FreeScheduler(const Options& options, Thread& host_thread)
-        : start_(options.start),
-          host_start_(HostClock::now()),
-          speed_(options.speed),
-          host_thread_(host_thread) {}
+        : pace_{options.start, HostClock::now(), options.speed, false}, host_thread_(host_thread) {}
 
     Time Now() const override {
-        const std::chrono::duration<double, std::micro> passed = HostClock::now() - host_start_;
-        return start_ + Time(jumped_.load() + static_cast<Time::rep>(passed.count() * speed_));
+        const std::scoped_lock lock(pace_mutex_);
+        return NowAt(HostClock::now());
     }
 
     void Jump(KernelLock&, Duration forward) override {
-        jumped_ += forward.count();
-        for (Thread* thread : waiting_)
-            thread->wake.notify_one();
-        WakeHostThread();
+        {
+            const std::scoped_lock lock(pace_mutex_);
+            pace_.unit += forward;
+        }
+        WakeAll();
+    }
+
+    // Nobody is woken: who wakes for an earlier deadline finds that it has not come, and waits on.
+    bool Pause() override {
+        ChangePace([this] { pace_.paused = true; });
+        return true;
+    }
+
+    bool Resume(KernelLock&) override {
+        ChangePace([this] { pace_.paused = false; });
+        WakeAll();
+        return true;
+    }
+
+    bool SetSpeed(KernelLock&, double speed) override {
+        ChangePace([this, speed] { pace_.speed = speed; });
+        WakeAll();
+        return true;
+    }
+
+    bool paused() const override {
+        const std::scoped_lock lock(pace_mutex_);
+        return pace_.paused;
+    }
+
+    double speed() const override {
+        const std::scoped_lock lock(pace_mutex_);
+        return pace_.speed;
     }
 
     bool Block(KernelLock& lock, const std::function<bool()>& ready, Time deadline) override {
@@ -99,19 +125,51 @@ class FreeScheduler final : public Scheduler {
     // done() may depend on anything; it is called again after this much host time at the latest.
     static constexpr HostClock::duration kCallAgain = std::chrono::milliseconds(50);
 
+    // How the unit's time follows the host's, since the last change of either.
+    struct Pace {
+        Time unit;
+        HostClock::time_point host;
+        double speed;
+        bool paused;
+    };
+
+    // With the pace's mutex.
+    Time NowAt(HostClock::time_point host) const {
+        if (pace_.paused)
+            return pace_.unit;
+        const std::chrono::duration<double, std::micro> passed = host - pace_.host;
+        return pace_.unit + Time(static_cast<Time::rep>(passed.count() * pace_.speed));
+    }
+
+    template <class Change>
+    void ChangePace(Change change) {
+        const std::scoped_lock lock(pace_mutex_);
+        const HostClock::time_point host = HostClock::now();
+        pace_.unit = NowAt(host);
+        pace_.host = host;
+        change();
+    }
+
+    void WakeAll() {
+        for (Thread* thread : waiting_)
+            thread->wake.notify_one();
+        WakeHostThread();
+    }
+
     void WakeHostThread() {
         host_thread_woken_ = true;
         host_thread_.wake.notify_one();
     }
 
     HostClock::time_point HostTime(Time time) const {
-        const std::chrono::duration<double, std::micro> unit_time =
-            time - start_ - Time(jumped_.load());
-        const std::chrono::duration<double, std::micro> host_time = unit_time / speed_;
-        if (time == kNever || host_time > kFarAway)
-            return host_start_ + kFarAway;
+        const std::scoped_lock lock(pace_mutex_);
+        const std::chrono::duration<double, std::micro> unit_time = time - pace_.unit;
+        const std::chrono::duration<double, std::micro> host_time = unit_time / pace_.speed;
+        // What is overdue is due while the clock is paused, too.
+        if (time == kNever || host_time > kFarAway || (pace_.paused && time > pace_.unit))
+            return pace_.host + kFarAway;
         // The microsecond compensates for rounding down here and in Now().
-        return host_start_ + std::chrono::duration_cast<HostClock::duration>(host_time) +
+        return pace_.host + std::chrono::duration_cast<HostClock::duration>(host_time) +
                std::chrono::microseconds(1);
     }
 
@@ -123,11 +181,9 @@ class FreeScheduler final : public Scheduler {
         wake.wait_until(lock, HostTime(deadline));
     }
 
-    const Time start_;
-    const HostClock::time_point host_start_;
-    const double speed_;
-    // Changed with the lock held.
-    std::atomic<Time::rep> jumped_ = 0;
+    // Locked last: Now() is called with and without any other lock.
+    mutable std::mutex pace_mutex_;
+    Pace pace_;
     Thread& host_thread_;
     EventQueue events_;
     std::vector<Thread*> waiting_;

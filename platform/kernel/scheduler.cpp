@@ -90,6 +90,41 @@ bool JumpClock(Duration forward) {
     return true;
 }
 
+namespace {
+
+void WakeEventLoop() {
+    if (State().host_thread_waker)
+        State().host_thread_waker();
+}
+
+}  // namespace
+
+bool PauseClock() {
+    return State().scheduler->Pause();
+}
+
+bool ResumeClock() {
+    KernelLock lock = LockKernel();
+    const bool resumed = State().scheduler->Resume(lock);
+    WakeEventLoop();
+    return resumed;
+}
+
+bool SetClockSpeed(double speed) {
+    KernelLock lock = LockKernel();
+    const bool set = State().scheduler->SetSpeed(lock, speed);
+    WakeEventLoop();
+    return set;
+}
+
+bool ClockPaused() {
+    return State().scheduler->paused();
+}
+
+double ClockSpeed() {
+    return State().scheduler->speed();
+}
+
 void SetHostThreadWaker(std::function<void()> waker) {
     KernelLock lock = LockKernel();
     State().host_thread_waker = std::move(waker);

@@ -24,6 +24,13 @@ class Scheduler {
     // See JumpClock.
     virtual void Jump(KernelLock& lock, Duration forward) = 0;
 
+    // See PauseClock, ResumeClock and SetClockSpeed.
+    virtual bool Pause() = 0;
+    virtual bool Resume(KernelLock& lock) = 0;
+    virtual bool SetSpeed(KernelLock& lock, double speed) = 0;
+    virtual bool paused() const = 0;
+    virtual double speed() const = 0;
+
     // Blocks the calling thread, which is not the host thread, until ready() holds or the deadline
     // has come, and returns the last result of ready(). Releases the lock while the thread is
     // blocked; ready() is called with the lock held, on any thread.
@@ -78,6 +85,17 @@ Time RunDueActions();
 // unit's clock never runs backwards) or of more than kLongestJump. Host thread.
 inline constexpr Duration kLongestJump = std::chrono::hours(24 * 1000);
 bool JumpClock(Duration forward);
+
+// The pace of a free-running unit's clock. While it is paused, the unit's time stands: no wait,
+// sleep or action comes due that was not due before. Threads that need no time still run, and so do
+// actions for a time that has come. The functions return false, and do nothing, in simulated time.
+// PauseClock: any thread, with or without the kernel lock. The others: any thread, without it.
+bool PauseClock();
+bool ResumeClock();
+// Times as fast as the host's clock, above 0; also while the clock is paused.
+bool SetClockSpeed(double speed);
+bool ClockPaused();
+double ClockSpeed();
 
 // Sets the function that wakes an event loop which waits outside the kernel: called (any thread,
 // kernel lock held) when an action was added or the screen changed. Set before threads start.

@@ -56,6 +56,13 @@ class SimulatedScheduler final : public Scheduler {
 
     Time Now() const override { return Time(now_.load()); }
 
+    // The clock stands by itself between events.
+    bool Pause() override { return false; }
+    bool Resume(KernelLock&) override { return false; }
+    bool SetSpeed(KernelLock&, double) override { return false; }
+    bool paused() const override { return false; }
+    double speed() const override { return 1; }
+
     void Jump(KernelLock&, Duration forward) override {
         now_ += forward.count();
         woken_ = true;

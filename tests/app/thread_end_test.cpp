@@ -15,11 +15,6 @@ constexpr UINT kPosted = WM_USER + 2;
 
 std::vector<UINT> g_seen;
 
-LRESULT CALLBACK Record(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    g_seen.push_back(message);
-    return message == kSent ? 42 : DefWindowProcW(window, message, wParam, lParam);
-}
-
 // Sends to the window of the thread that waits, which must answer, and posts to it, which must stay
 // in its queue.
 DWORD WINAPI SendAndPost(LPVOID parameter) {
@@ -43,7 +38,10 @@ TEST(WaitForThreadEnd, DispatchesSentMessagesAndNothingElse) {
             {.call = "MsgWaitForMultipleObjects", .skip = works, .times = 3});
         platform.Run([] {
             WNDCLASSW settings{};
-            settings.lpfnWndProc = Record;
+            settings.lpfnWndProc = [](HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+                g_seen.push_back(message);
+                return message == kSent ? 42 : DefWindowProcW(window, message, wparam, lparam);
+            };
             settings.lpszClassName = L"Waiting";
             RegisterClassW(&settings);
             const HWND window = CreateWindowExW(0, L"Waiting", L"", WS_VISIBLE, 0, 0, 100, 100,
@@ -61,23 +59,21 @@ TEST(WaitForThreadEnd, DispatchesSentMessagesAndNothingElse) {
     }
 }
 
-DWORD WINAPI SleepForASecond(LPVOID) {
-    Sleep(1000);
-    return 0;
-}
-
 TEST(WaitForThreadEnd, GivesUpAtItsLimit) {
-    for (const char* const failing : {"", "MsgWaitForMultipleObjects", "WaitForSingleObject"}) {
+    for (const char* const failing : {"none", "MsgWaitForMultipleObjects", "WaitForSingleObject"}) {
+        SCOPED_TRACE(failing);
         Platform platform;
         platform.Run([&] {
-            const HANDLE thread = CreateThread(nullptr, 0, SleepForASecond, nullptr, 0, nullptr);
-            if (*failing != '\0')
-                platform::kernel::AddCallFault(
-                    {.call = failing, .times = platform::kernel::kForEver});
+            const auto sleep = [](LPVOID) {
+                Sleep(1000);
+                return DWORD{0};
+            };
+            const HANDLE thread = CreateThread(nullptr, 0, sleep, nullptr, 0, nullptr);
+            platform::kernel::AddCallFault({.call = failing, .times = platform::kernel::kForEver});
             const DWORD start = GetTickCount();
-            EXPECT_FALSE(WaitForThreadEnd(thread, 500)) << failing;
-            EXPECT_NEAR(GetTickCount() - start, 500, 20) << failing;
-            EXPECT_TRUE(WaitForThreadEnd(thread, kThreadEndLimit)) << failing;
+            EXPECT_FALSE(WaitForThreadEnd(thread, 500));
+            EXPECT_NEAR(GetTickCount() - start, 500, 20);
+            EXPECT_TRUE(WaitForThreadEnd(thread, kThreadEndLimit));
             CloseHandle(thread);
         });
     }

@@ -1,16 +1,17 @@
-#include "tests/campaign/case.h"
+#include <algorithm>
+#include <random>
+#include <sstream>
 
-#include <regex>
+#include "tests/campaign/campaign.h"
 
 namespace tests::campaign {
-
 namespace {
 
 using End = CarDriver::End;
 
 constexpr struct {
     std::string_view name;
-} kTriggerRows[kTriggers] = {{"call"}, {"frame"}, {"byte"}};
+} kTriggerNames[kTriggers] = {{"call"}, {"frame"}, {"byte"}};
 
 // One row a line, whatever its length.
 // clang-format off
@@ -35,7 +36,7 @@ const Flow kFlows[] = {
 
 constexpr FaultKind kKinds[] = {
     {kFails, kCall, "fault any-call after SKIP times 1"},
-    {kKeepsFailing, kCall, "fault any-call after SKIP times 1"},
+    {"keeps-failing", kCall, "fault any-call after SKIP times 1"},
     {kFailsToTheEnd, kCall, "fault any-call after SKIP times 1"},
     {"drops", kByte, "fault line drop bytes to-unit after SKIP times 1"},
     {"corrupts", kByte, "fault line corrupt bytes to-unit after SKIP times 1"},
@@ -55,6 +56,11 @@ constexpr FaultKind kKinds[] = {
     {"reset-vanishes", kFrame, "fault driver DVR1: missing"},
 };
 // clang-format on
+
+// A distribution of the library may give other numbers elsewhere.
+std::uint64_t Below(std::mt19937& random, std::uint64_t end) {
+    return random() % end;
+}
 
 }  // namespace
 
@@ -84,36 +90,73 @@ std::optional<End> RunFlow(const Flow& flow, WizardRun& run, CarDriver& driver) 
 }
 
 std::string ToText(const Case& test_case) {
-    std::string text(test_case.flow->name);
-    if (test_case.seed != 1)
-        text += "#" + std::to_string(test_case.seed);
+    std::ostringstream text;
+    text << test_case.flow->name;
     for (const Fault& fault : test_case.faults)
-        text += " " + std::string(fault.kind->name) + "@" +
-                std::string(kTriggerRows[fault.trigger].name) + ":" + std::to_string(fault.number);
-    return text;
+        text << ' ' << fault.kind->name << '@' << kTriggerNames[fault.trigger].name << ':'
+             << fault.number;
+    return text.str();
 }
 
 Case ParseCase(const std::string& text) {
-    static const std::regex whole(R"(([^ #]+)(?:#([1-9]\d{0,8}))?((?: \S+@\w+:[1-9]\d{0,8})*))");
-    static const std::regex each(R"( (\S+)@(\w+):(\d+))");
-    std::smatch words;
-    if (!std::regex_match(text, words, whole))
-        throw std::invalid_argument(
-            "'" + text + "' is no case; one is written like normal#7 fails@call:12 drops@byte:3");
-    Case test_case{Named("flow", words[1].str(), Flows())};
-    if (words[2].matched)
-        test_case.seed = static_cast<std::uint32_t>(std::stoul(words[2]));
-    for (std::sregex_iterator word(words[3].first, words[3].second, each), end; word != end;
-         ++word) {
-        const auto* const kind = Named("fault", (*word)[1].str(), FaultKinds());
-        const auto* const trigger = Named("trigger", (*word)[2].str(), kTriggerRows);
-        test_case.faults.push_back(
-            {kind, static_cast<Trigger>(trigger - kTriggerRows), std::stoull((*word)[3])});
-        if (test_case.faults.back().trigger > kind->last)
-            throw std::invalid_argument("'" + std::string(kind->name) + "' cannot come at a " +
-                                        std::string(trigger->name));
+    std::istringstream words(text);
+    std::string flow, kind, trigger;
+    words >> flow >> std::ws;
+    Case test_case{Named(flow, Flows())};
+    while (std::getline(words, kind, '@')) {
+        Fault fault{Named(kind, FaultKinds()), kCall, 0};
+        std::getline(words, trigger, ':');
+        fault.trigger = Trigger(Named(trigger, kTriggerNames) - kTriggerNames);
+        if (!(words >> fault.number) || fault.number == 0 || fault.trigger > fault.kind->last)
+            throw std::invalid_argument("'" + kind + "' cannot come there in '" + text + "'");
+        test_case.faults.push_back(fault);
+        words >> std::ws;
     }
     return test_case;
+}
+
+std::vector<Baseline> MeasureBaselines(const std::vector<const Flow*>& flows) {
+    std::vector<Baseline> baselines;
+    for (const Flow* const flow : flows)
+        baselines.push_back({flow, RunCase({flow})});
+    return baselines;
+}
+
+std::vector<Case> Sweep(const std::vector<Baseline>& baselines,
+                        const std::vector<const FaultKind*>& kinds, std::uint64_t every,
+                        std::uint32_t seed) {
+    std::mt19937 random(seed);
+    std::vector<Case> cases;
+    for (const auto& [flow, result] : baselines)
+        for (const FaultKind* const kind : kinds)
+            for (std::size_t trigger = kCall; trigger <= kind->last; ++trigger)
+                for (std::uint64_t number = 1 + Below(random, every);
+                     number <= result.counts[trigger]; number += every)
+                    cases.push_back({flow, {{kind, Trigger(trigger), number}}});
+    return cases;
+}
+
+std::vector<Case> Sample(const std::vector<Baseline>& baselines,
+                         const std::vector<const FaultKind*>& kinds, std::size_t faults,
+                         std::size_t count, std::uint32_t seed) {
+    std::mt19937 random(seed);
+    std::vector<Case> cases;
+    while (cases.size() < count) {
+        const std::size_t turn = cases.size();
+        const auto& [flow, result] = baselines[turn % baselines.size()];
+        Case test_case{flow};
+        while (test_case.faults.size() < faults) {
+            const bool first = test_case.faults.empty();
+            const FaultKind* const kind =
+                kinds[first ? turn % kinds.size() : Below(random, kinds.size())];
+            // A flow without a link has only calls.
+            const std::size_t triggers = result.counts[kFrame] == 0 ? 1 : kind->last + 1;
+            const auto trigger = Trigger(Below(random, triggers));
+            test_case.faults.push_back({kind, trigger, 1 + Below(random, result.counts[trigger])});
+        }
+        cases.push_back(test_case);
+    }
+    return cases;
 }
 
 }  // namespace tests::campaign

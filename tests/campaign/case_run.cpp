@@ -1,5 +1,3 @@
-#include "tests/campaign/case_run.h"
-
 #include <algorithm>
 #include <atomic>
 #include <memory>
@@ -7,6 +5,7 @@
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/thread.h"
 #include "platform/window/screen.h"
+#include "tests/campaign/campaign.h"
 #include "tests/campaign/injector.h"
 #include "unit/probe/wizard_probe.h"
 
@@ -15,7 +14,6 @@ namespace tests::campaign {
 namespace {
 
 using namespace std::chrono_literals;
-namespace kernel = platform::kernel;
 using End = CarDriver::End;
 
 // How often external power is cycled at most: a driver tries once more.
@@ -34,10 +32,6 @@ constexpr const char* kMissingParts[] = {
     "\tCMainFrame::OnCreate, g_pCPowerDetector->Init() fail!!!",
     "\tCPowerDetector::Init, CreateThread() fail!!!"};
 constexpr std::string_view kPartsNotLogged[] = {"RegisterWindowMessageW", "ShowWindow"};
-
-// The unit and the DVR as they should be, with a quick update.
-constexpr char kHealthy[] =
-    "fault clear\nline plug\ndvr update-time 30s\nfault dvr jump-back 3 96\ndvr power on";
 
 // Another application of the unit that sends the program's window a message and waits for it to be
 // handled. Host thread.
@@ -147,7 +141,9 @@ class CaseRun {
 
     void Recover() {
         injector_.Stop();
-        if (const std::string problem = run_.RunScenario(kHealthy); !problem.empty())
+        if (const std::string problem = run_.RunScenario("fault clear\nline plug\ndvr power on\n" +
+                                                         std::string(kQuickUpdate));
+            !problem.empty())
             Find(problem);
         std::optional<End> end;
         while (end != End::kSuccess && result_.cycles++ < kMostCycles)
@@ -163,7 +159,9 @@ class CaseRun {
     }
 
     void Close() {
-        if (!run_.CloseAnyhow())
+        // What may be left behind is checked below.
+        run_.CloseAnyhow();
+        if (run_.unit().program().running())
             Find("the program does not end: " + run_.unit().leftovers());
         else if (const int code = run_.unit().program().exit_code();
                  code != 0 && !(code == static_cast<int>(E_FAIL) && HasFailed(kCallsOfTheStart)))
@@ -171,12 +169,8 @@ class CaseRun {
         const Injections injections = injector_.injections();
         result_.injected = injections.injected.size();
         result_.counts[kCall] = kernel::CallCount();
-        if (const auto left = TooMuchLeft(run_.unit().leftovers(), injections.failures);
-            !left.empty())
-            Find("left after the end:" + left);
-        for (std::string& wrong : CheckLog(run_.lines(), injections.failures))
-            Find(std::move(wrong));
-        for (std::string& wrong : CheckPace(injections.failures))
+        for (std::string& wrong :
+             CheckFailures(run_.lines(), injections.failures, run_.unit().leftovers()))
             Find(std::move(wrong));
     }
 
@@ -200,8 +194,7 @@ Result RunCase(const Case& test_case, std::vector<std::string>* log) {
         if (log != nullptr)
             *log = running.lines();
     }
-    if (result.reopened &&
-        !RunCase({Named("flow", "quick", Flows()), test_case.seed}).findings.empty())
+    if (result.reopened && !RunCase({Named("quick", Flows()), {}, test_case.seed}).findings.empty())
         result.findings.push_back("no update after the program was started again");
     return result;
 }

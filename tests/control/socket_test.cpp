@@ -94,7 +94,7 @@ TEST_F(Sockets, RepliesToRequestsAndRefusesWhatIsNotText) {
     const std::pair<std::string, std::string> cases[] = {
         {"one\n", "|got one\n+\n"},
         {"one\r\ntwo\n\n", "|got one\n+\n|got two\n+\n|got \n+\n"},
-        {"no\nyes\n", "-not that really\n|got yes\n+\n"},
+        {"no\nyes\n", "~not that\n-really\n|got yes\n+\n"},
         {"|first\n||second\n|\nrun\nrun\n", "|got run\n|first\n||second\n|\n+\n|got run\n+\n"},
         {"@/home\n|text\ncard\ncard\n", "|got card/home\n|text\n+\n|got card\n+\n"},
         {"gr\xC3\xBC\xC3\x9F\xF0\x9F\x9A\x97\tGott\n",
@@ -165,6 +165,14 @@ TEST_F(Sockets, DoesNotReadRequestsOfAClientThatDoesNotReadReplies) {
         EXPECT_LT(taken, 2'000'000U);
         EXPECT_TRUE(Exchange(client, "").starts_with("|got "));
     }
+}
+
+TEST_F(Sockets, HandlesTheRequestsOfAClientOneAfterTheOther) {
+    const SocketClient client = Client();
+    EXPECT_EQ(Exchange(client, "later\n"), "");
+    EXPECT_EQ(Exchange(client, "one\n"), "");
+    server_->SendOutcome(waiting_, Done());
+    EXPECT_EQ(Exchange(client, ""), "+\n|got one\n+\n");
 }
 
 TEST_F(Sockets, ThePrintedReplyIsPlainText) {

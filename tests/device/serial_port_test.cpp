@@ -1,93 +1,56 @@
 #include "platform/device/serial_port.h"
 
+#include <array>
+#include <bit>
 #include <memory>
-#include <span>
+#include <sstream>
 
+#include "tests/support/cases.h"
 #include "tests/support/com9.h"
 #include "tests/support/platform_test.h"
+#include "unit/line/memory_line.h"
 
 namespace tests {
 namespace {
 
-// A line that delivers bytes to the port at once.
-struct TestLine final : platform::device::SerialLine {
-    DWORD Open(Receiver given) override {
-        receiver = std::move(given);
-        return ERROR_SUCCESS;
-    }
-    void Close() override { receiver = nullptr; }
-    DWORD ReadSettings(DCB&) override { return ERROR_SUCCESS; }
-    DWORD ApplySettings(const DCB&) override { return ERROR_SUCCESS; }
-    std::size_t Transmit(std::span<const std::uint8_t> bytes) override { return bytes.size(); }
-    void OnWritable(std::function<void()>) override {}
+using unit::MemoryLine;
 
-    Receiver receiver;
-};
-
+// "COM9:" on a line that carries bytes at once.
 struct TestPort {
     explicit TestPort(Platform& platform) {
         platform.board.drivers[L"COM9:"] = std::make_shared<platform::device::SerialDriver>(line);
     }
     void SendAfter(kernel::Duration time, std::size_t bytes) const {
-        kernel::After(time, [this, bytes] {
-            if (line->receiver && bytes > 0)
-                line->receiver(std::vector<std::uint8_t>(bytes, 'x'));
-        });
+        kernel::After(time, [=, to = line] { to->Send(std::vector<std::uint8_t>(bytes, 'x')); });
     }
 
-    const std::shared_ptr<TestLine> line = std::make_shared<TestLine>();
+    const std::shared_ptr<MemoryLine> line = std::make_shared<MemoryLine>(
+        460800, [](auto) {}, MemoryLine::Pace::kAtOnce);
 };
 
-// Times in microseconds from the start of the read.
 TEST(SerialPort, ReadsEndWhenTheTimeoutsSaySo) {
-    const struct {
-        const char* name;
-        COMMTIMEOUTS timeouts;
-        std::size_t there_before;
-        std::vector<std::pair<int, std::size_t>> sendings;  // when, how many bytes
-        DWORD size, read;
-        int ends_at;
-    } rows[] = {
-        {"nothing comes", kProgramTimeouts, 0, {}, 1, 0, 100'000},
-        {"the byte is there", kProgramTimeouts, 1, {}, 1, 1, 0},
-        {"the byte comes", kProgramTimeouts, 0, {{40'000, 1}}, 1, 1, 40'000},
-        {"it comes in time", kProgramTimeouts, 0, {{99'999, 1}}, 1, 1, 99'999},
-        {"it comes too late", kProgramTimeouts, 0, {{100'001, 1}}, 1, 0, 100'000},
-        {"all four come", kProgramTimeouts, 0, {{0, 4}}, 4, 4, 0},
-        {"two of four come", kProgramTimeouts, 1, {{60'000, 1}}, 4, 2, 250'000},
-        {"more is there than asked for", kProgramTimeouts, 9, {}, 4, 4, 0},
-        {"nothing is asked for", kProgramTimeouts, 0, {}, 0, 0, 0},
-        {"no limits", {}, 0, {{500'000, 3}, {1'000'000, 5}}, 8, 8, 1'000'000},
-        {"a gap ends the read", {10, 0, 0, 0, 0}, 0, {{5'000, 3}, {90'000, 3}}, 8, 3, 15'000},
-        {"the gap begins anew", {10, 0, 0, 0, 0}, 0, {{0, 1}, {9'000, 1}}, 8, 2, 19'000},
-        {"a gap before the first byte", {10, 0, 20, 0, 0}, 0, {{15'000, 1}}, 2, 1, 20'000},
-        {"the total ends before the gap", {10, 0, 12, 0, 0}, 0, {{5'000, 1}}, 8, 1, 12'000},
-        {"at once, nothing there", {MAXDWORD, 0, 0, 0, 0}, 0, {{1, 1}}, 8, 0, 0},
-        {"at once, some there", {MAXDWORD, 0, 0, 0, 0}, 3, {}, 8, 3, 0},
-        {"the first byte only",
-         {MAXDWORD, MAXDWORD, 30, 0, 0},
-         0,
-         {{5'000, 1}, {5'001, 1}},
-         8,
-         1,
-         5'000},
-        {"no first byte", {MAXDWORD, MAXDWORD, 30, 0, 0}, 0, {}, 8, 0, 30'000},
-        {"first byte there", {MAXDWORD, MAXDWORD, 30, 0, 0}, 3, {}, 8, 3, 0},
-        {"a total beyond all time", {10, MAXDWORD - 1, 9, 0, 0}, 0, {{0, 2}}, 8U << 20, 2, 10'000},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    const auto cases = CasesFrom(DEVICE_CASES "/read-timeouts.txt");
+    ASSERT_FALSE(cases.empty());
+    for (const auto& [input, result] : cases) {
         Platform platform;
         TestPort port(platform);
-        platform.Run([&] {
-            const HANDLE handle = OpenCom9(row.timeouts);
-            port.SendAfter({}, row.there_before);
+        platform.Run([&, input = input, result = result] {
+            std::istringstream numbers(input);
+            COMMTIMEOUTS limits{};
+            std::size_t there = 0;
+            DWORD size = 0;
+            numbers >> limits.ReadIntervalTimeout >> limits.ReadTotalTimeoutMultiplier >>
+                limits.ReadTotalTimeoutConstant >> there >> size;
+            const HANDLE handle = OpenCom9(limits);
+            port.SendAfter({}, there);
             Sleep(10);
             const kernel::Time start = kernel::Now();
-            for (const auto& [at, bytes] : row.sendings)
+            std::size_t bytes = 0;
+            for (int at = 0; numbers >> at >> bytes;)
                 port.SendAfter(std::chrono::microseconds(at), bytes);
-            EXPECT_EQ(Read(handle, row.size), std::string(row.read, 'x'));
-            EXPECT_EQ(kernel::Now() - start, std::chrono::microseconds(row.ends_at));
+            const std::size_t read = Read(handle, size).size();
+            const auto passed = kernel::Now() - start;
+            EXPECT_EQ(std::to_string(read) + " " + std::to_string(passed.count()), result) << input;
             Sleep(200);
             CloseHandle(handle);
         });
@@ -131,6 +94,18 @@ PLATFORM_TEST(CreateFile, OpensOnlyLoadedDevices) {
     expect(ERROR_INVALID_PARAMETER, nullptr);
     expect(ERROR_INVALID_PARAMETER, L"COM9:", CREATE_ALWAYS);
     expect(ERROR_INVALID_PARAMETER, L"COM9:", OPEN_EXISTING, FILE_FLAG_OVERLAPPED);
+}
+
+TEST(Dcb, FlagsLieWhereTheSerialDriverLooksForThem) {
+    for (std::size_t bit = 0; bit < 15; ++bit) {
+        const auto dcb = std::bit_cast<DCB>(std::array<DWORD, 7>{0, 0, 1U << bit});
+        const DWORD flags = dcb.fBinary | dcb.fParity << 1 | dcb.fOutxCtsFlow << 2 |
+                            dcb.fOutxDsrFlow << 3 | dcb.fDtrControl << 4 |
+                            dcb.fDsrSensitivity << 6 | dcb.fTXContinueOnXoff << 7 | dcb.fOutX << 8 |
+                            dcb.fInX << 9 | dcb.fErrorChar << 10 | dcb.fNull << 11 |
+                            dcb.fRtsControl << 12 | dcb.fAbortOnError << 14;
+        EXPECT_EQ(flags, 1U << bit);
+    }
 }
 
 }  // namespace

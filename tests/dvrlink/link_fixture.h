@@ -32,13 +32,6 @@ inline Bytes Hex(std::string digits) {
     return bytes;
 }
 
-inline std::string Repeat(std::size_t count, const std::string& text) {
-    std::string repeated;
-    for (; count > 0; --count)
-        repeated += text;
-    return repeated;
-}
-
 // A platform whose "COM9:" is a simulated line with the test at its other end.
 struct LinkFixture {
     explicit LinkFixture(const kernel::Options& options = {}) : platform(options) {

@@ -1,7 +1,8 @@
-#include <algorithm>
+#include <cstring>
 
 #include "link_fixture.h"
 #include "platform/kernel/call_faults.h"
+#include "tests/support/com9.h"
 
 namespace tests {
 namespace {
@@ -11,56 +12,34 @@ const std::string kOpeningQueries =
     "A55A 10 8010 0001 00 01A0 A55A 10 8011 0001 00 01A1"
     "A55A 10 802E 0001 00 01BE A55A 10 8026 0001 00 01B6";
 
-TEST(Link, SendsItsQueriesAndReceives) {
-    LinkFixture link;
-    kernel::After(1s, [&] { link.line->Send(Hex(kVolume)); });
-    link.platform.Run([&] {
-        ASSERT_TRUE(UART_Init());
-        Sleep(2000);
-        DCB line{};
-        line.DCBlength = sizeof line;
-        EXPECT_TRUE(GetCommState(g_hComPort, &line));
-        EXPECT_EQ((std::vector<DWORD>{line.BaudRate, line.ByteSize, line.Parity, line.StopBits}),
-                  (std::vector<DWORD>{460800, 8, NOPARITY, ONESTOPBIT}));
-        COMMTIMEOUTS times{};
-        EXPECT_TRUE(GetCommTimeouts(g_hComPort, &times));
-        EXPECT_EQ((std::vector{times.ReadIntervalTimeout, times.ReadTotalTimeoutMultiplier,
-                               times.ReadTotalTimeoutConstant, times.WriteTotalTimeoutMultiplier,
-                               times.WriteTotalTimeoutConstant}),
-                  (std::vector<DWORD>{0, 50, 50, 10, 1000}));
-        DWORD mask = 0;
-        EXPECT_TRUE(GetCommMask(g_hComPort, &mask));
-        EXPECT_EQ(mask, 0x0081U);
-        EXPECT_TRUE(UART_DeInit());
-    });
-    EXPECT_EQ(link.received_by_dvr, Hex(kOpeningQueries));
-    EXPECT_EQ(link.TakeLog(),
-              "+++UART_Init\n+++COM_Init\n---COM_Init\n---UART_Init\n+++ThreadProc_COM_Rx\n" +
-                  kVolumeLine + "\n---ThreadProc_COM_Rx");
-}
-
-TEST(Link, StartsOnceAndAgainAfterAStop) {
+TEST(Link, SendsItsQueriesReceivesAndStartsOnce) {
     LinkFixture link;
     link.platform.Run([&] {
         EXPECT_TRUE(UART_DeInit() && COM_DeInit() && Memory_DeInit());
         EXPECT_EQ(link.TakeLog(), "") << "a stop before any start";
         for (int round = 1; round <= 2; ++round) {
+            SCOPED_TRACE(round);
             ASSERT_TRUE(UART_Init());
-            Sleep(500);
             const HANDLE port = g_hComPort;
-            EXPECT_TRUE(UART_Init());
+            COMMTIMEOUTS times{};
+            EXPECT_TRUE(GetCommTimeouts(port, &times));
+            EXPECT_EQ(std::memcmp(&times, &kProgramTimeouts, sizeof times), 0);
+            DWORD mask = 0;
+            EXPECT_TRUE(GetCommMask(port, &mask));
+            EXPECT_EQ(mask, DWORD{EV_RXCHAR | EV_ERR});
+            kernel::After(1s, [&] { link.line->Send(Hex(kVolume)); });
             Sleep(500);
+            EXPECT_TRUE(UART_Init()) << "once more";
             EXPECT_EQ(g_hComPort.load(), port);
-            UART_DeInit();
-            EXPECT_EQ(g_hComPort.load(), nullptr);
-            EXPECT_EQ(g_pSendLock.load(), nullptr);
-            EXPECT_EQ(g_pCheckSumLock.load(), nullptr);
-            EXPECT_EQ(link.Count("+++COM_Init"), round);
-            EXPECT_EQ(link.Count("+++ThreadProc_COM_Rx"), round);
-            EXPECT_EQ(link.Count("---UART_Init"), 2 * round);
+            Sleep(1000);
+            EXPECT_TRUE(UART_DeInit());
+            EXPECT_EQ(link.TakeLog(),
+                      "+++UART_Init\n+++COM_Init\n---COM_Init\n---UART_Init\n"
+                      "+++ThreadProc_COM_Rx\n+++UART_Init\n---UART_Init\n" +
+                          kVolumeLine + "\n---ThreadProc_COM_Rx");
+            EXPECT_EQ(std::exchange(link.received_by_dvr, {}), Hex(kOpeningQueries));
         }
     });
-    EXPECT_EQ(link.received_by_dvr, Hex(kOpeningQueries + kOpeningQueries));
 }
 
 // An empty read takes 100 ms and a failed one no time; a pause of 1 ms follows either. A stop takes
@@ -71,6 +50,9 @@ TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
         DWORD milliseconds;
         double reads;
     } rows[] = {{"silent", 101000, 1000}, {"dead", 1000, 1000}, {"flooded", 500, 23040}};
+    std::string flood;
+    for (int reports = 0; reports < 4000; ++reports)
+        flood += kVolume;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         LinkFixture link;
@@ -80,7 +62,7 @@ TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
             if (*row.line == 'd') {
                 EXPECT_TRUE(CloseHandle(g_hComPort));
             } else if (*row.line == 'f') {
-                kernel::After(100ms, [&] { link.line->Send(Hex(Repeat(4000, kVolume))); });
+                kernel::After(100ms, [&] { link.line->Send(Hex(flood)); });
             }
             Sleep(101);  // the current read ends
             const std::uint64_t before = kernel::CallCount("ReadFile");
@@ -99,9 +81,10 @@ TEST(Link, ReadsWithoutSpinningAndStopsAtOnce) {
 // The receive thread sends its queries while this one sends and the DVR sends: with a switch of
 // threads between any two calls, and once free running, for the sanitizers.
 TEST(Link, KeepsTheFramesOfTwoThreadsWhole) {
-    const Bytes frame = Hex("A55A 10 0012 0028" + Repeat(40, "22") + "0699");
-    const Bytes queries = Hex(kOpeningQueries + kOpeningQueries);
+    const Bytes frame = Hex("A55A 10 0012 0028" + std::string(80, '2') + "0699");
+    const std::string text(frame.begin(), frame.end());
     for (std::uint64_t seed = 0; seed <= 30; ++seed) {
+        SCOPED_TRACE(seed);
         LinkFixture link(seed == 0
                              ? kernel::Options{.mode = kernel::Mode::kFreeRunning, .speed = 50.0}
                              : kernel::Options{.seed = seed, .preempt = true});
@@ -121,27 +104,20 @@ TEST(Link, KeepsTheFramesOfTwoThreadsWhole) {
             EXPECT_EQ(g_bReceiveRunning, FALSE);
         });
         link.platform.RunFor(1s);
-        Bytes& wire = link.received_by_dvr;
+        std::string wire(link.received_by_dvr.begin(), link.received_by_dvr.end());
         int whole = 0;
-        for (auto at = wire.begin();; ++whole) {
-            at = std::search(at, wire.end(), frame.begin(), frame.end());
-            if (at == wire.end())
-                break;
-            at = wire.erase(at, at + static_cast<std::ptrdiff_t>(frame.size()));
-        }
-        EXPECT_EQ(whole, 20) << "seed " << seed;
-        EXPECT_EQ(wire, queries) << "seed " << seed;
-        EXPECT_EQ(link.Count("---ThreadProc_COM_Rx"), 2) << "seed " << seed;
+        for (std::size_t at; (at = wire.find(text)) != wire.npos; ++whole)
+            wire.erase(at, text.size());
+        EXPECT_EQ(whole, 20);
+        EXPECT_EQ(Bytes(wire.begin(), wire.end()), Hex(kOpeningQueries + kOpeningQueries));
+        EXPECT_EQ(link.Count("---ThreadProc_COM_Rx"), 2);
     }
 }
 
 // One call fails while the link starts or stops. Without the port there is no link, without the
 // thread the link still sends.
 TEST(Link, StartsWithoutWhatFails) {
-    const struct {
-        const char* call;
-        std::string failures;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"CreateFileW", "COM_Init, CreateFile"},
         {"GetCommState", "COM_Init, GetCommState"},
         {"SetCommState", "COM_Init, SetCommState"},
@@ -149,24 +125,23 @@ TEST(Link, StartsWithoutWhatFails) {
         {"CreateThread", "UART_Init, CreateThread"},
         {"CloseHandle", "UART_DeInit, COM_DeInit"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.call);
-        const std::string call = row.call;
-        const bool port = call == "CreateThread" || call == "CloseHandle";
+    for (const auto& [call, where] : rows) {
+        SCOPED_TRACE(call);
+        const bool closing = call == "CloseHandle";
+        const bool port = closing || call == "CreateThread";
         LinkFixture link;
-        // Of the thread and of the port.
-        link.platform.AllowHandles(call == "CloseHandle" ? 2 : 0);
+        link.platform.AllowHandles(closing ? 2 : 0);  // of the thread and of the port
         ASSERT_EQ(kernel::AddCallFault({.call = call, .times = 2, .error = 1234}), "");
         link.platform.Run([&] {
             EXPECT_EQ(UART_Init(), port);
-            EXPECT_EQ(g_bReceiveRunning, call == "CloseHandle");
+            EXPECT_EQ(g_bReceiveRunning, closing);
             EXPECT_EQ(g_hComPort != nullptr, port);
             EXPECT_NE(g_pSendLock.load(), nullptr) << "the locks stay until the stop";
             UART_DeInit();
             EXPECT_EQ(g_pSendLock.load(), nullptr);
         });
         const std::string error = "() fail!!!, ErrorCode(1234), UART.cpp(#)";
-        EXPECT_EQ(link.Count("\t" + row.failures + error), 1);
+        EXPECT_EQ(link.Count("\t" + where + error), 1);
         EXPECT_EQ(link.Count("\tUART_Init, COM_Init" + error), port ? 0 : 1);
         EXPECT_EQ(link.Count("---COM_Init") + link.Count("---UART_Init"), 2);
     }

@@ -7,8 +7,9 @@
 
 #include "platform/gdi/surface.h"
 #include "platform/kernel/scheduler.h"
-#include "tests/campaign/case.h"
+#include "tests/campaign/campaign.h"
 #include "tests/support/numbers.h"
+#include "tests/support/progress.h"
 #include "unit/events/event_text.h"
 
 namespace tests {
@@ -50,9 +51,8 @@ ThreadTraces WholeUpdate(std::uint32_t schedule) {
                 by_thread[kernel::CurrentThread().id].push_back(unit::EventLine(timed.event));
         });
         CarDriver driver(run);
-        EXPECT_EQ(
-            campaign::RunFlow(*campaign::Named("flow", "quick", campaign::Flows()), run, driver),
-            CarDriver::End::kSuccess);
+        EXPECT_EQ(campaign::RunFlow(*campaign::Named("quick", campaign::Flows()), run, driver),
+                  CarDriver::End::kSuccess);
         run.Close();
     }
     ThreadTraces traces;
@@ -66,10 +66,12 @@ std::string FirstDifference(const ThreadTraces& usual, const ThreadTraces& other
     if (usual.size() != other.size())
         return "another number of threads";
     for (std::size_t thread = 0; thread < usual.size(); ++thread) {
-        const auto [a, b] = std::ranges::mismatch(usual[thread], other[thread]);
-        if (a != usual[thread].end() || b != other[thread].end())
-            return "usual: " + (a == usual[thread].end() ? "nothing more" : *a) +
-                   "\nnow:   " + (b == other[thread].end() ? "nothing more" : *b);
+        std::vector<std::string> a = usual[thread], b = other[thread];
+        a.push_back("nothing more");
+        b.push_back("nothing more");
+        const auto [usually, now] = std::ranges::mismatch(a, b);
+        if (usually != a.end() && now != b.end())
+            return "usual: " + *usually + "\nnow:   " + *now;
     }
     return {};
 }
@@ -85,9 +87,12 @@ TEST_P(Schedules, ChangeOnlyTheOrderBetweenThreads) {
     const std::uint64_t count = NumberFrom("TOLVANE_SCHEDULES", kSchedules) / kParts;
     const std::uint64_t first = NumberFrom("TOLVANE_SCHEDULES_SEED", 1) + GetParam() * count;
     const ThreadTraces usual = WholeUpdate(0);
-    for (std::uint64_t schedule = first; schedule < first + count; ++schedule)
-        ASSERT_EQ(FirstDifference(usual, WholeUpdate(static_cast<std::uint32_t>(schedule))), "")
-            << "schedule " << schedule;
+    for (std::uint64_t schedule = first; schedule < first + count; ++schedule) {
+        const std::string difference =
+            FirstDifference(usual, WholeUpdate(static_cast<std::uint32_t>(schedule)));
+        ReportProgress(1, difference.empty() ? 0 : 1);
+        ASSERT_EQ(difference, "") << "schedule " << schedule;
+    }
     std::cout << count << " schedules from " << first << ": no difference in " << usual.size()
               << " threads\n";
 }

@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "platform/kernel/call_faults.h"
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "res/resource.h"
@@ -51,22 +52,19 @@ class Frame : public CFrameWindowImpl<Frame> {
     LRESULT OnCommand(WORD code, WORD id, HWND, BOOL&) { return code * 100 + id; }
 };
 
-class FrameTest : public testing::Test {
-  protected:
-    void Run(const std::function<void()>& body) {
-        std::string problem;
-        ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\test.exe", problem));
-        OnPlatform([&] {
-            _Module.Init(platform::resource::ModuleInstance());
-            body();
-            _Module.Term();
-        });
-    }
-    Frame frame;
-};
+void InModule(const std::function<void(Frame&)>& body) {
+    std::string problem;
+    ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\test.exe", problem));
+    OnPlatform([&] {
+        _Module.Init(platform::resource::ModuleInstance());
+        Frame frame;
+        body(frame);
+        _Module.Term();
+    });
+}
 
-TEST_F(FrameTest, EndsItsLoopAndLetsGoOfTheWindow) {
-    Run([&] {
+TEST(Frame, EndsItsLoopAndLetsGoOfTheWindow) {
+    InModule([](Frame& frame) {
         ASSERT_NE(frame.CreateEx(), nullptr);
         EXPECT_EQ(SendMessageW(frame, WM_COMMAND, MAKEWPARAM(12, 3), 0), 312);
         EXPECT_EQ(frame.Ask(), 1);
@@ -79,7 +77,15 @@ TEST_F(FrameTest, EndsItsLoopAndLetsGoOfTheWindow) {
         };
         frame.Ask();
         EXPECT_TRUE(!frame.m_hWnd && frame.final_messages == 1);
-        EXPECT_EQ(CMessageLoop().Run(), 0);
+        CMessageLoop loop, other;
+        EXPECT_EQ(loop.Run(), 0);
+        // A call that fails does not end the loop.
+        platform::kernel::AddCallFault({.call = "GetMessageW"});
+        PostQuitMessage(7);
+        EXPECT_EQ(loop.Run(), 7);
+        EXPECT_TRUE(_Module.AddMessageLoop(&loop));
+        EXPECT_FALSE(_Module.AddMessageLoop(&other)) << "a thread has one";
+        EXPECT_TRUE(_Module.RemoveMessageLoop());
 
         // The object serves for a window more than once.
         frame.on_ask = [] {};
@@ -90,8 +96,8 @@ TEST_F(FrameTest, EndsItsLoopAndLetsGoOfTheWindow) {
     });
 }
 
-TEST_F(FrameTest, CreatedWithinAnothersCreationFindsItsOwnObject) {
-    Run([&] {
+TEST(Frame, CreatedWithinAnothersCreationFindsItsOwnObject) {
+    InModule([](Frame& frame) {
         Frame inner, refusing;
         inner.first_handles = false;
         refusing.on_create = [] { return -1; };
@@ -110,8 +116,8 @@ TEST_F(FrameTest, CreatedWithinAnothersCreationFindsItsOwnObject) {
     });
 }
 
-TEST_F(FrameTest, GoneBeforeItsWindowLeavesTheWindowAlone) {
-    Run([] {
+TEST(Frame, GoneBeforeItsWindowLeavesTheWindowAlone) {
+    InModule([](Frame&) {
         auto gone = std::make_unique<Frame>();
         const HWND window = gone->CreateEx();
         gone.reset();

@@ -4,7 +4,6 @@ namespace tests {
 namespace {
 
 constexpr COLORREF kRed = RGB(255, 0, 0);
-constexpr COLORREF kMagenta = RGB(255, 0, 255);
 
 class Blits : public testing::Test {
   protected:
@@ -91,17 +90,19 @@ TEST_F(Blits, FillsAreClippedAndSystemColoursAreBrushes) {
     canvas.FillWith(RGB(0, 0, 0), {-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 1});
     EXPECT_EQ(canvas.At(99, 0), 0u);
     EXPECT_EQ(canvas.At(99, 1), 0xFFFFFFu);
+    EXPECT_EQ(canvas.drawn, 2);
 }
 
 TEST_F(Blits, TransparentPixelsKeepPixelsAndTextsBelow) {
+    constexpr COLORREF kKey = RGB(1, 2, 3);
     Canvas image(8, 8);
-    image.FillWith(kMagenta);
+    image.FillWith(kKey);
     image.FillWith(kRed, {2, 2, 6, 6});
     canvas.FillWith(RGB(0, 0, 255));
     canvas.UseFont({1, 4, 500});
     canvas.Draw(L"国", {12, 12, 16, 16});
     const auto paint = [&] {
-        EXPECT_TRUE(TransparentImage(canvas.dc, 10, 10, 8, 8, image.dc, 0, 0, 8, 8, kMagenta));
+        EXPECT_TRUE(TransparentImage(canvas.dc, 10, 10, 8, 8, image.dc, 0, 0, 8, 8, kKey));
     };
     paint();
     for (int y = 0; y < 8; ++y)
@@ -112,17 +113,6 @@ TEST_F(Blits, TransparentPixelsKeepPixelsAndTextsBelow) {
     image.FillWith(kRed);
     paint();
     EXPECT_EQ(canvas.Texts(), Strings{});
-}
-
-TEST_F(Blits, DrawingIsReportedToTheWindowWithoutALock) {
-    bool reported = false;
-    const HDC dc = gdi::CreateWindowDC(canvas.surface, {0, 0, 10, 10}, [&] {
-        const auto lock = gdi::LockGdi();
-        reported = true;
-    });
-    BitBlt(dc, 0, 0, 5, 5, canvas.dc, 0, 0, SRCCOPY);
-    EXPECT_TRUE(reported);
-    EXPECT_TRUE(gdi::DestroyWindowDC(dc));
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 #include <string_view>
+#include <utility>
 
-#include "platform/gdi/drawing_object.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/surface.h"
 #include "tests/support/platform_test.h"
@@ -35,15 +35,18 @@ class Canvas {
   public:
     Canvas(int width, int height)
         : surface(std::make_shared<gdi::Surface>(width, height)),
-          dc(gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] { ++drawn; })) {
+          dc(gdi::CreateWindowDC(surface, {0, 0, width, height}, [this] {
+              const auto lock = gdi::LockGdi();  // not held by the caller
+              ++drawn;
+          })) {
         SetBkMode(dc, TRANSPARENT);
         SetTextColor(dc, RGB(255, 255, 255));
     }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
     ~Canvas() {
-        DeleteObject(SelectObject(dc, StockFont()));
         gdi::DestroyWindowDC(dc);
+        DeleteObject(font_);
     }
 
     std::uint32_t At(int x, int y) const { return surface->row(y)[x]; }
@@ -57,7 +60,9 @@ class Canvas {
     }
 
     void UseFont(const FontSize& size, std::wstring_view face = L"Arial") {
-        DeleteObject(SelectObject(dc, MakeFont(size, face)));
+        const HFONT font = MakeFont(size, face);
+        SelectObject(dc, font);
+        DeleteObject(std::exchange(font_, font));
     }
     int Draw(const std::wstring& text, RECT rectangle, UINT format = 0) {
         return DrawTextW(dc, text.c_str(), -1, &rectangle, format);
@@ -92,10 +97,7 @@ class Canvas {
     HDC dc;
 
   private:
-    static HGDIOBJ StockFont() {
-        const auto lock = gdi::LockGdi();
-        return gdi::StockFont();
-    }
+    HFONT font_ = nullptr;
 };
 
 }  // namespace tests

@@ -2,6 +2,9 @@
 #include <fstream>
 
 #include "platform/gdi/font_files.h"
+#include "platform/resource/module.h"
+#include "res/program_resources.h"
+#include "res/resource.h"
 #include "tests/gdi/canvas.h"
 
 namespace tests {
@@ -15,21 +18,16 @@ PLATFORM_TEST(Objects, InvalidHandlesAreErrors) {
     EXPECT_TRUE(DeleteObject(stale_brush));
     const HDC dc = CreateCompatibleDC(nullptr);
     const HBRUSH brush = CreateSolidBrush(0);
-    for (const HDC bad : {stale_dc, reinterpret_cast<HDC>(brush), HDC(INT_PTR{-1})}) {
-        const std::function<bool()> calls[] = {
-            [=] { return DeleteDC(bad); }, [=] { return gdi::DestroyWindowDC(bad); },
-            [=] { return BitBlt(dc, 0, 0, 1, 1, bad, 0, 0, SRCCOPY); },
-            [=] { return TransparentImage(dc, 0, 0, 1, 1, bad, 0, 0, 1, 1, 0); }};
-        for (const auto& call : calls)
-            ExpectFails(ERROR_INVALID_HANDLE, call);
-    }
-    for (const HGDIOBJ bad : {HGDIOBJ{stale_brush}, HGDIOBJ{dc}, HGDIOBJ(INT_PTR{-1})}) {
-        const std::function<bool()> calls[] = {
-            [=] { return DeleteObject(bad); }, [=] { return SelectObject(dc, bad); },
-            [&] { return FillRect(dc, &dot, static_cast<HBRUSH>(bad)); }};
-        for (const auto& call : calls)
-            ExpectFails(ERROR_INVALID_HANDLE, call);
-    }
+    const auto expect_invalid = [](auto... results) {
+        (ExpectFails(ERROR_INVALID_HANDLE, results), ...);
+    };
+    for (const HDC bad : {stale_dc, HDC(brush), HDC(INT_PTR{-1})})
+        expect_invalid([=] { return DeleteDC(bad); }, [=] { return gdi::DestroyWindowDC(bad); },
+                       [=] { return BitBlt(dc, 0, 0, 1, 1, bad, 0, 0, SRCCOPY); },
+                       [=] { return TransparentImage(dc, 0, 0, 1, 1, bad, 0, 0, 1, 1, 0); });
+    for (const HGDIOBJ bad : {HGDIOBJ{stale_brush}, HGDIOBJ{dc}, HGDIOBJ(INT_PTR{-1})})
+        expect_invalid([=] { return DeleteObject(bad); }, [=] { return SelectObject(dc, bad); },
+                       [=] { return FillRect(dc, &dot, HBRUSH(bad)); });
     gdi::Shutdown();
     ExpectFails(ERROR_INVALID_HANDLE, [=] { return DeleteDC(dc) || DeleteObject(brush); });
     // Drawing works again.
@@ -67,25 +65,45 @@ PLATFORM_TEST(Objects, SelectedObjectCannotBeDeleted) {
     ExpectFails(ERROR_INVALID_PARAMETER, [&] { return make(-1); });
 }
 
+PLATFORM_TEST(Images, LoadOrFailWithTheLastErrorOfTheResource) {
+    std::string problem;
+    ASSERT_TRUE(platform::resource::SetModule(res::ProgramResources(), L"\\Tolvane.exe", problem));
+    const auto expect = [](DWORD error, WORD id, UINT type, int width = 0, UINT flags = 0,
+                           HINSTANCE module = nullptr) {
+        SCOPED_TRACE(testing::Message() << id << ' ' << type << ' ' << width << ' ' << flags);
+        ExpectFails(
+            error, [&] { return LoadImageW(module, MAKEINTRESOURCEW(id), type, width, 0, flags); });
+    };
+    expect(ERROR_RESOURCE_NAME_NOT_FOUND, 999, IMAGE_BITMAP);
+    expect(ERROR_RESOURCE_NAME_NOT_FOUND, 999, IMAGE_ICON);
+    expect(ERROR_INVALID_HANDLE, IDB_CLOSE, IMAGE_BITMAP, 0, 0, HINSTANCE(0x1234));
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_BITMAP, 10);
+    expect(ERROR_INVALID_PARAMETER, IDB_CLOSE, IMAGE_BITMAP, -1);
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_BITMAP, 0, LR_LOADFROMFILE);
+    expect(ERROR_NOT_SUPPORTED, IDB_CLOSE, IMAGE_CURSOR);
+    EXPECT_EQ(gdi::DrawingObjectCount(), 0u);
+    EXPECT_NE(LoadImageW(nullptr, MAKEINTRESOURCEW(IDR_MAINFRAME), IMAGE_ICON, 16, 16, 0), nullptr);
+    EXPECT_EQ(gdi::IconCount(), 1u);
+    gdi::EndProgram();
+    EXPECT_EQ(gdi::IconCount(), 0u);
+}
+
 TEST(Fonts, AMissingFontFileIsNamedWithItsPackage) {
     namespace fs = std::filesystem;
     const fs::path directory = fs::path(testing::TempDir()) / "fonts";
     fs::create_directories(directory / "below");
     std::map<gdi::Typeface, fs::path> files;
     std::string problem;
-    const auto found = [&] { return gdi::FindFontFiles(directory, files, problem); };
-    EXPECT_FALSE(found());
     for (const char* name : {"LiberationSans-Regular.ttf", "LiberationSans-Bold.ttf",
-                             "LiberationMono-Regular.ttf", "LiberationMono-Bold.ttf"})
+                             "LiberationMono-Regular.ttf", "LiberationMono-Bold.ttf", "ipag.ttf"}) {
+        EXPECT_FALSE(gdi::FindFontFiles(directory, files, problem));
+        EXPECT_NE(problem.find(name), std::string::npos) << problem;
         std::ofstream(directory / "below" / name) << "";
-    EXPECT_FALSE(found());
-    EXPECT_NE(problem.find("ipag.ttf"), std::string::npos);
+    }
     EXPECT_NE(problem.find("fonts-ipafont-gothic"), std::string::npos);
     EXPECT_EQ(problem.find('\n'), std::string::npos);
-    std::ofstream(directory / "ipag.ttf") << "";
-    EXPECT_TRUE(found());
+    EXPECT_TRUE(gdi::FindFontFiles(directory, files, problem));
     fs::remove_all(directory);
-    EXPECT_FALSE(found());
     EXPECT_TRUE(gdi::CheckFonts(problem)) << problem;
 }
 

@@ -1,6 +1,11 @@
 #include <random>
+#include <regex>
+#include <set>
 
+#include "platform/kernel/text.h"
 #include "tests/gdi/canvas.h"
+#include "tests/model/wizard_tables.h"
+#include "tests/support/cases.h"
 
 namespace tests {
 namespace {
@@ -26,6 +31,43 @@ TEST_F(Text, AFullWidthCharacterIsTwiceTheWidthAndOnePixelMoreWhenBold) {
             EXPECT_EQ(canvas.WidthOf(text), full_width * int(text.size()))
                 << size.width << " " << size.weight;
     }
+}
+
+TEST_F(Text, ALinesHeightHoldsItsInk) {
+    const std::pair<FontSize, std::wstring> cases[] = {{{9, 26, 500}, L"\"gp_card\" 100%"},
+                                                       {{10, 36, 600}, L"<<Update>>"},
+                                                       {{12, 40, 500}, L"電源を切らないで下さい。"},
+                                                       {{22, 44, 600}, L"「DVR用SDカード」"}};
+    for (const auto& [size, text] : cases) {
+        canvas.UseFont(size);
+        const auto ink = [&, height = size.height, text = text](UINT format) {
+            canvas.FillWith(RGB(0, 0, 0));
+            canvas.Draw(text, {0, 100, 800, 100 + height}, DT_CENTER | format);
+            return canvas.InkBox();
+        };
+        const RECT clipped = ink(0);
+        const RECT whole = ink(DT_NOCLIP);
+        EXPECT_TRUE(EqualRect(&clipped, &whole)) << testing::PrintToString(text);
+    }
+}
+
+TEST_F(Text, EveryCharacterOfTheWizardHasAGlyph) {
+    std::wstring texts;
+    const auto add = [&](const wchar_t* text) { texts += text ? text : L""; };
+    for (const auto& control : model::Controls())
+        add(control.text);
+    for (const auto& screen : model::Screens()) {
+        std::ranges::for_each(screen.lines, add);
+        std::ranges::for_each(screen.others, add, &model::Setting::text);
+    }
+    const auto picture = [&](wchar_t character) {
+        canvas.FillWith(RGB(0, 0, 0));
+        canvas.Draw({character}, {0, 0, 40, 40}, DT_NOPREFIX);
+        return canvas.AllPixels();
+    };
+    const auto missing = picture(wchar_t{0x10FFFD});
+    for (const wchar_t character : std::set(texts.begin(), texts.end()))
+        EXPECT_NE(picture(character), missing) << std::hex << unsigned(character);
 }
 
 TEST_F(Text, PlacesTheTextAsTheFormatSays) {
@@ -74,35 +116,67 @@ TEST_F(Text, InvalidArgumentsAreErrors) {
     EXPECT_EQ(canvas.drawn, 0);
 }
 
-TEST_F(Text, CacheOfManyTextsKeepsWidths) {
+TEST_F(Text, IsShapedOnceAndKeepsItsWidth) {
     const int width = canvas.WidthOf(L"Update Percent : 7%");
-    for (int i = 0; i < 1000; ++i)
-        canvas.Draw(L"国" + std::to_wstring(i % 500), {0, 0, 400, 26});
+    const auto shaped_by_drawing = [&](int texts) {
+        const std::size_t before = gdi::ShapedLineCount();
+        for (int number = 0; number < texts; ++number)
+            canvas.Draw(L"国" + std::to_wstring(number), {0, 0, 400, 26});
+        return gdi::ShapedLineCount() - before;
+    };
+    EXPECT_EQ(shaped_by_drawing(40), 40U);
+    EXPECT_EQ(shaped_by_drawing(40), 0U);
+    shaped_by_drawing(500);
     EXPECT_EQ(canvas.WidthOf(L"Update Percent : 7%"), width);
 }
 
-// Controls, combining marks, right-to-left scripts, halves of pairs, and what is no character.
+// Short and long code points alike: controls, combining marks, right-to-left scripts, halves of
+// pairs, and what is no character.
 TEST_F(Text, AnyTextIsMeasuredAndDrawn) {
-    constexpr std::pair<int, int> kRanges[] = {
-        {-2, 0x24F},      {0x300, 0x36F},     {0x5D0, 0x6FF},      {0x900, 0xE7F},
-        {0x2000, 0x206F}, {0x3000, 0x30FF},   {0x4E00, 0x4F00},    {0xD7F0, 0xE010},
-        {0xFE00, 0xFFFF}, {0x1F300, 0x1F700}, {0x10FFF0, 0x110010}};
     std::mt19937 random(1);
-    const auto below = [&](std::size_t limit) { return int(random() % limit); };
     canvas.UseFont({9, 26, 600});
     for (int round = 0; round < 300; ++round) {
         std::wstring text;
-        for (int length = 1 + below(30); length > 0; --length) {
-            const auto [first, last] = kRanges[below(std::size(kRanges))];
-            text += wchar_t(first + below(std::size_t(last - first)));
-        }
-        RECT rectangle{0, 0, below(300), 480};
-        const int count = int(text.size());
+        for (auto length = 1 + random() % 30; length > 0; --length)
+            text += static_cast<wchar_t>(random() >> (10 + random() % 15));
+        RECT rectangle{0, 0, static_cast<LONG>(random() % 300), 480};
+        const int count = static_cast<int>(text.size());
         const int height = DrawTextW(canvas.dc, text.c_str(), count, &rectangle, DT_WORDBREAK);
         EXPECT_TRUE(height >= 0 && height % 26 == 0) << height;
         const int width = canvas.WidthOf(text);
         EXPECT_TRUE(width >= 0 && width <= count * 60) << width;
     }
+}
+
+// Ten pixels a full-width character, five a half-width one.
+Pixels Picture(const std::wstring& text, int width, UINT format) {
+    Canvas canvas(400, 200);
+    canvas.UseFont({5, 20, 500}, L"Courier New");
+    canvas.Draw(text, {0, 0, width, 200}, format | DT_NOCLIP);
+    return canvas.AllPixels();
+}
+
+void ExpectBroken(const std::wstring& text, int width, const std::wstring& lines) {
+    EXPECT_TRUE(Picture(text, width, DT_WORDBREAK) == Picture(lines, 400, 0))
+        << testing::PrintToString(text);
+}
+
+// The text between the first and the last bracket, with line ends for those between.
+std::wstring Unbracketed(const std::string& text) {
+    const std::size_t first = text.find('[') + 1;
+    const std::string inner = text.substr(first, text.rfind(']') - first);
+    return kernel::FromUtf8(std::regex_replace(inner, std::regex("\\]\\["), "\n"));
+}
+
+PLATFORM_TEST(LineBreak, ComesWhereAReaderExpectsIt) {
+    const auto cases = CasesFrom(GDI_CASES "/line-breaks.txt");
+    ASSERT_FALSE(cases.empty());
+    for (const auto& [text, lines] : cases)
+        ExpectBroken(Unbracketed(text), std::stoi(text), Unbracketed(lines));
+    for (const wchar_t mark :
+         std::wstring(L"、。，．・：；？！゛゜ヽヾゝゞ々ー―…‥〜～）〕］｝〉》」』】’”°′″℃％"
+                      L"ぁぃぅぇぉっゃゅょゎァィゥェォッャュョヮヵヶ｡｣､･ｧｨｩｪｫｬｭｮｯｰﾞﾟ!),.:;?]}%"))
+        ExpectBroken(std::wstring(L"ああ") + mark, 20, std::wstring(L"あ\nあ") + mark);
 }
 
 }  // namespace

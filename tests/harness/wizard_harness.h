@@ -16,6 +16,7 @@
 #include "platform/kernel/scheduler.h"
 #include "platform/resource/module.h"
 #include "platform/window/screen.h"
+#include "tests/model/link_model.h"
 #include "tests/support/platform_fixture.h"
 #include "tests/support/recording_driver.h"
 #include "unit/line/memory_line.h"
@@ -24,14 +25,11 @@ namespace tests {
 
 using namespace std::chrono_literals;
 
-// The whole program, its real entry point included, between touches of the screen and a DVR whose
-// frames the test sends itself. All of it runs on the test's thread, which is the host thread.
-// Texts are UTF-8.
+// The whole program, its real entry point included, between its screen and a DVR whose frames the
+// test sends itself. All of it runs on the test's thread, which is the host thread. Texts are
+// UTF-8.
 class WizardHarness {
   public:
-    // The step while there is no main frame.
-    static constexpr int kNoFrame = -9;
-
     using Pace = unit::MemoryLine::Pace;
     explicit WizardHarness(const platform::kernel::Options& options = {},
                            Pace pace = Pace::kBaudRate);
@@ -48,40 +46,26 @@ class WizardHarness {
 
     // Removes the driver of that name ("COM9:").
     void Remove(const wchar_t* driver) { platform.board.drivers.erase(driver); }
-    void Hide(LPCWSTR type, WORD resource) {
-        platform::resource::Hide(type, MAKEINTRESOURCEW(resource));
-    }
 
     // Starts WinMain on a thread of its own.
     void Start(int show = SW_SHOWNORMAL);
-    // Starts, and runs the usual flow to that step; what was seen on the way is forgotten. Buttons
-    // then: -1 Power On, 0 Next, 4 Next, 5 and 6 the close button.
-    void GoTo(int step);
+    // Starts, and then puts the wizard at that step; the log of the start is forgotten.
+    void StartAt(int step);
 
     void RunFor(std::chrono::microseconds time) { platform.RunFor(time); }
     bool Until(const std::function<bool()>& condition, std::chrono::seconds limit);
 
-    // A tap on the button with that caption; false when there is none.
-    bool Tap(const std::string& caption);
-
-    // The DVR: bytes as they are, an indication, or the acknowledgement with its version.
+    // The DVR: bytes as they are, or an indication.
     using Bytes = std::vector<std::uint8_t>;
     void SendBytes(std::span<const std::uint8_t> bytes) { line_->Send(bytes); }
-    void Card(BYTE status) { Indicate(0x26, {status, 0}); }
-    void Running(BYTE state) { Indicate(0x10, {state}); }
-    void Percent(BYTE percent) { Indicate(0x2E, {percent}); }
-    void Version(std::string_view text);
-    void After(std::chrono::microseconds delay, std::function<void()> action) {
-        platform::kernel::After(delay, std::move(action));
-    }
+    void Card(BYTE status) { SendBytes(model::Frame(0x80, 0x26, Bytes{status, 0})); }
+    void Running(BYTE state) { SendBytes(model::Frame(0x80, 0x10, Bytes{state})); }
+    void Percent(BYTE percent) { SendBytes(model::Frame(0x80, 0x2E, Bytes{percent})); }
 
     // The unit: the power supply changes; another application posts to the wizard's window.
     void SetAcLine(BYTE status);
     void Post(UINT message, WPARAM wparam = 0, LPARAM lparam = 0);
-    // WM_XCOMMAND, as a button sends it.
-    void Command(UINT id) { Post(2024, id); }
 
-    int Step() const;
     bool Ended() const;
 
     // The screen now.
@@ -89,9 +73,8 @@ class WizardHarness {
     std::optional<platform::gdi::PlacedText> Find(const std::string& text) const;
     bool Shows(const std::string& text) const { return Find(text).has_value(); }
 
-    // The debug output since the last call, without prefix and line numbers: all lines, or those
-    // that hold `part`.
-    std::vector<std::string> TakeLog(std::string_view part = "");
+    // The debug output since the last call, without prefix and line numbers.
+    std::vector<std::string> TakeLog();
 
     // Closes the window and waits for the end.
     void Close() {
@@ -103,11 +86,11 @@ class WizardHarness {
     void ExpectExit(int code);
 
   private:
-    void Indicate(std::uint8_t command, const Bytes& payload);
     void Receive(std::span<const std::uint8_t> bytes);
 
     std::shared_ptr<unit::MemoryLine> line_;
-    Bytes from_program_;
+    model::FrameFinder from_program_;
+    std::size_t outside_frames_ = 0;  // bytes of the program
     std::shared_ptr<platform::kernel::Thread> program_;
     int exit_code_ = 0;
     int expected_exit_ = 0;

@@ -8,16 +8,9 @@
 
 namespace tests::model {
 
-// The events up to kNoise are bytes on the line.
 enum class Kind {
-    kRunning,
-    kCard,
-    kPercent,
-    kImage,
-    kVersion,
-    kReport,  // any other
-    kNoise,   // bytes that are no frame, or part of one
-    kPress,   // a, b: x, y
+    kBytes,  // on the line
+    kPress,  // a, b: x, y
     kRelease,
     kPost,    // a, b: a message that another application posts to the window, and its wParam
     kNotice,  // the same to the notice, if there is one
@@ -25,13 +18,9 @@ enum class Kind {
     kSupply,  // a, b: AC line and battery flag; a over 255: cannot be read
     kPaint,   // the whole window is invalid
     kHold,    // a: the percent, without a painting
-    kDriver,  // a: the driver, b: its error from now on
+    kDriver,  // a, b: one of the world's answers, and the error from now on
     kPass,    // only time passes
-    kClose,   // a, b: the message that closes, and its wParam
-    kCount
 };
-
-const char* NameOf(Kind kind);
 
 struct Event {
     // Since the previous event; 0: 300 us.
@@ -48,6 +37,19 @@ struct Sequence {
     std::vector<Event> events;
 };
 // One event a line.
-std::string ToText(const Sequence& sequence);
+inline std::string ToText(const Sequence& sequence) {
+    constexpr const char* kNames[] = {"bytes",  "press", "release", "post",   "notice", "power",
+                                      "supply", "paint", "hold",    "driver", "pass"};
+    std::string text = Text("start %d ac %d link %d\n", sequence.start_milliseconds,
+                            sequence.world.ac_line, sequence.world.has_link ? 1 : 0);
+    for (const auto& [milliseconds, kind, a, b, bytes] : sequence.events) {
+        text += Text("%d %s %ju %ju ", milliseconds, kNames[static_cast<std::size_t>(kind)],
+                     std::uintmax_t{a}, std::uintmax_t{b});
+        for (const unsigned byte : bytes)
+            text += Text("%02X", byte);
+        text += "\n";
+    }
+    return text;
+}
 
 }  // namespace tests::model

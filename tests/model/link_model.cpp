@@ -33,10 +33,8 @@ unsigned SumOf(std::span<const std::uint8_t> bytes) {
 }
 
 std::string PayloadText(const Report& report, std::size_t from) {
-    std::string text;
-    for (std::size_t at = from; at < report.payload.size() && report.payload[at] != 0; ++at)
-        text += static_cast<char>(report.payload[at]);
-    return text;
+    const auto begin = report.payload.begin() + static_cast<std::ptrdiff_t>(from);
+    return {begin, std::find(begin, report.payload.end(), 0)};
 }
 
 // The number in two characters; the first that is not a digit ends it.
@@ -145,20 +143,19 @@ std::optional<Report> FrameFinder::Add(std::uint8_t byte) {
                   Bytes(whole.begin() + kHeader, whole.begin() + std::ptrdiff_t(end))};
 }
 
-std::string HandlerLog(const Report& report, bool has_frame) {
+std::vector<std::string> HandlerLines(const Report& report, bool has_frame) {
     const bool ack = report.type == 0x20;
     const unsigned number = report.command & ~kQuery;
     if ((!ack && report.type != 0x80) || number < kFirstCommand ||
         number >= kFirstCommand + std::size(kCommands))
         return {};
-    const std::string begin =
-        Text("[Tolvane.exe] \t%s_%s, ", kCommands[number - kFirstCommand], ack ? "ACK" : "IND");
-    std::string log;
+    std::vector<std::string> lines = DecodedLines(number, ack, report, has_frame);
     if (HasCommandLine(number, ack))
-        log += begin + Text("(0x%04X)%s\r\n", report.command, report.query() ? ", Query" : "");
-    for (const std::string& line : DecodedLines(number, ack, report, has_frame))
-        log += begin + line + "\r\n";
-    return log;
+        lines.insert(lines.begin(),
+                     Text("(0x%04X)%s", report.command, report.query() ? ", Query" : ""));
+    for (std::string& line : lines)
+        line = Text("\t%s_%s, ", kCommands[number - kFirstCommand], ack ? "ACK" : "IND") + line;
+    return lines;
 }
 
 std::string HandlerLog(std::span<const std::uint8_t> bytes) {
@@ -166,7 +163,8 @@ std::string HandlerLog(std::span<const std::uint8_t> bytes) {
     std::string log;
     for (const std::uint8_t byte : bytes)
         if (const auto report = finder.Add(byte))
-            log += HandlerLog(*report, false);
+            for (const std::string& line : HandlerLines(*report, false))
+                log += "[Tolvane.exe] " + line + "\r\n";
     return log;
 }
 

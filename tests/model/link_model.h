@@ -51,10 +51,10 @@ class FrameFinder {
     Bytes pending_;  // empty, or the possible beginning of a frame
 };
 
-// What the link's handlers log for a report, with line ends; `has_frame`: there is a main frame to
-// report to.
-std::string HandlerLog(const Report& report, bool has_frame);
-// The same for all reports in the bytes, without a main frame.
+// The lines that the link's handlers log for a report; `has_frame`: there is a main frame to report
+// to.
+std::vector<std::string> HandlerLines(const Report& report, bool has_frame);
+// The debug output for all reports in the bytes, without a main frame.
 std::string HandlerLog(std::span<const std::uint8_t> bytes);
 
 }  // namespace tests::model

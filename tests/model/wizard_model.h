@@ -1,111 +1,74 @@
 #pragma once
 
-#include <array>
-#include <chrono>
-#include <cstdint>
+#include <algorithm>
 #include <deque>
-#include <map>
+#include <functional>
+#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "tests/model/link_model.h"
-#include "tests/model/wizard_tables.h"
+#include "tests/model/wizard_state.h"
 
 namespace tests::model {
 
-using Time = std::chrono::microseconds;
-
-// The wizard's environment.
-struct World {
-    // 0, or the error with which a driver refuses an open or a request.
-    unsigned reset_open = 0, reset_request = 0;    // "DVR1:"
-    unsigned scaler_open = 0, scaler_request = 0;  // "SCA0:"
-    unsigned hal = 0;
-    bool has_link = true;  // "COM9:"
-    std::uint8_t ac_line = 1;
-};
-
-// What is compared.
-// clang-format off
-enum Channel {
-    kLog, kFrames, kResetRequests, kResetOpens, kScalerRequests, kScalerOpens, kHalCodes,
-    kPowerStates, kView, kChannels
-};
-// Window messages. The power message stands for the registered one.
-enum Message : unsigned {
-    kCloseMessage = 0x10, kMenuMessage = 0x111, kTimerMessage = 0x113, kCommandMessage = 2024,
-    kPowerMessage = 0xC000
-};
-// clang-format on
-// By channel: the output since the last comparison, failed opens included, and the state now.
-using Output = std::array<std::string, kChannels>;
-
-// The wizard's state as text, without its screen.
-std::string ViewText(int step, int percent, int image_version, int running_state,
-                     const std::string& dvr_version, const std::map<std::uint64_t, Time>& timers,
-                     bool notice_up);
-
-// A text on the screen, and the rectangle that holds its middle.
-struct Shown {
-    std::wstring text;
-    unsigned color;
-    long left, top, right, bottom;
-};
-
 // The reference model of the wizard: the window's thread with its messages, timers and waits, and
 // the receive thread. Events come at the model's current time.
-class WizardModel {
+class WizardModel : public WizardState {
   public:
-    WizardModel(const World& environment, Time start);
-
-    World world;
-    Output output;
+    WizardModel(const World& environment, Time start)
+        : WizardState(environment, start), reading_since_(start) {
+        if (world.has_link)
+            for (const int query : {0x8010, 0x8011, 0x802E, 0x8026})
+                Send(query);
+        Arm100(kCardOutTimer);
+        // A wizard that starts without supply shows the offline screen at once.
+        if (ac_line_ == 0)
+            GoOffline();
+        RunThread();
+    }
 
     // Lets time pass, with all timers and ends of waits until then.
-    void RunTo(Time time);
-    Time now() const { return now_; }
+    void RunTo(Time time) {
+        while (!closed_ && NextDeadline() <= time) {
+            now_ = std::max(now_, NextDeadline());
+            RunThread();
+        }
+        now_ = time;
+    }
     // The next timer or end of a wait; never before now().
-    Time NextDeadline() const;
+    Time NextDeadline() const {
+        if (busy())
+            return stack_.back().wake;
+        const auto next = std::ranges::min_element(timers_, {}, &TimerState::due);
+        return next == timers_.end() ? Time::max() : next->due;
+    }
     // The start of the receive thread's current read.
     Time reading_since() const { return reading_since_; }
 
     // Events. Call Settle() after all events of one time.
-    void Receive(std::span<const std::uint8_t> bytes);
+    void Receive(std::span<const std::uint8_t> bytes) {
+        if (!world.has_link || closed_)
+            return;
+        receiving_ = true;
+        for (const std::uint8_t byte : bytes)
+            if (const auto report = finder_.Add(byte))
+                OnReport(*report);
+        receiving_ = false;
+        reading_since_ = now_;
+    }
     void Touch(bool down, int x, int y) { touches_.push_back({down, x, y}); }
-    void Post(unsigned message, std::uint64_t wparam = 0, std::uint64_t lparam = 0);
-    void PostToNotice(unsigned message, std::uint64_t wparam);
-    void PostToAll(std::uint64_t wparam, std::uint64_t lparam);
-    void SupplyUnreadable();
-    void Invalidate() { main_.invalid = true; }
-    void SetPercent(int percent) { percent_ = static_cast<std::uint8_t>(percent); }
     void Settle() { RunThread(); }
 
-    std::string View() const;
-    std::vector<Shown> screen() const;
-    // At the place of the close button: X, pressed x, or the background, black b or the key colour
-    // k.
-    char close_place() const { return main_.close_place; }
-    int step() const { return step_; }
-    bool closed() const { return closed_; }
-    bool ac_offline() const { return ac_line_ == 0; }
-    bool notice_up() const { return notice_.exists; }
     // The window's thread waits within a command.
-    bool busy() const { return !stack_.empty() && !AtNotice(); }
-    bool visible(Control control) const { return controls_[control].visible; }
+    bool busy() const { return !stack_.empty() && !stack_.back().at_notice; }
 
   private:
     enum class Trigger { kCommand, kTimer, kRunningState, kCard, kPower };
-    struct Activation;
-    // One operation of a rule: done at once, or a wait.
+    // One operation of a rule.
     struct Op {
-        using Act = void (WizardModel::*)(int);
-        using Wait = bool (WizardModel::*)(Activation&);
-        Op(Act what, int with = 0) : act(what), value(with) {}
-        Op(Wait what) : wait(what) {}
-        Act act = nullptr;
+        void (WizardModel::*act)(int);
         int value = 0;
-        Wait wait = nullptr;  // false while it waits
     };
     // What an event does; the first rule that fits counts.
     struct Rule {
@@ -116,140 +79,362 @@ class WizardModel {
         std::vector<Op> ops;
     };
     static std::span<const Rule> Rules();
-    // A rule in execution, at one of its operations.
+    // A rule in execution by the window's thread: its next operation, and how long that waits.
     struct Activation {
         const std::vector<Op>* ops;
-        std::size_t at = 0;
-        int phase = 0;  // of an operation that waits
+        std::size_t next = 0;
+        bool at_notice = false;
         Time wake{};
-    };
-    struct ControlState {
-        bool visible;
-        bool pressed = false;
-        std::wstring text;
-        unsigned color;
-    };
-    struct Window {
-        bool exists = false;
-        bool invalid = false;
-        bool requested = false;  // another thread wants it painted at once
-        std::map<int, std::pair<std::wstring, unsigned>> drawn;
-        char close_place = 'b';
-    };
-    struct Posted {
-        Window* window;
-        unsigned message;
-        std::uint64_t wparam, lparam;
-    };
-    struct TimerState {
-        std::uint64_t id;
-        Time period, due;
+        std::function<bool()> over{};  // asked at `wake` and then every 100 ms
     };
     struct TouchInput {
         bool down;
         int x, y;
     };
 
-    bool CardIsOut() const { return card_ == 0; }
-    bool CardIsIn() const { return card_ == 1; }
-    bool HasPercent() const { return percent_ != 0; }
-    bool IsAt100Percent() const { return percent_ == 100; }
-    bool WasOffline() const { return was_offline_; }
+    // The operations of the rules that take time.
 
-    void ToStep(int step) { step_ = step; }
-    void ToStepIfImage(int step);
-    void ForgetVersion(int = 0) { version_ = {}; }
-    void ForgetCardReport(int) { card_report_ = false; }
-    void SetRunningState(int state) { running_state_ = state; }
-    void Show(int control) { controls_[control].visible = true; }
-    void Hide(int control) { controls_[control].visible = false; }
-    void HideThree(int = 0);
-    void ShowOnly(int control);
-    void GoOffline(int = 0);
-    void GoOnline(int) { was_offline_ = false; }
-    void Repaint(int = 0);
-    void Arm100(int timer) { Arm(timer, 100); }
-    void Arm2000(int timer) { Arm(timer, 2000); }
-    void KillFired(int) { Kill(fired_); }
-    void LogReset(int) { Line("\tCMainFrame::OnXCommand, Reset"); }
-    void Send(int command);
-    void SuspendSystem(int);
-    void PostClose(int) { Post(kCloseMessage); }
+    // Shows it until it ends, unless it is there already.
+    void ShowNotice(int) {
+        if (notice_.exists)
+            return;
+        Line("\tCNotify::OnInitDialog");
+        notice_.exists = notice_.invalid = true;
+        notice_ended_ = false;
+        for (int control = kWizardControls; control < kAllControls; ++control) {
+            const ControlRow& row = Controls()[control];
+            controls_[control] = {true, false, row.text, row.color};
+        }
+        stack_.back().at_notice = true;
+        Wait(0s, [this] {
+            notice_ = {};
+            std::erase_if(posted_,
+                          [this](const Posted& posted) { return posted.window == &notice_; });
+            stack_.back().at_notice = false;
+            return true;
+        });
+    }
 
-    bool ShowNotice(Activation& running);
-    bool Reset(Activation& running);
-    bool StartVideo(Activation& running);
-    bool AwaitCardReport(Activation& running) { return Poll(running, 40, card_report_); }
-    bool AwaitPercent(Activation& running) { return Poll(running, 20, percent_ != 0); }
-    bool AwaitReboot(Activation& running) { return Poll(running, 99, running_state_ != 3); }
-    bool Pause(Activation& running) { return SleepFor(running, std::chrono::seconds(1)); }
-    bool Poll(Activation& running, int most, bool arrived);
-    bool SleepFor(Activation& running, Time time);
+    void Reset(int) {
+        output["DVR1:"].push_back("open");
+        if (Refuses(kResetOpen, "Reset_DVR, CreateFile()"))
+            return;
+        output["DVR1:"].push_back("0881 02");
+        if (!Refuses(kResetRequest, "Reset_DVR, DeviceIoControl()"))
+            Sleep(2s);
+    }
+
+    // Tries at once, and then so often from 12 seconds after the unit's start on. A pause comes
+    // after a late success.
+    void StartVideo(int) {
+        constexpr int kMostAttempts = 121;
+        Line("+++Mstar_C4_Scaler_Init");
+        CloseScaler();
+        if (OpenScaler())
+            return ShowVideo();
+        Wait(100ms, [this, left = kMostAttempts]() mutable {
+            if (scaler_open_) {
+                ShowVideo();
+                return true;
+            }
+            if (now_ / 1ms <= 12000 || OpenScaler() || --left > 0)
+                return false;
+            const unsigned error = world.answers[kScalerOpen];
+            Failure("Mstar_C4_Scaler_Init, CreateFile() fail!!!, ErroCode", error, kScaler);
+            CloseScaler();
+            Line("---Mstar_C4_Scaler_Init");
+            Failure("CMainFrame::OnTimer, Mstar_C4_Scaler_Init() fail!!!, ErroCode", error,
+                    "MainFrm");
+            return true;
+        });
+    }
+    void AwaitCardReport(int) {
+        Poll(40, [this] { return card_report_; });
+    }
+    void AwaitPercent(int) {
+        Poll(20, [this] { return percent_ != 0; });
+    }
+    void AwaitReboot(int) {
+        Poll(99, [this] { return running_state_ != 3; });
+    }
+    void Pause(int) { Sleep(1s); }
 
     // The window's thread.
-    bool AtNotice() const;
-    void RunThread();
-    bool Continue();
-    void Take(Trigger trigger, unsigned id);
-    bool DispatchNext();
-    bool DispatchInput();
-    bool DispatchTimer();
-    bool PaintNext(bool requested);
-    void Dispatch(const Posted& posted);
-    void DispatchToNotice(const Posted& posted);
-    void DispatchTouch(const TouchInput& touch);
-    bool TakeTouch(const TouchInput& touch, int control);
-    void Paint(Window& window);
-    void PaintWizard();
-    void PaintStep();
-    void PaintNotice();
-    void Redraw(int control);
-    void OnNoticeCommand(unsigned id);
-    void OnPower(std::uint64_t wparam, std::uint64_t lparam);
-    void Close();
 
-    bool OpenScaler();
-    void CloseScaler();
-    void Scale(const char* function, const char* request, const char* failure);
-    void ShowVideo();
+    // `over` is asked after `first`, and then every 100 ms.
+    void Wait(Time first, std::function<bool()> over) {
+        stack_.back().wake = now_ + first;
+        stack_.back().over = std::move(over);
+    }
+    void Sleep(Time time) {
+        Wait(time, [] { return true; });
+    }
+    // Asks at once, and so many times more.
+    void Poll(int most, std::function<bool()> arrived) {
+        if (!arrived())
+            Wait(100ms, [arrived, most]() mutable { return arrived() || --most == 0; });
+    }
+
+    void RunThread() {
+        while (!closed_) {
+            const bool in_loop = stack_.empty() || (stack_.back().at_notice && !notice_ended_);
+            if (in_loop ? !DispatchNext() : !Continue())
+                return;
+        }
+    }
+
+    // Ends the innermost rule's wait, or executes its next operation; false while it waits.
+    bool Continue() {
+        Activation& running = stack_.back();
+        if (running.over) {
+            if (now_ < running.wake)
+                return false;
+            running.wake = now_ + 100ms;
+            if (running.over())
+                running.over = nullptr;
+        } else if (running.next < running.ops->size()) {
+            const Op& op = (*running.ops)[running.next++];
+            (this->*op.act)(op.value);
+        } else {
+            stack_.pop_back();
+        }
+        return true;
+    }
+
+    void Take(Trigger trigger, unsigned id) {
+        const auto fits = [&](const Rule& rule) {
+            return rule.trigger == trigger && (rule.id == kAnyId || rule.id == id) &&
+                   (rule.step == kAnyStep || rule.step == step_) &&
+                   (!rule.guard || (this->*rule.guard)());
+        };
+        const Rule& rule = *std::ranges::find_if(Rules(), fits);
+        if (!receiving_)
+            return stack_.push_back({&rule.ops});
+        // The receive thread never waits.
+        for (const Op& op : rule.ops)
+            (this->*op.act)(op.value);
+    }
+
+    // The next message, in the order of the API: posted messages, touches, paintings, timers.
+    // Paintings that another thread requested come first, in turn with the others.
+    bool DispatchNext() {
+        if (!others_have_turn_ && PaintNext(true)) {
+            others_have_turn_ = true;
+            return true;
+        }
+        if (DispatchInput() || PaintNext(false) || DispatchTimer()) {
+            others_have_turn_ = false;
+            return true;
+        }
+        return PaintNext(true);
+    }
+
+    bool DispatchInput() {
+        if (!posted_.empty()) {
+            const Posted posted = posted_.front();
+            posted_.pop_front();
+            Dispatch(posted);
+            return true;
+        }
+        if (touches_.empty())
+            return false;
+        const TouchInput touch = touches_.front();
+        touches_.pop_front();
+        DispatchTouch(touch);
+        return true;
+    }
+
+    bool DispatchTimer() {
+        const auto due = std::ranges::min_element(timers_, {}, &TimerState::due);
+        if (due == timers_.end() || due->due > now_)
+            return false;
+        due->due += ((now_ - due->due) / due->period + 1) * due->period;
+        fired_ = due->id;
+        Take(Trigger::kTimer, static_cast<unsigned>(fired_));
+        return true;
+    }
+
+    bool PaintNext(bool requested) {
+        for (Window* const window : {&notice_, &main_}) {
+            if (window->exists && window->invalid && window->requested == requested) {
+                Paint(*window);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void Dispatch(const Posted& posted) {
+        if (posted.window == &notice_)
+            return DispatchToNotice(posted);
+        const auto id = static_cast<unsigned>(posted.wparam);
+        switch (posted.message) {
+            case kCommandMessage:
+                return Take(Trigger::kCommand, id);
+            case kTimerMessage:
+                fired_ = posted.wparam;
+                return Take(Trigger::kTimer, id);
+            case kPowerMessage:
+                return OnPower(posted.wparam, posted.lparam);
+            case kCloseMessage:
+                return Close();
+            case kMenuMessage:
+                if (id == 0xE141)
+                    Post(kCloseMessage);
+                return;
+            default:
+                return;
+        }
+    }
+
+    void DispatchToNotice(const Posted& posted) {
+        if (posted.message == kCommandMessage)
+            return OnNoticeCommand(static_cast<unsigned>(posted.wparam));
+        if (posted.message == kTimerMessage) {
+            Line("\tCNotify::OnTimer");
+            PostToNotice(kCloseMessage, 0);
+        } else if (posted.message == kCloseMessage) {
+            Line("\tCNotify::OnClose");
+            notice_ended_ = true;
+        }
+    }
+
+    void DispatchTouch(const TouchInput& touch) {
+        const bool at_notice = notice_.exists;
+        const auto log = [&] {
+            if (at_notice)
+                Line(Text("\tCNotify::OnBtn%s, (x, y) = (%d, %d)", touch.down ? "Down" : "Up",
+                          touch.x, touch.y));
+        };
+        log();
+        const int last = at_notice ? kAllControls : kWizardControls;
+        for (int control = at_notice ? kWizardControls : 0; control < last; ++control)
+            if (TakeTouch(touch, control))
+                return;
+        log();
+    }
+
+    bool TakeTouch(const TouchInput& touch, int control) {
+        ControlState& state = controls_[static_cast<std::size_t>(control)];
+        const ControlRow& row = Controls()[control];
+        const bool inside = touch.x >= row.left && touch.x < row.right && touch.y >= row.top &&
+                            touch.y < row.bottom;
+        if (!state.visible || state.pressed == touch.down || (touch.down && !inside))
+            return false;
+        state.pressed = touch.down;
+        if (row.id != 0)
+            Redraw(control);
+        if (touch.down || !inside)
+            return touch.down;
+        if (control >= kWizardControls)
+            OnNoticeCommand(row.id);
+        else if (row.id != 0)
+            Take(Trigger::kCommand, row.id);
+        return row.id != 0;
+    }
+
+    void OnNoticeCommand(unsigned id) {
+        Line(Text("\tCNotify::OnXCommand, wParam:%u", id));
+        if (id != kOkId)
+            return;
+        Line("\tCNotify::OnXCommand, IDC_BTN_OK");
+        PostToNotice(kCloseMessage, 0);
+    }
+
+    void OnPower(std::uint64_t wparam, std::uint64_t lparam) {
+        ac_line_ = static_cast<std::uint8_t>(wparam & 0xFF);
+        Line(Text("\t''MSG_POWER_STATUS''( %08X, %08X ) Received.", static_cast<unsigned>(wparam),
+                  static_cast<unsigned>(lparam)));
+        if (ac_line_ <= 1)
+            Line(Text("\tCMainFrame::OnPowerStatus, AC_LINE_%s",
+                      ac_line_ == 1 ? "ONLINE" : "OFFLINE"));
+        Take(Trigger::kPower, ac_line_);
+    }
+
+    void Close() {
+        closed_ = true;
+        if (world.has_link)
+            Line("---ThreadProc_COM_Rx");
+        Scale("ChangeDisplayWinddow", "800120B0 01 00 00 00 ->4");
+        SetAlphaAndKey("80012078 00 00 00 00 00 00 00 00 ->4");
+        CloseScaler();
+        for (int times = 0; times < 2; ++times) {
+            Line("+++CPowerDetector::DeInit");
+            Line("---CPowerDetector::DeInit");
+        }
+        Line("---CPowerDetector::ThreadProc_PowerCommonCtrl");
+    }
 
     // The receive thread.
-    void OnReport(const Report& report);
-    void OnRunningState(unsigned state);
-    void OnCard(unsigned status, unsigned percent);
+    void OnReport(const Report& report) {
+        for (const std::string& line : HandlerLines(report, true))
+            Line(line);
+        const bool ack = report.type == 0x20;
+        if (!ack && report.type != 0x80)
+            return;
+        const std::size_t length = report.payload.size();
+        switch (report.command & 0x7FFF) {
+            case 0x10:
+                if ((report.query() || !ack) && length != 0)
+                    OnRunningState(report.byte(0));
+                break;
+            case 0x26:
+                if (report.query() || !ack)
+                    OnCard(report.byte(0), report.byte(length == 2 ? 1 : 2));
+                break;
+            case 0x2E:
+                if (ack) {
+                    for (std::size_t at = 0; at < 7; ++at)
+                        version_[at] =
+                            length < 17 ? "0.01.00"[at] : static_cast<char>(report.byte(10 + at));
+                } else {
+                    percent_ = report.byte(0);
+                    if (length >= 2)
+                        image_version_ = report.byte(1);
+                }
+                main_.invalid = true;
+                break;
+            default:
+                break;
+        }
+    }
 
-    void Apply(Screen screen);
-    void Arm(int id, int milliseconds);
-    void Kill(std::uint64_t id);
-    bool VersionKnown() const { return version_[1] != 0 || version_[4] != 0; }
-    void Line(const std::string& line) { output[kLog] += "[Tolvane.exe] " + line + "\r\n"; }
-    void Failure(const char* function, const char* what, unsigned error);
+    void OnRunningState(unsigned state) {
+        Send(0x802E);
+        Send(0x8026);
+        constexpr const char* kStates[] = {"INITIALIZING", "INIT_OK", "NORMAL", "REBOOTTING",
+                                           "SHUTDOWNING"};
+        const std::string begin = Text("\tCMainFrame::DVR_RunningState, %u, ", state);
+        if (state >= std::size(kStates))
+            return Line(begin + "default!!!");
+        SetRunningState(static_cast<int>(state));
+        const std::string step = state == 2 ? Text("%d, ", step_) : "";
+        Line(begin + step + "DVR_RUNNING_STATE_" + kStates[state]);
+        Take(Trigger::kRunningState, state);
+    }
 
-    Time now_;
+    void OnCard(unsigned status, unsigned percent) {
+        Send(0x802E);
+        if (ac_line_ == 0)
+            return;
+        card_report_ = true;
+        // clang-format off
+        constexpr const char* kCards[] = {
+            "PLUG_OUT", "PLUG_IN", "BROKEN", "FORMATING", "SPACE_FULL_NORMAL_FILE",
+            "SPACE_FULL_EVENT_FILE", "SPACE_FULL_BOTH_FILE"};
+        // clang-format on
+        const std::string begin = Text("\tCMainFrame::StorageCardStatus, Percent:%u, ", percent);
+        if (status >= std::size(kCards))
+            return Line(begin + "default!!!");
+        if (status <= 1)
+            card_ = static_cast<std::uint8_t>(status);
+        Line(begin + "DVR_STORAGE_CARD_" + kCards[status]);
+        Take(Trigger::kCard, status);
+    }
+
     Time reading_since_;
-    bool receiving_ = false;  // the receive thread runs, not the window's
-    bool closed_ = false;
-
-    int step_ = -1;
-    std::uint8_t percent_ = 0;
-    std::uint8_t image_version_ = 0;
-    int running_state_ = 0;
-    std::array<char, 8> version_{};
-    std::uint8_t card_ = 0xFF;
-    bool card_report_ = false;
-    std::uint8_t ac_line_;
-    bool was_offline_ = false;
-    bool scaler_open_ = false;
-
-    std::vector<ControlState> controls_;
-    Window main_;
-    Window notice_;
-    bool notice_ended_ = false;
     std::vector<Activation> stack_;
-    std::deque<Posted> posted_;
     std::deque<TouchInput> touches_;
-    std::vector<TimerState> timers_;
-    std::uint64_t fired_ = 0;        // the timer that fired last
     bool others_have_turn_ = false;  // after a requested painting
     FrameFinder finder_;
 };

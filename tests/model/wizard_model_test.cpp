@@ -7,6 +7,7 @@
 #include "tests/model/generator.h"
 #include "tests/model/lockstep/lockstep.h"
 #include "tests/support/numbers.h"
+#include "tests/support/progress.h"
 
 namespace tests::model {
 namespace {
@@ -19,23 +20,21 @@ constexpr std::uint64_t kEvents = 1'000'000;
 #endif
 constexpr std::uint64_t kParts = 4;
 constexpr std::size_t kEventsASequence = 300;
-// For a shorter sequence; each costs a start of the program.
-constexpr int kMostReplays = 2000;
 
-// Drops events without which the difference stays, in ever smaller chunks.
+std::string Replay(const Sequence& sequence) {
+    auto event = sequence.events.begin();
+    return RunBoth(sequence, [&](const WizardModel&) {
+        return event == sequence.events.end() ? std::nullopt : std::optional(*event++);
+    });
+}
+
+// Drops events, the last one first, without which a difference stays.
 void Shorten(Sequence& sequence) {
-    int replays = 0;
-    for (std::size_t chunk = sequence.events.size() / 2; chunk > 0; chunk /= 2) {
-        for (std::size_t at = 0; at < sequence.events.size() && replays < kMostReplays; ++replays) {
-            Sequence shorter = sequence;
-            const auto begin = shorter.events.begin() + std::ptrdiff_t(at);
-            shorter.events.erase(
-                begin, begin + std::ptrdiff_t(std::min(chunk, shorter.events.size() - at)));
-            if (Replay(shorter).empty())
-                at += chunk;
-            else
-                sequence = std::move(shorter);
-        }
+    for (std::size_t at = sequence.events.size(); at-- > 0;) {
+        Sequence shorter = sequence;
+        shorter.events.erase(shorter.events.begin() + std::ptrdiff_t(at));
+        if (!Replay(shorter).empty())
+            sequence = std::move(shorter);
     }
 }
 
@@ -66,6 +65,7 @@ TEST_P(ReferenceModel, DoesTheSameAsTheProgram) {
             return sequence.events.back();
         });
         events += sequence.events.size();
+        ReportProgress(sequence.events.size(), problem.empty() ? 0 : 1);
         if (!problem.empty()) {
             Shorten(sequence);
             problem = Replay(sequence) + "after\n" + ToText(sequence);

@@ -1,6 +1,5 @@
 #include <grp.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,6 +7,7 @@
 #include <cerrno>
 #include <string>
 
+#include "serial/pseudo_terminal.h"
 #include "serial/tty.h"
 
 namespace serial {
@@ -26,52 +26,50 @@ struct AsNobody {
 // A terminal of the host, with the test at its far end.
 class OnTerminal : public testing::Test {
   protected:
-    OnTerminal() { EXPECT_EQ(openpty(&far_end, &near_end, path, nullptr, nullptr), 0); }
+    OnTerminal() { EXPECT_TRUE(MakePseudoTerminal(terminal_, problem)) << problem; }
     ~OnTerminal() override {
-        close(near_end);
-        close(far_end);
+        close(terminal_.near_end);
+        close(terminal_.far_end);
     }
 
-    int far_end = -1;
-    int near_end = -1;
-    char path[128] = {};
+    std::string problem;
+    const std::string& path = terminal_.path;
+
+  private:
+    PseudoTerminal terminal_;
 };
 
 TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can hand the device to another group";
-    const struct group* const dialout = getgrnam("dialout");
-    const struct passwd* const user = getpwuid(kNobody);
-    ASSERT_TRUE(dialout && user);
-    const std::string name = user->pw_name;
-    const gid_t own_group = user->pw_gid;
-    const std::string denied = path + std::string(": permission denied; ");
+    const gid_t dialout = getgrnam("dialout")->gr_gid;
+    const gid_t own_group = getpwuid(kNobody)->pw_gid;
+    const std::string denied = path + ": permission denied; ";
     const auto belongs = [&](const std::string& group) {
-        return denied + "the device belongs to group " + group + ": sudo adduser " + name + ' ' +
-               group + ", then log in again";
+        return denied + "the device belongs to group " + group + ": sudo adduser nobody " + group +
+               ", then log in again";
     };
     const struct {
         gid_t group;
         mode_t mode;
         int error;
-        std::string problem;
+        std::string expected;
     } cases[] = {
-        {dialout->gr_gid, 0660, EACCES, belongs("dialout")},
+        {dialout, 0660, EACCES, belongs("dialout")},
         {own_group, 0620, EACCES, denied + "only its owner root may open the device"},
         {12345, 0660, EACCES, belongs("12345")},
-        {dialout->gr_gid, 0666, 0, ""},
+        {dialout, 0666, 0, ""},
     };
-    for (const auto& [group, mode, error, problem] : cases) {
-        ASSERT_EQ(chown(path, 0, group), 0);
-        ASSERT_EQ(chmod(path, mode), 0);
+    for (const auto& [group, mode, error, expected] : cases) {
+        ASSERT_EQ(chown(path.c_str(), 0, group), 0);
+        ASSERT_EQ(chmod(path.c_str(), mode), 0);
         const AsNobody nobody;
-        Tty tty;
-        std::string reported;
-        EXPECT_EQ(tty.Open(path, reported), error);
-        EXPECT_EQ(reported, problem);
+        problem.clear();
+        EXPECT_EQ(Tty().Open(path, problem), error);
+        EXPECT_EQ(problem, expected);
     }
     // In the group according to the user database, but not in this log-in.
-    ASSERT_EQ(chown(path, 0, own_group), 0);
+    ASSERT_EQ(chown(path.c_str(), 0, own_group), 0);
     const AsNobody nobody;
     EXPECT_EQ(OpenProblem(path, EACCES), denied + "the device belongs to group " +
                                              getgrgid(own_group)->gr_name +
@@ -79,30 +77,27 @@ TEST_F(OnTerminal, MissingPermissionNamesTheGroupToJoin) {
 }
 
 TEST_F(OnTerminal, IsExclusiveWhileOpen) {
-    std::string problem;
     for (int round = 0; round < 2; ++round) {
         Tty first;
-        ASSERT_EQ(first.Open(path, problem), 0) << problem;
-        for (int attempt = 0; attempt < 2; ++attempt)
-            EXPECT_EQ(Tty().Open(path, problem), EBUSY);
-        EXPECT_EQ(problem, path + std::string(": the serial device is in use by another program"));
+        EXPECT_EQ(first.Open(path, problem), 0) << problem;
+        EXPECT_EQ(Tty().Open(path, problem), EBUSY);
+        EXPECT_EQ(Tty().Open(path, problem), EBUSY);
+        EXPECT_EQ(problem, path + ": the serial device is in use by another program");
     }
 }
 
 TEST_F(OnTerminal, ReportsSettingsThatADeviceIgnores) {
     Tty tty;
-    std::string problem;
     ASSERT_EQ(tty.Open(path, problem), 0) << problem;
+    EXPECT_EQ(tty.Apply({.baud = 460800, .stop_bits = 2}, problem), 0);
     EXPECT_EQ(tty.Apply({.baud = 460800}, problem), 0);
     EXPECT_EQ(problem, "");
     // A pseudo-terminal always has eight bits and no parity.
     EXPECT_EQ(tty.Apply({.baud = 460800, .data_bits = 7, .parity = Parity::kEven}, problem),
               EINVAL);
-    EXPECT_EQ(problem,
-              path + std::string(": the device did not take the settings 460800 baud, 7E1, "
-                                 "no flow control; it works with 460800 baud, 8N1, no "
-                                 "flow control"));
-    problem.clear();
+    EXPECT_EQ(problem, path +
+                           ": the device did not take the settings 460800 baud, 7E1, no flow "
+                           "control; it works with 460800 baud, 8N1, no flow control");
     EXPECT_EQ(tty.Apply({.baud = 460801}, problem), EINVAL);
 }
 

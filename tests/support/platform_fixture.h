@@ -62,6 +62,8 @@ class PlainBoard final : public platform::Board {
     DWORD hal_result = ERROR_SUCCESS;
     std::vector<DWORD> hal_codes;
     std::function<void(std::span<const std::byte> input)> on_hal_request;
+    // Called after each output, on its thread.
+    std::function<void(std::wstring_view text)> on_debug_output;
     std::vector<DWORD> power_states;
     std::vector<DWORD> power_options;  // one for each
     OtherProcess other_process;
@@ -98,8 +100,12 @@ class PlainBoard final : public platform::Board {
         return ERROR_SUCCESS;
     }
     void DebugOutput(std::wstring_view text) override {
-        const std::scoped_lock lock(mutex_);
-        output_ += text;
+        {
+            const std::scoped_lock lock(mutex_);
+            output_ += text;
+        }
+        if (on_debug_output)
+            on_debug_output(text);
     }
     void ScreenChanged() override {}
     platform::OtherProcesses* other_processes() override { return &other_process; }

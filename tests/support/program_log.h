@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -14,14 +13,15 @@ namespace tests {
 // have, and with "#" for the line number of a source file.
 inline std::vector<std::string> ProgramLog(const PlainBoard& board) {
     static const std::string prefix = "[Tolvane.exe] ";
-    static const std::regex line_number("\\.cpp\\([0-9]+\\)$");
     std::vector<std::string> log;
     for (const std::wstring& wide : board.lines()) {
         std::string line;
         for (const wchar_t character : wide)
-            line += character < 0x80 ? static_cast<char>(character) : '?';
+            line += character < 0x100 ? static_cast<char>(character) : '?';
         EXPECT_TRUE(line.starts_with(prefix)) << line;
-        log.push_back(std::regex_replace(line.substr(prefix.size()), line_number, ".cpp(#)"));
+        if (const std::size_t source = line.rfind(".cpp("); source != line.npos)
+            line.replace(source, line.npos, ".cpp(#)");
+        log.push_back(line.substr(prefix.size()));
     }
     return log;
 }

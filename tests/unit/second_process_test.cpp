@@ -1,94 +1,18 @@
 #include <poll.h>
-#include <sys/wait.h>
+#include <signal.h>
 
 #include <atomic>
 #include <thread>
 
+#include "control/socket_client.h"
 #include "control/socket_server.h"
-#include "tests/support/numbers.h"
-#include "tests/unit/unit_process.h"
+#include "tests/support/process.h"
 
-// A second process of tolvane while the first one runs.
+// A second process of tolvane asks the first one, which the test plays.
 
 namespace {
 
-using tests::Words;
-
-class SecondProcess : public tests::UnitProcess {
-  protected:
-    // True when a unit has the control socket in time. Disconnects that unit's power.
-    bool WaitForSocket() {
-        return WaitUntil([this] { return Ctl({"power", "off"}) == 0; });
-    }
-    // The exit status of a copy that must end by itself.
-    int WaitForEnd(pid_t unit) {
-        const bool ended = WaitUntil([unit] {
-            siginfo_t info{};
-            return waitid(P_PID, unit, &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-                   info.si_pid == unit;
-        });
-        return ended ? Wait(unit) : End(unit, SIGKILL);
-    }
-};
-
-TEST_F(SecondProcess, BringsTheFirstForwardAndEndsWithStatusOne) {
-    setenv("SDL_VIDEODRIVER", "dummy", 1);
-    setenv("DISPLAY", ":0", 1);
-    const pid_t first = StartAndWait("first-", {});
-    for (const Words& options : {Words{"--headless"}, Words{}}) {
-        EXPECT_EQ(WaitForEnd(StartUnit("second-", options)), 1);
-        EXPECT_EQ(Read("second-err"),
-                  "tolvane: another unit runs already; its window was brought forward\n");
-        EXPECT_EQ(Read("second-out"), "");
-    }
-    // A unit with another name does not count.
-    EXPECT_EQ(End(StartAndWait("other-", {"--headless", "--unit", "garage-2"})), 0);
-    EXPECT_EQ(End(first), 0);
-    EXPECT_EQ(Read("first-err"), "");
-}
-
-TEST_F(SecondProcess, OneOfTwoStartedTogetherRuns) {
-    for (int round = 0; round < 5; ++round) {
-        const pid_t units[] = {StartUnit("0-"), StartUnit("1-")};
-        ASSERT_TRUE(WaitUntil([&] { return Stands("0-") || Stands("1-"); }));
-        const int runs = Stands("0-") ? 0 : 1;
-        const std::string other = std::to_string(1 - runs) + "-";
-        EXPECT_EQ(WaitForEnd(units[1 - runs]), 1) << Read(other + "err");
-        EXPECT_FALSE(Stands(other));
-        EXPECT_EQ(End(units[runs]), 0);
-    }
-}
-
-// tools/soak sets the variable.
-TEST_F(SecondProcess, RunsAfterTheFirstWasKilled) {
-    const std::uint64_t rounds = tests::NumberFrom("TOLVANE_KILLS", 12);
-    for (std::uint64_t round = 0; round < rounds; ++round) {
-        SCOPED_TRACE(round);
-        const pid_t first = StartUnit("first-");
-        // At times from before its socket to after its window.
-        std::this_thread::sleep_for(std::chrono::microseconds(round * 84'000 / rounds));
-        const pid_t second = round % 2 == 0 ? StartUnit("second-") : 0;
-        EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
-        // A copy may learn of the window just before the first is killed.
-        const pid_t next = second != 0 ? second : StartUnit("second-");
-        EXPECT_TRUE(WaitUntil([&] { return Stands("second-") || !Read("second-err").empty(); }));
-        EXPECT_EQ(End(next), Stands("second-") ? 0 : 1) << Read("second-err");
-    }
-}
-
-TEST_F(SecondProcess, IgnoresAFirstThatHangsAndTakesItsSocketLater) {
-    const pid_t first = StartAndWait("first-");
-    kill(first, SIGSTOP);
-    const pid_t second = StartAndWait("second-");
-    EXPECT_EQ(End(first, SIGKILL), -SIGKILL);
-    EXPECT_TRUE(WaitForSocket());
-    EXPECT_TRUE(WaitUntil(
-        [this] { return Read("second-out").find("AC_LINE_OFFLINE") != std::string::npos; }));
-    // The second is the first now.
-    EXPECT_EQ(WaitForEnd(StartUnit("third-")), 1);
-    EXPECT_EQ(End(second), 0);
-    EXPECT_EQ(Read("second-err"), "");
-}
+using control::SocketServer;
 
 // What the test replies as the first unit.
 struct Replies {
@@ -99,17 +23,16 @@ struct Replies {
 };
 
 class TestFirst {
-    using Id = control::SocketServer::ClientId;
-
   public:
     explicit TestFirst(const Replies& replies) : replies_(replies) {
         std::string problem;
         bool taken = false;
         auto claim = control::SocketClaim::Make("unit", taken, problem);
         EXPECT_TRUE(claim) << problem;
-        control::SocketServer::Handlers handlers{
-            [this](Id id, const control::Request& request) { Reply(id, request.line); }, [](Id) {}};
-        server_.emplace(*std::move(claim), handlers);
+        server_.emplace(
+            *std::move(claim),
+            SocketServer::Handlers{
+                [this](auto id, const auto& request) { Reply(id, request.line); }, [](auto) {}});
         thread_ = std::thread([this] {
             while (!ending_) {
                 pollfd watched{server_->descriptor(), POLLIN, 0};
@@ -124,36 +47,32 @@ class TestFirst {
         thread_.join();
     }
 
-    std::atomic<int> questions{0};
     std::atomic<int> window_questions{0};
     std::atomic<int> forwards{0};
 
   private:
-    void Reply(Id id, const std::string& line) {
-        ++questions;
-        if (line == "other-process object Tolvane")
-            return Say(id, replies_.object);
-        if (line == "other-process window class Tolvane") {
-            if (replies_.hangs_up)
-                ending_ = true;
-            return Say(id, window_questions++ < replies_.windowless_questions ? "0" : "305419896");
-        }
-        if (line == "other-process forward 305419896 owned") {
+    void Reply(SocketServer::ClientId id, const std::string& line) {
+        const char* answer = "none";
+        if (line == "other-process object Tolvane") {
+            answer = replies_.object;
+        } else if (line == "other-process window class Tolvane") {
+            ending_ = replies_.hangs_up;
+            answer = window_questions++ < replies_.windowless_questions ? "0" : "305419896";
+        } else if (line == "other-process forward 305419896 owned") {
             ++forwards;
-            return Say(id, replies_.forward);
+            answer = replies_.forward;
         }
-        Say(id, "none");
-    }
-    void Say(Id id, const char* answer) {
         if (answer)
             server_->SendOutcome(id, control::Done(answer));
     }
 
     const Replies replies_;
-    std::optional<control::SocketServer> server_;
+    std::optional<SocketServer> server_;
     std::atomic<bool> ending_{false};
     std::thread thread_;
 };
+
+class SecondProcess : public tests::Process {};
 
 TEST_F(SecondProcess, EndsOrRunsAccordingToTheFirstsReplies) {
     constexpr int kNever = 1000;
@@ -177,17 +96,23 @@ TEST_F(SecondProcess, EndsOrRunsAccordingToTheFirstsReplies) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         TestFirst first(c.replies);
-        const pid_t second = StartUnit("second-");
+        const pid_t second = Start(TOLVANE_BINARY, {"--headless", "--speed", "10"});
         if (c.runs) {
-            ASSERT_TRUE(WaitForWindow("second-")) << Read("second-err");
-            EXPECT_GE(std::stod(Read("second-out")), c.earliest);
-            EXPECT_TRUE(!c.replies.hangs_up || WaitForSocket());
-            EXPECT_EQ(End(second), 0);
-            EXPECT_EQ(Read("second-err"), "");
-        } else {
-            EXPECT_EQ(WaitForEnd(second), 1);
-            EXPECT_EQ(Read("second-out"), "");
+            ASSERT_TRUE(WaitUntil([&] {
+                return Read("out").find("---CMainFrame::OnCreate") != std::string::npos;
+            })) << Read("err");
+            EXPECT_GE(std::stod(Read("out")), c.earliest);
+            // The second takes the socket that the first has left.
+            EXPECT_TRUE(!c.replies.hangs_up || WaitUntil([] {
+                bool not_running = false;
+                std::string problem;
+                return control::SocketClient::Connect("unit", {}, not_running, problem).has_value();
+            }));
+            kill(second, SIGTERM);
         }
+        EXPECT_EQ(Wait(second), c.runs ? 0 : 1);
+        EXPECT_EQ(Read("out").empty(), !c.runs);
+        EXPECT_EQ(Read("err").empty(), c.runs) << Read("err");
         EXPECT_EQ(first.window_questions, c.windows_asked);
         EXPECT_EQ(first.forwards, c.forwards);
     }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/cases.h"
 #include "tests/unit_line/tapped_line.h"
 
 namespace tests {
@@ -10,90 +11,23 @@ namespace {
 using namespace std::chrono_literals;
 using enum unit::Direction;
 
-struct FaultCase {
-    std::vector<const char*> rules;
-    const char* sent;
-    const char* arrives;
-    std::vector<std::uint64_t> applied;
-};
-
-const FaultCase kFaultCases[] = {
-    // Bytes.
-    {{"drop bytes after 1 every 2"}, "0: 01 02 03 04 05", "0: 01 02 04", {2}},
-    {{"drop bytes after 2 times 1"}, "0: 01 02 / 9: 03 04", "0: 01 02 / 9: 04", {1}},
-    {{"corrupt bytes"}, "0: 00 5A", "0: FF A5", {2}},
-    {{"corrupt bytes value 77 times 1"}, "0: 01 02", "0: 77 02", {1}},
-    {{"delay 0.5ms bytes times 1"}, "0: 01 / 400: 02 / 2000: 03", "500: 01 02 / 2000: 03", {1}},
-    {{"delay 0.5ms bytes", "delay 0.2ms bytes"}, "0: 01 / 400: 02", "500: 01 / 900: 02", {2, 2}},
-    {{"split 1ms bytes every 2"}, "0: 01 02 03", "0: 01 / 1000: 02 03", {1}},
-    {{"inject CCDD before bytes times 1"}, "0: 01 02", "0: CC DD 01 02", {1}},
-    {{"inject CC after bytes"}, "0: 01 02", "0: 01 CC 02 CC", {2}},
-    {{"drop bytes to-dvr"}, "0: 01", "0: 01", {0}},
-    // Frames and their parts.
-    {{"drop frames"}, "0: PERCENT / 5: 77 / 9: CARD", "5: 77", {2}},
-    {{"drop sync of frames"}, "0: PERCENT", "0: 80 00 2E 00 01 39 01 E7", {1}},
-    {{"corrupt type of frames value 20"}, "0: PERCENT", "0: A5 5A 20 00 2E 00 01 39 01 E7", {1}},
-    {{"corrupt code of frames xor 8001"}, "0: PERCENT", "0: A5 5A 80 80 2F 00 01 39 01 E7", {1}},
-    {{"corrupt length 1 of frames value 09"},
-     "0: PERCENT",
-     "0: A5 5A 80 00 2E 00 09 39 01 E7",
-     {1}},
-    {{"corrupt payload 2 of frames value 11"},
-     "0: PERCENT / 9: CARD",
-     "0: PERCENT / 9: A5 5A 80 00 26 00 03 01 00 11 02 03",
-     {1}},
-    {{"drop StorageCardStatus frames"}, "0: CARD / 5: PERCENT / 9: ACK", "5: PERCENT", {2}},
-    {{"drop acknowledgements"}, "0: ACK / 5: PERCENT", "5: PERCENT", {1}},
-    {{"drop query StorageCardStatus frames"}, "0: ACK / 5: CARD", "5: CARD", {1}},
-    {{"drop plain frames to-unit"}, "0: ACK / 5: CARD", "0: ACK", {1}},
-    {{"drop 0x0055 frames"}, "0: A5 5A 80 00 55 00 00 01 D4 / 5: CARD", "5: CARD", {1}},
-    {{"duplicate frames every 2"}, "0: PERCENT / 5: CARD", "0: PERCENT / 5: CARD CARD", {1}},
-    {{"delay 300ms acknowledgements"}, "0: ACK / 400: CARD", "300000: ACK CARD", {1}},
-    {{"split 20ms frames"}, "0: PERCENT", "0: A5 5A 80 00 2E / 20000: 00 01 39 01 E7", {1}},
-    {{"split 1ms checksum of frames"},
-     "0: PERCENT",
-     "0: A5 5A 80 00 2E 00 01 39 / 1000: 01 E7",
-     {1}},
-    {{"inject EE after frames after 1 times 1"},
-     "0: CARD / 5: CARD / 9: CARD",
-     "0: CARD / 5: CARD EE / 9: CARD",
-     {1}},
-    // Rules about frames ignore damaged frames.
-    {{"drop frames"},
-     "0: A5 5A 80 00 2E 00 01 39 01 E6 / 5: PERCENT",
-     "0: A5 5A 80 00 2E 00 01 39 01 E6",
-     {1}},
-    {{"drop frames"}, "0: A5 5A 80 00 2E 00 41 / 5: PERCENT", "0: A5 5A 80 00 2E 00 41", {1}},
-    {{"drop frames"}, "0: A5 PERCENT", "0: A5", {1}},
-    // Several rules, in order.
-    {{"split 20ms sync of frames", "duplicate frames"}, "0: CARD", "20000: CARD CARD", {1, 1}},
-    {{"delay 300ms frames", "split 20ms frames"},
-     "0: PERCENT",
-     "300000: A5 5A 80 00 2E / 320000: 00 01 39 01 E7",
-     {1, 1}},
-    {{"drop bytes times 1", "corrupt payload of frames value AA"},
-     "0: PERCENT",
-     "0: 5A 80 00 2E 00 01 AA 01 E7",
-     {1, 1}},
-    {{"drop checksum of frames", "corrupt checksum of frames"},
-     "0: PERCENT",
-     "0: A5 5A 80 00 2E 00 01 39",
-     {1, 0}},
-};
-
 TEST(LineFaults, RulesChangeBytesTheSameForAnyChunks) {
-    for (const FaultCase& c : kFaultCases)
+    const auto cases = CasesFrom(LINE_CASES "/line-faults.txt");
+    EXPECT_EQ(cases.size(), 36U);
+    for (const auto& [input, result] : cases)
         for (const bool byte_by_byte : {false, true}) {
-            SCOPED_TRACE(std::string(c.rules[0]) + (byte_by_byte ? ", byte by byte" : ""));
-            TappedLine line(c.rules);
-            line.Send(kToUnit, c.sent, byte_by_byte);
+            SCOPED_TRACE(input + (byte_by_byte ? "byte by byte" : ""));
+            TappedLine line;
+            // Rules begin with a word, chunks with a time.
+            std::istringstream lines(input);
+            for (std::string text; std::getline(lines, text);)
+                text[0] < 'a' ? line.Send(kToUnit, text, byte_by_byte) : line.Add(text);
             line.RunFor(1s);
-            EXPECT_EQ(line.program.text(), c.arrives);
-            EXPECT_EQ(line.observed_to_unit.text(), c.arrives);
-            std::vector<std::uint64_t> applied;
+            std::string applied = "; applied";
             for (const unit::LineFaults::Entry& entry : line.faults->List())
-                applied.push_back(entry.applied);
-            EXPECT_EQ(applied, c.applied);
+                applied += " " + std::to_string(entry.applied);
+            EXPECT_EQ(line.program.text() + applied, result);
+            EXPECT_EQ(line.observed_to_unit.text(), line.program.text());
         }
 }
 
@@ -159,25 +93,6 @@ TEST(LineFaults, RulesThatMultiplyBytesAreLimited) {
         EXPECT_LE(line.program.text().size(), 4 * unit::kMaxSlots);
         EXPECT_GE(reported, 40U);
         EXPECT_LE(reported, 10'000U);
-    }
-}
-
-TEST(FaultText, ErrorsSayWhatIsAllowed) {
-    const std::string long_rule = "inject " + std::string(514, '0') + " after bytes";
-    const std::pair<const char*, const char*> cases[] = {
-        {long_rule.c_str(), "a fault has 257 bytes of its own; allowed are up to 256"},
-        {"melt bytes", "allowed is drop, corrupt, duplicate, delay, split or inject"},
-        {"drop FW_Upgrade_Vision frames", "'FW_Upgrade_Vision' is no command of the DVR"},
-        {"drop 0x8000 frames", "'0x8000' is no command of the DVR"},
-        {"drop checksum of bytes", "single bytes have no part"},
-        {"drop bytes chance 0", "above 0 and up to 100"},
-        {"corrupt bytes xor G0", "pairs of hexadecimal digits"},
-        {"drop bytes to-unit to-dvr", "'to-dvr' is not allowed"},
-    };
-    for (const auto& [text, says] : cases) {
-        std::string problem;
-        EXPECT_FALSE(unit::ParseFaultRule(text, problem)) << text;
-        EXPECT_NE(problem.find(says), std::string::npos) << text << ": " << problem;
     }
 }
 

@@ -95,7 +95,7 @@ class TappedLine {
         tap->Open([this](std::span<const std::uint8_t> bytes) { program.Add(Time(), bytes); });
     }
 
-    void Add(const char* text) const {
+    void Add(const std::string& text) const {
         std::string problem;
         const auto rule = unit::ParseFaultRule(text, problem);
         ASSERT_TRUE(rule) << problem;

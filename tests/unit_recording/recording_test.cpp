@@ -4,14 +4,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "tests/support/cases.h"
 #include "tests/support/process.h"
+#include "unit/events/event_queue.h"
 #include "unit/events/event_text.h"
 #include "unit/recording/recording_file.h"
+#include "unit/recording/screen_comparison.h"
 
 namespace tests {
 namespace {
@@ -56,7 +60,7 @@ class Recordings : public Process {
     std::string Write(const std::vector<unit::TimedEvent>& events) {
         std::string said;
         {
-            RecordingFile file(RecordingFile::WhenFull::kWait,
+            RecordingFile file(unit::WhenFull::kWait,
                                [&](const std::string& line) { said = line; });
             unit::RecordingHeader header;
             header.program = "1.0";
@@ -88,26 +92,33 @@ TEST_F(Recordings, ALastLineWithoutEndIsIgnored) {
     EXPECT_EQ(recording->events.size(), 1U);
 }
 
+// As when a slow host shows a screen in two parts.
+TEST_F(Recordings, AScreenThatComesBackInAFreeRunIsNoDifference) {
+    std::string text = Header();
+    const std::size_t mode = text.find("mode ");
+    text.replace(mode, text.find('\n', mode) - mode, "mode free speed 1");
+    const auto recording = Read(text +
+                                "21.000000 screen 0000000000000001 A\n"
+                                "22.000000 screen 0000000000000002 B\n29.000000 end\n");
+    ASSERT_TRUE(recording) << problem_;
+    for (const bool comes_back : {true, false}) {
+        unit::Lag lag;
+        unit::ScreenComparison screens(*recording, lag);
+        screens.Compare(21s, {1, {"A"}});
+        screens.Compare(22s, {2, {"B"}});
+        screens.Compare(23s, {3, {"B", "C"}});
+        if (comes_back)
+            screens.Compare(23s + 100ms, {2, {"B"}});
+        screens.Check(28s);
+        EXPECT_EQ(screens.difference().has_value(), !comes_back);
+    }
+}
+
 TEST_F(Recordings, OtherFilesAndIncompleteHeadersAreRefused) {
-    const std::string other =
-        "1: this is not a recording; a recording begins with 'tolvane recording 1'";
-    const std::string start = "tolvane recording 1\n";
-    const std::pair<std::string, std::string> cases[] = {
-        {"tolvane recording 2\n", "1: the recording has version 2; this tolvane reads version 1"},
-        {"tolvane recording 0\n", other},
-        {"\x89PNG\r\n\x1a\n", other},
-        {"", "1: the recording ends before its first event; it cannot be replayed"},
-        {start + "begin\n", "2: the header lacks the line 'program'"},
-        {start + "seed 1\nseed 2\n", "3: the header has a second line 'seed'"},
-        {start + "seed -1\n",
-         "2: '-1' is not allowed after 'seed'; allowed is a whole number from 0 to "
-         "9223372036854775807"},
-        {start + "mode free speed 0\n",
-         "2: '0' is not allowed after 'mode free speed'; allowed is a number from 0.1 to 1000"},
-        {start + "volume 11\n",
-         "2: 'volume' is not allowed; allowed is program, mode, seed, start, supply, "
-         "missing-bitmap or begin"},
-    };
+    auto cases = CasesFrom(RECORDINGS "/refused-headers.txt");
+    ASSERT_EQ(cases.size(), 8U);
+    const std::string is_no_recording = cases[2].second;
+    cases.emplace_back("\x89PNG\r\n\x1a\n", is_no_recording);
     for (const auto& [text, problem] : cases)
         EXPECT_EQ(Problem(text), problem) << text;
 }
@@ -188,6 +199,39 @@ TEST_F(Recordings, BytesThatFollowOneAnotherCloselyAreOneEvent) {
             });
         EXPECT_EQ(read, expected);
     }
+}
+
+TEST_F(Recordings, ATextWithALineEndStaysOnItsLine) {
+    EXPECT_EQ(Write({{0us, unit::ScreenSettled{1, {"A\nB"}}}}), "");
+    const auto recording = unit::ReadRecording(Path("file"), problem_);
+    ASSERT_TRUE(recording) << problem_;
+    const auto& screen = std::get<unit::ScreenSettled>(recording->events.back().event);
+    EXPECT_EQ(screen.texts, std::vector<std::string>{"A B"});
+}
+
+TEST(EventQueue, CountsWhatItDropsOrWaitsWhenItIsFull) {
+    const auto fill = [](unit::EventQueue& queue) {
+        for (int count = 0; count < 65536; ++count)
+            queue.Put(0us, unit::DvrReset{});
+    };
+    unit::EventQueue dropping(unit::WhenFull::kDrop);
+    fill(dropping);
+    dropping.Put(0us, unit::DvrReset{});
+    dropping.Close();
+    const auto events = dropping.Take(0ms).events;
+    EXPECT_EQ(std::get<unit::EventsLost>(events.back().event).count, 1U);
+
+    unit::EventQueue waiting(unit::WhenFull::kWait);
+    fill(waiting);
+    std::atomic<bool> put{false};
+    std::thread putter([&] {
+        waiting.Put(0us, unit::DvrReset{});
+        put = true;
+    });
+    std::this_thread::sleep_for(10ms);
+    EXPECT_FALSE(put);
+    waiting.Take(0ms);
+    putter.join();
 }
 
 TEST_F(Recordings, EndAtTheirLimits) {

@@ -5,6 +5,7 @@
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "unit/commands/unit_commands.h"
+#include "unit/workbench/changed_parts.h"
 
 namespace tests {
 namespace {
@@ -26,9 +27,12 @@ class PanelTest : public testing::Test {
         unit_.Close(std::chrono::seconds(10));
     }
 
-    void Draw() {
+    void Draw(int width = 1280, int height = 800) {
+        const ImVec2 size = {static_cast<float>(width), static_cast<float>(height)};
+        ImGui::GetIO().DisplaySize = size;
         ImGui::NewFrame();
-        panel_.Draw(context_, unit::PlaceAll(1280, 800, 1, 262, unit::Scaling::kWhole));
+        panel_.Draw(context_, unit::PlaceAll(size.x, size.y, 1, 262, unit::Scaling::kWhole,
+                                             context_.bar_height));
         ImGui::Render();
     }
 
@@ -38,7 +42,8 @@ class PanelTest : public testing::Test {
     unit::Operator operator_{unit_, "/"};
     unit::History history_{unit_.events()};
     unit::CommandRunner commands_{unit::UnitCommands(), operator_};
-    unit::PanelContext context_{unit_, commands_, history_};
+    unit::ViewSettings view_{};
+    unit::PanelContext context_{unit_, commands_, history_, view_};
     unit::Panel panel_;
 };
 
@@ -58,6 +63,47 @@ TEST_F(PanelTest, ButtonsAndKeysExecuteValidCommands) {
     EXPECT_GT(commands_.known().size(), 60U);
     for (const auto& [line, known] : commands_.known())
         EXPECT_TRUE(known) << line;
+}
+
+TEST_F(PanelTest, DrawsOnlyThePartsThatChanged) {
+    context_.unfold_all = false;
+    unit::ChangedParts changed;
+    const auto find = [&] {
+        Draw();
+        return changed.Find(*ImGui::GetDrawData(), {1280, 800});
+    };
+    for (int frame = 0; frame < 3; ++frame)
+        find();
+    EXPECT_TRUE(find().empty());
+    commands_.Execute("power off");
+    int area = 0;
+    for (const SDL_Rect& part : find())
+        area += part.w * part.h;
+    EXPECT_GT(area, 0);
+    EXPECT_LT(area, 1280 * 800 / 4);
+    changed.Forget();
+    EXPECT_EQ(find().at(0).w, 1280);
+}
+
+TEST_F(PanelTest, TakesAnyWindowSizeAndShowsALongErrorWhole) {
+    const std::string error = "power " + std::string(400, 'x');
+    commands_.Execute(error);
+    for (const auto& [width, height] : {std::pair(1280, 800), {500, 400}, {300, 200}, {1, 1}})
+        for (int frame = 0; frame < 3; ++frame)
+            Draw(width, height);
+    Draw(1280, 800);
+    Draw(1280, 800);
+    EXPECT_GT(context_.bar_height, 60) << "the bar does not grow";
+}
+
+TEST_F(PanelTest, LettersActOnlyWhenTheSettingsSaySo) {
+    unit::PressKey(context_, SDLK_e);
+    EXPECT_TRUE(unit_.external_power());
+    unit::PressKey(context_, SDLK_F1);
+    EXPECT_TRUE(context_.shows_glosses);
+    view_.keys_act = true;
+    unit::PressKey(context_, SDLK_e);
+    EXPECT_FALSE(unit_.external_power());
 }
 
 TEST_F(PanelTest, CompletesCommandsWordByWord) {

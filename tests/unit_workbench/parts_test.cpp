@@ -1,14 +1,26 @@
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
 #include <tuple>
 #include <utility>
 
+#include "platform/kernel/text.h"
 #include "tests/support/platform_fixture.h"
 #include "unit/workbench/dock.h"
+#include "unit/workbench/gloss.h"
 #include "unit/workbench/history.h"
 #include "unit/workbench/layout.h"
+#include "unit/workbench/operator_hint.h"
 #include "unit/workbench/readable.h"
 #include "unit/workbench/redraw.h"
+#include "unit/workbench/view_settings.h"
 
 // The parts of the window that need no window.
 
@@ -95,19 +107,130 @@ TEST(Layout, ScalesTheScreenByWholeOrSmoothFactors) {
             << space.width << 'x' << space.height;
 }
 
-TEST(Layout, FillsTheWindowWithoutOverlap) {
-    for (const auto& [width, height] :
-         {std::pair(1280.0F, 800.0F), {1920.0F, 800.0F}, {600.0F, 400.0F}})
-        for (const float dock : {0.0F, 262.0F, 5000.0F}) {
-            SCOPED_TRACE(testing::Message() << width << ' ' << height << ' ' << dock);
-            const unit::Layout layout = unit::PlaceAll(width, height, 1, dock, Scaling::kWhole);
-            EXPECT_EQ(layout.panel.x, layout.dock.width);
+TEST(Layout, FillsAnyWindowWithoutOverlap) {
+    for (const auto& [width, height] : {std::pair(1280.0F, 800.0F),
+                                        {1920.0F, 1080.0F},
+                                        {800.0F, 360.0F},
+                                        {799.0F, 600.0F},
+                                        {500.0F, 400.0F},
+                                        {300.0F, 200.0F},
+                                        {1.0F, 1.0F},
+                                        {0.0F, 0.0F}})
+        for (const float wish : {0.0F, 262.0F, 5000.0F}) {
+            SCOPED_TRACE(testing::Message() << width << ' ' << height << ' ' << wish);
+            const unit::Layout layout =
+                unit::PlaceAll(width, height, 1, wish, Scaling::kWhole, wish);
+            const Area none{0, 0, 1, 1};
+            for (const Area& area :
+                 {layout.screen, layout.panel, layout.bar, layout.dock.value_or(none)}) {
+                EXPECT_GE(area.width, 1);
+                EXPECT_GE(area.height, 1);
+            }
+            EXPECT_EQ(layout.dock.has_value(), width >= 800);
+            if (height < 300)
+                continue;
             EXPECT_EQ(layout.panel.x + layout.panel.width, width);
-            EXPECT_EQ(layout.dock.y + layout.dock.height, layout.bar.y);
             EXPECT_EQ(layout.bar.y + layout.bar.height, height);
-            EXPECT_LE(layout.screen.y + layout.screen.height, layout.dock.y);
-            EXPECT_LE(layout.screen.x + layout.screen.width, layout.panel.x);
+            EXPECT_LE(layout.panel.y + layout.panel.height, layout.bar.y);
+            if (layout.dock) {
+                EXPECT_EQ(layout.panel.x, layout.dock->width);
+                EXPECT_EQ(layout.dock->y + layout.dock->height, layout.bar.y);
+                EXPECT_LE(layout.screen.y + layout.screen.height, layout.dock->y);
+                EXPECT_LE(layout.screen.x + layout.screen.width, layout.panel.x);
+            } else {
+                EXPECT_LE(layout.screen.y + layout.screen.height, layout.panel.y);
+                EXPECT_LE(layout.screen.height, height * 0.55F);
+            }
         }
+}
+
+TEST(ViewSettings, SurviveAFileAndIgnoreDamage) {
+    const unit::ViewSettings settings{900,
+                                      700,
+                                      300,
+                                      Scaling::kWhole,
+                                      unit::Theme::kLight,
+                                      true,
+                                      true,
+                                      {{"SD card", false}, {"Faults", true}}};
+    const auto folder = std::filesystem::path(testing::TempDir()) / std::to_string(getpid());
+    const auto file = folder / "tolvane" / "workbench";
+    EXPECT_EQ(unit::LoadSettings(file), unit::ViewSettings()) << "no file yet";
+    unit::SaveSettings(file, settings);
+    EXPECT_EQ(unit::LoadSettings(file), settings);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(file.parent_path()), {}), 1);
+    EXPECT_EQ(unit::LoadSettings(folder), unit::ViewSettings()) << "a folder";
+    std::filesystem::remove_all(folder);
+    for (const char* const damaged :
+         {"window 0 700", "window 900", "window 999999999999 5", "dock -3", "dock x", "scaling",
+          "theme green", "keys maybe", "open", "\xff\xfe binary", "windows 5 5"})
+        EXPECT_EQ(unit::ReadSettings(damaged), unit::ViewSettings()) << damaged;
+}
+
+TEST(Gloss, ExistsForEveryTextThatTheProgramDraws) {
+    std::set<std::wstring> drawn;
+    for (const char* const file : {"/wizard/MainFrm.Screen.cpp", "/ui/CNotify.cpp"}) {
+        std::ifstream input(SOURCES + std::string(file));
+        const std::string text{std::istreambuf_iterator<char>(input), {}};
+        const std::regex literal(R"re(L"((?:[^"\\]|\\.)*)")re");
+        for (std::sregex_iterator match(text.begin(), text.end(), literal), end; match != end;
+             ++match) {
+            const std::string plain =
+                std::regex_replace((*match)[1].str(), std::regex(R"(\\")"), "\"");
+            if (std::ranges::any_of(plain, [](char c) { return c < 0; }))
+                drawn.insert(platform::kernel::FromUtf8(plain));
+        }
+    }
+    EXPECT_GT(drawn.size(), 20U);
+    for (const std::wstring& text : drawn)
+        EXPECT_NE(unit::GlossOf(text), "") << platform::kernel::ToUtf8(text);
+    for (const unit::Gloss& gloss : unit::Glosses())
+        EXPECT_TRUE(drawn.contains(std::wstring(gloss.text))) << gloss.english;
+    EXPECT_EQ(unit::GlossOf(L"Next"), "");
+}
+
+TEST(OperatorHint, FollowsTheScreenAndTheDvr) {
+    using State = dvrsim::Dvr::State;
+    const std::wstring upper = L"DVR用SDカード挿入口にSDカードが入っている場合、";
+    const std::wstring insert = L"5. DVR用SDカード挿入口にSDカードを入れて下さい。";
+    const std::wstring remove = L"7. DVR用SDカード挿入口からSDカードを抜いて下さい。";
+    const std::wstring check = L" Nextボタンは表示されません。";
+    const struct {
+        unit::HintState state;
+        const char* hint;  // a part of it
+    } cases[] = {
+        {{}, "program is starting"},
+        {{.texts = {L"Next"}, .suspended = true}, "\"Wake\""},
+        {{{L"\"Power On\" ボタンを押下して下さい。"}, false, State::kNormal}, "Click \"Power On\""},
+        {{{L"\"Power On\" ボタンを押下して下さい。"}, false, State::kNormal, true},
+         "Remove the SD card"},
+        {{{upper, L"SDカードを抜いて下さい。", L"OK"}, false, State::kNormal}, "Click \"OK\""},
+        {{{upper, L"OK"}, false, State::kNormal, true}, "Remove the SD card first"},
+        {{{L"DVR用SDカード挿入口から", L"OK"}, false, State::kUpdateFinished, true},
+         "Click \"OK\""},
+        {{{check}, false, State::kBooting}, "The DVR starts"},
+        {{{check, L"Next"}, false, State::kNormal}, "Click \"Next\""},
+        {{{check}, false, State::kNormal, true}, "Remove the SD card"},
+        {{{insert}, false, State::kBooting}, "wait until its state is \"normal\""},
+        {{{insert}, false, State::kNormal}, "Insert the SD card"},
+        {{{insert}, false, State::kNormal, true}, "Wait for \"Update\""},
+        {{{insert, L"Update"}, false, State::kNormal, true}, "Click \"Update\""},
+        {{{insert}, false, State::kUpdating, true}, "updates itself"},
+        {{{insert, L"Update"}}, "Click \"Update\""},
+        {{{L"Update Percent : 40%"}, false, State::kUpdating, true}, "updates itself"},
+        {{{L"Update Percent : 40%"}, false, State::kUpdating, true, true}, "hang"},
+        {{{L"Update Percent : 40%"}, false, State::kUpdateFailed}, "has failed"},
+        {{{L"6. しばらくお待ち下さい。"}, false, State::kUpdateFinished}, "A notice appears"},
+        {{{remove, L"Next"}, false, State::kUpdateFinished, true}, "Remove the SD card"},
+        {{{remove, L"Next"}, false, State::kUpdateFinished}, "Click \"Next\""},
+        {{{remove}, false, State::kBooting}, "Wait for the result"},
+        {{{L"ファームウェアのアップデート終了です。"}}, "Success"},
+        {{{L"ファームウェアのアップデートに失敗しました。"}}, "Failure"},
+        {{{L"本体に外部電源を接続して下さい。"}}, "External power is off"},
+    };
+    for (const auto& [state, hint] : cases)
+        EXPECT_NE(unit::HintFor(state).find(hint), std::string::npos)
+            << hint << ": " << unit::HintFor(state);
 }
 
 TEST(Readable, FilterWantsAllWordsAndNoneWithAMinus) {
@@ -147,35 +270,30 @@ TEST(FilteredList, KeepsUpWithAListThatGrowsAndDrops) {
 TEST(RedrawSchedule, DrawsOnlyWhatChanged) {
     unit::RedrawSchedule redraw;
     bool news = false;
-    const auto next = [&](double now, bool panel_visible = true, bool screen_outdated = false) {
-        const auto [picture, panel] = redraw.Next(now, panel_visible, screen_outdated,
-                                                  [&] { return std::exchange(news, false); });
-        return std::string(panel ? "panel " : "") + (picture ? "picture" : "");
+    const auto next = [&](double now, bool screen_outdated = false) {
+        const auto [picture, panel, all] =
+            redraw.Next(now, screen_outdated, [&] { return std::exchange(news, false); });
+        return std::string(all ? "all " : "") + (panel ? "panel " : "") +
+               (picture ? "picture" : "");
     };
-    EXPECT_EQ(next(1), "panel picture") << "the first one";
+    EXPECT_EQ(next(1), "all panel picture") << "the first one";
     EXPECT_EQ(next(1.1), "");
-    EXPECT_EQ(next(1.11, true, true), "picture");
-    EXPECT_EQ(next(1.12, true, true), "picture");
-    EXPECT_EQ(next(1.125, true, true), "") << "at most 60 per second";
+    EXPECT_EQ(next(1.11, true), "picture");
+    EXPECT_EQ(next(1.12, true), "picture");
+    EXPECT_EQ(next(1.125, true), "") << "at most 60 per second";
     news = true;
     EXPECT_EQ(next(1.13), "") << "at most 20 looks for news per second";
     EXPECT_EQ(next(1.16), "panel picture");
-    EXPECT_EQ(next(1.4), "");
-    EXPECT_EQ(next(1.46), "panel picture") << "state without events";
+    EXPECT_EQ(next(1.6), "");
+    EXPECT_EQ(next(1.71), "panel picture") << "state without events";
     redraw.Repaint();
-    EXPECT_EQ(next(1.5), "panel picture");
+    EXPECT_EQ(next(1.75), "all panel picture");
     redraw.LetPanelSettle();
-    for (const double now : {1.52, 1.54, 1.56})
+    for (const double now : {1.77, 1.79, 1.81})
         EXPECT_EQ(next(now), "panel picture") << now;
-    EXPECT_EQ(next(1.58), "");
-    EXPECT_EQ(redraw.Idle(1.58, false), 0.1);
-    EXPECT_EQ(redraw.Idle(1.58, true), 0);
-    // The key that hides the panel is the last event that the panel took.
-    redraw.LetPanelSettle();
-    redraw.Repaint();
-    EXPECT_EQ(next(1.6, false), "picture");
-    EXPECT_EQ(next(2, false), "");
-    EXPECT_EQ(redraw.Idle(2, false), 0.1) << "a hidden panel keeps the loop busy";
+    EXPECT_EQ(next(1.83), "");
+    EXPECT_EQ(redraw.Idle(1.83, false), 0.25);
+    EXPECT_EQ(redraw.Idle(1.83, true), 0);
 }
 
 TEST(PictureMeter, CountsOnlyWhileSomethingMoves) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The command's window on an X server in memory, with its mouse and keyboard.
-# Usage: window_test.sh TOLVANE panel|kiosk
+# Usage: window_test.sh TOLVANE panel|kiosk|verdict
 set -euo pipefail
 
 tolvane=$1
@@ -39,6 +39,11 @@ export DISPLAY HOME=$folder XDG_RUNTIME_DIR=$folder SDL_VIDEODRIVER=x11 SDL_REND
 export SDL_FRAMEBUFFER_ACCELERATION=0
 # SDL unloads the X libraries before the leak check, so no suppression can name them.
 export LSAN_OPTIONS=detect_leaks=0
+
+# A first user's card would lie over the screen, and the letters act only on request.
+mkdir -p .local/state/tolvane
+printf 'introduced yes\nkeys on\n' >.local/state/tolvane/workbench
+unset XDG_STATE_HOME
 
 shown() { xdotool search --onlyvisible --name 'Tolvane - virtual unit' >/dev/null; }
 # Starts the command with these options.
@@ -92,7 +97,7 @@ panel)
 
     # The panel's button that inserts the card; then the key that removes it, after a click elsewhere
     # took the keyboard from the command line.
-    click 962 248
+    click 984 296
     wait_for 'the card in the DVR' card_is PLUG_IN
     click_screen 5 5
     xdotool key c
@@ -105,8 +110,8 @@ panel)
     expect_log ---Mstar_C4_Scaler_SetWindow
     wait_for 'the video' shows_other 800x472+22+12 "$screen"
 
-    # Two tabs of the dock; the row of controls below them shows which one is open.
-    row=125x28+10+540
+    # Two tabs of the dock; the head of the table shows which one is open.
+    row=200x16+10+574
     serial_line=$(pixels $row)
     for _ in 1 2; do
         click 140 526
@@ -120,8 +125,32 @@ panel)
     wait_for 'the full screen' shows_other $row "$serial_line"
     xdotool key Escape
     wait_for 'the panel' shows $row "$serial_line"
+
+    # A window of any size.
+    window=$(xdotool search --name 'Tolvane - virtual unit')
+    xdotool windowsize "$window" 300 200
+    wait_for 'the narrow window' shows_other $row "$serial_line"
+    xdotool windowsize "$window" 1280 800
+    wait_for 'the wide window' shows $row "$serial_line"
     interrupt
     expect 'errors' "$(cat err)" = ''
+    expect 'the saved size' "$(grep window .local/state/tolvane/workbench)" = 'window 1280 800'
+    ;;
+verdict)
+    # The window stays when the run is over: blue is the head of the card with the verdict.
+    printf 'wait button "Power On"\n' >passes.scenario
+    open --scenario passes.scenario --window
+    verdict() { pixels 1x1 >/dev/null && some 'look.png[20x8+500+200]' 'b > 0.5 && r < 0.3'; }
+    wait_for 'the verdict' verdict
+    click 249 288
+    wait_for 'the end of the first run' grep -q '^passes: passed' out
+    # Before the second verdict the click is only a touch of the unit's screen.
+    gone() { click 407 288 && ! kill -0 "$program" 2>/dev/null; }
+    wait_for 'the end of the second run' gone
+    status=0
+    wait "$program" || status=$?
+    expect 'exit status' "$status" = 0
+    expect 'results' "$(grep -c '^passes: passed' out)" = 2
     ;;
 kiosk)
     open --kiosk --stats

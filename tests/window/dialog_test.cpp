@@ -82,18 +82,6 @@ TEST(Dialog, EndsInManyWays) {
     });
 }
 
-PLATFORM_TEST(Dialog, EndsWhenAnotherThreadDestroysItsOwner) {
-    const WindowThread owner({});
-    bool destroyed = false;
-    const auto handler = [&](HWND, UINT message) {
-        if (message == WM_INITDIALOG)
-            owner.Stop();
-        destroyed = destroyed || message == WM_DESTROY;
-    };
-    EXPECT_EQ(RunDialog(owner, handler), 0);
-    EXPECT_TRUE(destroyed);
-}
-
 PLATFORM_TEST(Dialog, NeedsATemplateOfItsKindAndALivingOwner) {
     std::vector<WORD> extended = MakeTemplate();
     extended[0] = 1;

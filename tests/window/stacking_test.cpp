@@ -1,3 +1,4 @@
+#include "tests/support/cases.h"
 #include "tests/window/test_window.h"
 
 namespace tests {
@@ -12,88 +13,46 @@ std::string Stack() {
 }
 
 TEST(Stacking, ChangesBySetWindowPosAndForeground) {
-    // A step is a window and its new place: top (^), bottom (_), topmost (*), no longer topmost
-    // (-), behind another window, foreground without (!) or with its owned windows (|).
-    const struct {
-        const char* name;
-        std::string steps;
-        std::string expected;
-    } cases[] = {
-        {"as made", "", "dcba"},
-        {"to the top", "a^", "adcb"},
-        {"an owner to the top", "b^", "dbca"},
-        {"an owned one to the top", "a^d^", "dbac"},
-        {"to the bottom", "c_", "dbac"},
-        {"an owned one to the bottom", "d_", "cadb"},
-        {"behind another", "cb", "dbca"},
-        {"not behind the owner", "da", "cdba"},
-        {"topmost", "a*", "a*dcb"},
-        {"topmost with what it owns", "b*", "d*b*ca"},
-        {"topmost stays above", "a*c^", "a*cdb"},
-        {"two topmost", "a*c*a^", "a*c*db"},
-        {"topmost no longer", "a*c*a-", "c*adb"},
-        {"never was topmost", "a-", "dcba"},
-        {"behind one that is not topmost", "a*ac", "dcab"},
-        {"bottom ends topmost", "c*c_", "dbac"},
-        {"foreground", "a!", "adcb"},
-        {"foreground with owned windows", "b|", "dbca"},
-    };
-    OnPlatformForEach(cases, [](const auto& each) {
-        using Options = TestWindow::Options;
-        const TestWindow a(Options{.title = L"a"}), b(Options{.title = L"b"}),
-            c(Options{.title = L"c"}), d(Options{.owner = b, .title = L"d"});
-        const std::map<char, HWND> places{{'a', a},
-                                          {'b', b},
-                                          {'c', c},
-                                          {'d', d},
-                                          {'^', HWND_TOP},
-                                          {'_', HWND_BOTTOM},
-                                          {'*', HWND_TOPMOST},
-                                          {'-', HWND_NOTOPMOST}};
-        for (std::size_t at = 0; at < each.steps.size(); at += 2) {
-            const HWND target = places.at(each.steps[at]);
-            const char where = each.steps[at + 1];
-            if (where == '!' || where == '|')
-                SetForegroundWindow(
-                    reinterpret_cast<HWND>(reinterpret_cast<UINT_PTR>(target) | (where == '|')));
-            else
-                SetWindowPos(target, places.at(where), 0, 0, 0, 0,
-                             SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-        }
-        EXPECT_EQ(Stack(), each.expected);
-    });
+    const auto cases = CasesFrom(WINDOW_CASES "/stacking.txt");
+    ASSERT_FALSE(cases.empty());
+    for (const auto& [steps, expected] : cases)
+        OnPlatform([&, steps = steps, expected = expected] {
+            using Options = TestWindow::Options;
+            const TestWindow a(Options{.title = L"a"}), b(Options{.title = L"b"}),
+                c(Options{.title = L"c"}), d(Options{.owner = b, .title = L"d"});
+            const HWND places[] = {a, b, c, d, HWND_TOP, HWND_BOTTOM, HWND_TOPMOST, HWND_NOTOPMOST};
+            const auto place = [&](char mark) {
+                return places[std::string("abcd^_*-").find(mark)];
+            };
+            for (std::size_t at = 0; steps[at] != '\n'; at += 2) {
+                const HWND target = place(steps[at]);
+                const char where = steps[at + 1];
+                if (where == '!' || where == '|')
+                    SetForegroundWindow(HWND(UINT_PTR(target) | (where == '|')));
+                else
+                    SetWindowPos(target, place(where), 0, 0, 0, 0,
+                                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+            }
+            EXPECT_EQ(Stack(), expected) << "after " << steps;
+        });
 }
 
 PLATFORM_TEST(TouchRouting, SleepingThreadDelaysOnlyItsOwnTouches) {
     int pressed = 0;
     const WindowThread other({.place = {100, 0, 200, 100}},
                              On(WM_LBUTTONDOWN, [&](HWND, WPARAM) { return ++pressed; }));
-    TestWindow own;
+    const TestWindow own;
     own.Show();
-    HandleWaiting();
     window::TouchScreen(Touch::kDown, 10, 10);
     for (int x = 11; x < 50; ++x)
         window::TouchScreen(Touch::kMove, x, 10);
     window::TouchScreen(Touch::kDown, 110, 10);
     Sleep(100);
     EXPECT_EQ(pressed, 1);
-    const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE};
-    EXPECT_EQ(own.Order(all), Numbers());
+    EXPECT_EQ(own.Count(WM_LBUTTONDOWN), 0U);
     HandleWaiting();
-    EXPECT_EQ(own.Order(all), all) << "moves in a row are one message";
-}
-
-PLATFORM_TEST(Positioning, OfAnotherThreadsWindowDoesNotWait) {
-    TestWindow task_bar(TestWindow::Options{.extended_style = WS_EX_TOPMOST});
-    task_bar.Forget();
-    Crew([&] {
-        EXPECT_TRUE(SetWindowPos(task_bar, HWND_NOTOPMOST, 0, 0, 0, 0,
-                                 SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE));
-        EXPECT_FALSE(window::TopLevelWindows()[0].topmost);
-    });
-    EXPECT_EQ(task_bar.Count(WM_WINDOWPOSCHANGED), 0U);
-    HandleWaiting();
-    EXPECT_EQ(task_bar.Count(WM_WINDOWPOSCHANGED), 1U);
+    EXPECT_EQ(own.Order({WM_LBUTTONDOWN, WM_MOUSEMOVE}), (Numbers{WM_LBUTTONDOWN, WM_MOUSEMOVE}))
+        << "moves in a row are one message";
 }
 
 PLATFORM_TEST(Activation, MovesWithShowingHidingAndDestroying) {
@@ -109,7 +68,7 @@ PLATFORM_TEST(Activation, MovesWithShowingHidingAndDestroying) {
     second.Show();
     expect_active(second);
     EXPECT_EQ(first.Order(interesting), (Numbers{WM_ACTIVATE, WM_KILLFOCUS}));
-    EXPECT_EQ(first.seen()[0].wParam, WA_INACTIVE);
+    EXPECT_EQ(first.Last(WM_ACTIVATE).wParam, WA_INACTIVE);
     EXPECT_EQ(second.Order(interesting), (Numbers{WM_ACTIVATE, WM_SETFOCUS}));
     ShowWindow(second, SW_HIDE);
     expect_active(first);
@@ -174,27 +133,24 @@ TEST(TouchRouting, GoesToTheTopmostVisibleWindowUnlessItIsDisabled) {
         {"off the screen", -1, 20, nothing, '-'},
     };
     OnPlatformForEach(cases, [](const auto& each) {
-        TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
+        const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP};
+        const TestWindow lower(TestWindow::Options{.place = {0, 0, 200, 200}}),
             upper(TestWindow::Options{.place = {100, 100, 300, 300},
                                       .style = WS_POPUP | each.upper_style});
         lower.Show();
         upper.Show();
         each.prepare(upper);
-        HandleWaiting();
-        for (TestWindow* target : {&lower, &upper})
-            target->Forget();
         for (const Touch touch : {Touch::kDown, Touch::kMove, Touch::kUp})
             window::TouchScreen(touch, each.x, each.y);
         HandleWaiting();
-        const Numbers all{WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP};
-        for (const TestWindow* target : {&lower, &upper}) {
-            const bool touched = each.to == (target == &lower ? 'l' : 'u');
-            EXPECT_EQ(target->Order(all), touched ? all : Numbers());
-            EXPECT_TRUE(!touched || Foreground() == *target);
-            for (const MSG& seen : target->seen())
-                EXPECT_TRUE(seen.message != WM_LBUTTONDOWN ||
-                            (seen.lParam == each.seen && seen.wParam == MK_LBUTTON));
-        }
+        EXPECT_EQ(lower.Order(all), each.to == 'l' ? all : Numbers());
+        EXPECT_EQ(upper.Order(all), each.to == 'u' ? all : Numbers());
+        if (each.to == '-')
+            return;
+        const TestWindow& touched = each.to == 'l' ? lower : upper;
+        EXPECT_EQ(Foreground(), touched.handle());
+        EXPECT_EQ(touched.Last(WM_LBUTTONDOWN).lParam, each.seen);
+        EXPECT_EQ(touched.Last(WM_LBUTTONDOWN).wParam, WPARAM{MK_LBUTTON});
     });
 }
 

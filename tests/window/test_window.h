@@ -29,10 +29,9 @@ inline std::optional<window::WindowState> StateOf(HWND handle) {
 }
 
 inline HWND Foreground() {
-    for (const auto& state : window::TopLevelWindows())
-        if (state.foreground)
-            return state.handle;
-    return NULL;
+    const auto states = window::TopLevelWindows();
+    const auto found = std::ranges::find(states, true, &window::WindowState::foreground);
+    return found == states.end() ? NULL : found->handle;
 }
 
 // A window that records its messages and lets a handler process them. Created and destroyed on one
@@ -44,7 +43,6 @@ class TestWindow {
     struct Options {
         RECT place{0, 0, 100, 100};
         DWORD style = WS_POPUP;
-        DWORD extended_style = 0;
         HWND owner = NULL;
         LPCWSTR title = L"";
     };
@@ -58,26 +56,18 @@ class TestWindow {
         settings.lpfnWndProc = Procedure;
         settings.lpszClassName = kClass;
         RegisterClassW(&settings);
-        t_creating = this;
         const auto& [left, top, right, bottom] = options.place;
-        handle_ =
-            CreateWindowExW(options.extended_style, kClass, options.title, options.style, left, top,
-                            right - left, bottom - top, options.owner, NULL, NULL, NULL);
-        t_creating = nullptr;
+        handle_ = CreateWindowExW(0, kClass, options.title, options.style, left, top, right - left,
+                                  bottom - top, options.owner, NULL, NULL, this);
     }
     TestWindow(const TestWindow&) = delete;
     TestWindow& operator=(const TestWindow&) = delete;
-    ~TestWindow() {
-        if (StateOf(handle_))
-            DestroyWindow(handle_);
-        t_windows.erase(handle_);
-    }
+    ~TestWindow() { DestroyWindow(handle_); }
 
     operator HWND() const { return handle_; }
     HWND handle() const { return handle_; }
     void Show() const { ShowWindow(handle_, SW_SHOW); }
     void Forget() { seen_.clear(); }
-    const std::vector<MSG>& seen() const { return seen_; }
     std::size_t Count(UINT message) const { return Order({message}).size(); }
 
     // The numbers of those of `interesting` that came, in order.
@@ -89,20 +79,23 @@ class TestWindow {
         return order;
     }
 
+    // The last message of that number, or an empty one.
+    MSG Last(UINT message) const {
+        const auto found = std::ranges::find(seen_.rbegin(), seen_.rend(), message, &MSG::message);
+        return found == seen_.rend() ? MSG{} : *found;
+    }
+
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-        if (t_creating)
-            t_windows[window] = t_creating;
-        TestWindow* const self = t_windows.at(window);
-        if (self == t_creating)
-            t_creating = nullptr;
+        static thread_local std::map<HWND, TestWindow*> windows;
+        if (message == WM_NCCREATE)
+            windows[window] =
+                static_cast<TestWindow*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
+        TestWindow* const self = windows.at(window);
         self->seen_.push_back({window, message, wparam, lparam, 0, {}});
         const auto answer = self->handler_ ? self->handler_(window, message, wparam) : std::nullopt;
         return answer ? *answer : DefWindowProcW(window, message, wparam, lparam);
     }
-
-    static inline thread_local TestWindow* t_creating = nullptr;
-    static inline thread_local std::map<HWND, TestWindow*> t_windows;
 
     Handler handler_;
     HWND handle_ = NULL;
@@ -116,17 +109,12 @@ inline TestWindow::Handler On(UINT number, std::function<LRESULT(HWND, WPARAM)> 
     };
 }
 
-// A window on a thread of its own, which handles its messages until Stop.
+// A shown window on a thread of its own, which handles its messages until Stop.
 class WindowThread {
   public:
     explicit WindowThread(TestWindow::Options options, TestWindow::Handler handler = {})
-        : thread_([this, options, handler = std::move(handler)] {
-              const auto ends_with_the_window = [&](HWND window, UINT message, WPARAM wparam) {
-                  if (message == WM_NCDESTROY)
-                      PostQuitMessage(0);
-                  return handler ? handler(window, message, wparam) : std::nullopt;
-              };
-              const TestWindow target(options, ends_with_the_window);
+        : thread_([this, options, handler] {
+              const TestWindow target(options, handler);
               target.Show();
               window_ = target;
               MSG message{};

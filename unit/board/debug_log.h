@@ -27,13 +27,18 @@ class DebugLog {
 
     void Write(std::wstring_view text, std::chrono::microseconds time);
 
+    // Why the file is not complete, in one line; empty if it is.
+    std::string problem() const;
+
   private:
     struct Closer {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
     std::vector<Listener> listeners_;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
+    std::string path_;
+    std::string problem_;
     std::unique_ptr<std::FILE, Closer> file_;
     std::string unfinished_;
 };

@@ -3,6 +3,7 @@
 #include <pm.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/device/serial_port.h"
 #include "platform/gdi/gdi.h"
@@ -12,6 +13,7 @@
 #include "unit/board/task_bar.h"
 #include "unit/devices/dvr_reset_driver.h"
 #include "unit/devices/request_record.h"
+#include "unit/events/event_text.h"
 #include "unit/picture/screen_mixer.h"
 
 namespace unit {
@@ -43,7 +45,8 @@ VirtualUnit::VirtualUnit(const Options& options, Program program, DebugLog& log,
           say(line);
           events_.Publish(OperatorMessage{line});
       }),
-      time_scale_(std::max(1, static_cast<int>(options.kernel.speed))) {
+      name_(options.name),
+      kernel_options_(options.kernel) {
     kernel::Boot(options.kernel, *this);
     window::Start();
     supply_.ac_line_status = options.external_power ? 1 : 0;
@@ -118,11 +121,13 @@ bool VirtualUnit::CloseUntil(const std::function<void()>& ask, const std::functi
 bool VirtualUnit::Close(std::chrono::seconds limit) {
     if (on_closing_)
         on_closing_();
+    // The program needs time to end.
+    ResumeClock();
     CloseUntil(
-        ProgramHost::CloseWindow, [this] { return !program_.running(); }, limit * time_scale_);
+        ProgramHost::CloseWindow, [this] { return !program_.running(); }, limit * time_scale());
     // An application that is still starting has no window to close yet: ask again.
     const bool all_ended = CloseUntil(
-        CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale_);
+        CloseTaskBar, [] { return kernel::ThreadCount() == 0; }, kOtherLimit * time_scale());
     power_coordinator_.CloseEvents();
     const std::pair<const char*, std::size_t> counts[] = {
         {"threads", kernel::ThreadCount()},
@@ -153,9 +158,9 @@ void VirtualUnit::RemoveCard() {
         events_.Publish(CardMoved{false, {}});
 }
 
-void VirtualUnit::ResetDvr() {
+std::shared_future<std::string> VirtualUnit::ResetDvr() {
     events_.Publish(DvrReset{});
-    dvr_->Reset();
+    return dvr_->Reset();
 }
 
 void VirtualUnit::ChangeSupply(const std::function<void(platform::PowerSupply&)>& change) {
@@ -195,7 +200,7 @@ bool VirtualUnit::external_power() const {
     return supply_.ac_line_status == 1;
 }
 
-Picture VirtualUnit::TakePicture() {
+Picture VirtualUnit::TakePicture(Picture reused) {
     if (suspended_)
         return {
             window::kScreenWidth, window::kScreenHeight,
@@ -204,7 +209,7 @@ Picture VirtualUnit::TakePicture() {
     const bool feeds = dvr_->dvr() && dvr_->dvr()->HasPicture();
     const Picture& video =
         scaler.VideoShows() && feeds ? video_scene_.At(kernel::Now()) : NoSignal();
-    return MixPlanes(Screen(), video, scaler);
+    return MixPlanes(Screen(), video, scaler, std::move(reused));
 }
 
 const platform::gdi::Surface& VirtualUnit::Screen() {
@@ -220,6 +225,43 @@ bool VirtualUnit::JumpClock(kernel::Duration forward) {
         return false;
     events_.Publish(ClockJumped{forward});
     return kernel::JumpClock(forward);
+}
+
+int VirtualUnit::time_scale() const {
+    return std::max(1, static_cast<int>(kernel::ClockSpeed()));
+}
+
+bool VirtualUnit::StepClock(std::function<void(const TimedEvent&)> done) {
+    if (kernel_options_.mode == kernel::Mode::kSimulated)
+        return false;
+    const int step = ++steps_;
+    // Subscribed before the clock runs: the event may come at once.
+    step_ = events_.Subscribe(
+        [this, step, done = std::move(done), stepped = false](const TimedEvent& timed) mutable {
+            if (stepped || !IsTraced(timed.event))
+                return;
+            stepped = true;
+            kernel::PauseClock();
+            kernel::At(timed.time, [this, step, done, timed] {
+                if (step == steps_)
+                    step_ = {};
+                if (done)
+                    done(timed);
+            });
+        });
+    return kernel::ResumeClock();
+}
+
+bool VirtualUnit::PauseClock() {
+    ++steps_;
+    step_ = {};
+    return kernel::PauseClock();
+}
+
+bool VirtualUnit::ResumeClock() {
+    ++steps_;
+    step_ = {};
+    return kernel::ResumeClock();
 }
 
 void VirtualUnit::WakeUp() {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -38,6 +39,7 @@ struct Program {
 class VirtualUnit final : public platform::Board {
   public:
     struct Options {
+        std::string name = "unit";
         platform::kernel::Options kernel;
         DvrPort::Options dvr;
         // Drivers that are missing ("COM9:", "DVR1:", "SCA0:") and pictures that cannot be loaded.
@@ -83,11 +85,11 @@ class VirtualUnit final : public platform::Board {
     void SetBattery(BYTE flag, BYTE percent);
     void SetSupply(const platform::PowerSupply& supply);
     platform::PowerSupply supply() const;
-    // Pulls the DVR's reset wire.
-    void ResetDvr();
+    // Pulls the DVR's reset wire; see DvrPort::Reset.
+    std::shared_future<std::string> ResetDvr();
 
-    // What the screen shows now.
-    Picture TakePicture();
+    // What the screen shows now, in the memory of `reused`.
+    Picture TakePicture(Picture reused = {});
     // The graphics plane now, composed only after a change; valid until the next call.
     const platform::gdi::Surface& Screen();
     // Grows with every change of the screen. Any thread.
@@ -100,12 +102,21 @@ class VirtualUnit final : public platform::Board {
     }
     bool suspended() const { return suspended_; }
     // The unit's speed relative to the host's clock, at least 1; 1 in simulated time.
-    int time_scale() const { return time_scale_; }
+    int time_scale() const;
+    const std::string& name() const { return name_; }
+    const platform::kernel::Options& kernel_options() const { return kernel_options_; }
     // Presses the unit's power button, which wakes a suspended unit.
     void WakeUp();
 
     // See kernel::JumpClock.
     bool JumpClock(platform::kernel::Duration forward);
+    // Lets the clock run until the next event at an external interface, then pauses it. `done` is
+    // called on the host thread with the event, unless the clock is resumed or the unit ends
+    // before. False in simulated time.
+    bool StepClock(std::function<void(const TimedEvent&)> done);
+    // Pauses or resumes the clock, which ends a step. False in simulated time.
+    bool PauseClock();
+    bool ResumeClock();
 
     void Say(const std::string& line) const { say_(line); }
 
@@ -134,8 +145,8 @@ class VirtualUnit final : public platform::Board {
     DebugLog& log_;
     const std::function<void(const std::string&)> say_;
     EventHub events_;
-    // Host-time limits are multiplied by it.
-    const int time_scale_;
+    const std::string name_;
+    const platform::kernel::Options kernel_options_;
     ProgramHost program_;
     std::shared_ptr<platform::OtherProcesses> other_processes_;
     std::shared_ptr<Scaler> scaler_;
@@ -153,6 +164,9 @@ class VirtualUnit final : public platform::Board {
     platform::gdi::Surface composed_{platform::window::kScreenWidth,
                                      platform::window::kScreenHeight};
     VideoScene video_scene_;
+    // Of the step that runs; the subscription is renewed and cancelled on the host thread.
+    EventHub::Subscription step_;
+    int steps_ = 0;
     std::atomic<bool> suspended_{false};
     std::function<void()> on_screen_change_;
     std::function<void()> on_closing_;

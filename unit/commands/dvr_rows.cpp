@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 
 #include "dvrsim/commands/dvr_commands.h"
@@ -9,6 +10,7 @@ namespace {
 
 using control::Done;
 using control::Outcome;
+using control::Refused;
 using control::Values;
 
 constexpr char kNotSimulated[] =
@@ -16,8 +18,13 @@ constexpr char kNotSimulated[] =
     "of the line";
 
 Outcome Reset(Operator& op, const Values&) {
-    op.unit().ResetDvr();
-    return Done();
+    Outcome outcome = Done();
+    outcome.later = [result = op.unit().ResetDvr()]() -> std::optional<Outcome> {
+        if (result.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+            return std::nullopt;
+        return result.get().empty() ? Done() : Refused(result.get());
+    };
+    return outcome;
 }
 
 Outcome Plug(Operator& op, const Values& values) {

@@ -44,7 +44,8 @@ std::string CheckCall(const Values& values) {
     if (!values.Has("CALL") || std::ranges::find(names, call) != names.end())
         return {};
     return "the program makes no call '" + call + "' that can fail; allowed is one of " +
-           Join({names.begin(), names.end()}, ", ");
+           Join({names.begin(), names.end()}, ", ") +
+           control::Suggestion(call, {names.begin(), names.end()});
 }
 
 Outcome ListCalls(Operator&, const Values&) {
@@ -77,7 +78,8 @@ Outcome ForDriver(Operator& op, const Values& values, Set set) {
         std::vector<std::string> list;
         std::ranges::transform(names, std::back_inserter(list), kernel::ToUtf8);
         return Refused("there is no driver " + values.Text("DRIVER") + "; allowed is one of " +
-                       Join(list, ", "));
+                       Join(list, ", ") +
+                       control::Suggestion(values.Text("DRIVER"), {list.begin(), list.end()}));
     }
     set(op.unit().faults(), name);
     return Done();

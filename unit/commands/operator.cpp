@@ -1,5 +1,7 @@
 #include "unit/commands/operator.h"
 
+#include <set>
+
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
 #include "unit/picture/screen_reader.h"
@@ -12,15 +14,34 @@ using platform::window::Touch;
 Operator::Operator(VirtualUnit& unit, std::string image_card)
     : unit_(unit), cards_(std::move(image_card)) {}
 
+bool Operator::AskFor(Ending ending) {
+    if (may_end_)
+        ending_ = ending;
+    return may_end_;
+}
+
 std::optional<POINT> Operator::FindButton(const std::string& caption) {
     const ScreenReader screen(unit_.Screen());
-    return caption == "close" ? screen.CloseButton() : screen.PlaceOf(kernel::FromUtf8(caption));
+    return caption == "close" ? screen.CloseButton()
+                              : screen.PlaceOfButton(kernel::FromUtf8(caption));
+}
+
+std::vector<std::string> Operator::ButtonsOnScreen() {
+    const ScreenReader screen(unit_.Screen());
+    std::vector<std::string> names;
+    for (const std::wstring& caption : screen.Buttons())
+        names.push_back(kernel::ToUtf8(caption));
+    if (screen.CloseButton())
+        names.emplace_back("close");
+    return names;
 }
 
 std::string Operator::TextsOnScreen() {
     std::string list;
+    std::set<std::wstring> listed;
     for (const std::wstring& text : ScreenReader(unit_.Screen()).Texts())
-        list += (list.empty() ? "" : ", ") + control::QuoteWord(kernel::ToUtf8(text));
+        if (listed.insert(text).second)
+            list += (list.empty() ? "" : ", ") + control::QuoteWord(kernel::ToUtf8(text));
     return list.empty() ? "nothing" : list;
 }
 

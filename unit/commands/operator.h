@@ -27,11 +27,22 @@ class Operator {
     const std::string& MakeCard(const std::optional<std::string>& image_version) {
         return cards_.Make(image_version);
     }
+    const std::string& card_problem() const { return cards_.problem(); }
+
+    // How the person wants the unit to end; nothing while it may run on. Refused, with false, where
+    // the end of the run is not the person's: a scenario that `tolvane --scenario` runs.
+    enum class Ending { kNone, kQuit, kRestart };
+    bool AskFor(Ending ending);
+    Ending ending() const { return ending_; }
+    void AllowEnding() { may_end_ = true; }
+    bool may_end() const { return may_end_; }
 
     // The position of a button on the screen, by its caption ("Next"), or of the close button
     // ("close").
     std::optional<POINT> FindButton(const std::string& caption);
-    // The texts on the screen, for a refusal.
+    // The names that FindButton finds now.
+    std::vector<std::string> ButtonsOnScreen();
+    // The texts on the screen, each once, for a report.
     std::string TextsOnScreen();
 
     void Press(POINT position);
@@ -48,10 +59,15 @@ class Operator {
     dvrsim::CardFolders cards_;
     std::optional<POINT> finger_;
     bool tapping_ = false;
+    bool may_end_ = false;
+    Ending ending_ = Ending::kNone;
 };
 
 using UnitTable = control::CommandTable<Operator>;
 using UnitRows = std::vector<UnitTable::Row>;
+
+// The command that lets the clock run to the next event.
+inline constexpr char kStepPattern[] = "clock step";
 
 // The command for a power request, and the request that such a line names.
 inline constexpr char kRequestPattern[] = "request suspend|resume|off";

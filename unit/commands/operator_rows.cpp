@@ -19,6 +19,16 @@ using namespace std::chrono_literals;
 
 constexpr auto kDefaultTap = 150ms;
 
+std::string NoSuchButton(Operator& op, const std::string& caption) {
+    const std::vector<std::string> buttons = op.ButtonsOnScreen();
+    std::string list;
+    for (const std::string& button : buttons)
+        list += (list.empty() ? "" : ", ") + control::QuoteWord(button);
+    return "there is no button " + control::QuoteWord(caption) + "; the buttons are " +
+           (list.empty() ? "all hidden" : list) +
+           control::Suggestion(caption, {buttons.begin(), buttons.end()});
+}
+
 // Calls `act` with the position of the line's button, or its coordinates.
 template <class Act>
 Outcome AtPosition(Operator& op, const Values& values, Act act) {
@@ -31,8 +41,7 @@ Outcome AtPosition(Operator& op, const Values& values, Act act) {
     const std::string caption = values.Text("BUTTON");
     const std::optional<POINT> position = op.FindButton(caption);
     if (!position)
-        return Refused("there is no " + control::QuoteWord(caption) + " on the screen; there is " +
-                       op.TextsOnScreen());
+        return Refused(NoSuchButton(op, caption));
     act(*position);
     return Done();
 }
@@ -75,7 +84,7 @@ Outcome Insert(Operator& op, const std::string& folder, const std::string& card)
     if (dvr->CardIn())
         return Refused("a card is in already; take it out first");
     if (folder.empty())
-        return Refused(dvrsim::CardFolders::kNoSuchCard);
+        return Refused(op.card_problem());
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         return Refused(folder + " is not a folder");
@@ -144,6 +153,21 @@ Outcome Texts(Operator& op, const Values&) {
     return Done(lines);
 }
 
+Outcome End(Operator& op, Operator::Ending ending) {
+    return op.AskFor(ending)
+               ? Done()
+               : Refused(
+                     "this unit ends with its scenario; allowed on a unit that runs without one");
+}
+
+Outcome Quit(Operator& op, const Values&) {
+    return End(op, Operator::Ending::kQuit);
+}
+
+Outcome Restart(Operator& op, const Values&) {
+    return End(op, Operator::Ending::kRestart);
+}
+
 }  // namespace
 
 const PowerRequest& PowerRequestIn(const Values& values) {
@@ -178,6 +202,10 @@ UnitRows OperatorRows() {
          Request},
         {"screenshot FILE", "Writes what the screen shows to a PNG file.", Screenshot},
         {"texts", "Lists the texts on the screen.", Texts},
+        {"quit", "Closes the program and ends the unit, as SIGTERM does.", Quit},
+        {"restart",
+         "Closes the program and begins another run on a new unit; commands to its name reach it.",
+         Restart},
     };
 }
 

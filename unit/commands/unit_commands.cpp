@@ -8,7 +8,7 @@ namespace unit {
 const UnitTable& UnitCommands() {
     static const UnitTable table([] {
         UnitRows all;
-        for (const auto rows : {OperatorRows, DvrRows, FaultRows})
+        for (const auto rows : {OperatorRows, ClockRows, DvrRows, FaultRows})
             std::ranges::move(rows(), std::back_inserter(all));
         return all;
     }());

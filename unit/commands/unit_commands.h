@@ -10,6 +10,7 @@ const UnitTable& UnitCommands();
 // Its rows by subject.
 UnitRows
 OperatorRows();        // tap, press, move, release, card, power, battery, wake, request, texts...
+UnitRows ClockRows();  // clock
 UnitRows DvrRows();    // dvr, fault dvr, line
 UnitRows FaultRows();  // calls, fault
 

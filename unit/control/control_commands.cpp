@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <optional>
 
 #include "platform/kernel/kernel.h"
@@ -10,6 +11,7 @@
 #include "platform/window/screen.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/control/control_server.h"
+#include "unit/events/event_json.h"
 #include "unit/events/event_text.h"
 
 namespace unit {
@@ -60,8 +62,9 @@ OtherProcessWindow WindowIn(const control::Values& values) {
 const std::vector<ControlServer::OwnCommand>& ControlServer::OwnCommands() {
     static const std::vector<OwnCommand> commands = {
         {"state", "Prints the complete state of the unit, as JSON.", &ControlServer::StartState},
-        {"watch [frames|broadcasts|log|all]",
-         "Prints events from now on, by default frames and broadcasts.",
+        {"watch [frames|broadcasts|log|all] [--json]",
+         "Prints events from now on, by default frames and broadcasts; with --json an object a "
+         "line.",
          &ControlServer::StartWatch},
         {"run [FILE]", "Runs the scenario that is sent with the command.",
          &ControlServer::StartRun},
@@ -87,15 +90,63 @@ const control::Grammar& ControlServer::AllCommands() {
             patterns.push_back(command.pattern);
         for (const UnitTable::Row& row : UnitCommands().rows())
             patterns.push_back(row.pattern);
+        for (const ScenarioTable::Row& row : RunRows())
+            patterns.push_back(row.pattern);
         return control::Grammar(patterns);
     }();
     return grammar;
 }
 
+const ScenarioRows& ControlServer::RunRows() {
+    static const ScenarioRows rows = [] {
+        ScenarioRows all;
+        for (const auto part : {CheckRows, PictureRows})
+            std::ranges::move(part(), std::back_inserter(all));
+        return all;
+    }();
+    return rows;
+}
+
+std::string ControlServer::OnlyInScenarios(const std::vector<std::string>& words) {
+    static const auto grammar_of = [](const ScenarioRows& rows) {
+        std::vector<std::string_view> patterns;
+        for (const ScenarioTable::Row& row : rows)
+            patterns.push_back(row.pattern);
+        return control::Grammar(patterns);
+    };
+    static const control::Grammar settings = grammar_of(SettingRows());
+    static const control::Grammar structure = grammar_of(StructureRows());
+    std::string ignored;
+    const std::string line = "'" + control::JoinWords(words) + "' ";
+    if (settings.Read(words, ignored))
+        return line + "applies when a unit starts, and this one runs already";
+    if (structure.Read(words, ignored))
+        return line + "is a line of scenario files only; unitctl run FILE runs such a file";
+    return {};
+}
+
+void ControlServer::StartRunCommand(const Job& job) {
+    if (!abilities_.run_command)
+        return job.reply->End(Refused("this unit runs no scenarios"));
+    std::string problem;
+    auto scenario = ReadCommand(job.request.line, job.request.folder, problem);
+    if (!scenario)
+        return job.reply->End(control::Misused(problem));
+    Post([this, job, scenario = *std::move(scenario)] {
+        abilities_.run_command({scenario, job.reply});
+    });
+}
+
 void ControlServer::Execute(const UnitTable::Row& row, const Job& job) {
     if (row.pattern == kRequestPattern)
         return RaiseRequest(row, job);
+    if (row.pattern == kStepPattern &&
+        operator_.unit().StepClock(
+            [reply = job.reply](const TimedEvent& timed) { reply->End(Done(TraceRecord(timed))); }))
+        return;
     const Outcome outcome = row.execute(operator_, job.values);
+    if (outcome.later)
+        return EndWhen(job.reply, outcome.later, kernel::kNever);
     if (!outcome.done || !operator_.busy())
         return job.reply->End(outcome);
     // A tap ends when the finger is up again.
@@ -137,10 +188,11 @@ void ControlServer::StartWatch(const Job& job) {
             return broadcasts;
         return all && IsTraced(event);
     };
-    watches_[job.client] =
-        operator_.unit().events().Subscribe([wanted, reply = job.reply](const TimedEvent& timed) {
+    watches_[job.client] = operator_.unit().events().Subscribe(
+        [wanted, reply = job.reply,
+         format = job.values.Chose("--json") ? EventJson : TraceRecord](const TimedEvent& timed) {
             if (wanted(timed.event))
-                reply->Line(TraceRecord(timed));
+                reply->Line(format(timed));
         });
 }
 
@@ -190,6 +242,8 @@ void ControlServer::StartHelp(const Job& job) {
     for (const OwnCommand& command : OwnCommands())
         list(command.pattern, command.help);
     for (const UnitTable::Row& row : UnitCommands().rows())
+        list(row.pattern, row.help);
+    for (const ScenarioTable::Row& row : RunRows())
         list(row.pattern, row.help);
     job.reply->End(Done());
 }

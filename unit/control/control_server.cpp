@@ -12,7 +12,7 @@ namespace unit {
 
 namespace kernel = platform::kernel;
 using control::Done;
-using control::Refused;
+using control::Misused;
 
 namespace {
 
@@ -106,12 +106,14 @@ void ControlServer::Take(ClientId client, const control::Request& request) {
     std::string problem;
     const auto words = control::SplitWords(request.line, problem);
     if (!words)
-        return reply->End(Refused(problem));
+        return reply->End(Misused(problem));
     if (words->empty())
         return reply->End(Done());
     auto match = AllCommands().Read(*words, problem);
-    if (!match)
-        return reply->End(Refused(problem));
+    if (!match) {
+        const std::string only = OnlyInScenarios(*words);
+        return reply->End(only.empty() ? Misused(problem) : control::Refused(only));
+    }
     if (!request.folder.empty())
         match->values.ResolvePaths(request.folder);
     replies_[client] = reply;
@@ -119,11 +121,14 @@ void ControlServer::Take(ClientId client, const control::Request& request) {
     const std::size_t own = OwnCommands().size();
     if (match->pattern < own)
         return (this->*OwnCommands()[match->pattern].start)(job);
-    const UnitTable::Row& row = UnitCommands().rows()[match->pattern - own];
+    const auto& unit_rows = UnitCommands().rows();
+    if (match->pattern >= own + unit_rows.size())
+        return StartRunCommand(job);
+    const UnitTable::Row& row = unit_rows[match->pattern - own];
     if (row.check)
         problem = row.check(job.values);
     if (!problem.empty())
-        return job.reply->End(Refused(problem));
+        return job.reply->End(Misused(problem));
     Post([this, &row, job] { Execute(row, job); });
 }
 

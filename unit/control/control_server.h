@@ -13,6 +13,7 @@
 #include "control/socket_server.h"
 #include "unit/commands/operator.h"
 #include "unit/events/event_hub.h"
+#include "unit/scenario/language.h"
 
 namespace unit {
 
@@ -44,6 +45,12 @@ struct SentScenario {
     std::shared_ptr<Reply> reply;  // abandoned when the client hangs up: the scenario must stop
 };
 
+// A single command of the scenario language for the running unit.
+struct SentCommand {
+    Scenario scenario;
+    std::shared_ptr<Reply> reply;  // abandoned when the client hangs up: the command must stop
+};
+
 // The unit's control socket: executes commands from other processes on the host thread and replies.
 // A thread of its own communicates with the clients; the unit never waits for a client. Created and
 // destroyed on the host thread, while the platform is booted.
@@ -53,6 +60,7 @@ class ControlServer {
     struct Abilities {
         std::function<std::string()> state{};  // JSON
         std::function<void(SentScenario)> run{};
+        std::function<void(SentCommand)> run_command{};
         std::function<void()> raise{};  // brings the host's window, if any, to the front
     };
 
@@ -98,6 +106,12 @@ class ControlServer {
                  std::function<std::optional<control::Outcome>()> done,
                  platform::kernel::Time deadline);
 
+    // The commands of scenarios that a running unit has in addition to UnitCommands.
+    static const ScenarioRows& RunRows();
+    // Why words that are a line of a scenario cannot be a command; empty for others.
+    static std::string OnlyInScenarios(const std::vector<std::string>& words);
+
+    void StartRunCommand(const Job& job);
     void StartWatch(const Job& job);
     void StartRun(const Job& job);
     void StartState(const Job& job);

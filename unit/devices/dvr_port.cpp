@@ -40,13 +40,16 @@ std::shared_ptr<platform::device::SerialLine> DvrPort::MakeLine(const Options& o
     return nullptr;
 }
 
-void DvrPort::Reset() {
+std::shared_future<std::string> DvrPort::Reset() {
+    if (reset_command_)
+        return reset_command_->Start();
     if (dvr_)
         dvr_->Reset();
-    else if (reset_command_)
-        reset_command_->Start();
     else
         say_("The program resets the DVR: switch the DVR's power off and on.");
+    std::promise<std::string> done;
+    done.set_value({});
+    return done.get_future().share();
 }
 
 void DvrPort::SetPlugged(bool plugged) {

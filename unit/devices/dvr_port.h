@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <string>
 
@@ -42,8 +43,8 @@ class DvrPort final : private dvrsim::Host {
     dvrsim::Dvr* dvr() { return dvr_.get(); }
 
     // The reset wire: resets the simulated DVR, or runs the reset command of a real one, or asks
-    // the operator.
-    void Reset();
+    // the operator. The result is the problem of the reset command, or empty.
+    std::shared_future<std::string> Reset();
 
     // Puts bytes on the line as if its other end had sent them.
     void Inject(Direction direction, std::span<const std::uint8_t> bytes);

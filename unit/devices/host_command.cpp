@@ -65,12 +65,12 @@ HostCommand::~HostCommand() {
     close(ending_event_);
 }
 
-void HostCommand::Start() {
-    {
-        const std::scoped_lock lock(mutex_);
-        wanted_ = true;
-    }
+std::shared_future<std::string> HostCommand::Start() {
+    const std::scoped_lock lock(mutex_);
+    if (!wanted_)
+        result_ = wanted_.emplace().get_future().share();
     changed_.notify_one();
+    return result_;
 }
 
 void HostCommand::RunUntilEnded() {
@@ -79,9 +79,12 @@ void HostCommand::RunUntilEnded() {
         changed_.wait(lock, [this] { return wanted_ || ending_; });
         if (ending_)
             return;
-        wanted_ = false;
+        std::promise<std::string> result = *std::exchange(wanted_, std::nullopt);
         lock.unlock();
-        RunOnce();
+        const std::string problem = RunOnce();
+        if (!problem.empty() && !IsEnding())
+            say_(problem);
+        result.set_value(problem);
         lock.lock();
     }
 }
@@ -111,19 +114,16 @@ pid_t HostCommand::Spawn() const {
     return error == 0 ? child : -1;
 }
 
-void HostCommand::RunOnce() {
+std::string HostCommand::RunOnce() {
     const pid_t shell = Spawn();
-    if (shell < 0) {
-        say_(name_ + " cannot be run: " + std::strerror(errno));
-        return;
-    }
+    if (shell < 0)
+        return name_ + " cannot be run: " + std::strerror(errno);
     const int watch = static_cast<int>(syscall(SYS_pidfd_open, shell, 0));
     AwaitEnd(shell, watch);
     close(watch);
     int status = 0;
     waitpid(shell, &status, 0);
-    if (status != 0 && !IsEnding())
-        say_(name_ + " " + HowItEnded(status) + ": " + command_);
+    return status == 0 ? "" : name_ + " " + HowItEnded(status) + ": " + command_;
 }
 
 bool HostCommand::IsEnding() {

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <future>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -27,12 +29,13 @@ class HostCommand {
     HostCommand(const HostCommand&) = delete;
     HostCommand& operator=(const HostCommand&) = delete;
 
-    // Does not wait.
-    void Start();
+    // Does not wait. The result is the problem of the run that this causes, or empty.
+    std::shared_future<std::string> Start();
 
   private:
     void RunUntilEnded();
-    void RunOnce();
+    // Returns the problem, or an empty text.
+    std::string RunOnce();
     pid_t Spawn() const;
     bool IsEnding();
     void AwaitEnd(pid_t shell, int watch) const;
@@ -45,7 +48,9 @@ class HostCommand {
     const int ending_event_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    bool wanted_ = false;
+    // Of the next run, if one is wanted.
+    std::optional<std::promise<std::string>> wanted_;
+    std::shared_future<std::string> result_;
     bool ending_ = false;
     std::thread runner_;
 };

@@ -65,6 +65,7 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
     };
     if (!bytes.empty())
         keep(Settle(time));
+    last_time_ = bytes.empty() ? last_time_ : time;
     for (const std::uint8_t byte : bytes) {
         auto segment = splitter_.Take(byte);
         if (!segment)
@@ -80,6 +81,14 @@ std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,
         keep(LineEntry{time, direction_, segment->kind, std::move(segment->bytes)});
     }
     return entries;
+}
+
+std::optional<LineEntry> FrameMonitor::Finish() {
+    const std::vector<std::uint8_t> held = splitter_.GiveUp();
+    if (!held.empty())
+        stray_time_ = last_time_;
+    stray_.insert(stray_.end(), held.begin(), held.end());
+    return EndStray();
 }
 
 std::optional<LineEntry> FrameMonitor::Settle(std::chrono::microseconds now) {

@@ -41,6 +41,9 @@ class FrameMonitor {
     std::vector<LineEntry> Take(std::chrono::microseconds time,
                                 std::span<const std::uint8_t> bytes);
 
+    // Returns what no entry holds yet, at the end of the line: stray bytes and an incomplete frame.
+    std::optional<LineEntry> Finish();
+
   private:
     // Returns the run of stray bytes that ended because no byte came for 50 ms.
     std::optional<LineEntry> Settle(std::chrono::microseconds now);
@@ -50,6 +53,7 @@ class FrameMonitor {
     FrameSplitter splitter_;
     std::vector<std::uint8_t> stray_;
     std::chrono::microseconds stray_time_{};
+    std::chrono::microseconds last_time_{};
 };
 
 // A FrameMonitor for each direction.
@@ -58,6 +62,14 @@ class LineMonitor {
     std::vector<LineEntry> Take(std::chrono::microseconds time, Direction direction,
                                 std::span<const std::uint8_t> bytes) {
         return (direction == Direction::kToUnit ? to_unit_ : to_dvr_).Take(time, bytes);
+    }
+
+    std::vector<LineEntry> Finish() {
+        std::vector<LineEntry> entries;
+        for (FrameMonitor* const monitor : {&to_unit_, &to_dvr_})
+            if (auto entry = monitor->Finish())
+                entries.push_back(*std::move(entry));
+        return entries;
     }
 
   private:

@@ -122,9 +122,11 @@ std::optional<std::uint16_t> ReadCommand(const std::string& word, std::string& p
     const auto number = control::ReadNumber(word);
     if (number && *number >= 0 && *number < dvrsim::kQueryBit)
         return static_cast<std::uint16_t>(*number);
+    const auto names = dvrsim::CommandNames();
     problem = "'" + word +
               "' is no command of the DVR; allowed is a name such as FW_Upgrade_Version, or a "
-              "number such as 0x2E";
+              "number such as 0x2E" +
+              control::Suggestion(word, {names.begin(), names.end()});
     return std::nullopt;
 }
 

@@ -87,7 +87,7 @@ void LineTap::Arrive(std::span<const std::uint8_t> bytes) {
     const std::scoped_lock lock(mutex_);
     if (!port_ || !plugged_)
         return;
-    if (!IsFree(to_unit_)) {
+    if (kernel::ClockPaused() || !IsFree(to_unit_)) {
         Pass(to_unit_, bytes);
         return;
     }
@@ -155,12 +155,14 @@ void LineTap::PassSegment(Channel& channel, std::span<const std::uint8_t> bytes,
 }
 
 void LineTap::Queue(Channel& channel, const ByteSlots& slots) {
+    // What a real line brings while the unit's clock is paused waits until it runs.
+    const kernel::Time now =
+        kernel::Now() + (kernel::ClockPaused() ? kernel::Duration(1) : kernel::Duration(0));
     for (const ByteSlot& slot : slots) {
         if (channel.waiting_bytes == kMaxWaiting)
             return;
         ++channel.waiting_bytes;
-        const kernel::Time due =
-            std::max(channel.last_due, kernel::Now() + slot.delay) + slot.pause;
+        const kernel::Time due = std::max(channel.last_due, now + slot.delay) + slot.pause;
         if (channel.waiting.empty() || channel.waiting.back().due != due)
             channel.waiting.push_back({due, {}});
         channel.waiting.back().bytes.push_back(slot.value);

@@ -1,6 +1,7 @@
 #include "unit/picture/screen_mixer.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace unit {
@@ -16,16 +17,35 @@ std::uint32_t PixelOf(COLORREF color) {
 class PlacedVideo {
   public:
     PlacedVideo(const Picture& video, const ScalerWindow& window, int width)
-        : video_(video), window_(window), columns_(static_cast<std::size_t>(width), kNone) {
+        : video_(video), window_(window), line_(static_cast<std::size_t>(width)) {
         const int end = std::min<int>(width, window.x + window.width);
         for (int x = window.x; x < end; ++x) {
             const int column =
                 window.source_x + (x - window.x) * window.source_width / window.width;
-            if (column < video.width)
-                columns_[static_cast<std::size_t>(x)] = column;
+            if (column >= video.width)
+                break;
+            columns_.push_back(column);
         }
     }
 
+    // The video under a row of the screen; valid until the next call.
+    const std::uint32_t* Line(int y) {
+        const std::uint32_t* const row = columns_.empty() ? nullptr : RowUnder(y);
+        // A scaled video has many rows twice, and outside of it all lines are black.
+        if (row == row_in_line_)
+            return line_.data();
+        row_in_line_ = row;
+        if (!row) {
+            std::ranges::fill(line_, 0U);
+            return line_.data();
+        }
+        std::uint32_t* pixel = line_.data() + window_.x;
+        for (const int column : columns_)
+            *pixel++ = row[column];
+        return line_.data();
+    }
+
+  private:
     // The video's row under a row of the screen; null when there is none.
     const std::uint32_t* RowUnder(int y) const {
         const int inside = y - window_.y;
@@ -35,17 +55,13 @@ class PlacedVideo {
         return row < video_.height ? &video_.pixels[video_.Offset(0, row)] : nullptr;
     }
 
-    std::uint32_t At(const std::uint32_t* row, int x) const {
-        const int column = columns_[static_cast<std::size_t>(x)];
-        return row && column != kNone ? row[column] : 0;
-    }
-
-  private:
-    static constexpr int kNone = -1;
-
     const Picture& video_;
     const ScalerWindow& window_;
+    // Of the video, from the window's left edge on.
     std::vector<int> columns_;
+    std::vector<std::uint32_t> line_;
+    // Null while the line is black.
+    const std::uint32_t* row_in_line_ = nullptr;
 };
 
 std::uint32_t Blend(std::uint32_t graphics, std::uint32_t video, std::uint32_t alpha) {
@@ -61,23 +77,32 @@ std::uint32_t Blend(std::uint32_t graphics, std::uint32_t video, std::uint32_t a
 }  // namespace
 
 Picture MixPlanes(const platform::gdi::Surface& graphics, const Picture& video,
-                  const ScalerState& scaler) {
+                  const ScalerState& scaler, Picture reused) {
     const auto pixels = graphics.pixels();
-    Picture picture{graphics.width(), graphics.height(), {pixels.begin(), pixels.end()}};
-    if (!scaler.VideoShows())
+    Picture picture{graphics.width(), graphics.height(), std::move(reused.pixels)};
+    if (!scaler.VideoShows()) {
+        picture.pixels.assign(pixels.begin(), pixels.end());
         return picture;
+    }
+    picture.pixels.resize(pixels.size());
     const std::uint32_t key = PixelOf(scaler.key_color);
     const bool blends = scaler.alpha < kOpaqueAlpha;
-    const PlacedVideo placed(video, scaler.window, picture.width);
-    std::uint32_t* pixel = picture.pixels.data();
+    PlacedVideo placed(video, scaler.window, picture.width);
+    // A copy: the compiler cannot know that writing a pixel does not change the picture's own.
+    const int width = picture.width;
+    const std::uint32_t* upper = pixels.data();
+    std::uint32_t* mixed = picture.pixels.data();
     for (int y = 0; y < picture.height; ++y) {
-        const std::uint32_t* const row = placed.RowUnder(y);
-        for (int x = 0; x < picture.width; ++x, ++pixel) {
-            if (*pixel == key)
-                *pixel = placed.At(row, x);
-            else if (blends)
-                *pixel = Blend(*pixel, placed.At(row, x), scaler.alpha);
+        const std::uint32_t* const lower = placed.Line(y);
+        if (blends) {
+            for (int x = 0; x < width; ++x)
+                mixed[x] = upper[x] == key ? lower[x] : Blend(upper[x], lower[x], scaler.alpha);
+        } else {
+            for (int x = 0; x < width; ++x)
+                mixed[x] = upper[x] == key ? lower[x] : upper[x];
         }
+        upper += width;
+        mixed += width;
     }
     return picture;
 }

@@ -9,9 +9,17 @@ namespace {
 constexpr RECT kCloseButton = {720, 8, 795, 44};
 constexpr std::uint32_t kCloseFace = 0xE70010;
 constexpr POINT kCloseSample = {735, 26};
+// The row of the buttons with captions.
+constexpr LONG kButtonsTop = 405;
+constexpr LONG kButtonsBottom = 471;
 
 POINT Middle(const RECT& box) {
     return {(box.left + box.right) / 2, (box.top + box.bottom) / 2};
+}
+
+bool IsCaption(const platform::gdi::PlacedText& placed) {
+    const LONG middle = Middle(placed.box).y;
+    return middle >= kButtonsTop && middle < kButtonsBottom;
 }
 
 }  // namespace
@@ -28,9 +36,17 @@ std::wstring ScreenReader::TextStartingWith(std::wstring_view start) const {
     return {};
 }
 
-std::optional<POINT> ScreenReader::PlaceOf(std::wstring_view text) const {
-    const platform::gdi::PlacedText* placed = Find(text);
-    return placed ? std::optional(Middle(placed->box)) : std::nullopt;
+std::vector<std::wstring> ScreenReader::Buttons() const {
+    std::vector<std::wstring> captions;
+    for (const platform::gdi::PlacedText& placed : surface_.texts())
+        if (IsCaption(placed))
+            captions.push_back(placed.text);
+    return captions;
+}
+
+std::optional<POINT> ScreenReader::PlaceOfButton(std::wstring_view caption) const {
+    const platform::gdi::PlacedText* placed = Find(caption);
+    return placed && IsCaption(*placed) ? std::optional(Middle(placed->box)) : std::nullopt;
 }
 
 std::optional<POINT> ScreenReader::CloseButton() const {

@@ -20,8 +20,10 @@ class ScreenReader {
     bool Shows(std::wstring_view text) const { return Find(text) != nullptr; }
     // The first text with that start; empty when there is none.
     std::wstring TextStartingWith(std::wstring_view start) const;
-    // The middle of the text's box.
-    std::optional<POINT> PlaceOf(std::wstring_view text) const;
+    // The captions of the buttons: the texts in the row at the bottom, with or without a picture.
+    std::vector<std::wstring> Buttons() const;
+    // The middle of the button with that caption.
+    std::optional<POINT> PlaceOfButton(std::wstring_view caption) const;
     // The middle of the red close button at the top right; empty when the screen has none.
     std::optional<POINT> CloseButton() const;
 

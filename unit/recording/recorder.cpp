@@ -19,6 +19,10 @@ constexpr std::size_t kMaxChunk = 1024;
 // A replay reads the failed calls before it starts, so they may be written late.
 constexpr kernel::Duration kFailedCallInterval = std::chrono::seconds(1);
 
+WhenFull WhenFullOf(const VirtualUnit::Options& options) {
+    return options.kernel.mode == kernel::Mode::kSimulated ? WhenFull::kWait : WhenFull::kDrop;
+}
+
 bool OnScreen(const FingerMoved& finger) {
     return finger.x >= 0 && finger.y >= 0 && finger.x < platform::window::kScreenWidth &&
            finger.y < platform::window::kScreenHeight;
@@ -41,33 +45,43 @@ ScreenWatch::Pace RecordingPace(const RecordingHeader& header) {
 
 Recorder::Recorder(VirtualUnit& unit, const VirtualUnit::Options& options)
     : unit_(unit),
-      file_(options.kernel.mode == kernel::Mode::kSimulated ? RecordingFile::WhenFull::kWait
-                                                            : RecordingFile::WhenFull::kDrop,
-            [&unit](const std::string& line) { unit.Say(line); }) {
+      file_(WhenFullOf(options), [&unit](const std::string& line) { unit.Say(line); }),
+      trace_(WhenFullOf(options), [&unit](const std::string& line) { unit.Say(line); }) {
     header_.program = ProgramVersion();
     header_.kernel = options.kernel;
     header_.missing_bitmaps = options.missing_bitmaps;
 }
 
-Recorder::~Recorder() {
+bool Recorder::Finish() {
+    const auto finish = [this] {
+        const bool recorded = file_.Finish();
+        return trace_.Finish() && recorded;
+    };
+    if (!screens_)
+        return finish();
     unit_.OnClosing({});
     subscription_ = {};
     screens_.reset();
     NoteFailedCalls();
     kernel::Cancel(next_check_);
     if (closing_)
-        file_.Put(kernel::Now(), RecordingEnded{});
+        Put(kernel::Now(), RecordingEnded{});
+    return finish();
 }
 
-bool Recorder::Start(const std::string& path, std::string& problem) {
+bool Recorder::Start(const Files& files, std::string& problem) {
     header_.start = kernel::Now();
     header_.supply = unit_.supply();
-    if (!file_.Open(path, header_, problem))
+    records_ = !files.recording.empty();
+    if (records_ && !file_.Open(files.recording, header_, problem))
+        return false;
+    if (!files.trace.empty() &&
+        !trace_.Open(files.trace, {header_.start, header_.supply, header_.program}, problem))
         return false;
     subscription_ = unit_.events().Subscribe([this](const TimedEvent& event) { Note(event); });
-    const auto screen = [this](const ScreenSettled& settled) { file_.Put(kernel::Now(), settled); };
+    const auto screen = [this](const ScreenSettled& settled) { Put(kernel::Now(), settled); };
     const auto unseen = [this](kernel::Time known_until) {
-        file_.Put(kernel::Now(), ScreenUnseen{known_until});
+        Put(kernel::Now(), ScreenUnseen{known_until});
     };
     // In simulated time no picture is missed.
     screens_.emplace(unit_, RecordingPace(header_), screen,
@@ -75,7 +89,7 @@ bool Recorder::Start(const std::string& path, std::string& problem) {
     CheckFailedCalls();
     unit_.OnClosing([this] {
         closing_ = true;
-        file_.Put(kernel::Now(), ClosingBegan{});
+        Put(kernel::Now(), ClosingBegan{});
     });
     return true;
 }
@@ -91,28 +105,35 @@ void Recorder::NoteFailedCalls() {
     const std::vector<kernel::FailedCall> failed = kernel::FailedCalls();
     for (; failed_calls_ < failed.size(); ++failed_calls_) {
         const kernel::FailedCall& call = failed[failed_calls_];
-        file_.Put(kernel::Now(), CallFailed{std::string(call.call), call.number, call.error});
+        Put(kernel::Now(), CallFailed{std::string(call.call), call.number, call.error});
     }
     // The kernel does not keep all of them.
     const std::uint64_t unknown = kernel::FailedCallCount() - failed.size();
     if (unknown > 0 && !std::exchange(calls_unknown_, true))
-        file_.Put(kernel::Now(), EventsLost{unknown});
+        Put(kernel::Now(), EventsLost{unknown});
 }
 
 void Recorder::Note(const TimedEvent& timed) {
-    if (!IsRecorded(timed.event))
-        return;
     const auto* const finger = std::get_if<FingerMoved>(&timed.event);
     if (finger && !OnScreen(*finger))
         return;
     const auto* const line = std::get_if<LineBytes>(&timed.event);
     if (!line || line->bytes.size() <= kMaxChunk)
-        return file_.Put(timed.time, timed.event);
+        return Put(timed.time, timed.event);
     for (auto from = line->bytes.begin(); from != line->bytes.end();) {
         const auto to = from + std::min<std::ptrdiff_t>(kMaxChunk, line->bytes.end() - from);
-        file_.Put(timed.time, LineBytes{line->direction, {from, to}});
+        Put(timed.time, LineBytes{line->direction, {from, to}});
         from = to;
     }
+}
+
+void Recorder::Put(kernel::Time time, const Event& event) {
+    if (records_ && IsRecorded(event))
+        file_.Put(time, event);
+    // A trace makes the frames of the bytes.
+    const bool shown = IsTraced(event) || std::holds_alternative<LineBytes>(event);
+    if (trace_.open() && shown && !std::holds_alternative<LineEntry>(event))
+        trace_.Put(time, event);
 }
 
 }  // namespace unit

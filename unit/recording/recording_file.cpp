@@ -13,8 +13,6 @@ using std::chrono::microseconds;
 
 namespace {
 
-constexpr std::size_t kMaxQueued = 1U << 16;
-
 // Host time: how long bytes may stay in memory while no event follows them.
 constexpr auto kIdle = std::chrono::milliseconds(300);
 
@@ -26,17 +24,14 @@ constexpr std::size_t kMaxJoinedBytes = 256;
 }  // namespace
 
 RecordingFile::RecordingFile(WhenFull when_full, std::function<void(const std::string&)> say)
-    : when_full_(when_full), say_(std::move(say)) {}
+    : reproducible_(when_full == WhenFull::kWait), say_(std::move(say)), queue_(when_full) {}
 
-RecordingFile::~RecordingFile() {
-    if (!writer_.joinable())
-        return;
-    {
-        const std::scoped_lock lock(mutex_);
-        closing_ = true;
-        filled_.notify_one();
+bool RecordingFile::Finish() {
+    if (writer_.joinable()) {
+        queue_.Close();
+        writer_.join();
     }
-    writer_.join();
+    return !failed_;
 }
 
 bool RecordingFile::Open(const std::string& path, const RecordingHeader& header,
@@ -55,41 +50,14 @@ bool RecordingFile::Open(const std::string& path, const RecordingHeader& header,
     return true;
 }
 
-void RecordingFile::Put(microseconds time, Event event) {
-    std::unique_lock lock(mutex_);
-    if (when_full_ == WhenFull::kWait)
-        emptied_.wait(lock, [this] { return queue_.size() < kMaxQueued; });
-    last_time_ = std::max(last_time_, time);
-    if (queue_.size() >= kMaxQueued) {
-        ++lost_;
-        return;
-    }
-    if (lost_ > 0)
-        queue_.push_back({last_time_, EventsLost{std::exchange(lost_, 0)}});
-    queue_.push_back({last_time_, std::move(event)});
-    filled_.notify_one();
-}
-
 void RecordingFile::WriteUntilClosed() {
-    std::deque<TimedEvent> taken;
     for (;;) {
-        bool closing = false;
-        bool idle = false;
-        {
-            std::unique_lock lock(mutex_);
-            idle = !filled_.wait_for(lock, kIdle, [this] { return !queue_.empty() || closing_; });
-            taken.swap(queue_);
-            closing = closing_ && taken.empty();
-            emptied_.notify_all();
-        }
-        // In simulated time only the unit's clock ends joined bytes, so that the same run makes the
-        // same file.
-        if (idle && when_full_ == WhenFull::kDrop)
+        EventQueue::Batch batch = queue_.Take(kIdle);
+        if (batch.idle && !reproducible_)
             WriteJoined();
-        for (TimedEvent& timed : taken)
+        for (TimedEvent& timed : batch.events)
             Write(timed);
-        taken.clear();
-        if (closing)
+        if (batch.ended)
             break;
         Check(std::fflush(file_.get()) == 0);
     }

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdio>
-#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 
+#include "unit/events/event_queue.h"
 #include "unit/recording/recording.h"
 
 namespace unit {
@@ -19,24 +18,20 @@ namespace unit {
 // once stays an event of its own.
 class RecordingFile {
   public:
-    // What to do with an event when the queue is full.
-    enum class WhenFull {
-        kWait,  // for a unit whose clock stands still meanwhile
-        kDrop,  // the file says how many are missing
-    };
-
     // `say` receives one line when writing has failed; nothing is written after that.
     RecordingFile(WhenFull when_full, std::function<void(const std::string&)> say);
-    // Writes what is left; no Put may follow.
-    ~RecordingFile();
+    ~RecordingFile() { Finish(); }
     RecordingFile(const RecordingFile&) = delete;
     RecordingFile& operator=(const RecordingFile&) = delete;
 
     // Creates the file; false with one line in `problem`. Once.
     bool Open(const std::string& path, const RecordingHeader& header, std::string& problem);
 
+    // Writes what is left; no Put may follow. False if the file is not complete.
+    bool Finish();
+
     // Any thread. A time before that of the last event counts as that one.
-    void Put(std::chrono::microseconds time, Event event);
+    void Put(std::chrono::microseconds time, Event event) { queue_.Put(time, std::move(event)); }
 
   private:
     struct Closer {
@@ -50,7 +45,8 @@ class RecordingFile {
     void WriteLine(const TimedEvent& timed);
     void Check(bool written);
 
-    const WhenFull when_full_;
+    // Whether only the unit's clock ends joined bytes, so that the same run makes the same file.
+    const bool reproducible_;
     const std::function<void(const std::string&)> say_;
     std::string path_;
     std::unique_ptr<std::FILE, Closer> file_;
@@ -59,13 +55,7 @@ class RecordingFile {
     std::size_t written_ = 0;
     std::optional<TimedEvent> joined_;  // bytes of the line that more may be appended to
 
-    std::mutex mutex_;
-    std::condition_variable filled_;
-    std::condition_variable emptied_;
-    std::deque<TimedEvent> queue_;
-    std::chrono::microseconds last_time_{};
-    std::uint64_t lost_ = 0;
-    bool closing_ = false;
+    EventQueue queue_;
     std::thread writer_;
 };
 

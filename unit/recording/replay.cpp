@@ -7,6 +7,7 @@
 #include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
 #include "unit/events/event_text.h"
+#include "unit/line/frame_monitor.h"
 #include "unit/picture/screen_reader.h"
 #include "unit/recording/recorder.h"
 #include "unit/recording/replay_inputs.h"
@@ -177,6 +178,57 @@ std::string Side(const char* side, std::chrono::microseconds time, const std::st
     return std::string("\n  ") + side + "  " + TimeText(time) + "  " + what;
 }
 
+// The words of `one` that `other` does not have in their place, each in marks, and ... for the
+// others. Of texts with different numbers of words, everything between the equal ends is marked.
+std::string MarkDifference(const std::string& one, const std::string& other, const char* open,
+                           const char* close) {
+    std::string ignored;
+    using Words = std::vector<std::string>;
+    const Words words = control::SplitWords(one, ignored).value_or(Words{one});
+    const Words others = control::SplitWords(other, ignored).value_or(Words{other});
+    const std::size_t shorter = std::min(words.size(), others.size());
+    std::size_t begin = 0;
+    while (begin < shorter && words[begin] == others[begin])
+        ++begin;
+    std::size_t at_end = 0;
+    while (at_end < shorter - begin &&
+           words[words.size() - 1 - at_end] == others[others.size() - 1 - at_end])
+        ++at_end;
+    std::string text;
+    bool left_out = false;
+    for (std::size_t index = 0; index < words.size(); ++index) {
+        const bool between = index >= begin && index < words.size() - at_end;
+        const bool differs =
+            between && (words.size() != others.size() || words[index] != others[index]);
+        if (differs)
+            text += open + control::QuoteWord(words[index]) + close + " ";
+        else if (!left_out)
+            text += index == 0 ? words[index] + " " : "... ";
+        left_out = !differs && index > 0;
+    }
+    text.pop_back();
+    return text;
+}
+
+// The latest frame that the program was given before the difference and that is damaged: whoever
+// edits a recording forgets the checksum. Empty when there is none.
+std::string DamagedInput(const Recording& recording, const Difference& difference) {
+    FrameMonitor monitor(Direction::kToUnit);
+    std::string found;
+    for (const RecordedEvent& recorded : recording.events) {
+        if (recorded.time > difference.time)
+            break;
+        const auto* const line = std::get_if<LineBytes>(&recorded.event);
+        if (!line || line->direction != Direction::kToUnit)
+            continue;
+        for (const LineEntry& entry : monitor.Take(recorded.time, line->bytes))
+            if (entry.kind == Segment::Kind::kDamaged)
+                found = "the frame given at line " + std::to_string(recorded.line) +
+                        " has a bad checksum";
+    }
+    return found;
+}
+
 }  // namespace
 
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
@@ -184,26 +236,35 @@ ReplayResult Replay(const Recording& recording, const Program& program, DebugLog
     return Run(recording, program, log, say).ToTheEnd();
 }
 
-std::string ReplayReport(const Recording& recording, const ReplayResult& result) {
+std::string ReplayReport(const Recording& recording, const ReplayResult& result,
+                         const std::string& verdict, const std::string& times) {
     const std::string equal =
         Count(result.outputs[0], "frame") + ", " + Count(result.outputs[1], "request") + ", " +
         Count(result.outputs[2], "broadcast") + ", " + Count(result.screens, "screen") + " equal";
-    char seconds[48];
-    std::snprintf(seconds, sizeof seconds, ", %.1f s of unit time",
-                  static_cast<double>(result.time.count()) / 1e6);
     std::string text = recording.file;
     if (const auto& difference = result.difference) {
         if (difference->line > 0)
             text += ":" + std::to_string(difference->line);
-        text += ": the replay differs in a " + difference->what + "; before it " + equal + seconds;
-        text += difference->recorded.empty()
-                    ? "\n  recorded  no more " + difference->what + "s"
-                    : Side("recorded", difference->recorded_time, difference->recorded);
-        text += Side("replayed", difference->time,
-                     difference->replayed.empty() ? "nothing" : difference->replayed);
+        text += ": " + verdict + ", the replay differs in a " + difference->what + "; before it " +
+                equal + "; " + times;
+        const std::string& recorded = difference->recorded;
+        const std::string& replayed = difference->replayed;
+        if (recorded.empty())
+            text += "\n  recorded  no more " + difference->what + "s" +
+                    Side("replayed", difference->time, replayed);
+        else if (replayed.empty())
+            text += Side("recorded", difference->recorded_time, recorded) +
+                    Side("replayed", difference->time, "nothing");
+        else
+            text +=
+                Side("recorded", difference->recorded_time,
+                     MarkDifference(recorded, replayed, "[-", "-]")) +
+                Side("replayed", difference->time, MarkDifference(replayed, recorded, "{+", "+}"));
+        if (const std::string damaged = DamagedInput(recording, *difference); !damaged.empty())
+            text += "\n  " + damaged;
         text += "\n  on the screen then: " + control::JoinWords(result.screen_texts);
     } else {
-        text += ": " + equal + seconds;
+        text += ": " + verdict + ", " + equal + "; " + times;
     }
     if (result.lag.count() > 0)
         text += "\n  the program was up to " + std::to_string(result.lag.count() / 1000) +

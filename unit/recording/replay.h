@@ -32,7 +32,9 @@ struct ReplayResult {
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
                     const std::function<void(const std::string&)>& say);
 
-// The result as lines for a person; the first one is the summary.
-std::string ReplayReport(const Recording& recording, const ReplayResult& result);
+// The result as lines for a person; the first one is the summary, with the words of the verdict and
+// `times` at its end.
+std::string ReplayReport(const Recording& recording, const ReplayResult& result,
+                         const std::string& verdict, const std::string& times);
 
 }  // namespace unit

@@ -46,8 +46,9 @@ Outcome Wait(ScenarioReader& reader, const Values& values) {
 
 Outcome Forget(ScenarioReader& reader, const Values&) {
     return reader.Add(Action{[](ScenarioContext& context) {
-        context.begin = context.events.Count();
-        context.next_wait.fill(context.begin);
+        EventMemory& memory = *context.memory;
+        memory.begin = memory.events.Count();
+        memory.next_wait.fill(memory.begin);
         return Done();
     }});
 }

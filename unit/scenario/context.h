@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "unit/commands/operator.h"
@@ -25,17 +26,26 @@ struct RunOptions {
     std::function<void(const std::string&)> trace = [](const std::string&) {};
 };
 
+// What conditions remember of the events: from one command of a scenario to the next, or between
+// single commands for a running unit. Host thread.
+struct EventMemory {
+    explicit EventMemory(EventHub& hub, std::size_t limit = EventLog::kMaxEvents)
+        : events(hub, limit) {}
+
+    EventLog events;
+    // Conditions ignore the events before this one: 0, or the count at the last `forget`.
+    std::size_t begin = 0;
+    // For each kind of event, where the next `wait` for that kind begins.
+    std::array<std::size_t, kEventKinds> next_wait{};
+};
+
 // What the commands of a running scenario use. Host thread.
 struct ScenarioContext {
     Operator& op;
     const RunOptions& options;
     // The folder for this run's failure report; empty: no report.
     std::string out;
-    EventLog events;
-    // Conditions ignore the events before this one: 0, or the count at the last `forget`.
-    std::size_t begin = 0;
-    // For each kind of event, where the next `wait` for that kind begins.
-    std::array<std::size_t, kEventKinds> next_wait{};
+    std::shared_ptr<EventMemory> memory;
     std::size_t pictures = 0;
 };
 

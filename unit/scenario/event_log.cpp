@@ -6,10 +6,10 @@
 
 namespace unit {
 
-EventLog::EventLog(EventHub& events) {
+EventLog::EventLog(EventHub& events, std::size_t limit) : limit_(limit) {
     subscription_ = events.Subscribe([this](const TimedEvent& timed) {
         const std::scoped_lock lock(mutex_);
-        if (IsTraced(timed.event) && events_.size() < kMaxEvents)
+        if (IsTraced(timed.event) && events_.size() < limit_)
             events_.push_back(timed);
     });
 }

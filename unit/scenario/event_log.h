@@ -18,7 +18,10 @@ class EventLog {
     static constexpr std::size_t kMaxEvents = 1'000'000;
 
     // The hub must outlive it.
-    explicit EventLog(EventHub& events);
+    explicit EventLog(EventHub& events, std::size_t limit = kMaxEvents);
+
+    bool full() const { return Count() >= limit_; }
+    std::size_t limit() const { return limit_; }
 
     std::size_t Count() const;
     // The first event from `from` on for which `matches` is true.
@@ -29,6 +32,7 @@ class EventLog {
                                     const std::function<bool(const Event&)>& matches) const;
 
   private:
+    const std::size_t limit_;
     mutable std::mutex mutex_;
     std::vector<TimedEvent> events_;
     // Last: ends before what its subscriber uses.

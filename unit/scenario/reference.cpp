@@ -14,8 +14,10 @@ constexpr char kIntroduction[] = R"(# Scenarios
 A scenario is a text file that says what is done to the unit and what must happen, one command a
 line:
 
+    wait button "Power On"
     tap "Power On"
     wait button OK within 5s
+    tap OK
     power off
     expect text "本体に外部電源を接続して下さい。" within 1s
 

@@ -55,7 +55,7 @@ struct Check {
 
 // One line of a scenario.
 struct Step {
-    std::string file;
+    std::string file;  // empty for a single command
     int line;
     std::string text;
     std::variant<Action, Pause, Check> action;
@@ -77,5 +77,9 @@ struct Scenario {
 std::optional<Scenario> LoadScenario(const std::string& file, std::vector<std::string>& problems);
 std::optional<Scenario> ReadScenario(const std::string& text, const std::string& file,
                                      std::vector<std::string>& problems);
+// Reads a single command for a unit that runs. Relative paths start from the folder, unless it is
+// empty. Empty, with one line in `problem`, for other words. Any thread.
+std::optional<Scenario> ReadCommand(const std::string& line, const std::string& folder,
+                                    std::string& problem);
 
 }  // namespace unit

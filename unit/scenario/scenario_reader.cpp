@@ -24,6 +24,8 @@ namespace {
 constexpr std::size_t kMaxBytes = std::size_t{1024} * 1024;
 constexpr std::size_t kMaxSteps = 100'000;
 constexpr std::size_t kMaxProblems = 100;
+// Some editors begin a UTF-8 file with it.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool SameFile(const std::string& one, const std::string& other) {
     return fs::path(one).lexically_normal() == fs::path(other).lexically_normal();
@@ -53,6 +55,8 @@ void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
         return;
     }
     bytes_ += text.size();
+    if (text.starts_with(kByteOrderMark))
+        text.remove_prefix(kByteOrderMark.size());
     places_.push_back({file});
     for (std::size_t from = 0; from < text.size() && problems_.size() <= kMaxProblems;) {
         const std::size_t to = std::min(text.find('\n', from), text.size());
@@ -194,6 +198,25 @@ std::optional<Scenario> ReadScenario(const std::string& text, const std::string&
     ScenarioReader reader(NameOf(file));
     reader.ReadText(text, file);
     return Finished(reader, problems);
+}
+
+std::optional<Scenario> ReadCommand(const std::string& line, const std::string& folder,
+                                    std::string& problem) {
+    const std::string file = folder.empty() ? "" : folder + "/";
+    std::vector<std::string> problems;
+    auto scenario = ReadScenario(line, file, problems);
+    if (!scenario) {
+        // The command has no place in a file.
+        const std::string place = file + ":1: ";
+        problem = problems.front();
+        if (problem.starts_with(place))
+            problem.erase(0, place.size());
+        return std::nullopt;
+    }
+    scenario->name = "command";
+    for (Step& step : scenario->steps)
+        step.file.clear();
+    return scenario;
 }
 
 }  // namespace unit

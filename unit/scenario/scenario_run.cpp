@@ -35,6 +35,17 @@ std::string Joined(const std::vector<std::string>& lines) {
     return text;
 }
 
+constexpr char kFailureFile[] = "failure.txt";
+
+bool IsOfReport(std::string_view name) {
+    for (const std::string_view own :
+         {kFailureFile, "state.json", "debug.log", "events.log", "screen.png"})
+        if (name == own)
+            return true;
+    return name.ends_with("-actual.png") || name.ends_with("-expected.png") ||
+           name.ends_with("-difference.png");
+}
+
 bool WriteText(const std::string& path, const std::string& text, std::string& problem) {
     errno = 0;
     std::ofstream stream(path);
@@ -46,13 +57,25 @@ bool WriteText(const std::string& path, const std::string& text, std::string& pr
     return false;
 }
 
+// The report of an earlier run that failed. Files of others stay, and their folder.
+void RemoveReport(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (!std::filesystem::exists(folder / kFailureFile, error))
+        return;
+    for (const auto& file : std::filesystem::directory_iterator(folder, error))
+        if (IsOfReport(file.path().filename().string()))
+            std::filesystem::remove(file.path(), error);
+    std::filesystem::remove(folder, error);
+}
+
 }  // namespace
 
-ScenarioRun::ScenarioRun(Operator& op, Scenario scenario, RunOptions options)
+ScenarioRun::ScenarioRun(Operator& op, Scenario scenario, RunOptions options,
+                         std::shared_ptr<EventMemory> memory)
     : options_(std::move(options)),
       scenario_(std::move(scenario)),
       context_{op, options_, options_.out.empty() ? "" : options_.out + "/" + scenario_.name,
-               EventLog(op.unit().events())},
+               memory ? std::move(memory) : std::make_shared<EventMemory>(op.unit().events())},
       // A unit that runs faster than the host is not polled more often.
       poll_interval_(kPollInterval * op.unit().time_scale()) {}
 
@@ -79,8 +102,8 @@ void ScenarioRun::PollIn(kernel::Duration time) {
 }
 
 void ScenarioRun::Poll() {
-    if (context_.events.Count() >= EventLog::kMaxEvents)
-        return Fail("the run has more than " + std::to_string(EventLog::kMaxEvents) +
+    if (context_.memory->events.full())
+        return Fail("the run has more than " + std::to_string(context_.memory->events.limit()) +
                     " events, the limit for a scenario");
     // A tap ends by itself; the next command begins after that.
     while (!finished_ && !context_.op.busy()) {
@@ -111,9 +134,9 @@ void ScenarioRun::Begin(const Step& step) {
     if (!check || check->condition->IsState())
         return;
     progress_->next_event = check->mode == Check::Mode::kWait
-                                ? context_.next_wait[check->condition->kind]
-                            : check->mode == Check::Mode::kExpect ? context_.begin
-                                                                  : context_.events.Count();
+                                ? context_.memory->next_wait[check->condition->kind]
+                            : check->mode == Check::Mode::kExpect ? context_.memory->begin
+                                                                  : context_.memory->events.Count();
 }
 
 ScenarioRun::Verdict ScenarioRun::Proceed(const Action& action) {
@@ -139,7 +162,7 @@ ScenarioRun::Verdict ScenarioRun::Proceed(const Check& check) {
         why_ = (check.wanted ? "no longer true after " : "true after ") + Seconds(passed);
     } else if (as_wanted) {
         if (check.mode == Check::Mode::kWait && !check.condition->IsState())
-            context_.next_wait[check.condition->kind] = progress_->next_event;
+            context_.memory->next_wait[check.condition->kind] = progress_->next_event;
         return Verdict::kDone;
     } else if (passed < check.time * context_.op.unit().time_scale()) {
         return Verdict::kNotYet;
@@ -160,9 +183,9 @@ bool ScenarioRun::Holds(const Check& check) {
         return check.condition->matches(event, check.values);
     };
     while (progress_->found < wanted) {
-        const auto at = context_.events.Find(progress_->next_event, matches);
+        const auto at = context_.memory->events.Find(progress_->next_event, matches);
         if (!at) {
-            progress_->next_event = context_.events.Count();
+            progress_->next_event = context_.memory->events.Count();
             return false;
         }
         progress_->next_event = *at + 1;
@@ -180,9 +203,9 @@ std::string ScenarioRun::Actual(const Check& check) {
                            ? "; it happened " + std::to_string(progress_->found) + " times"
                            : std::string();
     text += "; the latest events of its kind:";
-    for (const std::string& line : context_.events.Latest(kShownEvents, [&](const Event& event) {
-             return event.index() == check.condition->kind;
-         }))
+    for (const std::string& line : context_.memory->events.Latest(
+             kShownEvents,
+             [&](const Event& event) { return event.index() == check.condition->kind; }))
         text += "\n    " + line;
     return text;
 }
@@ -190,12 +213,14 @@ std::string ScenarioRun::Actual(const Check& check) {
 void ScenarioRun::Finish() {
     finished_ = true;
     ended_ = kernel::Now();
+    if (problem_.empty() && !context_.out.empty())
+        RemoveReport(context_.out);
 }
 
 void ScenarioRun::Fail(const std::string& why) {
     const bool at_end = position_ == scenario_.steps.size();
     const Step& step = scenario_.steps[at_end ? position_ - 1 : position_];
-    problem_ = step.Place() + ": " + step.text + ": " + why +
+    problem_ = (step.file.empty() ? "" : step.Place() + ": ") + step.text + ": " + why +
                "\n    on the screen: " + context_.op.TextsOnScreen();
     Finish();
     if (!context_.out.empty())
@@ -211,12 +236,13 @@ std::string ScenarioRun::SaveReport() {
     if (error)
         return out + ": " + error.message();
     const auto events = [this](const std::function<bool(const Event&)>& matches) {
-        return Joined(context_.events.Latest(std::numeric_limits<std::size_t>::max(), matches));
+        return Joined(
+            context_.memory->events.Latest(std::numeric_limits<std::size_t>::max(), matches));
     };
     VirtualUnit& unit = context_.op.unit();
     const std::string seed = "seed " + std::to_string(options_.seed);
     const std::pair<const char*, std::string> files[] = {
-        {"failure.txt", problem_ + "\n" + seed + "\n"},
+        {kFailureFile, problem_ + "\n" + seed + "\n"},
         {"state.json", StateJson(unit) + "\n"},
         {"debug.log",
          events([](const Event& event) { return std::holds_alternative<LineLogged>(event); })},

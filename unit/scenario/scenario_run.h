@@ -14,8 +14,9 @@ namespace unit {
 class ScenarioRun {
   public:
     // Collects events from now on; Start begins with the first command. `op` and the unit must
-    // outlive the run.
-    ScenarioRun(Operator& op, Scenario scenario, RunOptions options);
+    // outlive the run. With a `memory`, conditions know the events that it has.
+    ScenarioRun(Operator& op, Scenario scenario, RunOptions options,
+                std::shared_ptr<EventMemory> memory = nullptr);
     ~ScenarioRun();
     ScenarioRun(const ScenarioRun&) = delete;
     ScenarioRun& operator=(const ScenarioRun&) = delete;
@@ -31,6 +32,8 @@ class ScenarioRun {
     const Scenario& scenario() const { return scenario_; }
     // The index of the current command; the number of commands after the last one.
     std::size_t position() const { return position_; }
+    // How many numbered pictures were saved.
+    std::size_t pictures() const { return context_.pictures; }
     // Of the unit, since Start.
     platform::kernel::Duration duration() const;
 

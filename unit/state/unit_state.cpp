@@ -2,11 +2,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "control/build_info.h"
 #include "dvrsim/commands/dvr_state.h"
 #include "platform/gdi/drawing_object.h"
 #include "platform/gdi/gdi.h"
 #include "platform/kernel/call_faults.h"
 #include "platform/kernel/kernel.h"
+#include "platform/kernel/scheduler.h"
 #include "platform/kernel/text.h"
 #include "platform/window/screen.h"
 #include "unit/board/virtual_unit.h"
@@ -25,6 +27,17 @@ namespace kernel = platform::kernel;
 
 double Seconds(std::chrono::microseconds time) {
     return static_cast<double>(time.count()) / 1e6;
+}
+
+Json UnitState(const VirtualUnit& unit) {
+    const kernel::Options& options = unit.kernel_options();
+    return {
+        {"name", unit.name()},
+        {"version", control::BuildInfo()},
+        {"seed", options.seed},
+        {"clock", options.mode == kernel::Mode::kSimulated ? "simulated" : "free-running"},
+        {"speed", options.mode == kernel::Mode::kSimulated ? options.speed : kernel::ClockSpeed()},
+        {"paused", kernel::ClockPaused()}};
 }
 
 Json ProgramState(VirtualUnit& unit) {
@@ -119,7 +132,8 @@ Json CallFaultsNow() {
 }  // namespace
 
 std::string StateJson(VirtualUnit& unit) {
-    const Json state = {{"time", Seconds(kernel::Now())},
+    const Json state = {{"unit", UnitState(unit)},
+                        {"time", Seconds(kernel::Now())},
                         {"program", ProgramState(unit)},
                         {"wizard", WizardStateNow()},
                         {"screen", ScreenState(unit)},

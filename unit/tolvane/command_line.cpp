@@ -4,9 +4,11 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "control/build_info.h"
 #include "control/local_socket.h"
 #include "control/words.h"
 #include "unit/tolvane/run_unit.h"
+#include "unit/traces/trace_format.h"
 
 namespace unit {
 namespace {
@@ -28,6 +30,18 @@ std::string CheckUnit(const std::string& value) {
         return {};
     return "'" + value + "' is not allowed; allowed are " +
            std::string(control::kSocketNameAllowed);
+}
+
+std::string CheckTrace(const std::string& value) {
+    if (TraceFormatOf(value))
+        return {};
+    return "'" + value + "' is not allowed; allowed are files that end with " + TraceEndings();
+}
+
+std::string CheckFormat(const std::string& value) {
+    if (TraceFormatNamed(value))
+        return {};
+    return "'" + value + "' is not allowed; allowed are " + TraceFormatNames();
 }
 
 std::string CheckFolder(const std::string& value) {
@@ -116,15 +130,51 @@ void AddOutputs(CLI::App& app, CommandLine& command_line) {
                    "File for a recording of the program's inputs and outputs, for --replay")
         ->excludes("--replay")
         ->type_name("FILE");
+    app.add_option("--trace", command_line.trace,
+                   "File for a trace of the run, by its ending: .pcapng (frames, for network "
+                   "analyzers), .json (a timeline) or .txt")
+        ->excludes("--replay")
+        ->check(CheckTrace)
+        ->type_name("FILE");
+}
+
+void AddConvert(CLI::App& app, CommandLine& command_line) {
+    CLI::App& convert = *app.add_subcommand(
+        "convert", "Convert a recording to a trace that other tools read (tolvane convert --help)");
+    app.require_subcommand(0, 1);
+    convert.set_help_flag("-h,--help", "Print this help");
+    convert.add_option("recording", command_line.convert, "The recording")
+        ->required()
+        ->type_name("RECORDING");
+    convert
+        .add_option("--to", command_line.convert_to,
+                    "pcapng (the frames of the serial line, for network analyzers), perfetto (a "
+                    "timeline in the JSON format of trace events) or text")
+        ->required()
+        ->check(CheckFormat)
+        ->type_name("FORMAT");
+    convert
+        .add_option("--output", command_line.convert_output,
+                    "File for the trace, - for standard output; by default the recording's name "
+                    "with the ending .pcapng, .json or .txt")
+        ->type_name("FILE");
 }
 
 void AddScenarioOptions(CLI::App& app, CommandLine& command_line) {
     app.add_flag("--verbose", command_line.verbose,
-                 "Print a scenario's commands and the debug output while it runs");
+                 "Print a scenario's commands and the program's output while it runs");
+    app.add_flag("--quiet", command_line.quiet,
+                 "Print only failures and one summary line; for --headless, --auto and --replay: "
+                 "not the program's output")
+        ->excludes("--verbose");
     app.add_flag("--window", command_line.window,
                  "Show a scenario in the window, at the speed of the host's clock or of --speed")
         ->needs("--scenario")
         ->excludes("--headless");
+    app.add_option("--junit", command_line.junit,
+                   "File for the results of all scenarios in the XML format of JUnit")
+        ->needs("--scenario")
+        ->type_name("FILE");
     app.add_flag("--update-screens", command_line.update_screens,
                  "Write the pictures that scenarios expect instead of comparing with them")
         ->needs("--scenario");
@@ -143,14 +193,55 @@ void SetLine(CommandLine& command_line, const std::string& com9) {
     }
 }
 
+// Devices such as /dev/null take the output of several.
+bool NameOneFile(const std::string& one, const std::string& other) {
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    if (fs::exists(one, ignored) && !fs::is_regular_file(one, ignored))
+        return false;
+    return fs::equivalent(one, other, ignored) ||
+           fs::weakly_canonical(fs::absolute(one, ignored), ignored) ==
+               fs::weakly_canonical(fs::absolute(other, ignored), ignored);
+}
+
+// Two outputs in one file, or an output in a file that is read, would damage it.
+std::string FindSharedFile(const CommandLine& command_line) {
+    struct NamedFile {
+        std::string option;
+        std::string path;
+    };
+    std::vector<NamedFile> files{{"--log", command_line.log},
+                                 {"--record", command_line.record},
+                                 {"--trace", command_line.trace},
+                                 {"--junit", command_line.junit}};
+    const std::size_t outputs = files.size();
+    files.push_back({"--replay", command_line.replay});
+    for (const std::string& scenario : command_line.scenarios)
+        files.push_back({"--scenario", scenario});
+    for (std::size_t output = 0; output < outputs; ++output)
+        for (std::size_t other = output + 1; other < files.size(); ++other)
+            if (!files[output].path.empty() && !files[other].path.empty() &&
+                NameOneFile(files[output].path, files[other].path))
+                return files[output].option + " and " + files[other].option +
+                       " name the same file '" + files[output].path +
+                       "'; allowed is a file for each";
+    return {};
+}
+
 // What is wrong with options that are right one by one; empty when nothing is.
-std::string FindConflict(const CommandLine& command_line) {
+std::string FindConflict(const CLI::App& app, const CommandLine& command_line) {
+    if (!command_line.convert.empty())
+        for (const CLI::Option* const option : app.get_options())
+            if (option->count() > 0)
+                return option->get_name() +
+                       " is not allowed with convert; allowed are the options "
+                       "that tolvane convert --help lists";
     if (command_line.scenarios.size() > 1 &&
-        (!command_line.log.empty() || !command_line.record.empty()))
-        return "--log and --record are allowed with one scenario file only";
+        (!command_line.log.empty() || !command_line.record.empty() || !command_line.trace.empty()))
+        return "--log, --record and --trace are allowed with one scenario file only";
     if (!command_line.reset_command.empty() && command_line.line != DvrPort::Line::kTty)
         return "--reset-command is allowed with --com9 PATH only; the simulated DVR needs none";
-    return {};
+    return FindSharedFile(command_line);
 }
 
 }  // namespace
@@ -166,17 +257,24 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
         "unit.",
         "tolvane");
     app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", "tolvane " + control::BuildInfo(),
+                         "Print the version, the commit and the build type");
     AddModes(app, command_line);
     AddUnitOptions(app, command_line, com9);
     AddOutputs(app, command_line);
     AddScenarioOptions(app, command_line);
+    AddConvert(app, command_line);
     std::string problem;
     try {
         app.parse(count, arguments);
         SetLine(command_line, com9);
-        problem = FindConflict(command_line);
+        problem = FindConflict(app, command_line);
     } catch (const CLI::CallForHelp&) {
         std::fputs(app.help().c_str(), stdout);
+        exit_status = 0;
+        return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        std::printf("%s\n", version.what());
         exit_status = 0;
         return std::nullopt;
     } catch (const CLI::ExtrasError& error) {
@@ -187,7 +285,7 @@ std::optional<CommandLine> ReadCommandLine(int count, const char* const* argumen
     }
     if (problem.empty())
         return command_line;
-    PrintNotice(problem);
+    PrintError(problem);
     exit_status = kExitWrongUsage;
     return std::nullopt;
 }

@@ -31,10 +31,17 @@ struct CommandLine {
     std::string out = "out";
     bool update_screens = false;
     bool verbose = false;
+    bool quiet = false;
     bool window = false;
     bool help_scenarios = false;
     std::string record;
+    std::string trace;
+    std::string junit;
     std::string replay;
+    // The subcommand `convert`: a recording, the name of the format, and the file that is written.
+    std::string convert;
+    std::string convert_to;
+    std::string convert_output;
 };
 
 // Empty after --help and after a wrong option or value; then the help or the error was printed, and

@@ -13,6 +13,8 @@ using control::Refused;
 namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{10};
+// A unit may run for weeks; a scenario does not.
+constexpr std::size_t kRememberedEvents = 100'000;
 
 std::string Joined(const std::vector<std::string>& lines) {
     std::string text;
@@ -65,11 +67,54 @@ void SentScenarios::End() {
     reply_.reset();
 }
 
+SentCommands::SentCommands(Operator& op, RunOptions options)
+    : operator_(op), options_(std::move(options)), memory_(NewMemory()) {}
+
+SentCommands::~SentCommands() {
+    for (const Active& active : active_)
+        kernel::Cancel(active.next_poll);
+}
+
+std::shared_ptr<EventMemory> SentCommands::NewMemory() const {
+    return std::make_shared<EventMemory>(operator_.unit().events(), kRememberedEvents);
+}
+
+void SentCommands::Run(SentCommand sent) {
+    if (memory_->events.full()) {
+        sent.reply->Line("the events before this command are forgotten; at most " +
+                         std::to_string(kRememberedEvents) + " are remembered");
+        memory_ = NewMemory();
+    }
+    RunOptions options = options_;
+    // A command that fails is reported to its sender only.
+    options.out.clear();
+    options.say = [reply = sent.reply](const std::string& line) { reply->Line(line); };
+    options.trace = [](const std::string&) {};
+    const auto active = active_.emplace(active_.end(), operator_, std::move(sent.scenario),
+                                        std::move(options), memory_, sent.reply);
+    active->run.Start();
+    Poll(active);
+}
+
+void SentCommands::Poll(std::list<Active>::iterator active) {
+    if (!active->reply->wanted())
+        active->run.Stop("its sender has gone");
+    if (active->run.finished()) {
+        active->reply->End(active->run.passed() ? Done() : Refused(active->run.problem()));
+        active_.erase(active);
+        return;
+    }
+    active->next_poll = kernel::After(kPollInterval * operator_.unit().time_scale(),
+                                      [this, active] { Poll(active); });
+}
+
 ProcessLinks::ProcessLinks(Operator& op, const std::string& name, RunOptions sent)
-    : scenarios_(op, std::move(sent)),
+    : scenarios_(op, sent),
+      commands_(op, std::move(sent)),
       control_(op, name,
                {.state = [&unit = op.unit()] { return StateJson(unit); },
                 .run = [this](const SentScenario& scenario) { scenarios_.Run(scenario); },
+                .run_command = [this](SentCommand command) { commands_.Run(std::move(command)); },
                 .raise =
                     [this] {
                         if (raise_)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,6 +36,39 @@ class SentScenarios {
     platform::kernel::EventId next_poll_ = 0;
 };
 
+// Runs the single commands of the scenario language that other processes send. Any number runs at a
+// time; all of them know the events since the unit began or since the last `forget`. Host thread.
+class SentCommands {
+  public:
+    // `op` must outlive it.
+    SentCommands(Operator& op, RunOptions options);
+    ~SentCommands();
+    SentCommands(const SentCommands&) = delete;
+    SentCommands& operator=(const SentCommands&) = delete;
+
+    void Run(SentCommand sent);
+
+  private:
+    struct Active {
+        Active(Operator& op, Scenario scenario, RunOptions options,
+               std::shared_ptr<EventMemory> memory, std::shared_ptr<Reply> sender)
+            : run(op, std::move(scenario), std::move(options), std::move(memory)),
+              reply(std::move(sender)) {}
+
+        ScenarioRun run;
+        std::shared_ptr<Reply> reply;
+        platform::kernel::EventId next_poll = 0;
+    };
+
+    std::shared_ptr<EventMemory> NewMemory() const;
+    void Poll(std::list<Active>::iterator active);
+
+    Operator& operator_;
+    const RunOptions options_;
+    std::shared_ptr<EventMemory> memory_;
+    std::list<Active> active_;
+};
+
 // Connects a unit with other processes: its control socket, and the unit that had that socket
 // before, if there is one. Make it before the unit starts and destroy it after the unit was closed.
 // Host thread.
@@ -55,6 +89,7 @@ class ProcessLinks {
   private:
     std::function<void()> raise_;
     SentScenarios scenarios_;
+    SentCommands commands_;
     ControlServer control_;
     const std::shared_ptr<FirstUnit> first_;
 };

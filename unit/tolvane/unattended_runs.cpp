@@ -1,14 +1,21 @@
 #include "unit/tolvane/unattended_runs.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/kernel/scheduler.h"
 #include "unit/recording/recording.h"
 #include "unit/recording/replay.h"
 #include "unit/scenario/scenario_run.h"
+#include "unit/tolvane/junit.h"
+#include "unit/tolvane/program_output.h"
+#include "unit/tolvane/run_progress.h"
 #include "unit/workbench/workbench.h"
 
 // Defined in update_scenario.S.
@@ -39,52 +46,120 @@ VirtualUnit::Options OptionsFor(const Scenario& scenario, const CommandLine& com
     return options;
 }
 
-bool RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run, const CommandLine& command_line,
-           const CloseSignals& signals) {
-    const auto done = [&] { return run.finished() || signals.raised(); };
+std::optional<Verdict> VerdictOf(const ScenarioRun& run) {
+    if (!run.finished())
+        return std::nullopt;
+    char time[64];
+    std::snprintf(time, sizeof time, "%.1f s of unit time",
+                  static_cast<double>(run.duration().count()) / 1e6);
+    Verdict verdict{run.passed(),
+                    "The scenario " + run.scenario().name + (run.passed() ? " passed" : " failed"),
+                    {time}};
+    if (!run.passed())
+        verdict.details.insert(verdict.details.begin(), run.problem());
+    return verdict;
+}
+
+// What surrounds a scenario's run: the progress line and the window, if there are any, and whether
+// another scenario follows.
+struct ScenarioWindow {
+    RunProgress* progress = nullptr;
+    std::optional<WorkbenchWindow> window;
+    bool more = false;
+    Workbench::Leave leave = Workbench::Leave::kNext;
+};
+
+// The reset command may print to the same terminal at any time.
+bool ShowsProgress(const CommandLine& command_line) {
+    return !command_line.quiet && !command_line.window && command_line.reset_command.empty();
+}
+
+// Returns when the run was over; the operator may look at it for longer.
+HostClock::time_point RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run,
+                            const CommandLine& command_line, const CloseSignals& signals,
+                            ScenarioWindow& shown) {
+    const auto done = [&] {
+        if (shown.progress)
+            shown.progress->Update(run);
+        return run.finished() || signals.raised();
+    };
+    std::optional<HostClock::time_point> over;
     if (command_line.window) {
-        Workbench window(unit, op, {command_line.kiosk, command_line.speed.value_or(1.0)});
+        Workbench workbench(*shown.window, unit, op, {.out = command_line.out, .more = shown.more});
         unit.Start();
         run.Start();
-        window.Run(done);
+        shown.leave = workbench.Run([&] { return signals.raised(); },
+                                    [&] {
+                                        if (run.finished() && !over)
+                                            over = HostClock::now();
+                                        return VerdictOf(run);
+                                    });
     } else {
         unit.Start();
         run.Start();
         kernel::RunHostThread(done);
     }
-    run.Stop(signals.raised() ? "interrupted" : "the window was closed");
-    return CloseUnit(unit) && run.passed();
+    return over.value_or(HostClock::now());
 }
 
-// True when it passed. Prints the result.
-bool RunOne(const Scenario& scenario, const CommandLine& command_line, const Program& program,
-            const CloseSignals& signals) {
-    DebugLog log(
-        [verbose = command_line.verbose](std::chrono::microseconds time, const std::string& line) {
-            if (verbose)
-                PrintLine(time, line);
+// Prints the result, too.
+ScenarioResult RunOne(const Scenario& scenario, const CommandLine& command_line,
+                      const Program& program, const CloseSignals& signals, ScenarioWindow& shown) {
+    ScenarioResult result{scenario.name, false, "an output file cannot be written"};
+    DebugLog log(OutputListener(command_line.verbose));
+    if (!command_line.junit.empty())
+        log.AddListener([&result](std::chrono::microseconds time, const std::string& line) {
+            result.output += TimedLine(time, line) + "\n";
         });
     if (!OpenLog(log, command_line))
-        return false;
+        return result;
+    const ProgramOutput program_output(LineTaker(command_line.verbose));
     const VirtualUnit::Options options = OptionsFor(scenario, command_line);
     VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
-        return false;
+        return result;
     Operator op(unit, command_line.card);
     ScenarioRun run(op, scenario, RunOptionsFor(command_line, options));
     const auto began = HostClock::now();
-    const bool passed = RunOn(unit, op, run, command_line, signals);
-    const std::chrono::duration<double> host_time = HostClock::now() - began;
-    if (!run.passed())
-        PrintNotice(run.problem());
-    if (!command_line.automatic) {
-        std::printf("%s: %s, %.1f s of unit time, %.1f s\n", scenario.name.c_str(),
-                    passed ? "passed" : "failed", static_cast<double>(run.duration().count()) / 1e6,
-                    host_time.count());
-        std::fflush(stdout);
+    if (shown.progress)
+        shown.progress->Begin();
+    result.time = RunOn(unit, op, run, command_line, signals, shown) - began;
+    if (shown.progress)
+        shown.progress->End();
+    run.Stop(signals.raised()                            ? "interrupted"
+             : shown.leave == Workbench::Leave::kRestart ? "restarted"
+                                                         : "the window was closed");
+    const bool closed = CloseUnit(unit);
+    result.passed = FinishFiles(recorder, log) && closed && run.passed();
+    if (!run.passed()) {
+        result.problem = run.problem();
+        PrintError(run.problem());
+    } else if (!closed) {
+        result.problem = "the program left something open: " + unit.leftovers();
     }
-    return passed;
+    const bool one = command_line.scenarios.size() < 2;
+    if (one || !command_line.quiet)
+        PrintResult(
+            scenario.name + ": " + VerdictText(result.passed) + ", " +
+            TimesText(run.duration(), result.time) +
+            (result.passed && run.pictures() > 0
+                 ? "; " + std::to_string(run.pictures()) + " pictures in " + command_line.screens
+                 : ""));
+    return result;
+}
+
+// True without a file. Prints the error when it returns false.
+bool WriteJUnit(const std::vector<ScenarioResult>& results, const std::string& file) {
+    if (file.empty())
+        return true;
+    errno = 0;
+    std::ofstream stream(file, std::ios::binary);
+    stream << JUnitReport(results);
+    stream.close();
+    if (!stream)
+        PrintError(file + ": " + std::strerror(errno));
+    return !stream.fail();
 }
 
 void SavePicture(const Picture& picture, const std::string& folder) {
@@ -92,7 +167,10 @@ void SavePicture(const Picture& picture, const std::string& folder) {
     std::filesystem::create_directories(folder, error);
     const std::string file = folder + "/replay.png";
     std::string problem;
-    PrintNotice(WritePng(picture, file, problem) ? "the replay's screen is in " + file : problem);
+    if (WritePng(picture, file, problem))
+        PrintNotice("the replay's screen is in " + file);
+    else
+        PrintError(problem);
 }
 
 }  // namespace
@@ -106,9 +184,7 @@ RunOptions RunOptionsFor(const CommandLine& command_line,
     options.seed = static_cast<std::uint32_t>(unit_options.kernel.seed);
     options.say = PrintNotice;
     if (command_line.verbose)
-        options.trace = [](const std::string& command) {
-            PrintLine(kernel::Now(), "> " + command);
-        };
+        options.trace = [](const std::string& command) { PrintCommand(kernel::Now(), command); };
     return options;
 }
 
@@ -120,47 +196,82 @@ int RunScenarios(const CommandLine& command_line, const Program& program,
         if (auto scenario = LoadScenario(file, problems))
             scenarios.push_back(std::move(*scenario));
     for (const std::string& problem : problems)
-        PrintNotice(problem);
+        PrintError(problem);
     if (!problems.empty())
         return kExitWrongUsage;
-    int status = EXIT_SUCCESS;
-    for (const Scenario& scenario : scenarios) {
-        if (signals.raised())
-            return kExitFailed;
-        if (!RunOne(scenario, command_line, program, signals))
-            status = kExitFailed;
+    ScenarioWindow shown;
+    if (command_line.window)
+        shown.window.emplace(command_line.unit, command_line.kiosk);
+    RunProgress progress(scenarios.size());
+    if (ShowsProgress(command_line))
+        shown.progress = &progress;
+    std::vector<ScenarioResult> results;
+    const auto began = HostClock::now();
+    for (auto scenario = scenarios.begin(); scenario != scenarios.end(); ++scenario) {
+        shown.more = std::next(scenario) != scenarios.end();
+        ScenarioResult result;
+        int run = 1;
+        do {
+            result =
+                RunOne(*scenario, NumberedOutputs(command_line, run++), program, signals, shown);
+        } while (shown.leave == Workbench::Leave::kRestart);
+        results.push_back(std::move(result));
+        // The rest is not run.
+        if (signals.raised() || (shown.more && shown.leave == Workbench::Leave::kClosed))
+            break;
     }
-    return status;
+    const auto passed = std::size_t(std::ranges::count(results, true, &ScenarioResult::passed));
+    if (scenarios.size() > 1) {
+        const std::chrono::duration<double> took = HostClock::now() - began;
+        char time[32];
+        std::snprintf(time, sizeof time, " in %.1f s", took.count());
+        PrintResult(VerdictText(passed == scenarios.size(), std::to_string(passed) + " of " +
+                                                                std::to_string(scenarios.size()) +
+                                                                " passed") +
+                    time);
+    }
+    const bool reported = WriteJUnit(results, command_line.junit);
+    return reported && passed == scenarios.size() ? EXIT_SUCCESS : kExitFailed;
 }
 
 int RunAutomatically(const CommandLine& command_line, const Program& program,
                      const CloseSignals& signals) {
     CommandLine with_pictures = command_line;
-    with_pictures.verbose = true;
+    with_pictures.verbose = !command_line.quiet;
     if (with_pictures.screens.empty())
         with_pictures.screens = "out/screens";
     std::vector<std::string> problems;
     const auto scenario = ReadScenario(std::string(UpdateScenario()), "update.scenario", problems);
     for (const std::string& problem : problems)
-        PrintNotice(problem);
-    return scenario && RunOne(*scenario, with_pictures, program, signals) ? EXIT_SUCCESS
-                                                                          : kExitFailed;
+        PrintError(problem);
+    ScenarioWindow none;
+    RunProgress progress(1);
+    if (ShowsProgress(command_line))
+        none.progress = &progress;
+    return scenario && RunOne(*scenario, with_pictures, program, signals, none).passed
+               ? EXIT_SUCCESS
+               : kExitFailed;
 }
 
 int RunReplay(const CommandLine& command_line, const Program& program) {
-    DebugLog log(PrintLine);
+    DebugLog log(OutputListener(!command_line.quiet));
     if (!OpenLog(log, command_line))
         return kExitFailed;
+    const ProgramOutput program_output(LineTaker(!command_line.quiet));
     std::string problem;
     const auto recording = ReadRecording(command_line.replay, problem);
     if (!recording) {
-        PrintNotice(problem);
+        PrintError(problem);
         return kExitWrongUsage;
     }
+    const auto began = HostClock::now();
     const ReplayResult result = Replay(*recording, program, log, PrintNotice);
-    PrintNotice(ReplayReport(*recording, result));
+    if (!log.problem().empty())
+        PrintError(log.problem());
+    PrintResult(ReplayReport(*recording, result, VerdictText(!result.difference),
+                             TimesText(result.time, HostClock::now() - began)));
     if (!result.difference)
-        return EXIT_SUCCESS;
+        return log.problem().empty() ? EXIT_SUCCESS : kExitFailed;
     if (result.screen)
         SavePicture(*result.screen,
                     command_line.screens.empty() ? "out/screens" : command_line.screens);

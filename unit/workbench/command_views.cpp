@@ -21,13 +21,13 @@ std::string CommonStart(const std::vector<std::string>& words) {
 }
 
 void DrawEntry(PanelContext& context, const CommandRunner::Entry& entry) {
-    ColoredText(color::kDim, ReadableTime(entry.time));
+    ColoredText(color::Dim(), ReadableTime(entry.time));
     ImGui::SameLine(kTimeColumn * context.scale);
     ImGui::BeginGroup();
-    ColoredText(entry.done ? color::kText : color::kBad, entry.line);
+    ColoredText(entry.done ? color::Text() : color::Bad(), entry.line);
     if (!entry.reply.empty()) {
         ImGui::PushTextWrapPos(0);
-        ColoredText(entry.done ? color::kDim : color::kBad, entry.reply);
+        ColoredText(entry.done ? color::Dim() : color::Bad(), entry.reply);
         ImGui::PopTextWrapPos();
     }
     ImGui::EndGroup();
@@ -53,7 +53,7 @@ void CommandBar::Draw(PanelContext& context) {
     context_ = &context;
     ImGui::PushFont(context.fonts.mono);
     ImGui::AlignTextToFramePadding();
-    ColoredText(color::kAccent, ">");
+    ColoredText(color::Accent(), ">");
     ImGui::SameLine();
     if (context.focus_command_line)
         ImGui::SetKeyboardFocusHere();
@@ -79,19 +79,32 @@ void CommandBar::Draw(PanelContext& context) {
 }
 
 void CommandBar::DrawReply(PanelContext& context) const {
-    if (!proposals_.empty()) {
-        ColoredText(color::kDim, proposals_);
-        return;
+    std::string text = proposals_;
+    ImVec4 text_color = color::Dim();
+    if (proposals_.empty() && !context.commands.entries().empty()) {
+        const CommandRunner::Entry& last = context.commands.entries().back();
+        const std::string first_line = last.reply.substr(0, last.reply.find('\n'));
+        text = last.done ? last.line + (first_line.empty() ? ": done" : ": " + first_line)
+                         : last.reply;
+        text_color = last.done ? color::Good() : color::Bad();
     }
-    if (context.commands.entries().empty())
-        return;
-    const CommandRunner::Entry& last = context.commands.entries().back();
-    const std::string first_line = last.reply.substr(0, last.reply.find('\n'));
-    if (last.done)
-        ColoredText(color::kGood, last.line + (first_line.empty() ? ": done" : ": " + first_line));
-    else
-        ColoredText(color::kBad, first_line);
-    Tip(last.reply.empty() ? last.line.c_str() : last.reply.c_str());
+    const float padding = ImGui::GetStyle().WindowPadding.y;
+    context.bar_height = ImGui::GetFrameHeight() + 2 * padding;
+    // Beside the command line if it fits there, else below it.
+    if (ImGui::CalcTextSize(text.c_str()).x > ImGui::GetContentRegionAvail().x ||
+        text.find('\n') != std::string::npos) {
+        ImGui::NewLine();
+        const float width = std::max(1.0F, ImGui::GetContentRegionAvail().x);
+        context.bar_height += ImGui::GetStyle().ItemSpacing.y +
+                              ImGui::CalcTextSize(text.c_str(), nullptr, false, width).y;
+    }
+    ImGui::PushTextWrapPos(0);
+    ColoredText(text_color, text);
+    ImGui::PopTextWrapPos();
+    // Only the first line of a long reply is shown.
+    if (proposals_.empty() && !context.commands.entries().empty() &&
+        context.commands.entries().back().done)
+        Tip(context.commands.entries().back().reply.c_str());
 }
 
 int CommandBar::Edit(ImGuiInputTextCallbackData* data) {
@@ -139,7 +152,7 @@ void CommandView::Draw(PanelContext& context, std::string& line) {
     ImGui::BeginChild("executed", {half, 0});
     ImGui::PushFont(context.fonts.mono);
     if (context.commands.entries().empty())
-        ColoredText(color::kDim,
+        ColoredText(color::Dim(),
                     "Buttons and keys of the panel\nappear here as the commands\n"
                     "that a scenario would use.");
     for (const CommandRunner::Entry& entry : context.commands.entries())

@@ -10,7 +10,7 @@
 namespace unit {
 
 // The command line at the bottom edge: Up and Down recall earlier commands, Tab completes. The last
-// command's reply stands beside it.
+// command's reply stands beside it, or below it if it is long.
 class CommandBar {
   public:
     void Draw(PanelContext& context);

@@ -43,12 +43,16 @@ void CardSection::Draw(PanelContext& context) {
         return;
     const dvrsim::Dvr* const dvr = context.unit.dvr().dvr();
     if (!dvr) {
-        ColoredText(color::kDim, "A real DVR is connected. Move its card by hand.");
+        ColoredText(color::Dim(), "A real DVR is connected. Move its card by hand.");
         return;
     }
     const bool in = dvr->CardIn();
-    Field(context, "Card", in ? context.history.card_folder() : "out",
-          in ? color::kGood : color::kText);
+    // On one line, so that the buttons below stay where they are.
+    ImGui::TextDisabled("Card");
+    ImGui::SameLine(kValueColumn * context.scale);
+    ColoredText(in ? color::Good() : color::Text(), in ? context.history.card_folder() : "out");
+    if (in)
+        Tip(context.history.card_folder().c_str());
     RowLabel(context, "Move");
     CommandButtons(context, {{"Insert", "card in"},
                              {"Insert without image", "card without image"},
@@ -84,21 +88,21 @@ void DvrSection::Draw(PanelContext& context) {
         return;
     const dvrsim::Dvr* const dvr = context.unit.dvr().dvr();
     if (!dvr) {
-        ColoredText(color::kDim, "A real DVR is connected.");
+        ColoredText(color::Dim(), "A real DVR is connected.");
         DrawPlug(context);
         RowLabel(context, "Restart");
         CommandButton(context, "Reset", "dvr reset");
         return;
     }
     const bool off = dvr->GetState() == dvrsim::Dvr::State::kOff;
-    Field(context, "State", StateName(dvr->GetState()), off ? color::kWarning : color::kText);
+    Field(context, "State", StateName(dvr->GetState()), off ? color::Warning() : color::Text());
     Field(context, "Firmware", dvr->FirmwareVersion());
     if (context.history.card_folder() != card_folder_) {
         card_folder_ = context.history.card_folder();
         image_ = card_folder_.empty() ? std::nullopt : dvrsim::ReadImageVersion(card_folder_);
     }
     Field(context, "Image version", image_.value_or(card_folder_.empty() ? "no card" : "no image"),
-          image_ ? color::kText : color::kDim);
+          image_ ? color::Text() : color::Dim());
     RowLabel(context, "Update");
     ImGui::ProgressBar(static_cast<float>(dvr->Percent()) / 100, ImVec2(-1, 0),
                        (std::to_string(dvr->Percent()) + " %").c_str());

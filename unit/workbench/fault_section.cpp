@@ -7,6 +7,8 @@
 namespace unit {
 namespace {
 
+constexpr int kActiveLines = 5;
+
 std::string Switch(const char* fault, bool on) {
     return std::string("fault dvr ") + fault + (on ? " off" : " on");
 }
@@ -20,6 +22,36 @@ void FaultSection::Draw(PanelContext& context) {
     DrawLine(context);
     DrawDrivers(context);
     DrawCalls(context);
+    DrawActive(context);
+}
+
+// In a space of fixed height: nothing moves when a fault becomes active.
+void FaultSection::DrawActive(PanelContext& context) {
+    RowLabel(context, "Active");
+    ImGui::BeginChild("active", {0, LinesHeight(kActiveLines)}, true);
+    const std::vector<LineFaults::Entry> line = context.unit.faults().line().List();
+    for (const LineFaults::Entry& entry : line) {
+        ImGui::PushID(entry.number);
+        CommandButton(context, "x", "fault line clear " + std::to_string(entry.number));
+        ImGui::SameLine();
+        ImGui::PushTextWrapPos(0);
+        ColoredText(color::Warning(), ToText(entry.rule) + ": " + std::to_string(entry.applied) +
+                                          " of " + std::to_string(entry.matches));
+        ImGui::PopTextWrapPos();
+        ImGui::PopID();
+    }
+    bool others = false;
+    ImGui::PushTextWrapPos(0);
+    for (const std::string& command : context.unit.faults().List()) {
+        if (command.starts_with("fault line "))
+            continue;
+        others = true;
+        ColoredText(color::Warning(), command);
+    }
+    ImGui::PopTextWrapPos();
+    if (line.empty() && !others)
+        ColoredText(color::Dim(), "no faults");
+    ImGui::EndChild();
 }
 
 void FaultSection::DrawDvr(PanelContext& context) {
@@ -73,17 +105,6 @@ void FaultSection::DrawLine(PanelContext& context) {
          {"Delay acknowledgements", "fault line delay 500ms acknowledgements"},
          {"Duplicate indications", "fault line duplicate indications"},
          {"Clear", "fault line clear"}});
-    for (const LineFaults::Entry& entry : context.unit.faults().line().List()) {
-        ImGui::PushID(entry.number);
-        RowLabel(context, "");
-        CommandButton(context, "x", "fault line clear " + std::to_string(entry.number));
-        ImGui::SameLine();
-        ImGui::PushTextWrapPos(0);
-        ColoredText(color::kWarning, ToText(entry.rule) + ": " + std::to_string(entry.applied) +
-                                         " of " + std::to_string(entry.matches));
-        ImGui::PopTextWrapPos();
-        ImGui::PopID();
-    }
 }
 
 void FaultSection::DrawDrivers(PanelContext& context) {
@@ -107,9 +128,6 @@ void FaultSection::DrawDrivers(PanelContext& context) {
     RowLabel(context, "Battery driver");
     CommandButtons(context, {{"Fails", "fault battery-driver fails"},
                              {"Works", "fault battery-driver works"}});
-    for (const std::string& command : context.unit.faults().List())
-        if (!command.starts_with("fault line ") && !command.starts_with("fault dvr "))
-            Field(context, "", command, color::kWarning);
 }
 
 void FaultSection::DrawCalls(PanelContext& context) {

@@ -46,6 +46,7 @@ void History::File(const TimedEvent& event) {
         FileFrame(*entry);
     } else if (std::holds_alternative<FaultApplied>(event.event)) {
         log_.Add({event.time, EventLine(event.event)});
+        faults_.Add({event.time, EventLine(event.event)});
     } else if (const auto* message = std::get_if<OperatorMessage>(&event.event)) {
         message_ = message->line;
     } else if (const auto* card = std::get_if<CardMoved>(&event.event)) {

@@ -65,6 +65,8 @@ class History {
 
     const Latest<Line, 10'000>& log() const { return log_; }
     const Latest<LineEntry, 10'000>& traffic() const { return traffic_; }
+    // The faults that took effect, as in the debug output.
+    const Latest<Line, 1000>& faults() const { return faults_; }
     const Latest<Percent, 10'000>& percents() const { return percents_; }
     const Latest<PowerMessage, 200>& power_messages() const { return power_messages_; }
 
@@ -87,6 +89,7 @@ class History {
 
     Latest<Line, 10'000> log_;
     Latest<LineEntry, 10'000> traffic_;
+    Latest<Line, 1000> faults_;
     Latest<Percent, 10'000> percents_;
     Latest<PowerMessage, 200> power_messages_;
     std::string message_;

@@ -52,6 +52,7 @@ class FaultSection {
     static void DrawLine(PanelContext& context);
     void DrawDrivers(PanelContext& context);
     void DrawCalls(PanelContext& context);
+    static void DrawActive(PanelContext& context);
 
     int at_percent_ = 57;
     int driver_ = 0;
@@ -65,7 +66,7 @@ class Panel {
 
   private:
     void DrawSections(PanelContext& context);
-    static void DrawSplitter(PanelContext& context, const Layout& layout);
+    static void DrawSplitter(PanelContext& context, const Area& dock);
 
     CardSection card_;
     PowerSection power_;

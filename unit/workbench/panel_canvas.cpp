@@ -2,6 +2,7 @@
 
 #include <backends/imgui_impl_sdl.h>
 
+#include <algorithm>
 #include <cfloat>
 #include <cstddef>
 
@@ -9,12 +10,13 @@ namespace unit {
 namespace {
 
 // ImGui needs its context, which is global, before any other call.
-SDL_Renderer* MakeContext(const DesktopWindow& window) {
+SDL_Renderer* MakeContext(const DesktopWindow& window, Theme theme) {
     ImGui::CreateContext();
     ImGuiIO& io = ImGui::GetIO();
     io.IniFilename = nullptr;
     io.LogFilename = nullptr;
-    ApplyStyle(window.scale());
+    io.ConfigFlags |= ImGuiConfigFlags_NavEnableKeyboard;
+    ApplyStyle(theme, window.scale());
     ImGui_ImplSDL2_InitForSDLRenderer(window.window());
     return window.renderer();
 }
@@ -76,37 +78,68 @@ void TriangleRenderer::LoadFonts() {
     atlas.ClearTexData();
 }
 
-void TriangleRenderer::Draw(const ImDrawData& data) {
-    SDL_RenderSetScale(renderer_, data.FramebufferScale.x, data.FramebufferScale.y);
-    for (int index = 0; index < data.CmdListsCount; ++index)
-        DrawList(*data.CmdLists[index], data);
-    SDL_RenderSetClipRect(renderer_, nullptr);
-    SDL_RenderSetScale(renderer_, 1, 1);
-}
-
-void TriangleRenderer::DrawList(const ImDrawList& list, const ImDrawData& data) {
-    for (const ImDrawCmd& command : list.CmdBuffer) {
-        const ImVec2 origin = data.DisplayPos;
-        const SDL_Rect clip{static_cast<int>(command.ClipRect.x - origin.x),
-                            static_cast<int>(command.ClipRect.y - origin.y),
-                            static_cast<int>(command.ClipRect.z - command.ClipRect.x),
-                            static_cast<int>(command.ClipRect.w - command.ClipRect.y)};
-        if (clip.w <= 0 || clip.h <= 0)
+void TriangleRenderer::Collect(const ImDrawList& list, const ImDrawCmd& command,
+                               const ImVec4& box) {
+    vertices_.clear();
+    indices_.clear();
+    places_.assign(static_cast<std::size_t>(list.VtxBuffer.Size), kNone);
+    const ImDrawVert* const vertices = list.VtxBuffer.Data + command.VtxOffset;
+    const ImDrawIdx* const indices = list.IdxBuffer.Data + command.IdxOffset;
+    for (unsigned first = 0; first + 2 < command.ElemCount; first += 3) {
+        const ImVec2& a = vertices[indices[first]].pos;
+        const ImVec2& b = vertices[indices[first + 1]].pos;
+        const ImVec2& c = vertices[indices[first + 2]].pos;
+        if (std::max({a.x, b.x, c.x}) < box.x || std::min({a.x, b.x, c.x}) > box.z ||
+            std::max({a.y, b.y, c.y}) < box.y || std::min({a.y, b.y, c.y}) > box.w)
             continue;
-        SDL_RenderSetClipRect(renderer_, &clip);
-        const ImDrawVert* const vertices = list.VtxBuffer.Data + command.VtxOffset;
-        SDL_RenderGeometryRaw(renderer_, static_cast<SDL_Texture*>(command.GetTexID()),
-                              &vertices->pos.x, sizeof(ImDrawVert),
-                              reinterpret_cast<const SDL_Color*>(&vertices->col),
-                              sizeof(ImDrawVert), &vertices->uv.x, sizeof(ImDrawVert),
-                              list.VtxBuffer.Size - static_cast<int>(command.VtxOffset),
-                              list.IdxBuffer.Data + command.IdxOffset,
-                              static_cast<int>(command.ElemCount), sizeof(ImDrawIdx));
+        for (unsigned corner = first; corner < first + 3; ++corner) {
+            int& place = places_[indices[corner]];
+            if (place == kNone) {
+                place = static_cast<int>(vertices_.size());
+                vertices_.push_back(vertices[indices[corner]]);
+            }
+            indices_.push_back(place);
+        }
     }
 }
 
-PanelCanvas::PanelCanvas(const DesktopWindow& window)
-    : window_(window), triangles_(MakeContext(window)) {}
+void TriangleRenderer::Draw(const ImDrawData& data, const SDL_Rect& part) {
+    const ImVec2 density = data.FramebufferScale;
+    const auto units = [](int pixels, float per_unit) {
+        return static_cast<float>(pixels) / per_unit;
+    };
+    const ImVec4 box = {units(part.x - 1, density.x), units(part.y - 1, density.y),
+                        units(part.x + part.w + 1, density.x),
+                        units(part.y + part.h + 1, density.y)};
+    for (int index = 0; index < data.CmdListsCount; ++index) {
+        const ImDrawList& list = *data.CmdLists[index];
+        for (const ImDrawCmd& command : list.CmdBuffer) {
+            const ImVec4& clip = command.ClipRect;
+            SDL_Rect pixels{static_cast<int>(clip.x * density.x),
+                            static_cast<int>(clip.y * density.y),
+                            static_cast<int>((clip.z - clip.x) * density.x),
+                            static_cast<int>((clip.w - clip.y) * density.y)};
+            if (!SDL_IntersectRect(&pixels, &part, &pixels))
+                continue;
+            Collect(list, command, box);
+            if (indices_.empty())
+                continue;
+            SDL_RenderSetClipRect(renderer_, &pixels);
+            for (ImDrawVert& vertex : vertices_)
+                vertex.pos = {vertex.pos.x * density.x, vertex.pos.y * density.y};
+            SDL_RenderGeometryRaw(renderer_, static_cast<SDL_Texture*>(command.GetTexID()),
+                                  &vertices_.front().pos.x, sizeof(ImDrawVert),
+                                  reinterpret_cast<const SDL_Color*>(&vertices_.front().col),
+                                  sizeof(ImDrawVert), &vertices_.front().uv.x, sizeof(ImDrawVert),
+                                  static_cast<int>(vertices_.size()), indices_.data(),
+                                  static_cast<int>(indices_.size()), sizeof(int));
+        }
+    }
+    SDL_RenderSetClipRect(renderer_, nullptr);
+}
+
+PanelCanvas::PanelCanvas(const DesktopWindow& window, Theme theme)
+    : window_(window), triangles_(MakeContext(window, theme)) {}
 
 PanelCanvas::~PanelCanvas() {
     ImGui_ImplSDL2_Shutdown();
@@ -124,12 +157,13 @@ void PanelCanvas::Fit() {
         std::string problem;  // cannot happen: the platform found the same files when it started
         LoadFonts(window_.scale(), density, fonts_, problem);
         triangles_.LoadFonts();
+        changed_.Forget();
     }
-    SDL_Point pixels{};
-    SDL_GetRendererOutputSize(window_.renderer(), &pixels.x, &pixels.y);
+    const SDL_Point pixels = window_.pixels();
     if (texture_ && pixels.x == pixels_.x && pixels.y == pixels_.y)
         return;
     pixels_ = pixels;
+    changed_.Forget();
     texture_.reset(SDL_CreateTexture(window_.renderer(), SDL_PIXELFORMAT_ARGB8888,
                                      SDL_TEXTUREACCESS_TARGET, pixels.x, pixels.y));
 }
@@ -148,16 +182,27 @@ void PanelCanvas::Update(const std::function<void(const Fonts&)>& draw) {
     ImGui::EndFrame();
 }
 
-void PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
+std::vector<SDL_Rect> PanelCanvas::Redraw(const std::function<void(const Fonts&)>& draw) {
     BeginFrame();
     draw(fonts_);
     ImGui::Render();
-    SDL_SetRenderTarget(window_.renderer(), texture_.get());
-    // Transparent where nothing is drawn, so that the unit's screen stays visible.
-    SetDrawColor(window_.renderer(), color::kBackground, 0);
-    SDL_RenderClear(window_.renderer());
-    triangles_.Draw(*ImGui::GetDrawData());
-    SDL_SetRenderTarget(window_.renderer(), nullptr);
+    const ImDrawData& data = *ImGui::GetDrawData();
+    std::vector<SDL_Rect> parts = changed_.Find(data, pixels_);
+    SDL_Renderer* const renderer = window_.renderer();
+    SDL_SetRenderTarget(renderer, texture_.get());
+    for (const SDL_Rect& part : parts) {
+        // Transparent where nothing is drawn, so that the unit's screen stays visible.
+        SetDrawColor(renderer, CurrentPalette().background, 0);
+        SDL_RenderFillRect(renderer, &part);
+        triangles_.Draw(data, part);
+    }
+    SDL_SetRenderTarget(renderer, nullptr);
+    return parts;
+}
+
+void PanelCanvas::SetTheme(Theme theme) {
+    ApplyStyle(theme, window_.scale());
+    changed_.Forget();
 }
 
 void PanelCanvas::ShowAround(const SDL_Rect& screen) const {

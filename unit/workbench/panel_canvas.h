@@ -6,7 +6,9 @@
 #include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "unit/workbench/changed_parts.h"
 #include "unit/workbench/desktop_window.h"
 #include "unit/workbench/theme.h"
 
@@ -40,21 +42,27 @@ class TriangleRenderer {
     // Makes a texture of the fonts that the ImGui context has now.
     void LoadFonts();
 
-    // Draws into the renderer's current target.
-    void Draw(const ImDrawData& data);
+    // Draws a part of the picture, in pixels, into the renderer's current target.
+    void Draw(const ImDrawData& data, const SDL_Rect& part);
 
   private:
-    void DrawList(const ImDrawList& list, const ImDrawData& data);
+    // The triangles of a command that touch the box, in units, into vertices_ and indices_.
+    void Collect(const ImDrawList& list, const ImDrawCmd& command, const ImVec4& box);
 
     SDL_Renderer* const renderer_;
     SdlOwner<SDL_Texture> fonts_;
+    std::vector<ImDrawVert> vertices_;
+    std::vector<int> indices_;
+    // For each vertex of a list its place in vertices_, or kNone.
+    static constexpr int kNone = -1;
+    std::vector<int> places_;
 };
 
 // The panel's picture: drawn into a texture when the panel changed, and copied into the window for
 // every picture. Host thread.
 class PanelCanvas {
   public:
-    explicit PanelCanvas(const DesktopWindow& window);
+    PanelCanvas(const DesktopWindow& window, Theme theme);
     ~PanelCanvas();
     PanelCanvas(const PanelCanvas&) = delete;
     PanelCanvas& operator=(const PanelCanvas&) = delete;
@@ -62,15 +70,22 @@ class PanelCanvas {
     // Passes an event to the panel.
     void Take(const SDL_Event& event);
 
-    // Runs one ImGui frame and draws the panel; `draw` makes its content.
-    void Redraw(const std::function<void(const Fonts&)>& draw);
+    // Takes effect with the next frame.
+    void SetTheme(Theme theme);
+
+    // Runs one ImGui frame and draws what changed in the panel; `draw` makes its content. Returns
+    // the parts that changed, in pixels.
+    std::vector<SDL_Rect> Redraw(const std::function<void(const Fonts&)>& draw);
 
     // Runs one ImGui frame without drawing, so that the panel reacts to the events it took.
     void Update(const std::function<void(const Fonts&)>& draw);
 
+    // The renderer lost what was drawn: the next Redraw draws all.
+    void Forget() { changed_.Forget(); }
+
     // Copies the panel into the renderer's target, without the part that the unit's screen covers.
     void ShowAround(const SDL_Rect& screen) const;
-    // Copies tips and lists that lie over the unit's screen.
+    // Copies what lies over the unit's screen, such as tips and lists.
     void ShowOver(const SDL_Rect& screen) const;
 
   private:
@@ -87,6 +102,7 @@ class PanelCanvas {
     float density_ = 0;
     SDL_Point pixels_{};
     SdlOwner<SDL_Texture> texture_;
+    ChangedParts changed_;
 };
 
 }  // namespace unit

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "control/words.h"
-#include "platform/kernel/clock.h"
+#include "platform/kernel/scheduler.h"
 #include "unit/workbench/panel_context.h"
 
 namespace unit {
@@ -78,12 +78,21 @@ const std::vector<KeyRow>& Keys() {
          [](PanelContext&) -> std::string { return "request off"; }, nullptr},
         {SDLK_p, "P", "save the unit's screen as tolvane.png",
          [](PanelContext&) -> std::string { return "screenshot tolvane.png"; }, nullptr},
+        {SDLK_SPACE, "Space", "pause the unit's time, or resume it",
+         [](PanelContext&) -> std::string {
+             return platform::kernel::ClockPaused() ? "clock resume" : "clock pause";
+         },
+         nullptr},
+        {SDLK_n, "N", "let time run to the next event",
+         [](PanelContext&) -> std::string { return "clock step"; }, nullptr},
         {SDLK_RETURN, "Enter", "type a command", nullptr,
          [](PanelContext& context) { context.focus_command_line = true; }},
+        {SDLK_F1, "F1", "show the screen's texts in English", nullptr,
+         [](PanelContext& context) { context.shows_glosses = !context.shows_glosses; }},
         {SDLK_F10, "F10", "scale by whole or smooth factors", nullptr,
          [](PanelContext& context) {
-             context.scaling =
-                 context.scaling == Scaling::kWhole ? Scaling::kSmooth : Scaling::kWhole;
+             context.view.scaling =
+                 context.view.scaling == Scaling::kWhole ? Scaling::kSmooth : Scaling::kWhole;
          }},
         {SDLK_F11, "F11", "show only the unit's screen, or all", nullptr,
          [](PanelContext& context) { context.full_screen = !context.full_screen; }},
@@ -97,15 +106,15 @@ void PressKey(PanelContext& context, SDL_Keycode key) {
     const auto row = std::ranges::find(Keys(), key, &KeyRow::key);
     if (row == Keys().end())
         return;
-    if (row->command)
-        context.commands.Execute(row->command(context));
-    else
+    if (!row->command)
         row->act(context);
+    else if (context.view.keys_act)
+        context.commands.Execute(row->command(context));
 }
 
 std::string KeyOf(PanelContext& context, const std::string& command) {
     for (const KeyRow& row : Keys())
-        if (row.command && row.command(context) == command)
+        if (context.view.keys_act && row.command && row.command(context) == command)
             return row.name;
     return {};
 }

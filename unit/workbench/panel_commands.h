@@ -51,7 +51,8 @@ class CommandRunner {
     std::map<std::string, bool> known_;
 };
 
-// A key and what it does while no text field has the keyboard.
+// A key and what it does while no text field has the keyboard. The keys with a command are single
+// letters, which a hand on the keyboard hits by mistake: they act only if the settings say so.
 struct KeyRow {
     SDL_Keycode key;
     const char* name;
@@ -64,7 +65,7 @@ struct KeyRow {
 
 const std::vector<KeyRow>& Keys();
 
-// Nothing for a key without a row.
+// Nothing for a key without a row, and for a letter that does not act.
 void PressKey(PanelContext& context, SDL_Keycode key);
 
 // The name of the key that executes the command now ("C"); empty when there is none.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace unit {
 namespace {
@@ -9,8 +10,8 @@ namespace {
 constexpr double kPictureInterval = 1.0 / 60;
 constexpr double kNewsInterval = 1.0 / 20;
 // For state that no event reports, such as the DVR's.
-constexpr double kRefreshInterval = 0.25;
-constexpr double kMaxIdle = 0.1;
+constexpr double kRefreshInterval = 0.5;
+constexpr double kMaxIdle = 0.25;
 constexpr int kFramesToSettle = 3;
 constexpr double kRateSpan = 0.5;
 
@@ -20,7 +21,7 @@ void RedrawSchedule::LetPanelSettle() {
     frames_to_settle_ = kFramesToSettle;
 }
 
-RedrawSchedule::Due RedrawSchedule::Next(double now, bool panel_visible, bool screen_outdated,
+RedrawSchedule::Due RedrawSchedule::Next(double now, bool screen_outdated,
                                          const std::function<bool()>& read_news) {
     if (now < next_picture_)
         return {};
@@ -28,11 +29,8 @@ RedrawSchedule::Due RedrawSchedule::Next(double now, bool panel_visible, bool sc
         next_news_ = now + kNewsInterval;
         panel_outdated_ |= read_news() || now >= next_refresh_;
     }
-    // A hidden panel has nothing to react to.
-    if (!panel_visible)
-        frames_to_settle_ = 0;
     panel_outdated_ |= repaint_ || panel_settles();
-    const bool panel = panel_visible && panel_outdated_;
+    const bool panel = panel_outdated_;
     if (!panel && !repaint_ && !screen_outdated)
         return {};
     if (panel) {
@@ -40,9 +38,9 @@ RedrawSchedule::Due RedrawSchedule::Next(double now, bool panel_visible, bool sc
         frames_to_settle_ = std::max(0, frames_to_settle_ - 1);
         next_refresh_ = now + kRefreshInterval;
     }
-    repaint_ = false;
+    const bool all = std::exchange(repaint_, false);
     next_picture_ = std::max(next_picture_ + kPictureInterval, now);
-    return {true, panel};
+    return {true, panel, all};
 }
 
 double RedrawSchedule::Idle(double now, bool screen_outdated) const {

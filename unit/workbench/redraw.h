@@ -11,11 +11,12 @@ namespace unit {
 class RedrawSchedule {
   public:
     struct Due {
-        bool picture;  // the window
-        bool panel;    // and the panel in it
+        bool picture = false;  // what changed in the window
+        bool panel = false;    // the panel may have changed
+        bool all = false;      // everything in the window
     };
 
-    // The next picture is drawn even if neither screen nor panel changed.
+    // The next picture is drawn as a whole, even if neither screen nor panel changed.
     void Repaint() { repaint_ = true; }
 
     // The panel took an event: ImGui needs some frames until everything has reacted.
@@ -24,10 +25,9 @@ class RedrawSchedule {
 
     // What must be drawn now; the caller draws it. `read_news`, called up to 20 times per second,
     // returns whether the panel has something new to show.
-    Due Next(double now, bool panel_visible, bool screen_outdated,
-             const std::function<bool()>& read_news);
+    Due Next(double now, bool screen_outdated, const std::function<bool()>& read_news);
 
-    // How long nothing has to be drawn, at most 0.1 s.
+    // How long nothing has to be drawn, at most 0.25 s.
     double Idle(double now, bool screen_outdated) const;
 
   private:

@@ -1,7 +1,10 @@
 #include "unit/workbench/screen_view.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "platform/kernel/clock.h"
+#include "platform/kernel/scheduler.h"
 #include "platform/window/screen.h"
 
 namespace unit {
@@ -10,6 +13,8 @@ using platform::window::kScreenHeight;
 using platform::window::kScreenWidth;
 
 namespace {
+
+constexpr double kFramesASecond = 30;
 
 POINT OnScreen(const Area& screen, Sint32 x, Sint32 y) {
     const auto within = [](float place, float size, int pixels) {
@@ -32,20 +37,41 @@ ScreenView::ScreenView(SDL_Renderer* renderer, VirtualUnit& unit)
 
 bool ScreenView::Moving() const {
     const dvrsim::Dvr* const dvr = unit_.dvr().dvr();
-    return !unit_.suspended() && unit_.scaler().state().VideoShows() && dvr && dvr->HasPicture();
+    // The picture stands while the clock is paused.
+    return !platform::kernel::ClockPaused() && !unit_.suspended() &&
+           unit_.scaler().state().VideoShows() && dvr && dvr->HasPicture();
+}
+
+double ScreenView::VideoFrames() const {
+    const auto host_time = platform::kernel::Now() / unit_.time_scale();
+    return std::chrono::duration<double>(host_time).count() * kFramesASecond;
+}
+
+std::int64_t ScreenView::VideoFrame() const {
+    return static_cast<std::int64_t>(VideoFrames());
+}
+
+double ScreenView::UntilChange() const {
+    if (!Moving())
+        return 1;
+    return (static_cast<double>(drawn_frame_ + 1) - VideoFrames()) / kFramesASecond;
 }
 
 bool ScreenView::Outdated() const {
-    return unit_.screen_version() != drawn_version_ || Moving();
+    return unit_.screen_version() != drawn_version_ || (Moving() && VideoFrame() != drawn_frame_);
+}
+
+void ScreenView::Update() {
+    drawn_version_ = unit_.screen_version();
+    drawn_frame_ = VideoFrame();
+    picture_ = unit_.TakePicture(std::move(picture_));
+    SDL_UpdateTexture(texture_.get(), nullptr, picture_.pixels.data(),
+                      picture_.width * static_cast<int>(sizeof picture_.pixels[0]));
+    if (ProgramHost::HasWindow())
+        std::swap(picture_, program_picture_);
 }
 
 void ScreenView::Draw(const SDL_Rect& place, bool smooth) {
-    if (Outdated()) {
-        drawn_version_ = unit_.screen_version();
-        const Picture picture = unit_.TakePicture();
-        SDL_UpdateTexture(texture_.get(), nullptr, picture.pixels.data(),
-                          picture.width * static_cast<int>(sizeof picture.pixels[0]));
-    }
     SDL_SetTextureScaleMode(texture_.get(), smooth ? SDL_ScaleModeLinear : SDL_ScaleModeNearest);
     SDL_RenderCopy(renderer_, texture_.get(), nullptr, &place);
 }

@@ -5,19 +5,42 @@
 
 #include <string>
 
+#include "unit/workbench/view_settings.h"
+
 namespace unit {
 
-// The workbench's colours by meaning.
+// A set of colours by meaning.
+struct Palette {
+    ImVec4 text, dim, good, warning, bad, accent;
+    ImVec4 background, panel, bezel;
+    // The fill of a progress bar and of a slider's grip, which the text must stay readable on.
+    ImVec4 fill;
+    // Behind a message to the operator, and its text.
+    ImVec4 message, message_text;
+    // From the background to the text: a frame's shade is a step between them.
+    bool light;
+};
+const Palette& CurrentPalette();
+
 namespace color {
-inline const ImVec4 kText{0.84F, 0.86F, 0.89F, 1};
-inline const ImVec4 kDim{0.55F, 0.59F, 0.65F, 1};
-inline const ImVec4 kGood{0.42F, 0.77F, 0.47F, 1};
-inline const ImVec4 kWarning{0.92F, 0.68F, 0.30F, 1};
-inline const ImVec4 kBad{0.93F, 0.40F, 0.37F, 1};
-inline const ImVec4 kAccent{0.38F, 0.66F, 0.95F, 1};
-inline const ImVec4 kBackground{0.075F, 0.085F, 0.105F, 1};
-inline const ImVec4 kPanel{0.105F, 0.120F, 0.145F, 1};
-inline const ImVec4 kBezel{0.20F, 0.22F, 0.26F, 1};
+inline const ImVec4& Text() {
+    return CurrentPalette().text;
+}
+inline const ImVec4& Dim() {
+    return CurrentPalette().dim;
+}
+inline const ImVec4& Good() {
+    return CurrentPalette().good;
+}
+inline const ImVec4& Warning() {
+    return CurrentPalette().warning;
+}
+inline const ImVec4& Bad() {
+    return CurrentPalette().bad;
+}
+inline const ImVec4& Accent() {
+    return CurrentPalette().accent;
+}
 inline const ImVec4 kBlack{0, 0, 0, 1};
 }  // namespace color
 
@@ -34,7 +57,7 @@ struct Fonts {
 // with one line in `problem`, when a font file is missing.
 bool LoadFonts(float scale, float density, Fonts& fonts, std::string& problem);
 
-// Sets ImGui's colours and lengths; `scale` multiplies the lengths.
-void ApplyStyle(float scale);
+// Sets ImGui's colours and lengths, and the current palette; `scale` multiplies the lengths.
+void ApplyStyle(Theme theme, float scale);
 
 }  // namespace unit

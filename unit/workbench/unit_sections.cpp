@@ -1,6 +1,7 @@
 #include <cstdio>
 
 #include "unit/probe/wizard_probe.h"
+#include "unit/workbench/operator_hint.h"
 #include "unit/workbench/panel.h"
 #include "unit/workbench/readable.h"
 #include "unit/workbench/widgets.h"
@@ -8,22 +9,7 @@
 namespace unit {
 namespace {
 
-// What the operator can do at each step of the wizard, from step -1 on.
-constexpr const char* kAdvice[] = {
-    "Click \"Power On\" on the unit's screen. The mouse is the finger.",
-    "Remove the SD card if it is in, then click \"Next\".",
-    "Insert the SD card, then click \"Update\".",
-    "The DVR updates itself. Wait, or try a fault.",
-    "Wait until the DVR has restarted.",
-    "Remove the SD card, then click \"Next\".",
-    "The update is over. The screen shows the result.",
-    "Close the wizard with its red button.",
-};
-
-const char* AdviceFor(int step) {
-    const int index = step + 1;
-    return index >= 0 && index < std::ssize(kAdvice) ? kAdvice[index] : "";
-}
+constexpr int kHintLines = 3;
 
 // The battery flags of SYSTEM_POWER_STATUS_EX2.
 struct Flag {
@@ -33,7 +19,7 @@ struct Flag {
 constexpr Flag kFlags[] = {{1, "high"},     {2, "low"},          {4, "critical"},
                            {8, "charging"}, {128, "no battery"}, {255, "unknown"}};
 
-constexpr std::size_t kShownMessages = 6;
+constexpr int kShownMessages = 4;
 
 std::string FlagName(int value) {
     for (const Flag& flag : kFlags)
@@ -58,19 +44,21 @@ void DrawFlag(PanelContext& context, const platform::PowerSupply& supply) {
     ImGui::EndCombo();
 }
 
+// In a space of fixed height: what is below must not move when a message comes.
 void DrawPowerMessages(PanelContext& context) {
+    ImGui::BeginChild("messages", {0, LinesHeight(kShownMessages)});
     const auto& messages = context.history.power_messages().entries();
-    const std::size_t first =
-        messages.size() > kShownMessages ? messages.size() - kShownMessages : 0;
-    for (std::size_t index = first; index < messages.size(); ++index) {
-        const History::PowerMessage& message = messages[index];
-        ColoredText(color::kDim, ReadableTime(message.time));
+    for (const History::PowerMessage& message : messages) {
+        ColoredText(color::Dim(), ReadableTime(message.time));
         ImGui::SameLine(kValueColumn * context.scale);
-        ColoredText(message.is_request ? color::kAccent : color::kGood,
+        ColoredText(message.is_request ? color::Accent() : color::Good(),
                     (message.is_request ? "> " : "< ") + message.text);
     }
     if (messages.empty())
-        ColoredText(color::kDim, "No requests or broadcasts yet.");
+        ColoredText(color::Dim(), "No requests or broadcasts yet.");
+    if (ImGui::GetScrollY() >= ImGui::GetScrollMaxY())
+        ImGui::SetScrollHereY(1);
+    ImGui::EndChild();
 }
 
 std::string KeyColor(const ScalerState& scaler) {
@@ -92,21 +80,33 @@ void DrawWizardSection(PanelContext& context) {
     if (!Group(context, "Wizard"))
         return;
     const std::optional<WizardState> wizard = ReadWizard();
-    if (!wizard) {
-        ColoredText(color::kDim, "The wizard has no window yet.");
-        return;
-    }
+    // As many lines as the longest hint has: the buttons below stay where they are.
+    ImGui::BeginChild("hint", {0, LinesHeight(kHintLines)});
     ImGui::PushTextWrapPos(0);
-    ColoredText(color::kAccent, AdviceFor(wizard->step));
+    ColoredText(color::Accent(),
+                context.ended.empty() ? HintFor(ReadHintState(context.unit)) : context.ended);
     ImGui::PopTextWrapPos();
-    Field(context, "Step", std::to_string(wizard->step) + "  " + WizardStepName(wizard->step));
-    Field(context, "Percent", std::to_string(wizard->percent) + " %");
-    Field(context, "DVR state", RunningStateName(wizard->running_state));
-    Field(context, "DVR version", wizard->dvr_version.empty() ? "unknown" : wizard->dvr_version);
-    Field(context, "Image",
-          wizard->bin_version == 0 ? std::string("not reported")
-                                   : std::string("reported, starts with '") +
-                                         static_cast<char>(wizard->bin_version) + "'");
+    if (!context.ended.empty() && ImGui::Button("Restart"))
+        context.restart = true;
+    ImGui::EndChild();
+    const auto field = [&](const char* label, auto value) {
+        Field(context, label, wizard ? value(*wizard) : "-");
+    };
+    field("Step", [](const WizardState& state) {
+        return std::to_string(state.step) + "  " + WizardStepName(state.step);
+    });
+    field("Percent", [](const WizardState& state) { return std::to_string(state.percent) + " %"; });
+    field("DVR state", [](const WizardState& state) -> std::string {
+        return RunningStateName(state.running_state);
+    });
+    field("DVR version", [](const WizardState& state) {
+        return state.dvr_version.empty() ? "unknown" : state.dvr_version;
+    });
+    field("Image", [](const WizardState& state) -> std::string {
+        if (state.bin_version == 0)
+            return "not reported";
+        return std::string("reported, starts with '") + static_cast<char>(state.bin_version) + "'";
+    });
 }
 
 void PowerSection::Draw(PanelContext& context) {
@@ -126,7 +126,7 @@ void PowerSection::Draw(PanelContext& context) {
         context.commands.Execute(BatteryCommand(percent_, supply.battery_flag));
     DrawFlag(context, supply);
     RowLabel(context, "Unit");
-    ColoredText(context.unit.suspended() ? color::kWarning : color::kText,
+    ColoredText(context.unit.suspended() ? color::Warning() : color::Text(),
                 context.unit.suspended() ? "suspended" : "awake");
     NextInRow(context);
     CommandButton(context, "Wake", "wake");
@@ -143,7 +143,7 @@ void DrawScalerSection(PanelContext& context) {
     const ScalerState scaler = context.unit.scaler().state();
     const ScalerWindow& window = scaler.window;
     Field(context, "Shows", scaler.VideoShows() ? "video where the key colour is" : "graphics only",
-          scaler.VideoShows() ? color::kGood : color::kText);
+          scaler.VideoShows() ? color::Good() : color::Text());
     Field(context, "Handles", std::to_string(scaler.open_handles) + " open");
     Field(context, "Path", scaler.scaler_path ? "through the scaler" : "graphics");
     Field(context, "Selector",

@@ -14,11 +14,11 @@ void CommandTip(PanelContext& context, const std::string& command, bool known) {
     ImGui::TextUnformatted(command.c_str());
     ImGui::PopFont();
     if (!known)
-        ColoredText(color::kWarning, "This unit has no such command.");
+        ColoredText(color::Warning(), "This unit has no such command.");
     else
-        ColoredText(color::kDim, context.commands.HelpOf(command));
+        ColoredText(color::Dim(), context.commands.HelpOf(command));
     if (const std::string key = KeyOf(context, command); !key.empty())
-        ColoredText(color::kAccent, "Key: " + key);
+        ColoredText(color::Accent(), "Key: " + key);
     ImGui::PopTextWrapPos();
     ImGui::EndTooltip();
 }
@@ -26,12 +26,15 @@ void CommandTip(PanelContext& context, const std::string& command, bool known) {
 }  // namespace
 
 bool Group(const PanelContext& context, const char* title, bool initially_open) {
-    if (context.unfold_all)
-        ImGui::SetNextItemOpen(true);
+    auto& groups = context.view.groups;
+    const auto kept = groups.find(title);
+    const bool was_open = kept == groups.end() ? initially_open : kept->second;
+    ImGui::SetNextItemOpen(was_open || context.unfold_all);
     ImGui::PushFont(context.fonts.heading);
-    const bool open =
-        ImGui::CollapsingHeader(title, initially_open ? ImGuiTreeNodeFlags_DefaultOpen : 0);
+    const bool open = ImGui::CollapsingHeader(title);
     ImGui::PopFont();
+    if (open != was_open && !context.unfold_all)
+        groups[title] = open;
     return open;
 }
 
@@ -98,8 +101,12 @@ void ColoredText(const ImVec4& text_color, const std::string& text) {
     ImGui::PopStyleColor();
 }
 
+float LinesHeight(int lines) {
+    return static_cast<float>(lines) * ImGui::GetTextLineHeightWithSpacing();
+}
+
 void Tip(const char* text) {
-    if (ImGui::IsItemHovered())
+    if (*text != '\0' && ImGui::IsItemHovered())
         ImGui::SetTooltip("%s", text);
 }
 

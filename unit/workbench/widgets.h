@@ -20,7 +20,7 @@ void RowLabel(const PanelContext& context, const char* label);
 
 // A row with a label and a value.
 void Field(const PanelContext& context, const char* label, const std::string& value,
-           const ImVec4& text_color = color::kText);
+           const ImVec4& text_color = color::Text());
 
 // Continues the row, on a new line of the value column when `width` does not fit.
 void NextInRow(const PanelContext& context, float width = 0);
@@ -41,6 +41,9 @@ struct Choice {
 void CommandButtons(PanelContext& context, std::initializer_list<Choice> choices);
 
 void ColoredText(const ImVec4& text_color, const std::string& text);
+
+// The height of that many lines of text.
+float LinesHeight(int lines);
 
 // Shows a tip while the mouse is over the last item.
 void Tip(const char* text);
