@@ -109,7 +109,7 @@ try:
 except tolvane.NotRunning as problem:
     print("NotRunning")
 '
-    is out finger 'to-unit True 02' unit 'expect step 6: not true' \
+    is out finger 'to-unit True 00' unit 'expect step 6: not true' \
         "WrongUsage 'maybe' is not allowed after 'power'; allowed is on or off" \
         'Failed there is no card to take out' NotRunning
     finish unit 0
