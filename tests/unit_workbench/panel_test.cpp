@@ -1,11 +1,13 @@
 #include "unit/workbench/panel.h"
 
 #include <gtest/gtest.h>
+#include <imgui_internal.h>
 
 #include "platform/resource/module.h"
 #include "res/program_resources.h"
 #include "unit/commands/unit_commands.h"
 #include "unit/workbench/changed_parts.h"
+#include "unit/workbench/run_card.h"
 
 namespace tests {
 namespace {
@@ -31,8 +33,10 @@ class PanelTest : public testing::Test {
         const ImVec2 size = {static_cast<float>(width), static_cast<float>(height)};
         ImGui::GetIO().DisplaySize = size;
         ImGui::NewFrame();
-        panel_.Draw(context_, unit::PlaceAll(size.x, size.y, 1, 262, unit::Scaling::kWhole,
-                                             context_.bar_height));
+        const unit::Layout layout = unit::PlaceAll(size.x, size.y, 1, 262, unit::Scaling::kWhole,
+                                                   context_.bar_height);
+        panel_.Draw(context_, layout);
+        unit::DrawFirstRunCard(context_, layout.screen);
         ImGui::Render();
     }
 
@@ -88,9 +92,13 @@ TEST_F(PanelTest, DrawsOnlyThePartsThatChanged) {
 TEST_F(PanelTest, TakesAnyWindowSizeAndShowsALongErrorWhole) {
     const std::string error = "power " + std::string(400, 'x');
     commands_.Execute(error);
-    for (const auto& [width, height] : {std::pair(1280, 800), {500, 400}, {300, 200}, {1, 1}})
+    for (const auto& [width, height] : {std::pair(1280, 800), {500, 400}, {300, 200}, {1, 1}}) {
         for (int frame = 0; frame < 3; ++frame)
             Draw(width, height);
+        const ImGuiWindow& card = *ImGui::FindWindowByName("Welcome");
+        EXPECT_TRUE(width < 500 || ImRect({0, 0}, ImGui::GetIO().DisplaySize).Contains(card.Rect()))
+            << width;
+    }
     Draw(1280, 800);
     Draw(1280, 800);
     EXPECT_GT(context_.bar_height, 60) << "the bar does not grow";

@@ -27,6 +27,13 @@ bool BeginCard(const PanelContext& context, const Area& screen, const char* titl
     ImGui::PushStyleVar(ImGuiStyleVar_WindowBorderSize, 1);
     const bool visible = ImGui::Begin(title, &open, kCard);
     ImGui::PopStyleVar();
+    // The window may have become smaller.
+    const ImVec2 position = ImGui::GetWindowPos();
+    const ImVec2 size = ImGui::GetWindowSize();
+    const ImVec2 inside = {std::clamp(position.x, 0.0F, std::max(0.0F, window.x - size.x)),
+                           std::clamp(position.y, 0.0F, std::max(0.0F, window.y - size.y))};
+    if (inside.x != position.x || inside.y != position.y)
+        ImGui::SetWindowPos(inside);
     ImGui::PushTextWrapPos(0);
     return visible;
 }
