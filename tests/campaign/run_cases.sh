@@ -8,7 +8,8 @@ shift
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 status=0
-"$program" --plan "$folder/cases" "$@" || status=$?
+# Without the two lines that the wizard prints on its standard output at each start.
+"$program" --plan "$folder/cases" "$@" | sed -E '/^(File|Product) Version: /d' || status=$?
 [ "$status" -le 1 ] || exit "$status"
 # For tools/progress, if tools/fault-campaign set the variable.
 progress() {
