@@ -24,7 +24,7 @@ struct Rule {
     std::uint64_t first;
     std::uint64_t last;
     std::optional<DWORD> error;
-    std::uint64_t struck = 0;
+    std::uint64_t occurred = 0;
 };
 
 // How often the program made each call, and all of them together.
@@ -79,7 +79,7 @@ std::optional<DWORD> Strike(std::vector<Rule>& rules, std::size_t row, std::uint
         return std::nullopt;
     const DWORD error = rule->error.value_or(kFailableCalls[row].error);
     // Not by the count: it may include a call of another thread that has not come here yet.
-    if (rule->struck++ == rule->last - rule->first)
+    if (rule->occurred++ == rule->last - rule->first)
         rules.erase(rule);
     return error;
 }

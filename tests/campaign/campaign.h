@@ -47,7 +47,7 @@ struct FaultKind {
     std::string_view name;
     // It can be injected at this trigger and those before it.
     Trigger last;
-    // A command of the unit; empty when the window is closed. With SKIP it is a fault that strikes
+    // A command of the unit; empty when the window is closed. With SKIP it is a fault that occurs
     // once, after so many calls or bytes.
     std::string_view command;
 

@@ -126,7 +126,7 @@ class Injector {
 
     // Host thread.
     void Inject(const Fault& fault) {
-        // A fault of the line is recorded when it strikes.
+        // A fault of the line is recorded when it occurs.
         if (fault.kind->command.find(kSkip) == std::string_view::npos)
             Record(fault.kind->name);
         if (fault.kind->command.empty())

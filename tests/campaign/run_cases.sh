@@ -48,7 +48,7 @@ xargs -d '\n' -P "${JOBS:-$(nproc)}" -I{} bash -c 'run_case "$1"' _ {} <"$folder
         }
     }
     END {
-        printf "%-20s %9s %9s %9s %9s %9s %9s\n", "fault", "cases", "struck", "recovered", "twice", "reopened", "findings"
+        printf "%-20s %9s %9s %9s %9s %9s %9s\n", "fault", "cases", "occurred", "cycled", "twice", "restarted", "findings"
         fflush()
         for (name in names)
             print row(name) | "sort"

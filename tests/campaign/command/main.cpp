@@ -28,10 +28,10 @@ int RunOne(const Case& test_case) {
     for (const std::string& line : log)
         std::cout << line << '\n';
     // All faults were injected; power was cycled, and a second time.
-    const bool struck = result.injected >= test_case.faults.size();
+    const bool occurred = result.injected >= test_case.faults.size();
     std::cout << "RESULT "
               << (test_case.faults.size() == 1 ? test_case.faults.front().kind->name : "pairs")
-              << " 1 " << struck << ' ' << (result.cycles > 0) << ' ' << (result.cycles > 1) << ' '
+              << " 1 " << occurred << ' ' << (result.cycles > 0) << ' ' << (result.cycles > 1) << ' '
               << result.reopened << ' ' << !result.findings.empty() << '\n';
     return Print(test_case, result);
 }
