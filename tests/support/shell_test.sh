@@ -81,7 +81,8 @@ declare -A processes=()
 folder=$(mktemp -d)
 trap 'kill -KILL "${processes[@]}" 2>/dev/null || true; wait; rm -rf "$folder"' EXIT
 cd "$folder"
-export XDG_RUNTIME_DIR=$folder
+# A killed unit leaves its temporary folders.
+export XDG_RUNTIME_DIR=$folder TMPDIR=$folder
 # shellcheck source=/dev/null
 source "$tests/$(basename "$2")"
 "$3"
