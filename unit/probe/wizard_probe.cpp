@@ -1,6 +1,7 @@
 #include "unit/probe/wizard_probe.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/kernel/kernel_lock.h"
 #include "wizard/MainFrm.h"
@@ -38,6 +39,16 @@ const char* Find(const Name (&names)[kCount], int number) {
     return found == std::end(names) ? "?" : found->name;
 }
 
+std::optional<WizardState> ReadLinkedWizard() {
+    const CMainFrame* const frame = g_pMainFrame;
+    if (!frame)
+        return std::nullopt;
+    return WizardState{frame->m_nStep, frame->m_byUpdatePercent, frame->m_byBinVersion,
+                       frame->m_byRunningState, frame->m_szDvrVersion.Load().data()};
+}
+
+std::function<std::optional<WizardState>()> g_read = ReadLinkedWizard;
+
 }  // namespace
 
 std::optional<WizardState> ReadWizard() {
@@ -46,11 +57,11 @@ std::optional<WizardState> ReadWizard() {
     // loop) before it destroys the frame: while this function holds the lock, a frame that it found
     // is valid.
     const platform::kernel::KernelLock lock = platform::kernel::LockKernel();
-    const CMainFrame* const frame = g_pMainFrame;
-    if (!frame)
-        return std::nullopt;
-    return WizardState{frame->m_nStep, frame->m_byUpdatePercent, frame->m_byBinVersion,
-                       frame->m_byRunningState, frame->m_szDvrVersion.Load().data()};
+    return g_read();
+}
+
+void SetWizardReader(std::function<std::optional<WizardState>()> read) {
+    g_read = std::move(read);
 }
 
 const char* WizardStepName(int step) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,10 @@ struct WizardState {
 
 // Empty while the wizard has no window. Any thread, without locks of the platform.
 std::optional<WizardState> ReadWizard();
+
+// Replaces the way to read the state, for a program that is not linked to this one. `read` is
+// called under the kernel lock. Before the program starts.
+void SetWizardReader(std::function<std::optional<WizardState>()> read);
 
 // The names of the wizard's steps and running states; "?" for an unknown number.
 const char* WizardStepName(int step);
