@@ -46,6 +46,9 @@ def convert(image: bytearray) -> None:
     struct.pack_into("<H", image, file_header, MACHINE_THUMB)
     for version in (40, 48):  # of the operating system, of the subsystem
         struct.pack_into("<2H", image, optional_header + version, *VERSION)
+    # The linker takes all code for Thumb code and sets the lowest bit; the entry point is ARM code.
+    entry, = struct.unpack_from("<I", image, optional_header + 16)
+    struct.pack_into("<I", image, optional_header + 16, entry & ~1)
     # The subsystem, and no characteristics of a DLL.
     struct.pack_into("<2H", image, optional_header + 68, SUBSYSTEM_WINDOWS_CE_GUI, 0)
 

@@ -47,8 +47,8 @@ def check_header(image):
         if value != required:
             yield f"{name} is {value:#x}, required is {required:#x}"
     entry = image.OPTIONAL_HEADER.AddressOfEntryPoint
-    if entry % 2 != 1:
-        yield f"the entry point {entry:#x} is not Thumb code"
+    if entry % 4 != 0:
+        yield f"the entry point {entry:#x} is not ARM code"
 
 
 def check_sections(image):
