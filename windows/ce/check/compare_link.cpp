@@ -72,6 +72,7 @@ class EmptyBoard final : public platform::Board {
 class HostLink {
   public:
     static void Init() { Memory_Init(); }
+    static void End() { UART_DeInit(); }
     static void Build(WORD command, const ByteText* payload, WORD length) {
         UART_BuildFrame(command, payload ? payload->data() : nullptr, length);
     }
@@ -94,6 +95,7 @@ class UnitLink {
         : program_(program), processor_(program.MakeProcessor()) {}
 
     void Init() { Call("Memory_Init()", {}); }
+    void End() { Call("UART_DeInit()", {}); }
     void Build(WORD command, const ByteText* payload, WORD length) {
         const Copy copy(*processor_, payload ? payload->data() : nullptr, SizeOf(payload));
         Call("UART_BuildFrame(unsigned short, unsigned char const*, unsigned short)",
@@ -205,6 +207,7 @@ void RunCases(Link link, Transcript& transcript) {
         }
         link.Parse(&chunk, length);
     }
+    link.End();
 }
 
 // The transcript of a run on a platform of its own.

@@ -4,6 +4,8 @@
 
 #include <sys/mman.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "res/program_resources.h"
@@ -88,6 +90,15 @@ std::uint32_t Program::RunThread(Address function, std::initializer_list<std::ui
     } catch (const ThreadEnded& end) {
         return end.exit_code;
     }
+}
+
+Address Program::Symbol(const std::string& name) const {
+    const auto symbol = image_.symbols.find(name);
+    if (symbol != image_.symbols.end())
+        return symbol->second;
+    std::fprintf(stderr, "tolvane-arm: the program has no %s; tools/build-unit builds it anew\n",
+                 name.c_str());
+    std::_Exit(EXIT_FAILURE);
 }
 
 std::optional<unit::WizardState> Program::ReadWizard() {

@@ -37,8 +37,9 @@ class Program {
     // the calling thread a processor.
     void Load();
     std::unique_ptr<Processor> MakeProcessor();
-    // Where a function or a variable is, by its name in the linker's map; the program must have it.
-    Address Symbol(const std::string& name) const { return image_.symbols.at(name); }
+    // Where a function or a variable is, by its name in the linker's map. Ends this process when
+    // the program does not have it: the image was built from other sources.
+    Address Symbol(const std::string& name) const;
 
     // The state of the program's wizard; empty while it has no main frame. Under the kernel lock.
     std::optional<unit::WizardState> ReadWizard();
