@@ -85,6 +85,16 @@ function(tolvane_folder folder)
     endif()
 endfunction()
 
+# tolvane_embed(unit_report tolvane_report_style unit/report/style.css): the file in the target, between the
+# symbols NAME_begin and NAME_end.
+function(tolvane_embed target name path)
+    set(file "${CMAKE_SOURCE_DIR}/${path}")
+    set(source "${CMAKE_BINARY_DIR}/embedded/${name}.S")
+    configure_file("${CMAKE_SOURCE_DIR}/cmake/embedded.S.in" "${source}" @ONLY)
+    target_sources(${target} PRIVATE "${source}")
+    set_source_files_properties("${source}" PROPERTIES OBJECT_DEPENDS "${file}")
+endfunction()
+
 # tolvane_executable(dvrsim dvrsim/program/main.cpp LIBRARIES ...): a command for users; all of them are
 # in one folder of the build tree, so that they find each other. Its target has its name, or
 # NAME_command where a folder has that.

@@ -39,6 +39,8 @@ tolvane convert /no/file
 tolvane --auto convert /no/file --to text
 tolvane --auto --record both.txt --trace ./both.txt
 tolvane --scenario no.scenario --junit no.scenario
+tolvane --headless --report report
+tolvane --auto --report report --log report/update.html
 dvrsim --nope
 dvrsim /dev/a /dev/b
 dvrsim --speed 0

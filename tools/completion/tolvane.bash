@@ -11,7 +11,7 @@ _tolvane() {
     case $before in
     --com9) mapfile -t COMPREPLY < <(compgen -W "sim pty" -- "$word"; compgen -f -- "$word") ;;
     --to) mapfile -t COMPREPLY < <(compgen -W "pcapng perfetto text" -- "$word") ;;
-    --card | --screens | --out) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    --card | --screens | --out | --report) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     *)
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W "$(_tolvane_options "$1" $subcommand)" -- "$word")

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "dvrsim/frame_codec.h"
 #include "dvrsim/protocol.h"
 #include "unit/line/frame_text.h"
 
@@ -14,10 +15,9 @@ constexpr std::size_t kMostShown = 16;
 // A run of stray bytes that does not end becomes several.
 constexpr std::size_t kMostStray = 1024;
 
-std::string StrayText(const std::vector<std::uint8_t>& bytes) {
+std::string FirstBytesText(const std::vector<std::uint8_t>& bytes) {
     const bool all = bytes.size() <= kMostShown;
-    return std::to_string(bytes.size()) + (bytes.size() == 1 ? " stray byte  " : " stray bytes  ") +
-           HexText(std::span(bytes).first(all ? bytes.size() : kMostShown)) + (all ? "" : " ...");
+    return HexText(std::span(bytes).first(all ? bytes.size() : kMostShown)) + (all ? "" : " ...");
 }
 
 std::string ChecksumText(const std::vector<std::uint8_t>& frame) {
@@ -45,15 +45,30 @@ std::span<const std::uint8_t> LineEntry::payload() const {
                                     bytes.size() - kFrameHeaderBytes - kFrameChecksumBytes);
 }
 
+std::optional<int> LineEntry::percent() const {
+    if (checksum_good() && type() == static_cast<std::uint8_t>(dvrsim::FrameType::kIndication) &&
+        code() == static_cast<std::uint16_t>(dvrsim::Command::kFirmwareUpgradeVersion) &&
+        !payload().empty())
+        return payload()[0];
+    return std::nullopt;
+}
+
+std::string LineEntry::StatusText() const {
+    if (kind == Segment::Kind::kStray)
+        return std::to_string(bytes.size()) + (bytes.size() == 1 ? " stray byte" : " stray bytes");
+    if (bytes.size() == kFrameHeaderBytes)
+        return "length " + std::to_string(BigEndianAt(bytes, 5)) + " is impossible";
+    return checksum_good() ? "ok" : ChecksumText(bytes);
+}
+
 std::string LineEntry::Text() const {
     const std::string start = DirectionName(direction) + "  ";
     if (kind == Segment::Kind::kStray)
-        return start + StrayText(bytes);
+        return start + StatusText() + "  " + FirstBytesText(bytes);
     const std::string head = start + FrameTypeName(type()) + "  " + CodeName(code()) + "  ";
     if (bytes.size() == kFrameHeaderBytes)
-        return head + "length " + std::to_string(BigEndianAt(bytes, 5)) + " is impossible";
-    return head + PayloadText(type(), code(), payload()) + "  " +
-           (checksum_good() ? "ok" : ChecksumText(bytes));
+        return head + StatusText();
+    return head + PayloadText(type(), code(), payload()) + "  " + StatusText();
 }
 
 std::vector<LineEntry> FrameMonitor::Take(std::chrono::microseconds time,

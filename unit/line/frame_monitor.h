@@ -27,6 +27,12 @@ struct LineEntry {
     std::span<const std::uint8_t> payload() const;
     bool checksum_good() const { return kind == Segment::Kind::kFrame; }
 
+    // The update's percent, if this is an undamaged report of it.
+    std::optional<int> percent() const;
+
+    // "ok", or what is wrong with the frame or the bytes.
+    std::string StatusText() const;
+
     // "to unit  IND  FW_Upgrade_Version  57 '14.09.01.V1.02.03'  ok", without the time.
     std::string Text() const;
 };

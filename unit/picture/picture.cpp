@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 
 namespace unit {
 namespace {
@@ -28,7 +29,7 @@ std::string SizeText(const Picture& picture) {
 
 }  // namespace
 
-bool WritePng(const Picture& picture, const std::string& path, std::string& problem) {
+std::string EncodePng(const Picture& picture, std::string& problem) {
     std::vector<std::uint8_t> bytes;
     bytes.reserve(picture.pixels.size() * 3);
     for (const std::uint32_t pixel : picture.pixels)
@@ -36,17 +37,35 @@ bool WritePng(const Picture& picture, const std::string& path, std::string& prob
             bytes.push_back(static_cast<std::uint8_t>(pixel >> shift));
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
-    errno = 0;
     image.width = static_cast<png_uint_32>(picture.width);
     image.height = static_cast<png_uint_32>(picture.height);
     image.format = PNG_FORMAT_RGB;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::string png(size, '\0');
+    if (png_image_write_to_memory(&image, png.data(), &size, 0, bytes.data(), 0, nullptr) == 0) {
+        problem = image.message;
+        return {};
+    }
+    png.resize(size);
+    return png;
+}
+
+bool WritePng(const Picture& picture, const std::string& path, std::string& problem) {
+    const std::string png = EncodePng(picture, problem);
+    if (png.empty()) {
+        problem = path + ": " + problem;
+        return false;
+    }
     // Written under another name first: readers find the whole file or none, and two writers do not
     // mix.
     const std::string unfinished = path + "." + std::to_string(getpid()) + ".part";
-    if (png_image_write_to_file(&image, unfinished.c_str(), 0, bytes.data(), 0, nullptr) != 0 &&
-        std::rename(unfinished.c_str(), path.c_str()) == 0)
+    errno = 0;
+    std::ofstream stream(unfinished, std::ios::binary);
+    stream << png;
+    stream.close();
+    if (stream && std::rename(unfinished.c_str(), path.c_str()) == 0)
         return true;
-    problem = path + ": " + (errno != 0 ? std::strerror(errno) : image.message);
+    problem = path + ": " + std::strerror(errno);
     std::remove(unfinished.c_str());
     return false;
 }

@@ -22,6 +22,9 @@ struct Picture {
     bool operator==(const Picture&) const = default;
 };
 
+// The bytes of a PNG with 8 bits a channel; empty, with one line in `problem`, when that fails.
+std::string EncodePng(const Picture& picture, std::string& problem);
+
 // Writes a PNG with 8 bits a channel. False, with one line in `problem`, when that fails.
 bool WritePng(const Picture& picture, const std::string& path, std::string& problem);
 

@@ -60,7 +60,9 @@ class Run {
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
-    ReplayResult ToTheEnd() {
+    ReplayResult ToTheEnd(ReplayObserver* observer) {
+        if (observer)
+            observer->Begin(unit_);
         unit_.Start();
         kernel::RunHostThread([this] { return Ended(); });
         ReplayResult result;
@@ -70,8 +72,12 @@ class Run {
             StopComparing();
         if (Found())
             NoteScreen(result);
+        if (observer)
+            observer->BeforeClose();
         if (!unit_.Close(kCloseLimit))
             result.notes.push_back("the program did not end: " + unit_.leftovers());
+        if (observer)
+            observer->End();
         screens_.CheckAtEnd(kernel::Now());
         expected_.CheckAtEnd(kernel::Now());
         if (Found() && !result.screen)
@@ -232,8 +238,8 @@ std::string DamagedInput(const Recording& recording, const Difference& differenc
 }  // namespace
 
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
-                    const std::function<void(const std::string&)>& say) {
-    return Run(recording, program, log, say).ToTheEnd();
+                    const std::function<void(const std::string&)>& say, ReplayObserver* observer) {
+    return Run(recording, program, log, say).ToTheEnd(observer);
 }
 
 std::string ReplayReport(const Recording& recording, const ReplayResult& result,

@@ -27,10 +27,22 @@ struct ReplayResult {
     std::vector<std::string> notes;
 };
 
+// Sees a replay's unit from its start to its end. Host thread.
+class ReplayObserver {
+  public:
+    virtual ~ReplayObserver() = default;
+    // Before VirtualUnit::Start.
+    virtual void Begin(VirtualUnit& unit) = 0;
+    // Before VirtualUnit::Close, and after it.
+    virtual void BeforeClose() = 0;
+    virtual void End() = 0;
+};
+
 // Runs the program in simulated time against the recording, which replaces operator, DVR and
 // drivers. The calling thread becomes the host thread; no other unit may exist.
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
-                    const std::function<void(const std::string&)>& say);
+                    const std::function<void(const std::string&)>& say,
+                    ReplayObserver* observer = nullptr);
 
 // The result as lines for a person; the first one is the summary, with the words of the verdict and
 // `times` at its end.

@@ -21,14 +21,14 @@ std::uint64_t DigestOf(std::span<const std::uint32_t> pixels) {
     return digest;
 }
 
-ScreenSettled Read(const platform::gdi::Surface& surface) {
+}  // namespace
+
+ScreenSettled ReadScreen(const platform::gdi::Surface& surface) {
     ScreenSettled screen{DigestOf(surface.pixels()), {}};
     for (const platform::gdi::PlacedText& placed : surface.texts())
         screen.texts.push_back(kernel::ToUtf8(placed.text));
     return screen;
 }
-
-}  // namespace
 
 ScreenWatch::ScreenWatch(VirtualUnit& unit, Pace pace, Subscriber subscriber,
                          UnseenSubscriber unseen)
@@ -90,7 +90,7 @@ void ScreenWatch::Look() {
         return;
     }
     lock.unlock();
-    ScreenSettled screen = Read(unit_.Screen());
+    ScreenSettled screen = ReadScreen(unit_.Screen());
     lock.lock();
     // A picture that changed meanwhile may have been read in part; its change has scheduled the
     // next look.

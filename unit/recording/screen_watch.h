@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 
+#include "platform/gdi/surface.h"
 #include "platform/kernel/clock.h"
 #include "platform/kernel/scheduler.h"
 #include "unit/events/event_hub.h"
@@ -11,6 +12,9 @@
 namespace unit {
 
 class VirtualUnit;
+
+// What the graphics plane shows now.
+ScreenSettled ReadScreen(const platform::gdi::Surface& surface);
 
 // Reports each picture of the graphics plane that has been unchanged for long enough and differs
 // from the picture reported before it. A picture that changes while it is read is not reported.

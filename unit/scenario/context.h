@@ -11,6 +11,8 @@
 
 namespace unit {
 
+struct Step;
+
 // How a scenario is run.
 struct RunOptions {
     // The folder for the numbered pictures of `picture`; empty: none are saved.
@@ -22,7 +24,9 @@ struct RunOptions {
     std::uint32_t seed = 1;  // of the unit, for the report
     // Receives a line for the person who runs the scenario.
     std::function<void(const std::string&)> say = [](const std::string&) {};
-    // Receives each command as it begins, and its result.
+    // Receives each command as it begins.
+    std::function<void(const Step&)> began = [](const Step&) {};
+    // Receives the text of each command as it begins, and its result.
     std::function<void(const std::string&)> trace = [](const std::string&) {};
 };
 

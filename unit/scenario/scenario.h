@@ -63,6 +63,12 @@ struct Step {
     std::string Place() const { return file + ":" + std::to_string(line); }
 };
 
+// A file that a scenario was read from.
+struct ScenarioSource {
+    std::string file;
+    std::string text;
+};
+
 // A scenario without errors.
 struct Scenario {
     std::string name;  // of its file, without folder and ending
@@ -70,6 +76,8 @@ struct Scenario {
     // "FILE:LINE: seed 3" of the first of the settings; empty when there are none.
     std::string first_setting;
     std::vector<Step> steps;
+    // Its own file, then each included file once.
+    std::vector<ScenarioSource> sources;
 };
 
 // Reads a file, or a text as if it came from that file. Empty if anything is wrong, with a line for

@@ -57,6 +57,9 @@ void ScenarioReader::ReadText(std::string_view text, const std::string& file) {
     bytes_ += text.size();
     if (text.starts_with(kByteOrderMark))
         text.remove_prefix(kByteOrderMark.size());
+    if (std::ranges::find(scenario_.sources, file, &ScenarioSource::file) ==
+        scenario_.sources.end())
+        scenario_.sources.push_back({file, std::string(text)});
     places_.push_back({file});
     for (std::size_t from = 0; from < text.size() && problems_.size() <= kMaxProblems;) {
         const std::size_t to = std::min(text.find('\n', from), text.size());

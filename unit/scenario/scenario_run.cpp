@@ -1,5 +1,6 @@
 #include "unit/scenario/scenario_run.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -26,6 +27,10 @@ std::string Seconds(kernel::Duration time) {
     char text[32];
     std::snprintf(text, sizeof text, "%.4g s", static_cast<double>(time.count()) / 1e6);
     return text;
+}
+
+std::string PlaceText(const Step& step) {
+    return (step.file.empty() ? "" : step.Place() + ": ") + step.text + ": ";
 }
 
 std::string Joined(const std::vector<std::string>& lines) {
@@ -128,6 +133,7 @@ void ScenarioRun::Poll() {
 }
 
 void ScenarioRun::Begin(const Step& step) {
+    options_.began(step);
     options_.trace(step.text);
     progress_ = Progress{kernel::Now(), 0, 0};
     const Check* const check = std::get_if<Check>(&step.action);
@@ -218,9 +224,9 @@ void ScenarioRun::Finish() {
 }
 
 void ScenarioRun::Fail(const std::string& why) {
-    const bool at_end = position_ == scenario_.steps.size();
-    const Step& step = scenario_.steps[at_end ? position_ - 1 : position_];
-    problem_ = (step.file.empty() ? "" : step.Place() + ": ") + step.text + ": " + why +
+    if (!scenario_.steps.empty())
+        failed_step_ = &scenario_.steps[std::min(position_, scenario_.steps.size() - 1)];
+    problem_ = (failed_step_ ? PlaceText(*failed_step_) : std::string()) + why +
                "\n    on the screen: " + context_.op.TextsOnScreen();
     Finish();
     if (!context_.out.empty())

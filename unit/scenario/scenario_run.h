@@ -29,6 +29,8 @@ class ScenarioRun {
     bool passed() const { return finished_ && problem_.empty(); }
     // "FILE:LINE: COMMAND: what was wrong", then what is on the screen; empty unless failed.
     const std::string& problem() const { return problem_; }
+    // The command that failed; null unless failed, and for a scenario without commands.
+    const Step* failed_step() const { return failed_step_; }
     const Scenario& scenario() const { return scenario_; }
     // The index of the current command; the number of commands after the last one.
     std::size_t position() const { return position_; }
@@ -70,6 +72,7 @@ class ScenarioRun {
     platform::kernel::EventId next_poll_ = 0;
     bool finished_ = false;
     std::string problem_;
+    const Step* failed_step_ = nullptr;
 };
 
 }  // namespace unit

@@ -7,6 +7,7 @@
 #include "control/build_info.h"
 #include "control/local_socket.h"
 #include "control/words.h"
+#include "unit/tolvane/report_files.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/traces/trace_format.h"
 
@@ -136,6 +137,11 @@ void AddOutputs(CLI::App& app, CommandLine& command_line) {
         ->excludes("--replay")
         ->check(CheckTrace)
         ->type_name("FILE");
+    app.add_option(
+           "--report", command_line.report,
+           "Folder for a report of each run of --scenario, --auto or --replay as a page for "
+           "a browser, with its screens, its traffic and its output, and an index.html")
+        ->type_name("DIR");
 }
 
 void AddConvert(CLI::App& app, CommandLine& command_line) {
@@ -204,6 +210,18 @@ bool NameOneFile(const std::string& one, const std::string& other) {
                fs::weakly_canonical(fs::absolute(other, ignored), ignored);
 }
 
+}  // namespace
+
+std::vector<std::string> RunFiles(const CommandLine& command_line) {
+    if (!command_line.replay.empty())
+        return {command_line.replay};
+    if (command_line.automatic)
+        return {kUpdateScenarioFile};
+    return command_line.scenarios;
+}
+
+namespace {
+
 // Two outputs in one file, or an output in a file that is read, would damage it.
 std::string FindSharedFile(const CommandLine& command_line) {
     struct NamedFile {
@@ -214,6 +232,9 @@ std::string FindSharedFile(const CommandLine& command_line) {
                                  {"--record", command_line.record},
                                  {"--trace", command_line.trace},
                                  {"--junit", command_line.junit}};
+    if (!command_line.report.empty())
+        for (const std::string& page : ReportPaths(command_line.report, RunFiles(command_line)))
+            files.push_back({"--report", page});
     const std::size_t outputs = files.size();
     files.push_back({"--replay", command_line.replay});
     for (const std::string& scenario : command_line.scenarios)
@@ -241,6 +262,8 @@ std::string FindConflict(const CLI::App& app, const CommandLine& command_line) {
         return "--log, --record and --trace are allowed with one scenario file only";
     if (!command_line.reset_command.empty() && command_line.line != DvrPort::Line::kTty)
         return "--reset-command is allowed with --com9 PATH only; the simulated DVR needs none";
+    if (!command_line.report.empty() && RunFiles(command_line).empty())
+        return "--report is allowed with --scenario, --auto and --replay only";
     return FindSharedFile(command_line);
 }
 

@@ -37,12 +37,19 @@ struct CommandLine {
     std::string record;
     std::string trace;
     std::string junit;
+    std::string report;
     std::string replay;
     // The subcommand `convert`: a recording, the name of the format, and the file that is written.
     std::string convert;
     std::string convert_to;
     std::string convert_output;
 };
+
+// The name of the built-in scenario of --auto.
+inline constexpr char kUpdateScenarioFile[] = "update.scenario";
+
+// The files of the runs that the command makes by itself: scenarios or a recording.
+std::vector<std::string> RunFiles(const CommandLine& command_line);
 
 // Empty after --help and after a wrong option or value; then the help or the error was printed, and
 // `exit_status` is set.

@@ -1,24 +1,24 @@
 #include "unit/tolvane/unattended_runs.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 
 #include "platform/kernel/scheduler.h"
 #include "unit/recording/recording.h"
 #include "unit/recording/replay.h"
+#include "unit/report/document.h"
+#include "unit/report/run_collector.h"
 #include "unit/scenario/scenario_run.h"
 #include "unit/tolvane/junit.h"
 #include "unit/tolvane/program_output.h"
+#include "unit/tolvane/report_files.h"
 #include "unit/tolvane/run_progress.h"
 #include "unit/workbench/workbench.h"
 
-// Defined in update_scenario.S.
+// The file update.scenario.
 extern "C" const char tolvane_update_scenario_begin[];
 extern "C" const char tolvane_update_scenario_end[];
 
@@ -102,25 +102,43 @@ HostClock::time_point RunOn(VirtualUnit& unit, Operator& op, ScenarioRun& run,
     return over.value_or(HostClock::now());
 }
 
-// Prints the result, too.
-ScenarioResult RunOne(const Scenario& scenario, const CommandLine& command_line,
-                      const Program& program, const CloseSignals& signals, ScenarioWindow& shown) {
-    ScenarioResult result{scenario.name, false, "an output file cannot be written"};
+// What surrounds every scenario's run.
+struct Surroundings {
+    const Program& program;
+    const CloseSignals& signals;
+    ReportFiles& report;
+};
+
+// Prints the result and writes its page, too.
+RunResult RunOne(const Scenario& scenario, std::size_t number, const CommandLine& command_line,
+                 const Surroundings& around, ScenarioWindow& shown) {
+    const auto& [program, signals, report] = around;
+    RunResult result{scenario.name, false, "an output file cannot be written"};
+    const auto give_up = [&] {
+        report.WritePage(number, {result, RunRecord{}});
+        return result;
+    };
     DebugLog log(OutputListener(command_line.verbose));
     if (!command_line.junit.empty())
         log.AddListener([&result](std::chrono::microseconds time, const std::string& line) {
             result.output += TimedLine(time, line) + "\n";
         });
     if (!OpenLog(log, command_line))
-        return result;
+        return give_up();
     const ProgramOutput program_output(LineTaker(command_line.verbose));
     const VirtualUnit::Options options = OptionsFor(scenario, command_line);
     VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
     if (!StartRecording(recorder, command_line))
-        return result;
+        return give_up();
     Operator op(unit, command_line.card);
-    ScenarioRun run(op, scenario, RunOptionsFor(command_line, options));
+    RunCollector collector;
+    RunOptions run_options = RunOptionsFor(command_line, options);
+    if (report.wanted()) {
+        collector.Begin(unit);
+        run_options.began = [&collector](const Step& step) { collector.NoteCommand(step); };
+    }
+    ScenarioRun run(op, scenario, std::move(run_options));
     const auto began = HostClock::now();
     if (shown.progress)
         shown.progress->Begin();
@@ -130,8 +148,15 @@ ScenarioResult RunOne(const Scenario& scenario, const CommandLine& command_line,
     run.Stop(signals.raised()                            ? "interrupted"
              : shown.leave == Workbench::Leave::kRestart ? "restarted"
                                                          : "the window was closed");
+    result.unit_time = run.duration();
+    if (report.wanted())
+        collector.BeforeClose();
     const bool closed = CloseUnit(unit);
+    if (report.wanted())
+        collector.End();
     result.passed = FinishFiles(recorder, log) && closed && run.passed();
+    if (result.passed)
+        result.problem.clear();
     if (!run.passed()) {
         result.problem = run.problem();
         PrintError(run.problem());
@@ -142,24 +167,12 @@ ScenarioResult RunOne(const Scenario& scenario, const CommandLine& command_line,
     if (one || !command_line.quiet)
         PrintResult(
             scenario.name + ": " + VerdictText(result.passed) + ", " +
-            TimesText(run.duration(), result.time) +
+            TimesText(result.unit_time, result.time) +
             (result.passed && run.pictures() > 0
                  ? "; " + std::to_string(run.pictures()) + " pictures in " + command_line.screens
                  : ""));
+    report.WritePage(number, {result, collector.record(), scenario.sources, run.failed_step()});
     return result;
-}
-
-// True without a file. Prints the error when it returns false.
-bool WriteJUnit(const std::vector<ScenarioResult>& results, const std::string& file) {
-    if (file.empty())
-        return true;
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary);
-    stream << JUnitReport(results);
-    stream.close();
-    if (!stream)
-        PrintError(file + ": " + std::strerror(errno));
-    return !stream.fail();
 }
 
 void SavePicture(const Picture& picture, const std::string& folder) {
@@ -199,28 +212,31 @@ int RunScenarios(const CommandLine& command_line, const Program& program,
         PrintError(problem);
     if (!problems.empty())
         return kExitWrongUsage;
+    ReportFiles report(command_line.report, RunFiles(command_line));
+    if (!report.Open())
+        return kExitFailed;
     ScenarioWindow shown;
     if (command_line.window)
         shown.window.emplace(command_line.unit, command_line.kiosk);
     RunProgress progress(scenarios.size());
     if (ShowsProgress(command_line))
         shown.progress = &progress;
-    std::vector<ScenarioResult> results;
+    std::vector<RunResult> results;
     const auto began = HostClock::now();
-    for (auto scenario = scenarios.begin(); scenario != scenarios.end(); ++scenario) {
-        shown.more = std::next(scenario) != scenarios.end();
-        ScenarioResult result;
+    for (std::size_t number = 0; number < scenarios.size(); ++number) {
+        shown.more = number + 1 < scenarios.size();
+        RunResult result;
         int run = 1;
         do {
-            result =
-                RunOne(*scenario, NumberedOutputs(command_line, run++), program, signals, shown);
+            result = RunOne(scenarios[number], number, NumberedOutputs(command_line, run++),
+                            {program, signals, report}, shown);
         } while (shown.leave == Workbench::Leave::kRestart);
         results.push_back(std::move(result));
         // The rest is not run.
         if (signals.raised() || (shown.more && shown.leave == Workbench::Leave::kClosed))
             break;
     }
-    const auto passed = std::size_t(std::ranges::count(results, true, &ScenarioResult::passed));
+    const auto passed = std::size_t(std::ranges::count(results, true, &RunResult::passed));
     if (scenarios.size() > 1) {
         const std::chrono::duration<double> took = HostClock::now() - began;
         char time[32];
@@ -230,8 +246,10 @@ int RunScenarios(const CommandLine& command_line, const Program& program,
                                                                 " passed") +
                     time);
     }
-    const bool reported = WriteJUnit(results, command_line.junit);
-    return reported && passed == scenarios.size() ? EXIT_SUCCESS : kExitFailed;
+    report.WriteIndex(results);
+    const bool reported =
+        command_line.junit.empty() || WriteTextFile(command_line.junit, JUnitReport(results));
+    return reported && report.complete() && passed == scenarios.size() ? EXIT_SUCCESS : kExitFailed;
 }
 
 int RunAutomatically(const CommandLine& command_line, const Program& program,
@@ -241,16 +259,20 @@ int RunAutomatically(const CommandLine& command_line, const Program& program,
     if (with_pictures.screens.empty())
         with_pictures.screens = "out/screens";
     std::vector<std::string> problems;
-    const auto scenario = ReadScenario(std::string(UpdateScenario()), "update.scenario", problems);
+    const auto scenario =
+        ReadScenario(std::string(UpdateScenario()), kUpdateScenarioFile, problems);
     for (const std::string& problem : problems)
         PrintError(problem);
     ScenarioWindow none;
     RunProgress progress(1);
     if (ShowsProgress(command_line))
         none.progress = &progress;
-    return scenario && RunOne(*scenario, with_pictures, program, signals, none).passed
-               ? EXIT_SUCCESS
-               : kExitFailed;
+    ReportFiles report(command_line.report, RunFiles(command_line));
+    if (!scenario || !report.Open())
+        return kExitFailed;
+    const RunResult result = RunOne(*scenario, 0, with_pictures, {program, signals, report}, none);
+    report.WriteIndex({&result, 1});
+    return result.passed && report.complete() ? EXIT_SUCCESS : kExitFailed;
 }
 
 int RunReplay(const CommandLine& command_line, const Program& program) {
@@ -264,14 +286,29 @@ int RunReplay(const CommandLine& command_line, const Program& program) {
         PrintError(problem);
         return kExitWrongUsage;
     }
+    ReportFiles report(command_line.report, RunFiles(command_line));
+    if (!report.Open())
+        return kExitFailed;
+    RunCollector collector;
     const auto began = HostClock::now();
-    const ReplayResult result = Replay(*recording, program, log, PrintNotice);
+    const ReplayResult result =
+        Replay(*recording, program, log, PrintNotice, report.wanted() ? &collector : nullptr);
+    const HostClock::duration took = HostClock::now() - began;
     if (!log.problem().empty())
         PrintError(log.problem());
     PrintResult(ReplayReport(*recording, result, VerdictText(!result.difference),
-                             TimesText(result.time, HostClock::now() - began)));
+                             TimesText(result.time, took)));
+    RunResult run{RunName(command_line.replay), !result.difference && log.problem().empty(),
+                  log.problem(), result.time, took};
+    if (result.difference)
+        run.problem =
+            ReplayReport(*recording, result, VerdictWord(false), TimesText(result.time, took));
+    if (report.wanted())
+        collector.NoteRecorded(*recording);
+    report.WritePage(0, {run, collector.record()});
+    report.WriteIndex({&run, 1});
     if (!result.difference)
-        return log.problem().empty() ? EXIT_SUCCESS : kExitFailed;
+        return run.passed && report.complete() ? EXIT_SUCCESS : kExitFailed;
     if (result.screen)
         SavePicture(*result.screen,
                     command_line.screens.empty() ? "out/screens" : command_line.screens);

@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "control/build_info.h"
-#include "dvrsim/frame_codec.h"
-#include "dvrsim/protocol.h"
 #include "unit/events/event_text.h"
 #include "unit/line/frame_text.h"
 #include "unit/line/memory_line.h"
@@ -59,15 +57,6 @@ Json Metadata(const char* what, Track track, Json arguments) {
 // A text of the unit may not be UTF-8.
 std::string TextOfJson(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-std::optional<int> PercentOf(const LineEntry& entry) {
-    if (entry.checksum_good() &&
-        entry.type() == static_cast<std::uint8_t>(dvrsim::FrameType::kIndication) &&
-        entry.code() == static_cast<std::uint16_t>(dvrsim::Command::kFirmwareUpgradeVersion) &&
-        !entry.payload().empty())
-        return entry.payload()[0];
-    return std::nullopt;
 }
 
 std::string FrameTitle(const LineEntry& entry) {
@@ -160,7 +149,7 @@ void PerfettoEncoder::Take(microseconds time, const LineEntry& entry) {
     event["dur"] = (busy_until - begin).count();
     event["args"] = {{"frame", entry.Text()}, {"bytes", HexText(entry.bytes)}};
     AddObject(TextOfJson(event));
-    if (const auto percent = PercentOf(entry))
+    if (const auto percent = entry.percent())
         AddCounter(time, "update percent", *percent);
 }
 

@@ -14,9 +14,6 @@ using platform::kernel::ToUtf8;
 // The limit for events between two calls of Update; later ones are dropped.
 constexpr std::size_t kMostNotes = 50'000;
 
-constexpr std::uint16_t kUpgradeVersion = 0x002E;
-constexpr std::uint8_t kIndication = 0x80;
-
 }  // namespace
 
 History::History(EventHub& events)
@@ -59,9 +56,8 @@ void History::File(const TimedEvent& event) {
 }
 
 void History::FileFrame(LineEntry entry) {
-    if (entry.checksum_good() && entry.type() == kIndication &&
-        entry.command() == kUpgradeVersion && !entry.payload().empty())
-        percents_.Add({entry.time, entry.payload()[0]});
+    if (const auto percent = entry.percent())
+        percents_.Add({entry.time, *percent});
     traffic_.Add(std::move(entry));
 }
 
