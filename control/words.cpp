@@ -186,6 +186,16 @@ std::string JoinWords(const std::vector<std::string>& words) {
     return line;
 }
 
+std::string ListText(const std::vector<std::string_view>& words) {
+    std::string text;
+    for (std::size_t place = 0; place < words.size(); ++place) {
+        if (place > 0)
+            text += place + 1 == words.size() ? " and " : ", ";
+        text += words[place];
+    }
+    return text;
+}
+
 std::string_view ClosestWord(std::string_view word,
                              const std::vector<std::string_view>& candidates) {
     std::string_view closest;

@@ -20,6 +20,9 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line, std::s
 std::string QuoteWord(std::string_view word);
 std::string JoinWords(const std::vector<std::string>& words);
 
+// "one, two and three"
+std::string ListText(const std::vector<std::string_view>& words);
+
 // The candidate that the word is most likely a misspelling of; empty if none is close.
 std::string_view ClosestWord(std::string_view word,
                              const std::vector<std::string_view>& candidates);

@@ -60,8 +60,8 @@ class Run {
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
-    ReplayResult ToTheEnd(ReplayObserver* observer) {
-        if (observer)
+    ReplayResult ToTheEnd(const std::vector<ReplayObserver*>& observers) {
+        for (ReplayObserver* const observer : observers)
             observer->Begin(unit_);
         unit_.Start();
         kernel::RunHostThread([this] { return Ended(); });
@@ -72,11 +72,11 @@ class Run {
             StopComparing();
         if (Found())
             NoteScreen(result);
-        if (observer)
+        for (ReplayObserver* const observer : observers)
             observer->BeforeClose();
         if (!unit_.Close(kCloseLimit))
             result.notes.push_back("the program did not end: " + unit_.leftovers());
-        if (observer)
+        for (ReplayObserver* const observer : observers)
             observer->End();
         screens_.CheckAtEnd(kernel::Now());
         expected_.CheckAtEnd(kernel::Now());
@@ -238,8 +238,9 @@ std::string DamagedInput(const Recording& recording, const Difference& differenc
 }  // namespace
 
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
-                    const std::function<void(const std::string&)>& say, ReplayObserver* observer) {
-    return Run(recording, program, log, say).ToTheEnd(observer);
+                    const std::function<void(const std::string&)>& say,
+                    const std::vector<ReplayObserver*>& observers) {
+    return Run(recording, program, log, say).ToTheEnd(observers);
 }
 
 std::string ReplayReport(const Recording& recording, const ReplayResult& result,

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "unit/board/virtual_unit.h"
 #include "unit/recording/expected_output.h"
@@ -42,7 +43,7 @@ class ReplayObserver {
 // drivers. The calling thread becomes the host thread; no other unit may exist.
 ReplayResult Replay(const Recording& recording, const Program& program, DebugLog& log,
                     const std::function<void(const std::string&)>& say,
-                    ReplayObserver* observer = nullptr);
+                    const std::vector<ReplayObserver*>& observers = {});
 
 // The result as lines for a person; the first one is the summary, with the words of the verdict and
 // `times` at its end.

@@ -10,6 +10,7 @@
 #include "unit/tolvane/report_files.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/traces/trace_format.h"
+#include "unit/video/video_format.h"
 
 namespace unit {
 namespace {
@@ -37,6 +38,12 @@ std::string CheckTrace(const std::string& value) {
     if (TraceFormatOf(value))
         return {};
     return "'" + value + "' is not allowed; allowed are files that end with " + TraceEndings();
+}
+
+std::string CheckVideo(const std::string& value) {
+    if (VideoFormatOf(value))
+        return {};
+    return "'" + value + "' is not allowed; allowed are files that end with " + VideoEndings();
 }
 
 std::string CheckFormat(const std::string& value) {
@@ -142,6 +149,16 @@ void AddOutputs(CLI::App& app, CommandLine& command_line) {
            "Folder for a report of each run of --scenario, --auto or --replay as a page for "
            "a browser, with its screens, its traffic and its output, and an index.html")
         ->type_name("DIR");
+    app.add_option("--video", command_line.video,
+                   "File for a video of the unit's screen, by its ending: " + VideoEndings() +
+                       "; ffmpeg encodes it")
+        ->check(CheckVideo)
+        ->type_name("FILE");
+    app.add_option("--video-speed", command_line.video_speed,
+                   "Let the video play N times as fast as the unit's time, 0.1 to 1000 (default 1)")
+        ->needs("--video")
+        ->check(Within(kSlowest, kFastest, "a number from 0.1 to 1000"))
+        ->type_name("N");
 }
 
 void AddConvert(CLI::App& app, CommandLine& command_line) {
@@ -231,6 +248,7 @@ std::string FindSharedFile(const CommandLine& command_line) {
     std::vector<NamedFile> files{{"--log", command_line.log},
                                  {"--record", command_line.record},
                                  {"--trace", command_line.trace},
+                                 {"--video", command_line.video},
                                  {"--junit", command_line.junit}};
     if (!command_line.report.empty())
         for (const std::string& page : ReportPaths(command_line.report, RunFiles(command_line)))
@@ -258,8 +276,9 @@ std::string FindConflict(const CLI::App& app, const CommandLine& command_line) {
                        " is not allowed with convert; allowed are the options "
                        "that tolvane convert --help lists";
     if (command_line.scenarios.size() > 1 &&
-        (!command_line.log.empty() || !command_line.record.empty() || !command_line.trace.empty()))
-        return "--log, --record and --trace are allowed with one scenario file only";
+        (!command_line.log.empty() || !command_line.record.empty() || !command_line.trace.empty() ||
+         !command_line.video.empty()))
+        return "--log, --record, --trace and --video are allowed with one scenario file only";
     if (!command_line.reset_command.empty() && command_line.line != DvrPort::Line::kTty)
         return "--reset-command is allowed with --com9 PATH only; the simulated DVR needs none";
     if (!command_line.report.empty() && RunFiles(command_line).empty())

@@ -36,6 +36,8 @@ struct CommandLine {
     bool help_scenarios = false;
     std::string record;
     std::string trace;
+    std::string video;
+    double video_speed = 1;
     std::string junit;
     std::string report;
     std::string replay;

@@ -18,6 +18,7 @@
 #include "unit/tolvane/program_output.h"
 #include "unit/tolvane/run_unit.h"
 #include "unit/tolvane/unattended_runs.h"
+#include "unit/video/video_recorder.h"
 #include "unit/workbench/desktop_window.h"
 #include "unit/workbench/workbench.h"
 
@@ -82,7 +83,8 @@ int RunUnit(const CommandLine& command_line, const Program& program, const Close
     const VirtualUnit::Options options = UnitOptions(command_line);
     VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
-    if (!StartRecording(recorder, command_line))
+    VideoRecorder video;
+    if (!StartRecording(unit, recorder, video, command_line))
         return kExitFailed;
     Operator op(unit, command_line.card);
     op.AllowEnding();
@@ -92,7 +94,7 @@ int RunUnit(const CommandLine& command_line, const Program& program, const Close
                            : RunInWindow(unit, op, links, command_line, signals, window, leave);
     if (op.ending() == Operator::Ending::kRestart && !signals.raised())
         leave = Workbench::Leave::kRestart;
-    return FinishFiles(recorder, log) ? status : kExitFailed;
+    return FinishFiles(recorder, video, log) ? status : kExitFailed;
 }
 
 int RunWithOperator(const CommandLine& command_line, const Program& program,

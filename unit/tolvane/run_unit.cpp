@@ -140,12 +140,11 @@ CommandLine NumberedOutputs(CommandLine command_line, int run) {
     for (std::string* const file : {&command_line.log, &command_line.record})
         if (!file->empty())
             *file += number;
-    // The ending of a trace is its format.
-    if (!command_line.trace.empty()) {
-        const std::filesystem::path file = command_line.trace;
-        command_line.trace.insert(command_line.trace.size() - file.extension().string().size(),
-                                  number);
-    }
+    // The ending of a trace or a video is its format.
+    for (std::string* const file : {&command_line.trace, &command_line.video})
+        if (!file->empty())
+            file->insert(file->size() - std::filesystem::path(*file).extension().string().size(),
+                         number);
     return command_line;
 }
 
@@ -157,7 +156,11 @@ bool OpenLog(DebugLog& log, const CommandLine& command_line) {
     return false;
 }
 
-bool StartRecording(Recorder& recorder, const CommandLine& command_line) {
+bool StartRecording(VirtualUnit& unit, Recorder& recorder, VideoRecorder& video,
+                    const CommandLine& command_line) {
+    if (!OpenVideo(video, command_line))
+        return false;
+    video.Begin(unit);
     std::string problem;
     if ((command_line.record.empty() && command_line.trace.empty()) ||
         recorder.Start({command_line.record, command_line.trace}, problem))
@@ -166,11 +169,21 @@ bool StartRecording(Recorder& recorder, const CommandLine& command_line) {
     return false;
 }
 
-bool FinishFiles(Recorder& recorder, const DebugLog& log) {
+bool OpenVideo(VideoRecorder& video, const CommandLine& command_line) {
+    std::string problem;
+    if (command_line.video.empty() ||
+        video.Open(command_line.video, command_line.video_speed, problem))
+        return true;
+    PrintError(problem);
+    return false;
+}
+
+bool FinishFiles(Recorder& recorder, VideoRecorder& video, const DebugLog& log) {
     const std::string problem = log.problem();
     if (!problem.empty())
         PrintError(problem);
-    return recorder.Finish() && problem.empty();
+    const bool recorded = recorder.Finish();
+    return video.Finish() && recorded && problem.empty();
 }
 
 bool CloseUnit(VirtualUnit& unit) {

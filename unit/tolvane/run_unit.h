@@ -9,6 +9,7 @@
 #include "unit/board/virtual_unit.h"
 #include "unit/recording/recorder.h"
 #include "unit/tolvane/command_line.h"
+#include "unit/video/video_recorder.h"
 
 namespace unit {
 
@@ -51,16 +52,20 @@ VirtualUnit::Options UnitOptions(const CommandLine& command_line);
 void SetSeed(VirtualUnit::Options& options, std::uint32_t seed);
 
 // The command line for a unit that was restarted so many times less one: later runs get files of
-// their own for --log and --record ("run.log" becomes "run.log.2"), and for --trace ("run.2.json").
+// their own for --log and --record ("run.log" becomes "run.log.2"), and for --trace and --video
+// ("run.2.json").
 CommandLine NumberedOutputs(CommandLine command_line, int run);
 
 // Opens the file of --log; true without one. Prints the error when it returns false.
 bool OpenLog(DebugLog& log, const CommandLine& command_line);
-// Starts the files of --record and --trace; true without them. Prints the error when it returns
-// false.
-bool StartRecording(Recorder& recorder, const CommandLine& command_line);
+// Starts the files of --record, --trace and --video; true without them. Prints the error when it
+// returns false.
+bool StartRecording(VirtualUnit& unit, Recorder& recorder, VideoRecorder& video,
+                    const CommandLine& command_line);
+// The first step for --video alone, before there is a unit.
+bool OpenVideo(VideoRecorder& video, const CommandLine& command_line);
 // False when one of these files is not complete; prints the problem.
-bool FinishFiles(Recorder& recorder, const DebugLog& log);
+bool FinishFiles(Recorder& recorder, VideoRecorder& video, const DebugLog& log);
 
 // Closes the program; true when it left nothing open, else prints what. When the program does not
 // end, it ends the process.

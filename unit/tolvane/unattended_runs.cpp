@@ -129,7 +129,8 @@ RunResult RunOne(const Scenario& scenario, std::size_t number, const CommandLine
     const VirtualUnit::Options options = OptionsFor(scenario, command_line);
     VirtualUnit unit(options, program, log, PrintNotice);
     Recorder recorder(unit, options);
-    if (!StartRecording(recorder, command_line))
+    VideoRecorder video;
+    if (!StartRecording(unit, recorder, video, command_line))
         return give_up();
     Operator op(unit, command_line.card);
     RunCollector collector;
@@ -154,7 +155,7 @@ RunResult RunOne(const Scenario& scenario, std::size_t number, const CommandLine
     const bool closed = CloseUnit(unit);
     if (report.wanted())
         collector.End();
-    result.passed = FinishFiles(recorder, log) && closed && run.passed();
+    result.passed = FinishFiles(recorder, video, log) && closed && run.passed();
     if (result.passed)
         result.problem.clear();
     if (!run.passed()) {
@@ -174,6 +175,19 @@ RunResult RunOne(const Scenario& scenario, std::size_t number, const CommandLine
     report.WritePage(number, {result, collector.record(), scenario.sources, run.failed_step()});
     return result;
 }
+
+class ReplayVideo final : public ReplayObserver {
+  public:
+    bool Open(const CommandLine& command_line) { return OpenVideo(video_, command_line); }
+    void Begin(VirtualUnit& unit) override { video_.Begin(unit); }
+    void BeforeClose() override {}
+    void End() override { complete_ = video_.Finish(); }
+    bool complete() const { return complete_; }
+
+  private:
+    VideoRecorder video_;
+    bool complete_ = false;
+};
 
 void SavePicture(const Picture& picture, const std::string& folder) {
     std::error_code error;
@@ -289,10 +303,15 @@ int RunReplay(const CommandLine& command_line, const Program& program) {
     ReportFiles report(command_line.report, RunFiles(command_line));
     if (!report.Open())
         return kExitFailed;
+    ReplayVideo video;
+    if (!video.Open(command_line))
+        return kExitFailed;
     RunCollector collector;
+    std::vector<ReplayObserver*> observers = {&video};
+    if (report.wanted())
+        observers.push_back(&collector);
     const auto began = HostClock::now();
-    const ReplayResult result =
-        Replay(*recording, program, log, PrintNotice, report.wanted() ? &collector : nullptr);
+    const ReplayResult result = Replay(*recording, program, log, PrintNotice, observers);
     const HostClock::duration took = HostClock::now() - began;
     if (!log.problem().empty())
         PrintError(log.problem());
@@ -308,7 +327,7 @@ int RunReplay(const CommandLine& command_line, const Program& program) {
     report.WritePage(0, {run, collector.record()});
     report.WriteIndex({&run, 1});
     if (!result.difference)
-        return run.passed && report.complete() ? EXIT_SUCCESS : kExitFailed;
+        return run.passed && report.complete() && video.complete() ? EXIT_SUCCESS : kExitFailed;
     if (result.screen)
         SavePicture(*result.screen,
                     command_line.screens.empty() ? "out/screens" : command_line.screens);

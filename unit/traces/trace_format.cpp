@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
+
+#include "control/words.h"
 
 namespace unit {
 namespace {
@@ -18,13 +21,10 @@ constexpr FormatRow kFormats[] = {
 };
 
 std::string Listed(std::string_view FormatRow::*column) {
-    std::string text;
-    for (const FormatRow& row : kFormats) {
-        if (&row != std::begin(kFormats))
-            text += &row == std::prev(std::end(kFormats)) ? " and " : ", ";
-        text += row.*column;
-    }
-    return text;
+    std::vector<std::string_view> words;
+    for (const FormatRow& row : kFormats)
+        words.push_back(row.*column);
+    return control::ListText(words);
 }
 
 template <class Matches>
