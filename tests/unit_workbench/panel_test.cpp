@@ -33,8 +33,8 @@ class PanelTest : public testing::Test {
         const ImVec2 size = {static_cast<float>(width), static_cast<float>(height)};
         ImGui::GetIO().DisplaySize = size;
         ImGui::NewFrame();
-        const unit::Layout layout = unit::PlaceAll(size.x, size.y, 1, 262, unit::Scaling::kWhole,
-                                                   context_.bar_height);
+        const unit::Layout layout =
+            unit::PlaceAll(size.x, size.y, 1, 262, unit::Scaling::kWhole, context_.bar_height);
         panel_.Draw(context_, layout);
         unit::DrawFirstRunCard(context_, layout.screen);
         ImGui::Render();

@@ -31,8 +31,8 @@ int RunOne(const Case& test_case) {
     const bool occurred = result.injected >= test_case.faults.size();
     std::cout << "RESULT "
               << (test_case.faults.size() == 1 ? test_case.faults.front().kind->name : "pairs")
-              << " 1 " << occurred << ' ' << (result.cycles > 0) << ' ' << (result.cycles > 1) << ' '
-              << result.reopened << ' ' << !result.findings.empty() << '\n';
+              << " 1 " << occurred << ' ' << (result.cycles > 0) << ' ' << (result.cycles > 1)
+              << ' ' << result.reopened << ' ' << !result.findings.empty() << '\n';
     return Print(test_case, result);
 }
 
