@@ -55,6 +55,7 @@ int Spawn(std::vector<std::string> arguments, int input, int messages, pid_t& ch
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes, &none);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments)
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);
